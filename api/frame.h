@@ -1,0 +1,53 @@
+#pragma once
+
+#include "runtime/driver_session.h"
+
+#include <IviCShared.h>
+
+/// The frame that every exported function on a session runs in.
+///
+/// Nothing in it catches or guards: an exception of the instrument layer leaves the exported function with the session
+/// still locked and nothing recorded.
+namespace api
+{
+
+/// The driver session behind a handle; null for a handle that has none.
+inline drivekit::DriverSession* sessionOf(ViSession vi)
+{
+    ViAddr data = nullptr;
+    return IviSession_GetDataPtr(vi, &data) < 0 ? nullptr : static_cast<drivekit::DriverSession*>(data);
+}
+
+/// Runs `body()` with the session locked and returns its status. kErrorInvalidSession, unrecorded, for a handle without
+/// a session; the lock's own status when it cannot be taken.
+template <class Body>
+ViStatus framed(ViSession vi, Body body)
+{
+    if (sessionOf(vi) == nullptr)
+        return drivekit::kErrorInvalidSession;
+    const ViStatus locked = IviSession_Lock(vi, VI_NULL);
+    if (locked < 0)
+        return locked;
+    const ViStatus status = body();
+    IviSession_Unlock(vi, VI_NULL);
+    return status;
+}
+
+/// As framed(), for a body that takes the session. It is looked up once more under the lock: another thread may have
+/// closed it while this one waited.
+template <class Body>
+ViStatus framedSession(ViSession vi, Body body)
+{
+    return framed(vi, [&]() -> ViStatus {
+        drivekit::DriverSession* const session = sessionOf(vi);
+        return session == nullptr ? drivekit::kErrorInvalidSession : body(*session);
+    });
+}
+
+/// Records a failure that the instrument object has returned; every other status passes through.
+inline ViStatus recordFailure(drivekit::DriverSession& session, ViStatus status)
+{
+    return status < 0 ? session.ReportError(status) : status;
+}
+
+} // namespace api

@@ -1,0 +1,210 @@
+#include "api/KVX2800T.h"
+
+#include "api/arguments.h"
+#include "api/frame.h"
+#include "runtime/close_listeners.h"
+#include "runtime/driver_identity.h"
+#include "runtime/kvx2800t_driver_session.h"
+
+#include <string>
+
+using drivekit::DriverSession;
+
+namespace
+{
+
+std::string textOrEmpty(const ViChar* text)
+{
+    return text == nullptr ? std::string() : std::string(text);
+}
+
+/// A session for a new handle. After a failure the handle stays with the session service, without its session.
+ViStatus createSession(ViRsrc resourceName, ViBoolean idQuery, ViBoolean reset, ViConstString optionString,
+                       ViSession* vi)
+{
+    if (vi == nullptr)
+        return drivekit::kErrorNullPointer;
+    *vi = VI_NULL;
+    ViStatus status = IviSession_New(vi);
+    if (status < 0)
+        return status;
+    // KVX2800T_close deletes it; the session service holds nothing but the pointer.
+    DriverSession* const session = new KVX2800TDriverSession(*vi);
+    status = IviSession_SetDataPtr(*vi, session);
+    if (status >= 0)
+        status = session->Initialize(textOrEmpty(resourceName), idQuery == VI_TRUE, reset == VI_TRUE,
+                                     textOrEmpty(optionString));
+    if (status < 0) {
+        delete session;
+        *vi = VI_NULL;
+    }
+    return status;
+}
+
+/// Resets the instrument of a new session when asked to, whatever comes of it.
+ViStatus finishInit(ViBoolean reset, ViSession vi)
+{
+    ViAddr data = nullptr;
+    const ViStatus status = IviSession_GetDataPtr(vi, &data);
+    if (status < 0)
+        return status;
+    if (data == nullptr)
+        return drivekit::kErrorInvalidSession;
+    if (reset != VI_FALSE)
+        static_cast<DriverSession*>(data)->instrument()->reset();
+    return status;
+}
+
+ViStatus initialize(ViRsrc resourceName, ViBoolean idQuery, ViBoolean reset, ViConstString optionString, ViSession* vi)
+{
+    const ViStatus status = createSession(resourceName, idQuery, reset, optionString, vi);
+    return status < 0 ? status : finishInit(reset, *vi);
+}
+
+ViStatus resetInstrument(ViSession vi)
+{
+    return api::framedSession(
+        vi, [](DriverSession& session) { return api::recordFailure(session, session.instrument()->reset()); });
+}
+
+std::string instrumentRevision(const DriverSession& session)
+{
+    if (session.simulate())
+        return "Sim" + std::string(drivekit::kDriverRevision);
+    return session.instrument()->identity()->firmwareRevision;
+}
+
+ViStatus reportUnknownCode(ViSession vi, ViStatus code)
+{
+    if (vi == VI_NULL)
+        return drivekit::kErrorInvalidValue;
+    return drivekit::ReportErrorWithElaboration(vi, drivekit::kErrorInvalidValue,
+                                                "The error code supplied is not defined by the driver.",
+                                                {drivekit::DecimalArgument(code), "error_message", "ErrorCode"});
+}
+
+} // namespace
+
+ViStatus _VI_FUNC KVX2800T_init(ViRsrc ResourceName, ViBoolean IdQuery, ViBoolean Reset, ViSession* Vi)
+{
+    return initialize(ResourceName, IdQuery, Reset, "", Vi);
+}
+
+ViStatus _VI_FUNC KVX2800T_InitWithOptions(ViRsrc ResourceName, ViBoolean IdQuery, ViBoolean Reset,
+                                           ViConstString OptionString, ViSession* Vi)
+{
+    return initialize(ResourceName, IdQuery, Reset, OptionString, Vi);
+}
+
+ViStatus _VI_FUNC KVX2800T_close(ViSession Vi)
+{
+    ViAddr data = nullptr;
+    if (IviSession_GetDataPtr(Vi, &data) < 0)
+        return drivekit::kErrorInvalidSession;
+    drivekit::notifyCloseListeners(Vi);
+    const ViStatus status = IviSession_GetDataPtr(Vi, &data);
+    if (status < 0 || data == nullptr)
+        return status;
+    auto* const session = static_cast<DriverSession*>(data);
+    session->Close();
+    delete session;
+    return IviSession_Dispose(Vi);
+}
+
+ViStatus _VI_FUNC KVX2800T_LockSession(ViSession Vi, ViBoolean* CallerHasLock)
+{
+    return api::framed(Vi, [&] { return IviSession_Lock(Vi, CallerHasLock); });
+}
+
+ViStatus _VI_FUNC KVX2800T_UnlockSession(ViSession Vi, ViBoolean* CallerHasLock)
+{
+    return api::framed(Vi, [&] { return IviSession_Unlock(Vi, CallerHasLock); });
+}
+
+ViStatus _VI_FUNC KVX2800T_GetError(ViSession Vi, ViStatus* ErrorCode, ViInt32 ErrorDescriptionBufferSize,
+                                    ViChar ErrorDescription[])
+{
+    return IviSession_GetError(Vi, ErrorDescriptionBufferSize, ErrorCode, ErrorDescription);
+}
+
+ViStatus _VI_FUNC KVX2800T_ClearError(ViSession Vi)
+{
+    return IviSession_ClearError(Vi);
+}
+
+ViStatus _VI_FUNC KVX2800T_error_message(ViSession Vi, ViStatus ErrorCode, ViChar ErrorMessage[])
+{
+    const ViStatus status = api::checkPointers(Vi, "KVX2800T_error_message", "ErrorMessage", ErrorMessage);
+    if (status < 0)
+        return status;
+    const std::string_view message = drivekit::GetErrorMessage(ErrorCode);
+    if (message.empty())
+        return reportUnknownCode(Vi, ErrorCode);
+    api::copyText(ErrorMessage, api::kTextBufferSize, message);
+    return VI_SUCCESS;
+}
+
+ViStatus _VI_FUNC KVX2800T_error_query(ViSession Vi, ViInt32* ErrorCode, ViChar ErrorMessage[])
+{
+    return api::framedSession(Vi, [&](DriverSession& session) {
+        ViStatus status =
+            api::checkPointers(Vi, "KVX2800T_error_query", "ErrorCode, ErrorMessage", ErrorCode, ErrorMessage);
+        if (status < 0)
+            return status;
+        ViInt32 code = 0;
+        std::string message;
+        status = session.instrument()->nextError(code, message);
+        if (status == VI_SUCCESS) {
+            *ErrorCode = code;
+            api::copyText(ErrorMessage, api::kTextBufferSize, message);
+        }
+        return api::recordFailure(session, status);
+    });
+}
+
+ViStatus _VI_FUNC KVX2800T_reset(ViSession Vi)
+{
+    return resetInstrument(Vi);
+}
+
+ViStatus _VI_FUNC KVX2800T_ResetWithDefaults(ViSession Vi)
+{
+    return resetInstrument(Vi);
+}
+
+ViStatus _VI_FUNC KVX2800T_Disable(ViSession Vi)
+{
+    return api::framedSession(Vi, [](DriverSession& session) {
+        return api::recordFailure(session, session.instrument()->writeRaw(":OUTPut:STATe ALL,OFF"));
+    });
+}
+
+ViStatus _VI_FUNC KVX2800T_self_test(ViSession Vi, ViInt16* TestResult, ViChar TestMessage[])
+{
+    return api::framed(Vi, [&] {
+        const ViStatus status =
+            api::checkPointers(Vi, "KVX2800T_self_test", "TestResult, TestMessage", TestResult, TestMessage);
+        return status < 0 ? status : drivekit::kWarnSelfTestNotSupported;
+    });
+}
+
+ViStatus _VI_FUNC KVX2800T_revision_query(ViSession Vi, ViChar DriverRev[], ViChar InstrRev[])
+{
+    return api::framedSession(Vi, [&](DriverSession& session) {
+        const ViStatus status =
+            api::checkPointers(Vi, "KVX2800T_revision_query", "DriverRev, InstrRev", DriverRev, InstrRev);
+        if (status < 0)
+            return status;
+        api::copyText(DriverRev, api::kTextBufferSize, drivekit::kDriverRevision);
+        api::copyText(InstrRev, api::kTextBufferSize, instrumentRevision(session));
+        return status;
+    });
+}
+
+ViStatus _VI_FUNC KVX2800T_InvalidateAllAttributes(ViSession Vi)
+{
+    return api::framedSession(Vi, [](DriverSession& session) -> ViStatus {
+        session.InvalidateAllAttributes();
+        return VI_SUCCESS;
+    });
+}

@@ -1,0 +1,116 @@
+#include "api/KVX2800T.h"
+#include "instrument/command_text.h"
+#include "instrument/reply_parsing.h"
+
+#include <IviCShared.h>
+
+#include <benchmark/benchmark.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+
+namespace
+{
+
+/// A simulated session for as long as a benchmark runs.
+class SimulatedSession
+{
+public:
+    SimulatedSession()
+    {
+        if (KVX2800T_InitWithOptions(nullptr, VI_FALSE, VI_FALSE, "Simulate=1", &vi_) < 0)
+            std::abort();
+    }
+    SimulatedSession(const SimulatedSession&) = delete;
+    SimulatedSession& operator=(const SimulatedSession&) = delete;
+    ~SimulatedSession() { KVX2800T_close(vi_); }
+
+    ViSession vi() const { return vi_; }
+
+private:
+    ViSession vi_ = VI_NULL;
+};
+
+void composeLevelBaseline(benchmark::State& state)
+{
+    char line[64];
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(std::snprintf(line, sizeof line, ":SOUR%d:VOLT %f", 3, 5.0));
+        benchmark::ClobberMemory();
+    }
+}
+BENCHMARK(composeLevelBaseline);
+
+void composeLevel(benchmark::State& state)
+{
+    std::string line;
+    line.reserve(64);
+    for (auto _ : state) {
+        line.clear();
+        TSRO::Header::ofSource(":SOUR:VOLT", 3).appendTo(line);
+        TSRO::appendArguments(line, 5.0);
+        benchmark::DoNotOptimize(line.data());
+        benchmark::ClobberMemory();
+    }
+}
+BENCHMARK(composeLevel);
+
+void parseFieldsBaseline(benchmark::State& state)
+{
+    const char* const reply = "5.000,1.200,6.000";
+    for (auto _ : state) {
+        char* end = nullptr;
+        double sum = std::strtod(reply, &end);
+        sum += std::strtod(end + 1, &end);
+        sum += std::strtod(end + 1, &end);
+        benchmark::DoNotOptimize(sum);
+    }
+}
+BENCHMARK(parseFieldsBaseline);
+
+void parseFields(benchmark::State& state)
+{
+    const std::string reply = "5.000,1.200,6.000";
+    for (auto _ : state) {
+        const TSRO::ReplyFields fields(reply);
+        double sum = TSRO::parseDouble(fields[0]);
+        sum += TSRO::parseDouble(fields[1]);
+        sum += TSRO::parseDouble(fields[2]);
+        benchmark::DoNotOptimize(sum);
+    }
+}
+BENCHMARK(parseFields);
+
+void sessionLockBaseline(benchmark::State& state)
+{
+    const SimulatedSession session;
+    for (auto _ : state) {
+        ViAddr data = nullptr;
+        IviSession_GetDataPtr(session.vi(), &data);
+        IviSession_Lock(session.vi(), VI_NULL);
+        IviSession_Unlock(session.vi(), VI_NULL);
+        benchmark::DoNotOptimize(data);
+    }
+}
+BENCHMARK(sessionLockBaseline);
+
+void configureVoltageLevelSimulated(benchmark::State& state)
+{
+    const SimulatedSession session;
+    for (auto _ : state)
+        benchmark::DoNotOptimize(KVX2800T_ConfigureVoltageLevel(session.vi(), "OutputChannel3", 5.0));
+}
+BENCHMARK(configureVoltageLevelSimulated);
+
+void getVoltageLevelSimulated(benchmark::State& state)
+{
+    const SimulatedSession session;
+    ViReal64 volts = 0.0;
+    for (auto _ : state)
+        benchmark::DoNotOptimize(
+            KVX2800T_GetAttributeViReal64(session.vi(), "OutputChannel3", KVX2800T_ATTR_VOLTAGE_LEVEL, &volts));
+}
+BENCHMARK(getVoltageLevelSimulated);
+
+} // namespace

@@ -1,0 +1,67 @@
+# The driver: one object library for each layer, the shared library of all of them, and a static library of the same
+# objects for the unit tests.
+function(kvx_add_layer name)
+    add_library(kvx_${name} OBJECT ${ARGN})
+    target_include_directories(kvx_${name} PUBLIC ${PROJECT_SOURCE_DIR})
+    target_link_libraries(kvx_${name} PUBLIC platform_headers PRIVATE kvx_options)
+    set_target_properties(kvx_${name} PROPERTIES VISIBILITY_INLINES_HIDDEN ON)
+endfunction()
+
+kvx_add_layer(io io/connect.cpp io/visa_io.cpp)
+kvx_add_layer(instrument
+    instrument/channel_limits.cpp
+    instrument/command_port.cpp
+    instrument/command_text.cpp
+    instrument/keyword_tables.cpp
+    instrument/kvx2800t.cpp
+    instrument/kvx2800t_output.cpp
+    instrument/kvx2800t_source.cpp
+    instrument/kvx2800t_status.cpp
+    instrument/option_grammar.cpp
+    instrument/reply_parsing.cpp)
+kvx_add_layer(simulator simulator/kvx2800t_simulator.cpp simulator/random_source.cpp)
+kvx_add_layer(runtime
+    runtime/close_listeners.cpp
+    runtime/configuration_store.cpp
+    runtime/driver_identity.cpp
+    runtime/driver_session.cpp
+    runtime/error_messages.cpp
+    runtime/kvx2800t_driver_session.cpp
+    runtime/option_parsing.cpp
+    runtime/selector.cpp
+    runtime/selector_grammar.cpp
+    runtime/source_mode.cpp
+    runtime/text_list.cpp
+    runtime/tick_clock.cpp)
+kvx_add_layer(api
+    api/arguments.cpp
+    api/attribute_accessors.cpp
+    api/attribute_functions.cpp
+    api/output_functions.cpp
+    api/session_functions.cpp)
+set(KVX_LAYERS kvx_io kvx_instrument kvx_simulator kvx_runtime kvx_api)
+list(TRANSFORM KVX_LAYERS REPLACE "(.+)" "$<TARGET_OBJECTS:\\1>" OUTPUT_VARIABLE driver_objects)
+
+# api/exports.txt names the exported functions, one a line; the linker's version script is made from it.
+set(exports_file ${PROJECT_SOURCE_DIR}/api/exports.txt)
+file(STRINGS ${exports_file} exports)
+list(JOIN exports "; " exported_names)
+set(version_script ${PROJECT_BINARY_DIR}/KVX2800T.map)
+file(WRITE ${version_script} "{ global: ${exported_names}; local: *; };\n")
+set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${exports_file})
+
+add_library(KVX2800T SHARED ${driver_objects})
+target_link_libraries(KVX2800T PRIVATE kvx_options IviCShared IviConfigServer visa)
+target_link_options(KVX2800T PRIVATE -Wl,--version-script=${version_script} -Wl,--no-undefined)
+set_target_properties(KVX2800T PROPERTIES
+    VERSION ${PROJECT_VERSION}
+    SOVERSION 1
+    INSTALL_RPATH "$ORIGIN"
+    LINK_DEPENDS "${version_script}")
+target_include_directories(KVX2800T INTERFACE ${PROJECT_SOURCE_DIR}/api)
+target_link_libraries(KVX2800T INTERFACE platform_headers)
+
+# The platform's functions are left to the program that links it: the libraries of platform/, or a test's own.
+add_library(kvx2800t_static STATIC ${driver_objects})
+target_include_directories(kvx2800t_static INTERFACE ${PROJECT_SOURCE_DIR})
+target_link_libraries(kvx2800t_static INTERFACE platform_headers)

@@ -1,0 +1,19 @@
+# The one place that says how strict the compiler is; every target of this project links kvx_options.
+add_library(kvx_options INTERFACE)
+target_compile_features(kvx_options INTERFACE cxx_std_20)
+target_compile_options(kvx_options INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
+# g++ 12 takes any optimised operator+(const char*, std::string&&) for an overlapping copy (GCC bug 105651).
+target_compile_options(kvx_options INTERFACE $<$<COMPILE_LANG_AND_ID:CXX,GNU>:-Wno-restrict>)
+
+set(KVX_SANITIZE "" CACHE STRING "Sanitizers to build with, as -fsanitize takes them (address,undefined or thread)")
+if(KVX_SANITIZE)
+    target_compile_options(kvx_options INTERFACE -fsanitize=${KVX_SANITIZE} -fno-sanitize-recover=all
+                                                 -fno-omit-frame-pointer)
+    target_link_options(kvx_options INTERFACE -fsanitize=${KVX_SANITIZE})
+endif()
+
+option(KVX_COVERAGE "Build for gcov" OFF)
+if(KVX_COVERAGE)
+    target_compile_options(kvx_options INTERFACE --coverage -fprofile-update=atomic)
+    target_link_options(kvx_options INTERFACE --coverage)
+endif()

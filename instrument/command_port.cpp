@@ -1,0 +1,130 @@
+#include "instrument/command_port.h"
+
+#include <utility>
+
+namespace TSRO
+{
+namespace
+{
+
+constexpr std::size_t kUsualLineLength = 128;
+
+// Completion codes and warnings of VISA end at this layer.
+constexpr ViStatus ioStatus(ViStatus connectionStatus)
+{
+    return connectionStatus < 0 ? kIoError : VI_SUCCESS;
+}
+
+} // namespace
+
+ViStatus parseReply(std::string_view reply, bool& value)
+{
+    value = parseBoolean(reply);
+    return VI_SUCCESS;
+}
+
+ViStatus parseReply(std::string_view reply, double& value)
+{
+    value = parseDouble(reply);
+    return VI_SUCCESS;
+}
+
+ViStatus parseReply(std::string_view reply, ViInt32& value)
+{
+    value = parseInt(reply);
+    return VI_SUCCESS;
+}
+
+ViStatus parseReply(std::string_view reply, ChannelName& value)
+{
+    const auto channel = kChannelNames.value(reply);
+    if (!channel)
+        return kUnexpectedResponse;
+    value.channel = *channel;
+    return VI_SUCCESS;
+}
+
+ViStatus parseReply(std::string_view reply, std::string& value)
+{
+    value = reply;
+    return VI_SUCCESS;
+}
+
+CommandPort::CommandPort() : CommandPort(InstLink::ConnectionHolder{}) {}
+
+CommandPort::CommandPort(InstLink::ConnectionHolder holder) : holder_(std::move(holder))
+{
+    line_.reserve(kUsualLineLength);
+    reply_.reserve(kUsualLineLength);
+}
+
+ViStatus CommandPort::connect(const std::string& resource)
+{
+    return ioStatus(InstLink::connect(holder_, resource));
+}
+
+ViStatus CommandPort::close()
+{
+    const auto connection = holder_.connection;
+    if (!connection)
+        return VI_ERROR_INV_OBJECT;
+    const ViStatus status = connection->close();
+    if (status < 0)
+        return status;
+    holder_.connection.reset();
+    return VI_SUCCESS;
+}
+
+bool CommandPort::isOpen() const
+{
+    return holder_.connection && holder_.connection->isOpen();
+}
+
+ViInt32 CommandPort::ioTimeout() const
+{
+    return holder_.connection ? holder_.connection->timeout() : static_cast<ViInt32>(holder_.settings.timeoutMs);
+}
+
+ViStatus CommandPort::setIoTimeout(ViInt32 milliseconds)
+{
+    const auto connection = holder_.connection;
+    if (connection)
+        return ioStatus(connection->setTimeout(milliseconds));
+    holder_.settings.timeoutMs = milliseconds;
+    return VI_SUCCESS;
+}
+
+ViStatus CommandPort::write(std::string_view command)
+{
+    const auto connection = holder_.connection;
+    return connection ? connection->write(command) : VI_ERROR_INV_OBJECT;
+}
+
+ViStatus CommandPort::query(std::string_view command, std::string& reply)
+{
+    const auto connection = holder_.connection;
+    if (!connection)
+        return VI_ERROR_INV_OBJECT;
+    const ViStatus status = connection->write(command);
+    return status < 0 ? status : connection->read(reply);
+}
+
+ViStatus CommandPort::send(const Header& header)
+{
+    line_.clear();
+    header.appendTo(line_);
+    return sendLine();
+}
+
+ViStatus CommandPort::sendLine()
+{
+    return ioStatus(write(line_));
+}
+
+ViStatus CommandPort::exchangeLine()
+{
+    reply_.clear();
+    return ioStatus(query(line_, reply_));
+}
+
+} // namespace TSRO

@@ -1,0 +1,116 @@
+#pragma once
+
+#include "instrument/command_text.h"
+#include "instrument/reply_parsing.h"
+#include "instrument/status_codes.h"
+#include "io/visa_io.h"
+
+#include <string>
+#include <string_view>
+#include <type_traits>
+
+namespace TSRO
+{
+
+/// A reply as the value a query asks for. 0, or kUnexpectedResponse with `value` unchanged when the reply names no
+/// keyword of an enumeration.
+/// @throws the exceptions of reply_parsing.h.
+ViStatus parseReply(std::string_view reply, bool& value);
+ViStatus parseReply(std::string_view reply, double& value);
+ViStatus parseReply(std::string_view reply, ViInt32& value);
+ViStatus parseReply(std::string_view reply, ChannelName& value);
+ViStatus parseReply(std::string_view reply, std::string& value);
+
+template <class Enumeration>
+requires std::is_enum_v<Enumeration> ViStatus parseReply(std::string_view reply, Enumeration& value)
+{
+    const auto named = kKeywordTable<Enumeration>.value(reply);
+    if (!named)
+        return kUnexpectedResponse;
+    value = static_cast<Enumeration>(*named);
+    return VI_SUCCESS;
+}
+
+/// The instrument's side of its connection: one command out, one reply in.
+///
+/// The untyped write() and query() return the connection's own status. Every other operation returns 0 for any status
+/// >= 0 of the connection and kIoError for a negative one. Values that cannot be spelled and replies that cannot be
+/// read leave as the exceptions of command_text.h and reply_parsing.h; outputs are then unchanged.
+///
+/// Not thread-safe: its caller serialises the calls. Each call holds a reference of its own to the connection.
+class CommandPort
+{
+public:
+    CommandPort();
+
+    /// A port on a connection that is there already.
+    explicit CommandPort(InstLink::ConnectionHolder holder);
+
+    /// Replaces the connection by one to `resource`; on a negative status the previous one stays.
+    ViStatus connect(const std::string& resource);
+
+    /// Closes the connection and lets go of it; a negative status keeps it. VI_ERROR_INV_OBJECT when there is none.
+    ViStatus close();
+
+    bool isOpen() const;
+
+    /// The time-out of the connection, or the one that the next connection starts with; milliseconds.
+    ViInt32 ioTimeout() const;
+    ViStatus setIoTimeout(ViInt32 milliseconds);
+
+    /// The command as given. VI_ERROR_INV_OBJECT when there is no connection.
+    ViStatus write(std::string_view command);
+
+    /// As write(), then one read. `reply` changes only when bytes arrived.
+    ViStatus query(std::string_view command, std::string& reply);
+
+    /// The header alone.
+    ViStatus send(const Header& header);
+
+    /// The header, one blank, the arguments joined by commas.
+    template <class... Arguments>
+    ViStatus set(const Header& header, const Arguments&... arguments)
+    {
+        line_.clear();
+        header.appendTo(line_);
+        appendArguments(line_, arguments...);
+        return sendLine();
+    }
+
+    /// The header as a query; its reply is parsed into `value`.
+    template <class Value>
+    ViStatus get(const Header& header, Value& value)
+    {
+        line_.clear();
+        header.appendQueryTo(line_);
+        return queryLine(value);
+    }
+
+    /// As get(), with one argument behind the header.
+    template <class Argument, class Value>
+    ViStatus getFor(const Header& header, const Argument& argument, Value& value)
+    {
+        line_.clear();
+        header.appendQueryTo(line_);
+        appendArguments(line_, argument);
+        return queryLine(value);
+    }
+
+private:
+    ViStatus sendLine();
+    ViStatus exchangeLine();
+
+    template <class Value>
+    ViStatus queryLine(Value& value)
+    {
+        const ViStatus status = exchangeLine();
+        return status < 0 ? status : parseReply(reply_, value);
+    }
+
+    InstLink::ConnectionHolder holder_;
+    // Kept between calls, so that a command that fits into them allocates nothing.
+    std::string line_;
+    std::string reply_;
+};
+
+} // namespace TSRO

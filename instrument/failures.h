@@ -1,0 +1,20 @@
+#pragma once
+
+#include <stdexcept>
+
+namespace TSRO
+{
+
+/// A value or a channel that its table does not hold.
+[[noreturn]] inline void throwInvalidKey()
+{
+    throw std::out_of_range("invalid map<K, T> key");
+}
+
+/// A field that a reply is too short for.
+[[noreturn]] inline void throwMissingField()
+{
+    throw std::out_of_range("invalid vector subscript");
+}
+
+} // namespace TSRO

@@ -1,0 +1,76 @@
+#include "instrument/kvx2800t.h"
+
+namespace TSRO
+{
+namespace
+{
+
+/// The session has checked the text and reported what is wrong with it; what is left to do here is to read it.
+InherentOptions readOptions(const std::string& optionString)
+{
+    InherentOptions options = kDefaultOptions;
+    const std::string text = lowerCased(splitOptionString(optionString).inherent);
+    std::string_view rest = text;
+    while (const auto option = nextInherentOption(rest)) {
+        const auto flag = inherentOption(option->name);
+        const auto value = parseOptionValue(option->value);
+        if (flag != nullptr && value)
+            options.*flag = *value;
+    }
+    return options;
+}
+
+} // namespace
+
+ViInt32 KVX2800T::ioTimeout()
+{
+    return port_.ioTimeout();
+}
+
+ViStatus KVX2800T::setIoTimeout(ViInt32 milliseconds)
+{
+    return port_.setIoTimeout(milliseconds);
+}
+
+ViStatus KVX2800T::open(const std::string& resource, const std::string& options)
+{
+    setOptions(readOptions(options));
+    const ViStatus status = port_.connect(resource);
+    return status < 0 ? status : identify();
+}
+
+ViStatus KVX2800T::close()
+{
+    return port_.close();
+}
+
+bool KVX2800T::isOpen()
+{
+    return port_.isOpen();
+}
+
+ViStatus KVX2800T::writeRaw(const std::string& command)
+{
+    port_.write(command);
+    return VI_SUCCESS;
+}
+
+ViStatus KVX2800T::queryRaw(const std::string& command, std::string& reply)
+{
+    port_.query(command, reply);
+    return VI_SUCCESS;
+}
+
+ViStatus KVX2800T::identify()
+{
+    std::string reply;
+    const ViStatus status = port_.get("*IDN?", reply);
+    const ReplyFields fields(reply);
+    if (status < 0 || fields.count() != 4)
+        return status;
+    mutableIdentity() = {std::string(fields[0]), std::string(fields[1]), std::string(fields[2]),
+                         std::string(fields[3])};
+    return status;
+}
+
+} // namespace TSRO

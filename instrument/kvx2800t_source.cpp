@@ -1,0 +1,72 @@
+#include "instrument/kvx2800t.h"
+
+namespace TSRO
+{
+namespace
+{
+
+/// False for NaN, too.
+bool within(double value, double minimum, double maximum)
+{
+    return value >= minimum && value <= maximum;
+}
+
+} // namespace
+
+ViStatus KVX2800T::setSourceMode(SourceMode mode)
+{
+    return port_.set(":SOUR:Mode", mode);
+}
+
+ViStatus KVX2800T::sourceMode(SourceMode& mode)
+{
+    return port_.get(":SOUR:Mode?", mode);
+}
+
+ViStatus KVX2800T::setVoltageLevel(ViInt32 channel, double volts)
+{
+    const ChannelLimits& limits = channelLimits(channel);
+    if (!within(volts, limits.voltageMin, limits.voltageMax))
+        return kValueOutOfRange;
+    return port_.set(Header::ofSource(":SOUR:VOLT", channel), volts);
+}
+
+ViStatus KVX2800T::voltageLevel(ViInt32 channel, double& volts)
+{
+    return port_.get(Header::ofSource(":SOUR:VOLT", channel), volts);
+}
+
+ViStatus KVX2800T::setCurrentLevel(ViInt32 channel, double amperes)
+{
+    const ChannelLimits& limits = channelLimits(channel);
+    if (!within(amperes, limits.currentMin, limits.currentMax))
+        return kValueOutOfRange;
+    return port_.set(Header::ofSource(":SOUR:CURR", channel), amperes);
+}
+
+ViStatus KVX2800T::currentLevel(ViInt32 channel, double& amperes)
+{
+    return port_.get(Header::ofSource(":SOUR:CURR", channel), amperes);
+}
+
+ViStatus KVX2800T::setCurrentProtectionLevel(ViInt32 channel, double amperes)
+{
+    return port_.set(Header::ofSource(":SOUR:CURR:PROT", channel), amperes);
+}
+
+ViStatus KVX2800T::currentProtectionLevel(ViInt32 channel, double& amperes)
+{
+    return port_.get(Header::ofSource(":SOUR:CURR:PROT", channel), amperes);
+}
+
+ViStatus KVX2800T::setCurrentProtectionEnabled(ViInt32 channel, bool enabled)
+{
+    return port_.set(Header::ofSource(":SOUR:CURR:PROT:STAT", channel), enabled);
+}
+
+ViStatus KVX2800T::currentProtectionEnabled(ViInt32 channel, bool& enabled)
+{
+    return port_.get(Header::ofSource(":SOUR:CURR:PROT:STAT", channel), enabled);
+}
+
+} // namespace TSRO

@@ -1,0 +1,79 @@
+#include "io/visa_io.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+namespace InstLink
+{
+namespace
+{
+
+std::string upperCased(std::string text)
+{
+    std::transform(text.begin(), text.end(), text.begin(),
+                   [](char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; });
+    return text;
+}
+
+template <class Connection>
+std::shared_ptr<VisaIO> make(const IoSettings& /*settings*/)
+{
+    return std::make_shared<Connection>();
+}
+
+template <>
+std::shared_ptr<VisaIO> make<VisaSerial>(const IoSettings& settings)
+{
+    return std::make_shared<VisaSerial>(SerialParameters{.baudRate = settings.baudRate,
+                                                         .dataBits = settings.dataBits,
+                                                         .flowControl = settings.flowControl,
+                                                         .parity = settings.parity,
+                                                         .stopBits = settings.stopBits});
+}
+
+/// A kind of connection: what an upper-cased descriptor of it begins with, and what it contains.
+struct Kind
+{
+    std::string_view prefix;
+    std::string_view infix;
+    std::shared_ptr<VisaIO> (*make)(const IoSettings&);
+};
+
+// In order of the tests; the last one takes what no other has taken.
+constexpr std::array<Kind, 6> kKinds = {{
+    {"ASRL", "", make<VisaSerial>},
+    {"USB", "", make<VisaUSB>},
+    {"GPIB", "", make<VisaGPIB>},
+    {"TCPIP", "SOCKET", make<VisaTCPIPSocket>},
+    {"TCPIP", "", make<VisaTCPIP>},
+    {"", "", make<VisaIO>},
+}};
+
+} // namespace
+
+std::shared_ptr<VisaIO> makeConnection(const std::string& resource, const IoSettings& settings)
+{
+    const std::string descriptor = upperCased(resource);
+    const auto kind = std::find_if(kKinds.begin(), kKinds.end(), [&](const Kind& candidate) {
+        return descriptor.starts_with(candidate.prefix) && descriptor.find(candidate.infix) != std::string::npos;
+    });
+    auto connection = kind->make(settings);
+    connection->applySettings(settings);
+    return connection;
+}
+
+ViStatus connect(ConnectionHolder& holder, const std::string& resource)
+{
+    const auto connection = makeConnection(resource, holder.settings);
+    const ViStatus status = connection->open(resource);
+    if (status < 0) {
+        connection->releaseSessions();
+        return status;
+    }
+    if (const auto previous = std::exchange(holder.connection, connection))
+        previous->releaseSessions();
+    return status;
+}
+
+} // namespace InstLink

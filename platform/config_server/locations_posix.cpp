@@ -1,0 +1,62 @@
+#include "locations.h"
+
+#include <cstdlib>
+#include <filesystem>
+
+namespace config_server
+{
+
+namespace
+{
+
+/// The variable's value; empty when it is not set.
+std::string environment(const char* name)
+{
+    // Only read; changing the environment during a call is the application's own race.
+    const char* const value = std::getenv(name); // NOLINT(concurrency-mt-unsafe)
+    return value == nullptr ? std::string() : std::string(value);
+}
+
+bool isFile(const std::string& path)
+{
+    std::error_code error;
+    return std::filesystem::is_regular_file(path, error);
+}
+
+/// The user's store by the XDG base directory rules; empty without a home.
+std::string userLocation()
+{
+    constexpr auto kName = "/ivi/IviConfigurationStore.xml";
+    const std::string configured = environment("XDG_CONFIG_HOME");
+    if (!configured.empty())
+        return configured + kName;
+    const std::string home = environment("HOME");
+    return home.empty() ? std::string() : home + "/.config" + kName;
+}
+
+} // namespace
+
+std::string processDefaultLocation()
+{
+    return environment("IVICONFIGSERVERDEFAULT");
+}
+
+std::optional<std::string> masterLocation()
+{
+    std::string registered = environment("IVI_MASTER_STORE");
+    if (!registered.empty())
+        return isFile(registered) ? std::optional(std::move(registered)) : std::nullopt;
+    std::string user = userLocation();
+    if (isFile(user))
+        return user;
+    return systemLocation();
+}
+
+const std::string& systemLocation()
+{
+    // Never destroyed, as it may be asked for while the process ends.
+    static const std::string& location = *new std::string("/etc/ivi/IviConfigurationStore.xml");
+    return location;
+}
+
+} // namespace config_server

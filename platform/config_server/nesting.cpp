@@ -1,0 +1,148 @@
+#include "nesting.h"
+
+namespace config_server
+{
+
+namespace
+{
+
+constexpr std::string_view kSpace = " \t\r\n";
+constexpr std::string_view kElementNameEnd = " \t\r\n/>?";
+constexpr std::string_view kAttributeNameEnd = " \t\r\n/<>=?!";
+
+class NestingScanner
+{
+public:
+    NestingScanner(std::string_view xml, std::size_t limit) : rest_(xml), limit_(limit) {}
+
+    bool scan()
+    {
+        while (skipText()) {
+            if (!scanMarkup())
+                return false;
+        }
+        return depth_ == 0;
+    }
+
+private:
+    bool skipText()
+    {
+        const std::size_t markup = rest_.find('<');
+        rest_.remove_prefix(markup == std::string_view::npos ? rest_.size() : markup + 1);
+        return markup != std::string_view::npos;
+    }
+
+    bool scanMarkup()
+    {
+        if (take("!--"))
+            return skipPast("-->");
+        if (take("![CDATA["))
+            return skipPast("]]>");
+        if (atDoctype())
+            return skipDoctype();
+        if (take("!"))
+            return skipPast(">");
+        if (take("?"))
+            return skipPast("?>");
+        return take("/") ? scanEndTag() : scanStartTag();
+    }
+
+    bool scanEndTag()
+    {
+        skipWhile(kElementNameEnd, false);
+        skipWhile(kSpace, true);
+        if (depth_ == 0 || !take(">"))
+            return false;
+        --depth_;
+        return true;
+    }
+
+    bool scanStartTag()
+    {
+        skipWhile(kElementNameEnd, false);
+        for (;;) {
+            skipWhile(kSpace, true);
+            if (take("/>"))
+                return depth_ < limit_;
+            if (take(">"))
+                return ++depth_ <= limit_;
+            if (!skipAttribute())
+                return false;
+        }
+    }
+
+    bool skipAttribute()
+    {
+        if (!skipWhile(kAttributeNameEnd, false))
+            return false;
+        skipWhile(kSpace, true);
+        if (!take("="))
+            return false;
+        skipWhile(kSpace, true);
+        if (take("\""))
+            return skipPast("\"");
+        return take("'") && skipPast("'");
+    }
+
+    bool atDoctype() const
+    {
+        constexpr std::string_view kDoctype = "!DOCTYPE";
+        return rest_.starts_with(kDoctype) && kSpace.find(rest_.substr(kDoctype.size(), 1)) != std::string_view::npos;
+    }
+
+    /// The internal subset is in brackets, which may nest; quotes do not count.
+    bool skipDoctype()
+    {
+        std::size_t brackets = 0;
+        while (!rest_.empty()) {
+            const char c = rest_.front();
+            rest_.remove_prefix(1);
+            if (c == '>' && brackets == 0)
+                return true;
+            if (c == '[')
+                ++brackets;
+            else if (c == ']' && brackets-- == 0)
+                return false;
+        }
+        return false;
+    }
+
+    bool take(std::string_view token)
+    {
+        if (!rest_.starts_with(token))
+            return false;
+        rest_.remove_prefix(token.size());
+        return true;
+    }
+
+    bool skipPast(std::string_view token)
+    {
+        const std::size_t found = rest_.find(token);
+        if (found == std::string_view::npos)
+            return false;
+        rest_.remove_prefix(found + token.size());
+        return true;
+    }
+
+    /// Skips the characters that are (or, with inSet false, are not) of the set. @return whether there were any
+    bool skipWhile(std::string_view set, bool inSet)
+    {
+        const std::size_t end = inSet ? rest_.find_first_not_of(set) : rest_.find_first_of(set);
+        const std::size_t skipped = end == std::string_view::npos ? rest_.size() : end;
+        rest_.remove_prefix(skipped);
+        return skipped > 0;
+    }
+
+    std::string_view rest_;
+    std::size_t limit_;
+    std::size_t depth_ = 0;
+};
+
+} // namespace
+
+bool nestsAtMost(std::string_view xml, std::size_t limit)
+{
+    return NestingScanner(xml, limit).scan();
+}
+
+} // namespace config_server

@@ -1,0 +1,112 @@
+#include "error_record.h"
+#include "session_table.h"
+
+#include <IviCShared.h>
+
+#include <new>
+#include <system_error>
+
+namespace
+{
+
+using ivi_c_shared::ErrorRecord;
+using ivi_c_shared::SessionTable;
+
+/// Never destroyed: drivers may call in from their own clean-up while the process ends.
+SessionTable& sessions()
+{
+    static SessionTable& table = *new SessionTable;
+    return table;
+}
+
+/// The record that all IVI-C drivers of a thread share.
+ErrorRecord& threadError()
+{
+    static thread_local ErrorRecord record;
+    return record;
+}
+
+/// The frame of every function: no exception leaves the library.
+template <typename Action>
+ViStatus guarded(Action action) noexcept
+{
+    try {
+        return action();
+    } catch (const std::bad_alloc&) {
+        return IVI_ERROR_OUT_OF_MEMORY;
+    } catch (const std::system_error&) {
+        return IVI_ERROR_CANNOT_CREATE_LOCK;
+    }
+}
+
+} // namespace
+
+ViStatus _VI_FUNC IviSession_New(ViSession* handle)
+{
+    if (handle == nullptr)
+        return IVI_ERROR_NULL_POINTER;
+    return guarded([handle] { return sessions().create(*handle); });
+}
+
+ViStatus _VI_FUNC IviSession_Dispose(ViSession handle)
+{
+    return guarded([handle] { return sessions().dispose(handle); });
+}
+
+ViStatus _VI_FUNC IviSession_SetDataPtr(ViSession handle, ViAddr dataPtr)
+{
+    return guarded([handle, dataPtr] { return sessions().setData(handle, dataPtr); });
+}
+
+ViStatus _VI_FUNC IviSession_GetDataPtr(ViSession handle, ViAddr* dataPtr)
+{
+    if (dataPtr == nullptr)
+        return IVI_ERROR_NULL_POINTER;
+    return guarded([handle, dataPtr] { return sessions().getData(handle, *dataPtr); });
+}
+
+ViStatus _VI_FUNC IviSession_Lock(ViSession handle, ViBoolean* hasLock)
+{
+    const bool wanted = hasLock == nullptr || *hasLock == VI_FALSE;
+    const ViStatus status = guarded([handle, wanted] { return sessions().lock(handle, wanted); });
+    if (status == IVI_SUCCESS && hasLock != nullptr)
+        *hasLock = VI_TRUE;
+    return status;
+}
+
+ViStatus _VI_FUNC IviSession_Unlock(ViSession handle, ViBoolean* hasLock)
+{
+    const bool wanted = hasLock == nullptr || *hasLock != VI_FALSE;
+    const ViStatus status = guarded([handle, wanted] { return sessions().unlock(handle, wanted); });
+    if (status == IVI_SUCCESS && hasLock != nullptr)
+        *hasLock = VI_FALSE;
+    return status;
+}
+
+ViStatus _VI_FUNC IviSession_SetError(ViSession handle, ViStatus code, ViConstString description)
+{
+    return guarded([handle, code, description] {
+        const ViStatus mirrored = threadError().update(code, description);
+        const ViStatus kept = handle == VI_NULL ? IVI_SUCCESS : sessions().setError(handle, code, description);
+        return kept < 0 ? kept : mirrored;
+    });
+}
+
+ViStatus _VI_FUNC IviSession_GetError(ViSession handle, ViInt32 bufferSize, ViStatus* code, ViChar description[])
+{
+    return guarded([=] {
+        if (handle == VI_NULL)
+            return threadError().take(bufferSize, code, description);
+        return sessions().takeError(handle, bufferSize, code, description);
+    });
+}
+
+ViStatus _VI_FUNC IviSession_ClearError(ViSession handle)
+{
+    return guarded([handle] {
+        if (handle != VI_NULL)
+            return sessions().clearError(handle);
+        threadError().clear();
+        return IVI_SUCCESS;
+    });
+}

@@ -1,0 +1,124 @@
+#include "session_table.h"
+
+#include <limits>
+
+namespace ivi_c_shared
+{
+
+template <typename Action>
+ViStatus SessionTable::withSession(ViSession handle, Action action)
+{
+    Shard& shard = shardOf(handle);
+    const std::lock_guard guard(shard.mutex);
+    const auto found = shard.sessions.find(handle);
+    return found == shard.sessions.end() ? IVI_ERROR_INVALID_SESSION_HANDLE : action(*found->second);
+}
+
+ViStatus SessionTable::create(ViSession& handle)
+{
+    auto session = std::make_shared<Session>();
+    const std::uint64_t number = ++lastHandle_;
+    if (number > std::numeric_limits<ViSession>::max())
+        return IVI_ERROR_OUT_OF_MEMORY;
+    const auto fresh = static_cast<ViSession>(number);
+    Shard& shard = shardOf(fresh);
+    const std::lock_guard guard(shard.mutex);
+    shard.sessions.emplace(fresh, std::move(session));
+    handle = fresh;
+    return IVI_SUCCESS;
+}
+
+ViStatus SessionTable::dispose(ViSession handle)
+{
+    Shard& shard = shardOf(handle);
+    const std::lock_guard guard(shard.mutex);
+    const auto found = shard.sessions.find(handle);
+    if (found == shard.sessions.end())
+        return IVI_ERROR_INVALID_SESSION_HANDLE;
+    found->second->disposed = true;
+    found->second->changed.notify_all();
+    shard.sessions.erase(found);
+    return IVI_SUCCESS;
+}
+
+ViStatus SessionTable::setData(ViSession handle, ViAddr data)
+{
+    return withSession(handle, [data](Session& session) {
+        session.data = data;
+        return IVI_SUCCESS;
+    });
+}
+
+ViStatus SessionTable::getData(ViSession handle, ViAddr& data)
+{
+    return withSession(handle, [&data](const Session& session) {
+        data = session.data;
+        return IVI_SUCCESS;
+    });
+}
+
+ViStatus SessionTable::lock(ViSession handle, bool wanted)
+{
+    Shard& shard = shardOf(handle);
+    std::unique_lock guard(shard.mutex);
+    const auto found = shard.sessions.find(handle);
+    if (found == shard.sessions.end())
+        return IVI_ERROR_INVALID_SESSION_HANDLE;
+    if (!wanted)
+        return IVI_SUCCESS;
+    Session& session = *found->second;
+    const std::thread::id self = std::this_thread::get_id();
+    if (session.depth > 0 && session.owner != self)
+        return waitForLock(guard, found->second);
+    session.owner = self;
+    ++session.depth;
+    return IVI_SUCCESS;
+}
+
+ViStatus SessionTable::waitForLock(std::unique_lock<std::mutex>& guard, const std::shared_ptr<Session>& session)
+{
+    // A reference of its own: Dispose drops the table's while this thread sleeps.
+    const std::shared_ptr<Session> kept = session;
+    ++kept->waiting;
+    kept->changed.wait(guard, [&kept] { return kept->disposed || kept->depth == 0; });
+    --kept->waiting;
+    if (kept->disposed)
+        return IVI_ERROR_INVALID_SESSION_HANDLE;
+    kept->owner = std::this_thread::get_id();
+    kept->depth = 1;
+    return IVI_SUCCESS;
+}
+
+ViStatus SessionTable::unlock(ViSession handle, bool wanted)
+{
+    return withSession(handle, [wanted](Session& session) {
+        if (!wanted || session.depth == 0 || session.owner != std::this_thread::get_id())
+            return IVI_SUCCESS;
+        if (--session.depth == 0 && session.waiting > 0)
+            session.changed.notify_one();
+        return IVI_SUCCESS;
+    });
+}
+
+ViStatus SessionTable::setError(ViSession handle, ViStatus code, ViConstString description)
+{
+    return withSession(handle,
+                       [code, description](Session& session) { return session.error.update(code, description); });
+}
+
+ViStatus SessionTable::takeError(ViSession handle, ViInt32 bufferSize, ViStatus* code, ViChar* description)
+{
+    return withSession(handle, [bufferSize, code, description](Session& session) {
+        return session.error.take(bufferSize, code, description);
+    });
+}
+
+ViStatus SessionTable::clearError(ViSession handle)
+{
+    return withSession(handle, [](Session& session) {
+        session.error.clear();
+        return IVI_SUCCESS;
+    });
+}
+
+} // namespace ivi_c_shared

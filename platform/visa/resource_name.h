@@ -1,0 +1,38 @@
+#pragma once
+
+#include <visa.h>
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace visa
+{
+
+enum class ResourceKind
+{
+    Serial,
+    Gpib,
+    Usb,
+    TcpipInstrument,
+    TcpipSocket
+};
+
+/// A resource string taken apart (VPP-4.3 Table 4.3.1).
+struct ResourceName
+{
+    ResourceKind kind = ResourceKind::Serial;
+    ViUInt16 board = 0;
+    std::string address;      ///< TCPIP: host without brackets; serial: device path, empty when the board names it
+    ViUInt16 port = 0;        ///< TCPIP SOCKET
+    bool wantsSecure = false; ///< the string asks for a secure connection ("@")
+    std::string canonical;    ///< the name as VI_ATTR_RSRC_NAME tells it
+};
+
+/// Longest resource string understood, so that its attributes fit the 256 characters of a VISA string.
+inline constexpr std::size_t kLongestResourceName = 240;
+
+/// @return nothing when the string does not fit the grammar
+std::optional<ResourceName> parseResourceName(std::string_view text);
+
+} // namespace visa

@@ -1,0 +1,162 @@
+#include "tcp_stream.h"
+
+#include "backends.h"
+#include "wait_status.h"
+
+#include <asio/buffer.hpp>
+#include <asio/connect.hpp>
+
+#include <array>
+#include <limits>
+#include <optional>
+
+namespace visa
+{
+
+namespace
+{
+
+using asio::ip::tcp;
+
+bool isTransient(const asio::error_code& error)
+{
+    return error == asio::error::would_block || error == asio::error::try_again || error == asio::error::interrupted;
+}
+
+ViStatus transferStatus(const asio::error_code& error)
+{
+    if (error == asio::error::eof || error == asio::error::connection_reset || error == asio::error::broken_pipe ||
+        error == asio::error::connection_aborted || error == asio::error::not_connected ||
+        error == asio::error::timed_out || error == asio::error::network_reset)
+        return VI_ERROR_CONN_LOST;
+    return error == asio::error::no_memory || error == asio::error::no_buffer_space ? VI_ERROR_ALLOC : VI_ERROR_IO;
+}
+
+ViStatus connectStatus(const asio::error_code& error)
+{
+    if (!error)
+        return VI_SUCCESS;
+    if (error == asio::error::timed_out)
+        return VI_ERROR_TMO;
+    if (error == asio::error::no_descriptors || error == asio::error::no_memory ||
+        error == asio::error::no_buffer_space)
+        return VI_ERROR_ALLOC;
+    return VI_ERROR_RSRC_NFOUND;
+}
+
+/// Connects to the first endpoint that answers, all of them within one deadline.
+ViStatus connect(asio::io_context& context, tcp::socket& socket, const tcp::resolver::results_type& endpoints,
+                 const Deadline& deadline)
+{
+    std::optional<asio::error_code> outcome;
+    asio::async_connect(socket, endpoints,
+                        [&outcome](const asio::error_code& error, const tcp::endpoint&) { outcome = error; });
+    context.run_for(std::chrono::milliseconds(deadline.remainingMs(std::numeric_limits<int>::max())));
+    return outcome ? connectStatus(*outcome) : VI_ERROR_TMO;
+}
+
+/// Moves a connected socket from the context that connected it to the common one and readies it for transfers.
+ViStatus adopt(tcp::socket& connected, tcp::socket& adopted)
+{
+    asio::error_code error;
+    const tcp::endpoint local = connected.local_endpoint(error);
+    if (error)
+        return transferStatus(error);
+    const auto handle = connected.release(error);
+    if (error)
+        return VI_ERROR_SYSTEM_ERROR;
+    adopted.assign(local.protocol(), handle, error);
+    if (!error)
+        adopted.non_blocking(true, error);
+    if (!error)
+        adopted.set_option(tcp::no_delay(true), error);
+    return error ? transferStatus(error) : VI_SUCCESS;
+}
+
+} // namespace
+
+ViStatus openTcpStream(const ResourceName& name, const Deadline& deadline, std::unique_ptr<Stream>& stream)
+{
+    asio::io_context context(1);
+    asio::error_code error;
+    const auto endpoints =
+        tcp::resolver(context).resolve(name.address, std::to_string(name.port), tcp::resolver::numeric_service, error);
+    if (error)
+        return connectStatus(error);
+    tcp::socket connecting(context);
+    ViStatus status = connect(context, connecting, endpoints, deadline);
+    if (status < 0)
+        return status;
+    tcp::socket socket(ioContext());
+    status = adopt(connecting, socket);
+    if (status == VI_SUCCESS)
+        stream = std::make_unique<TcpStream>(std::move(socket));
+    return status;
+}
+
+TcpStream::TcpStream(tcp::socket socket) : socket_(std::move(socket)) {}
+
+ViStatus TcpStream::wait(Direction direction, const Deadline& deadline) noexcept
+{
+    return statusOf(interrupter_.wait(static_cast<NativeHandle>(socket_.native_handle()), direction, deadline));
+}
+
+ViStatus TcpStream::readSome(std::span<ViByte> buffer, const Deadline& deadline, std::size_t& count) noexcept
+{
+    asio::error_code error;
+    do {
+        const ViStatus status = wait(Direction::Read, deadline);
+        if (status < 0)
+            return status;
+        count = socket_.read_some(asio::buffer(buffer.data(), buffer.size()), error);
+    } while (isTransient(error));
+    return error ? transferStatus(error) : VI_SUCCESS;
+}
+
+ViStatus TcpStream::writeAll(std::span<const ViByte> bytes, const Deadline& deadline, std::size_t& count) noexcept
+{
+    count = 0;
+    while (count < bytes.size()) {
+        const auto rest = bytes.subspan(count);
+        asio::error_code error;
+        count += socket_.write_some(asio::buffer(rest.data(), rest.size()), error);
+        if (error && !isTransient(error))
+            return transferStatus(error);
+        const ViStatus status = error ? wait(Direction::Write, deadline) : VI_SUCCESS;
+        if (status < 0)
+            return status;
+    }
+    return VI_SUCCESS;
+}
+
+void TcpStream::discardInput() noexcept
+{
+    std::array<ViByte, 4096> dropped{};
+    asio::error_code error;
+    while (!error && socket_.available(error) > 0)
+        socket_.read_some(asio::buffer(dropped), error);
+}
+
+ViStatus TcpStream::setAttribute(ViAttr attribute, ViUInt32 value) noexcept
+{
+    asio::error_code error;
+    if (attribute == VI_ATTR_TCPIP_NODELAY)
+        socket_.set_option(tcp::no_delay(value == VI_TRUE), error);
+    else
+        socket_.set_option(tcp::socket::keep_alive(value == VI_TRUE), error);
+    return error ? VI_ERROR_NSUP_ATTR_STATE : VI_SUCCESS;
+}
+
+std::string TcpStream::address() const
+{
+    asio::error_code error;
+    const tcp::endpoint remote = socket_.remote_endpoint(error);
+    return error ? std::string() : remote.address().to_string();
+}
+
+void TcpStream::interrupt() noexcept
+{
+    interrupter_.interrupt();
+}
+
+} // namespace visa

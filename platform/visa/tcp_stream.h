@@ -1,0 +1,34 @@
+#pragma once
+
+#include "stream.h"
+#include "wait.h"
+
+#include <asio/ip/tcp.hpp>
+
+#include <string>
+
+namespace visa
+{
+
+/// A raw TCP connection (TCPIP SOCKET).
+class TcpStream : public Stream
+{
+public:
+    /// Takes over a connected, non-blocking socket.
+    explicit TcpStream(asio::ip::tcp::socket socket);
+
+    ViStatus readSome(std::span<ViByte> buffer, const Deadline& deadline, std::size_t& count) noexcept override;
+    ViStatus writeAll(std::span<const ViByte> bytes, const Deadline& deadline, std::size_t& count) noexcept override;
+    void discardInput() noexcept override;
+    ViStatus setAttribute(ViAttr attribute, ViUInt32 value) noexcept override;
+    std::string address() const override;
+    void interrupt() noexcept override;
+
+private:
+    ViStatus wait(Direction direction, const Deadline& deadline) noexcept;
+
+    asio::ip::tcp::socket socket_;
+    Interrupter interrupter_;
+};
+
+} // namespace visa

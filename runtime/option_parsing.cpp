@@ -1,0 +1,71 @@
+#include "instrument/ascii.h"
+#include "runtime/driver_session.h"
+
+namespace drivekit
+{
+
+ViStatus DriverSession::ParseOptionString(const std::string& optionString)
+{
+    const TSRO::OptionText text = TSRO::splitOptionString(optionString);
+    if (text.driverSetup) {
+        const ViStatus status = ParseDriverSetup(std::string(*text.driverSetup));
+        if (status < 0)
+            return status;
+    }
+    return ParseInherentOptions(std::string(text.inherent));
+}
+
+ViStatus DriverSession::ParseDriverSetup(const std::string& driverSetup)
+{
+    driverSetupOptions_.clear();
+    driverSetup_ = driverSetup;
+    std::string_view rest = driverSetup;
+    while (const auto option = TSRO::nextDriverSetupOption(rest)) {
+        const ViStatus status = ApplyDriverSetupOption(std::string(option->name), std::string(option->value));
+        if (status < 0)
+            return status;
+        // The option has taken effect by now, a second one too.
+        if (!driverSetupOptions_.emplace(option->name, option->value).second)
+            return ReportErrorWithElaboration(kErrorCannotRecover, "DriverSetup option '%s' appears more than once.",
+                                              {option->name});
+    }
+    return VI_SUCCESS;
+}
+
+ViStatus DriverSession::ApplyDriverSetupOption(const std::string& name, const std::string& value)
+{
+    if (TSRO::ascii::equalIgnoringCase(name, TSRO::kModelKey))
+        model_ = value;
+    return VI_SUCCESS;
+}
+
+ViStatus DriverSession::ParseInherentOptions(const std::string& options)
+{
+    const std::string text = TSRO::lowerCased(options);
+    std::string_view rest = text;
+    while (const auto option = TSRO::nextInherentOption(rest)) {
+        const auto flag = TSRO::inherentOption(option->name);
+        if (flag == nullptr)
+            return ReportError(kErrorBadOptionName, {option->name});
+        const ViStatus status =
+            ParseBooleanOptionValue(std::string(option->name), std::string(option->value), options_.*flag);
+        if (status < 0)
+            return status;
+        // As with DriverSetup, the repeated option has taken effect.
+        if (!inherentOptions_.emplace(option->name, option->value).second)
+            return ReportErrorWithElaboration(kErrorCannotRecover, "Inherent option '%s' appears more than once.",
+                                              {option->name});
+    }
+    return VI_SUCCESS;
+}
+
+ViStatus DriverSession::ParseBooleanOptionValue(const std::string& /*name*/, const std::string& value, bool& flag)
+{
+    const auto parsed = TSRO::parseOptionValue(value);
+    if (!parsed)
+        return ReportError(kErrorBadOptionValue, {value});
+    flag = *parsed;
+    return VI_SUCCESS;
+}
+
+} // namespace drivekit

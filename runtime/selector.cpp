@@ -1,0 +1,215 @@
+#include "runtime/selector.h"
+
+#include "instrument/ascii.h"
+#include "instrument/failures.h"
+#include "instrument/keyword_tables.h"
+#include "runtime/driver_session.h"
+#include "runtime/selector_grammar.h"
+
+#include <map>
+#include <string>
+#include <utility>
+
+namespace drivekit
+{
+namespace
+{
+
+using Outputs = RepCapBase<OutputChannel>;
+using selector::NameRange;
+
+constexpr std::size_t kMaximumLevels = 1;
+
+/// The names that the items of a selector have taken so far. Names are kept as ranges of numbers, so that an item costs
+/// the same however many names it stands for.
+class TakenNames
+{
+public:
+    /// What an item shares a name with.
+    enum class Overlap
+    {
+        None,
+        WithName,
+        WithRange,
+    };
+
+    /// Takes the names of an item, unless one of them is taken already.
+    Overlap take(const NameRange& names, bool isRange)
+    {
+        // The ranges taken are disjoint: the last one that begins at or before our end is the only candidate.
+        const auto behind = taken_.upper_bound(Key(names.base, names.last));
+        if (behind != taken_.begin()) {
+            const auto& [key, earlier] = *std::prev(behind);
+            if (key.first == names.base && earlier.last >= names.first)
+                return isRange || earlier.isRange ? Overlap::WithRange : Overlap::WithName;
+        }
+        taken_.emplace(Key(names.base, names.first), Extent{names.last, isRange});
+        return Overlap::None;
+    }
+
+private:
+    using Key = std::pair<std::string_view, ViInt32>;
+
+    struct Extent
+    {
+        ViInt32 last;
+        bool isRange;
+    };
+
+    std::map<Key, Extent> taken_;
+};
+
+/// A name whose number is not spelled as ranges spell theirs stands for itself, under a number that no range has.
+NameRange rangeOfName(std::string_view name)
+{
+    constexpr ViInt32 kNoNumber = -1;
+    return selector::asRange(name).value_or(NameRange{name, kNoNumber, kNoNumber});
+}
+
+/// Resolves the items of one level, one after the other.
+class LevelResolver
+{
+public:
+    LevelResolver(DriverSession& session, OutputSelection& selection) : session_(session), selection_(selection) {}
+
+    ViStatus addItem(std::string_view item) { return selector::isRange(item) ? addRange(item) : addName(item); }
+
+    /// Unknown names are reported only after the last item: a duplicate comes first.
+    ViStatus finish()
+    {
+        if (!unknownName_)
+            return VI_SUCCESS;
+        return session_.ReportErrorText(kErrorUnknownPhysicalIdentifier,
+                                        "The identifier '%s' is not defined for repeated capability '%s'.",
+                                        {*unknownName_, Outputs::name()});
+    }
+
+private:
+    ViStatus addName(std::string_view name)
+    {
+        const ViStatus status = take(rangeOfName(name), false);
+        if (status >= 0)
+            select(name);
+        return status;
+    }
+
+    ViStatus addRange(std::string_view item)
+    {
+        const auto range = selector::parseRange(item);
+        if (!range)
+            return session_.ReportErrorText(kErrorInvalidRange, "The base names do not match.");
+        if (range->first >= range->last)
+            return session_.ReportErrorText(kErrorInvalidRange, "The start index must be less than the end index.");
+        const ViStatus status = take(*range, true);
+        if (status >= 0)
+            selectRange(*range);
+        return status;
+    }
+
+    ViStatus take(const NameRange& names, bool isRange)
+    {
+        switch (taken_.take(names, isRange)) {
+        case TakenNames::Overlap::WithRange:
+            return session_.ReportErrorText(kErrorInvalidRange,
+                                            "An identifier in the range overlaps with another range.");
+        case TakenNames::Overlap::WithName:
+            return session_.ReportError(kErrorBadlyFormedSelector);
+        case TakenNames::Overlap::None:
+            break;
+        }
+        return VI_SUCCESS;
+    }
+
+    /// Ends at the first name that is unknown, after at most as many names as there are channels.
+    void selectRange(const NameRange& range)
+    {
+        for (ViInt32 number = range.first; number <= range.last && !unknownName_; ++number)
+            select(std::string(range.base) + std::to_string(number));
+    }
+
+    void select(std::string_view name)
+    {
+        if (const auto position = Outputs::position(name))
+            selection_.add(Outputs::physicalName(*position));
+        else if (!unknownName_)
+            unknownName_ = name;
+    }
+
+    DriverSession& session_;
+    OutputSelection& selection_;
+    TakenNames taken_;
+    std::optional<std::string> unknownName_;
+};
+
+ViStatus reportNoSelector(DriverSession& session)
+{
+    return session.ReportErrorText(
+        kErrorChannelNameRequired,
+        "No selector was specified for repeated capability '%s'.  The repeated capability identifier can be null or "
+        "empty only when there is exactly one physical name defined.  Repeated capability '%s' has %s physical names "
+        "defined.",
+        {Outputs::name(), Outputs::name(), DecimalArgument(Outputs::kCount)});
+}
+
+ViStatus resolveList(DriverSession& session, std::string_view text, OutputSelection& selection)
+{
+    if (selector::isBlank(text))
+        return reportNoSelector(session);
+    if (!selector::isWellFormed(text))
+        return session.ReportError(kErrorBadlyFormedSelector);
+    if (selector::levelCount(text) > kMaximumLevels)
+        return session.ReportError(kErrorInvalidNumberOfLevels, {Outputs::name()});
+    LevelResolver level(session, selection);
+    while (const auto item = selector::nextItem(text)) {
+        const ViStatus status = level.addItem(*item);
+        if (status < 0)
+            return status;
+    }
+    return level.finish();
+}
+
+} // namespace
+
+ViStatus resolveSelector(DriverSession& session, ViConstString selector, OutputSelection& selection)
+{
+    const std::string_view text = selector == nullptr ? "" : selector;
+    if (const auto position = Outputs::position(text)) {
+        selection.add(Outputs::physicalName(*position));
+        return VI_SUCCESS;
+    }
+    return resolveList(session, text, selection);
+}
+
+ViStatus resolveSingleSelector(DriverSession& session, ViConstString selector, PhysicalName<OutputChannel>& name)
+{
+    OutputSelection selection;
+    const ViStatus status = resolveSelector(session, selector, selection);
+    if (status < 0)
+        return status;
+    if (selection.size() != 1)
+        return session.ReportErrorText(
+            kErrorBadlyFormedSelector,
+            "Only a single repeated capability identifier can be specified for the current operation.");
+    name = *selection.begin();
+    return status;
+}
+
+ViInt32 channelNumber(PhysicalName<OutputChannel> name)
+{
+    const std::string_view text = name.text();
+    const std::size_t digit = text.find_last_of("0123456789");
+    return digit == std::string_view::npos ? -1 : text[digit] - '0';
+}
+
+ViInt32 channelOf(PhysicalName<OutputChannel> name)
+{
+    const DecimalArgument number(channelNumber(name));
+    std::string keyword = "CH"; // Short enough to need no memory of its own.
+    keyword += number;
+    const auto channel = TSRO::kChannelNames.value(keyword);
+    if (!channel)
+        TSRO::throwInvalidKey();
+    return *channel;
+}
+
+} // namespace drivekit

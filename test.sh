@@ -1,0 +1,62 @@
+#!/bin/sh
+# Tests the project: installs what is missing, builds, and runs all native tests with ctest.
+#   ./test.sh         the release build
+#   ./test.sh --all   also the format, the manual, clang-tidy, the tests under AddressSanitizer with
+#                     UndefinedBehaviorSanitizer and under ThreadSanitizer, and a short run of the fuzzers
+set -eu
+cd "$(dirname "$0")"
+. ./cmake/scripts.sh
+
+everything=no
+case "${1-}" in
+'') ;;
+--all) everything=yes ;;
+*) fail "usage: ./test.sh [--all]" ;;
+esac
+
+# run_tests PRESET
+run_tests() {
+    build "$1"
+    step "Testing ($1)"
+    ctest --preset "$1" -j "$(nproc)"
+}
+
+sources() { git ls-files '*.h' '*.hpp' '*.c' '*.cpp'; }
+
+check_format() {
+    step "Checking the format"
+    sources | xargs clang-format --dry-run --Werror
+}
+
+check_tidy() {
+    step "Checking with clang-tidy"
+    sources | grep '\.cpp$' | grep -v -e '^fuzz/' -e '^benchmarks/' -e windows | xargs -P "$(nproc)" -n 4 clang-tidy --quiet -p build/release 2>/dev/null
+}
+
+check_manual() {
+    step "Checking the manual"
+    mkdir -p build
+    doxygen docs/Doxyfile
+}
+
+install_packages build
+if [ "$everything" = no ]; then
+    run_tests release
+    exit
+fi
+
+install_packages check
+check_format
+check_manual
+run_tests release
+check_tidy
+run_tests asan-ubsan
+run_tests tsan
+
+# The fuzzers start from nothing and end after a fixed number of inputs.
+build fuzz
+step "Fuzzing"
+for fuzzer in build/fuzz/bin/fuzz_*; do
+    say "$(basename "$fuzzer")"
+    "$fuzzer" -runs=50000 -seed=1 -max_len=512 -verbosity=0
+done

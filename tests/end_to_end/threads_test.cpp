@@ -1,0 +1,82 @@
+#include "driver_end_to_end.h"
+
+#include <algorithm>
+#include <thread>
+
+namespace kvxtest
+{
+namespace
+{
+
+class Threads : public DriverEndToEnd
+{
+};
+
+constexpr int kRounds = 50;
+
+/// A level that only one thread of a test uses.
+void expectOwnLevel(ViSession vi, const char* channel, double level)
+{
+    for (int round = 0; round < kRounds; ++round) {
+        EXPECT_EQ(KVX2800T_ConfigureVoltageLevel(vi, channel, level), VI_SUCCESS);
+        ViReal64 volts = 0.0;
+        EXPECT_EQ(KVX2800T_GetAttributeViReal64(vi, channel, KVX2800T_ATTR_VOLTAGE_LEVEL, &volts), VI_SUCCESS);
+        EXPECT_EQ(volts, level);
+    }
+}
+
+TEST_F(Threads, CallsOnOneSessionNeverMix)
+{
+    open();
+    std::thread other([this] { expectOwnLevel(vi, "OutputChannel4", 4.0); });
+    expectOwnLevel(vi, "OutputChannel3", 3.0);
+    other.join();
+    EXPECT_EQ(newLines().size(), 1U + 2U * 2U * kRounds);
+}
+
+TEST_F(Threads, TwoSessionsWorkSideBySide)
+{
+    open();
+    std::thread other([this] {
+        std::string resource = instrument.resource();
+        ViSession second = VI_NULL;
+        ASSERT_EQ(KVX2800T_init(resource.data(), VI_FALSE, VI_FALSE, &second), VI_SUCCESS);
+        expectOwnLevel(second, "OutputChannel4", 4.0);
+        EXPECT_EQ(KVX2800T_close(second), VI_SUCCESS);
+    });
+    expectOwnLevel(vi, "OutputChannel3", 3.0);
+    other.join();
+}
+
+TEST_F(Threads, LockSessionKeepsOtherThreadsOutAcrossCalls)
+{
+    open();
+    newLines();
+    ASSERT_EQ(KVX2800T_LockSession(vi, nullptr), VI_SUCCESS);
+    std::thread other([this] { EXPECT_EQ(KVX2800T_ConfigureVoltageLevel(vi, "OutputChannel4", 1.0), VI_SUCCESS); });
+    for (int round = 0; round < kRounds; ++round)
+        EXPECT_EQ(KVX2800T_ConfigureVoltageLevel(vi, "OutputChannel3", 2.0), VI_SUCCESS);
+    const Lines whileLocked = newLines();
+    EXPECT_EQ(KVX2800T_UnlockSession(vi, nullptr), VI_SUCCESS);
+    other.join();
+    EXPECT_EQ(std::count(whileLocked.begin(), whileLocked.end(), ":SOUR3:VOLT 2.000000"), kRounds);
+    EXPECT_EQ(whileLocked.size(), static_cast<std::size_t>(kRounds));
+    EXPECT_EQ(newLines(), Lines{":SOUR4:VOLT 1.000000"});
+}
+
+TEST_F(Threads, HasLockVariableLetsOneUnlockMatchSeveralLocks)
+{
+    open();
+    ViBoolean hasLock = VI_FALSE;
+    EXPECT_EQ(KVX2800T_LockSession(vi, &hasLock), VI_SUCCESS);
+    EXPECT_EQ(hasLock, VI_TRUE);
+    EXPECT_EQ(KVX2800T_LockSession(vi, &hasLock), VI_SUCCESS);
+    EXPECT_EQ(KVX2800T_UnlockSession(vi, &hasLock), VI_SUCCESS);
+    EXPECT_EQ(hasLock, VI_FALSE);
+    // Nothing is left locked: another thread gets through.
+    std::thread other([this] { EXPECT_EQ(KVX2800T_InvalidateAllAttributes(vi), VI_SUCCESS); });
+    other.join();
+}
+
+} // namespace
+} // namespace kvxtest

@@ -1,0 +1,337 @@
+#include "instrument/kvx2800t.h"
+
+#include "support/platform_fakes.h"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+
+namespace
+{
+
+using kvxtest::calls;
+using testing::AllOf;
+using testing::Contains;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using TSRO::Identity;
+using TSRO::KVX2800T;
+
+constexpr ViStatus kIoError = static_cast<ViStatus>(0xBFFA4214);
+constexpr ViStatus kNoConnection = static_cast<ViStatus>(0xBFFF000E);
+constexpr ViStatus kNotFound = static_cast<ViStatus>(0xBFFF0011);
+constexpr ViStatus kTimedOut = static_cast<ViStatus>(0xBFFF0015);
+constexpr ViStatus kWarning = 0x3FFF0084;
+
+constexpr const char* kResource = "GPIB0::5::INSTR";
+constexpr const char* kIdentification = "Tessaro Instruments,KVX2803T,SN1,V1.00";
+
+/// The real instrument on the fakes of VISA: the resource manager's session is 1, the instrument's 2.
+class InstrumentOnVisa : public testing::Test
+{
+public:
+    InstrumentOnVisa()
+    {
+        kvxtest::reset();
+        kvxtest::answer("*IDN?", kIdentification);
+    }
+
+    void TearDown() override { kvxtest::reset(); }
+
+    std::vector<std::string> identityFields() { return fieldsOf(*instrument.identity()); }
+
+    static std::vector<std::string> fieldsOf(const Identity& identity)
+    {
+        return {identity.manufacturer, identity.model, identity.serialNumber, identity.firmwareRevision};
+    }
+
+    KVX2800T instrument;
+};
+
+TEST_F(InstrumentOnVisa, OpenConnectsAndAsksForTheIdentity)
+{
+    EXPECT_EQ(instrument.open(kResource, ""), 0);
+    EXPECT_THAT(calls(), ElementsAre("viOpenDefaultRM()", "viOpen(1, \"GPIB0::5::INSTR\", 0, 2000)",
+                                     "viSetAttribute(2, VI_ATTR_TMO_VALUE, 2000)", "viSetBuf(2, VI_READ_BUF, 1024)",
+                                     "viSetBuf(2, VI_WRITE_BUF, 1024)", "viWrite(2, \"*IDN?\\n\")", "viRead(2, 1024)"));
+    EXPECT_TRUE(instrument.isOpen());
+    EXPECT_THAT(identityFields(), ElementsAre("Tessaro Instruments", "KVX2803T", "SN1", "V1.00"));
+}
+
+TEST_F(InstrumentOnVisa, OpenHandsTheDescriptorOverAsItIsWritten)
+{
+    EXPECT_EQ(instrument.open("gpib0::5::instr", ""), 0);
+    EXPECT_THAT(calls(), Contains("viOpen(1, \"gpib0::5::instr\", 0, 2000)"));
+}
+
+TEST_F(InstrumentOnVisa, OpenChoosesTheConnectionByTheDescriptor)
+{
+    EXPECT_EQ(instrument.open("TCPIP0::h::1::SOCKET", ""), 0);
+    EXPECT_THAT(calls(), AllOf(Contains("viSetAttribute(2, VI_ATTR_TERMCHAR_EN, 1)"),
+                               Contains("viSetBuf(2, VI_IO_IN_BUF, 1024)")));
+    kvxtest::clearLog();
+    EXPECT_EQ(instrument.open("ASRL1::INSTR", ""), 0);
+    EXPECT_THAT(calls(), Contains("viSetAttribute(4, VI_ATTR_ASRL_BAUD, 9600)"));
+}
+
+TEST_F(InstrumentOnVisa, OpenReturnsZeroForCompletionCodesAndWarnings)
+{
+    for (const char* function : {"viOpenDefaultRM", "viOpen", "viSetAttribute", "viSetBuf", "viWrite", "viRead"}) {
+        kvxtest::clearFailures();
+        kvxtest::failCall(function, kWarning);
+        EXPECT_EQ(instrument.open(kResource, ""), 0) << function;
+        EXPECT_TRUE(instrument.isOpen());
+    }
+}
+
+TEST_F(InstrumentOnVisa, OpenIsAnIoErrorWhenAnyCallFailsAndLeavesNoSessionOfAFailedConnection)
+{
+    std::size_t n = 1;
+    for (;; ++n) {
+        kvxtest::reset();
+        kvxtest::answer("*IDN?", kIdentification);
+        kvxtest::failNthCall(n, kNotFound);
+        KVX2800T fresh;
+        const ViStatus status = fresh.open(kResource, "");
+        if (!kvxtest::failureHappened()) {
+            EXPECT_EQ(status, 0);
+            break;
+        }
+        EXPECT_EQ(status, kIoError) << n;
+        // Calls 1 to 5 open the connection; 6 and 7 are the identification, on a connection that stays.
+        EXPECT_EQ(fresh.isOpen(), n > 5) << n;
+        EXPECT_EQ(kvxtest::openVisaSessions() > 0, n > 5) << n;
+        EXPECT_EQ(kvxtest::written().empty(), n <= 6) << n;
+        EXPECT_THAT(fieldsOf(*fresh.identity()), ElementsAre("", "", "", ""));
+    }
+    EXPECT_EQ(n, 8U);
+}
+
+TEST_F(InstrumentOnVisa, AFailedOpenKeepsThePreviousConnection)
+{
+    ASSERT_EQ(instrument.open(kResource, ""), 0);
+    kvxtest::failCall("viOpen", kNotFound);
+    EXPECT_EQ(instrument.open("USB0::1::2::3::INSTR", ""), kIoError);
+    EXPECT_TRUE(instrument.isOpen());
+    EXPECT_EQ(kvxtest::openVisaSessions(), 2U);
+    kvxtest::clearLog();
+    EXPECT_EQ(instrument.clearStatus(), 0);
+    EXPECT_THAT(calls(), ElementsAre("viWrite(2, \"*CLS\\n\")"));
+}
+
+TEST_F(InstrumentOnVisa, ASecondOpenReplacesAndClosesTheFirstConnection)
+{
+    ASSERT_EQ(instrument.open(kResource, ""), 0);
+    ASSERT_EQ(instrument.open("USB0::1::2::3::INSTR", ""), 0);
+    EXPECT_THAT(calls(), Contains("viClose(1)"));
+    EXPECT_EQ(kvxtest::openVisaSessions(), 2U);
+    kvxtest::clearLog();
+    EXPECT_EQ(instrument.clearStatus(), 0);
+    EXPECT_THAT(calls(), ElementsAre("viWrite(4, \"*CLS\\n\")"));
+}
+
+TEST_F(InstrumentOnVisa, CloseClosesTheResourceManagersSessionOnce)
+{
+    ASSERT_EQ(instrument.open(kResource, ""), 0);
+    kvxtest::clearLog();
+    EXPECT_EQ(instrument.close(), 0);
+    EXPECT_EQ(instrument.close(), kNoConnection);
+    EXPECT_THAT(calls(), ElementsAre("viClose(1)"));
+    EXPECT_EQ(kvxtest::openVisaSessions(), 0U);
+    EXPECT_FALSE(instrument.isOpen());
+}
+
+TEST_F(InstrumentOnVisa, CloseThatFailsKeepsTheConnection)
+{
+    ASSERT_EQ(instrument.open(kResource, ""), 0);
+    kvxtest::failNthCallOf("viClose", 1, kTimedOut);
+    EXPECT_EQ(instrument.close(), kTimedOut);
+    EXPECT_TRUE(instrument.isOpen());
+    EXPECT_EQ(instrument.clearStatus(), 0);
+    EXPECT_EQ(instrument.close(), 0);
+    EXPECT_EQ(kvxtest::openVisaSessions(), 0U);
+}
+
+TEST_F(InstrumentOnVisa, AnOperationBeforeOpenAndAfterCloseCallsNothing)
+{
+    EXPECT_EQ(instrument.clearStatus(), kIoError);
+    EXPECT_THAT(calls(), IsEmpty());
+    ASSERT_EQ(instrument.open(kResource, ""), 0);
+    ASSERT_EQ(instrument.close(), 0);
+    kvxtest::clearLog();
+    double volts = -7.5;
+    EXPECT_EQ(instrument.voltageLevel(1, volts), kIoError);
+    EXPECT_THAT(calls(), IsEmpty());
+}
+
+TEST_F(InstrumentOnVisa, EveryOperationEndsInOneLineFeed)
+{
+    ASSERT_EQ(instrument.open(kResource, ""), 0);
+    ASSERT_EQ(instrument.setOutputEnabled(1, true), 0);
+    ASSERT_EQ(instrument.writeRaw("*SAV 1\n"), 0);
+    EXPECT_THAT(kvxtest::written(), ElementsAre("*IDN?\n", ":OUTP:STAT CH1,ON\n", "*SAV 1\n"));
+}
+
+// ---- Identity
+
+TEST_F(InstrumentOnVisa, AnIdentificationWithAnotherNumberOfFieldsKeepsTheIdentity)
+{
+    ASSERT_EQ(instrument.open(kResource, ""), 0);
+    for (const char* reply : {"a,b,c", "a,b,c,d,e", "a", ",,,,", ",,"}) {
+        kvxtest::answer("*IDN?", reply);
+        EXPECT_EQ(instrument.open(kResource, ""), 0) << reply;
+        EXPECT_THAT(identityFields(), ElementsAre("Tessaro Instruments", "KVX2803T", "SN1", "V1.00")) << reply;
+    }
+}
+
+TEST_F(InstrumentOnVisa, AnIdentificationWithoutBytesKeepsTheIdentity)
+{
+    ASSERT_EQ(instrument.open(kResource, ""), 0);
+    kvxtest::queueReply("", VI_SUCCESS);
+    EXPECT_EQ(instrument.open(kResource, ""), 0);
+    EXPECT_THAT(identityFields(), ElementsAre("Tessaro Instruments", "KVX2803T", "SN1", "V1.00"));
+}
+
+TEST_F(InstrumentOnVisa, IdentificationFieldsStandAsTheyAre)
+{
+    kvxtest::queueReply(" a , b,,V1.00\r\n");
+    EXPECT_EQ(instrument.open(kResource, ""), 0);
+    EXPECT_THAT(identityFields(), ElementsAre(" a ", " b", "", "V1.00\r"));
+}
+
+TEST_F(InstrumentOnVisa, EveryHolderOfTheIdentitySeesALaterRefresh)
+{
+    const auto held = instrument.identity();
+    ASSERT_EQ(instrument.open(kResource, ""), 0);
+    EXPECT_EQ(held->model, "KVX2803T");
+    kvxtest::answer("*IDN?", "a,b,c,d");
+    ASSERT_EQ(instrument.open(kResource, ""), 0);
+    EXPECT_THAT(fieldsOf(*held), ElementsAre("a", "b", "c", "d"));
+    EXPECT_EQ(instrument.identity(), held);
+}
+
+TEST_F(InstrumentOnVisa, TheIdentityOutlivesTheInstrument)
+{
+    std::shared_ptr<const Identity> held;
+    {
+        KVX2800T other;
+        ASSERT_EQ(other.open(kResource, ""), 0);
+        held = other.identity();
+        ASSERT_EQ(other.close(), 0);
+    }
+    EXPECT_EQ(held->model, "KVX2803T");
+}
+
+TEST_F(InstrumentOnVisa, AFailedIdentificationKeepsTheIdentityAndTheConnection)
+{
+    ASSERT_EQ(instrument.open(kResource, ""), 0);
+    kvxtest::failCall("viRead", kTimedOut);
+    EXPECT_EQ(instrument.open(kResource, ""), kIoError);
+    EXPECT_THAT(identityFields(), ElementsAre("Tessaro Instruments", "KVX2803T", "SN1", "V1.00"));
+    EXPECT_TRUE(instrument.isOpen());
+}
+
+TEST_F(InstrumentOnVisa, AReplyThatFillsTheBufferIsCutThere)
+{
+    ASSERT_EQ(instrument.open(kResource, ""), 0);
+    kvxtest::queueReply(std::string(1024, 'a') + "5\n");
+    std::string reply;
+    EXPECT_EQ(instrument.queryRaw("?", reply), 0);
+    EXPECT_EQ(reply, std::string(1024, 'a'));
+    double rest = 0;
+    EXPECT_EQ(instrument.voltageLevel(1, rest), 0);
+    EXPECT_EQ(rest, 5.0);
+}
+
+// ---- Time-out
+
+TEST_F(InstrumentOnVisa, TheTimeoutIsTwoSecondsAtFirst)
+{
+    EXPECT_EQ(instrument.ioTimeout(), 2000);
+}
+
+TEST_F(InstrumentOnVisa, ATimeoutSetBeforeOpenHoldsForTheNextConnection)
+{
+    EXPECT_EQ(instrument.setIoTimeout(5000), 0);
+    EXPECT_EQ(instrument.ioTimeout(), 5000);
+    EXPECT_THAT(calls(), IsEmpty());
+    ASSERT_EQ(instrument.open(kResource, ""), 0);
+    EXPECT_EQ(instrument.ioTimeout(), 5000);
+    EXPECT_THAT(calls(), Contains("viSetAttribute(2, VI_ATTR_TMO_VALUE, 5000)"));
+    EXPECT_THAT(calls(), Contains("viOpen(1, \"GPIB0::5::INSTR\", 0, 2000)"));
+}
+
+TEST_F(InstrumentOnVisa, ATimeoutSetWhileOpenIsAppliedAtOnce)
+{
+    ASSERT_EQ(instrument.open(kResource, ""), 0);
+    kvxtest::clearLog();
+    EXPECT_EQ(instrument.setIoTimeout(5000), 0);
+    EXPECT_EQ(instrument.ioTimeout(), 5000);
+    EXPECT_THAT(calls(), ElementsAre("viSetAttribute(2, VI_ATTR_TMO_VALUE, 5000)"));
+}
+
+TEST_F(InstrumentOnVisa, ATimeoutThatVisaRefusesIsAnIoError)
+{
+    ASSERT_EQ(instrument.open(kResource, ""), 0);
+    kvxtest::failCall("viSetAttribute", kTimedOut);
+    EXPECT_EQ(instrument.setIoTimeout(5000), kIoError);
+    kvxtest::clearFailures();
+    kvxtest::failCall("viSetAttribute", kWarning);
+    EXPECT_EQ(instrument.setIoTimeout(6000), 0);
+    EXPECT_EQ(instrument.ioTimeout(), 6000);
+}
+
+TEST_F(InstrumentOnVisa, ANegativeTimeoutIsVisasInfinity)
+{
+    ASSERT_EQ(instrument.open(kResource, ""), 0);
+    kvxtest::clearLog();
+    EXPECT_EQ(instrument.setIoTimeout(-1), 0);
+    EXPECT_EQ(instrument.ioTimeout(), -1);
+    EXPECT_THAT(calls(), ElementsAre("viSetAttribute(2, VI_ATTR_TMO_VALUE, 4294967295)"));
+}
+
+// ---- Options
+
+TEST_F(InstrumentOnVisa, HasTheDefaultOptionsOfASession)
+{
+    const TSRO::InherentOptions& options = instrument.options();
+    EXPECT_TRUE(options.cache);
+    EXPECT_TRUE(options.rangeCheck);
+    EXPECT_FALSE(options.interchangeCheck);
+    EXPECT_FALSE(options.queryInstrumentStatus);
+    EXPECT_FALSE(options.recordCoercions);
+    EXPECT_FALSE(options.simulate);
+}
+
+TEST_F(InstrumentOnVisa, ReadsItsOptionsFromTheOptionString)
+{
+    ASSERT_EQ(instrument.open(kResource, "CACHE=0, InterchangeCheck = VI_TRUE, QueryInstrStatus=true,RangeCheck=False,"
+                                         "RecordCoercions=1,simulate=1,DriverSetup=Cache=1"),
+              0);
+    const TSRO::InherentOptions& options = instrument.options();
+    EXPECT_FALSE(options.cache);
+    EXPECT_TRUE(options.interchangeCheck);
+    EXPECT_TRUE(options.queryInstrumentStatus);
+    EXPECT_FALSE(options.rangeCheck);
+    EXPECT_TRUE(options.recordCoercions);
+    EXPECT_TRUE(options.simulate);
+}
+
+TEST_F(InstrumentOnVisa, ReadsItsOptionsBeforeItConnects)
+{
+    kvxtest::failCall("viOpenDefaultRM", kNotFound);
+    EXPECT_EQ(instrument.open(kResource, "RangeCheck=0"), kIoError);
+    EXPECT_FALSE(instrument.options().rangeCheck);
+}
+
+TEST_F(InstrumentOnVisa, OpensWhateverTheOptionStringHolds)
+{
+    for (const std::string& options : {std::string("no options at all"), std::string("cache=maybe,x=1,=,==,,"),
+                                       std::string(100000, ' '), std::string(100000, 'a'), std::string(1, '\0')})
+        EXPECT_EQ(instrument.open(kResource, options), 0);
+    EXPECT_TRUE(instrument.options().cache);
+}
+
+} // namespace

@@ -1,0 +1,65 @@
+#include <visatype.h>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cstdio>
+#include <memory>
+#include <sstream>
+#include <string>
+#include <vector>
+
+extern "C" ViStatus kvxTimeoutStatusSeenFromC();
+
+namespace
+{
+
+using testing::UnorderedElementsAre;
+
+std::vector<std::string> exportsOf(const std::string& library)
+{
+    const std::string command = std::string(NM_PROGRAM) + " -D --defined-only --format=posix '" + library + "'";
+    const std::unique_ptr<FILE, int (*)(FILE*)> output(popen(command.c_str(), "r"), pclose);
+    std::vector<std::string> names;
+    std::array<char, 1024> line{};
+    while (output != nullptr && std::fgets(line.data(), line.size(), output.get()) != nullptr) {
+        std::string name;
+        std::istringstream(line.data()) >> name;
+        names.push_back(name);
+    }
+    return names;
+}
+
+TEST(PlatformExports, SessionServiceExportsItsNineFunctionsAndNothingElse)
+{
+    EXPECT_THAT(exportsOf(SESSION_SERVICE_LIBRARY),
+                UnorderedElementsAre("IviSession_New", "IviSession_Dispose", "IviSession_SetDataPtr",
+                                     "IviSession_GetDataPtr", "IviSession_Lock", "IviSession_Unlock",
+                                     "IviSession_SetError", "IviSession_GetError", "IviSession_ClearError"));
+}
+
+TEST(PlatformExports, VisaExportsItsNineFunctionsAndNothingElse)
+{
+    EXPECT_THAT(exportsOf(VISA_LIBRARY),
+                UnorderedElementsAre("viOpenDefaultRM", "viOpen", "viClose", "viGetAttribute", "viSetAttribute",
+                                     "viStatusDesc", "viRead", "viWrite", "viSetBuf"));
+}
+
+TEST(PlatformExports, ConfigServerExportsTheFunctionsThatWorkAndNothingElse)
+{
+    EXPECT_THAT(exportsOf(CONFIG_SERVER_LIBRARY),
+                UnorderedElementsAre(
+                    "IviConfig_Initialize", "IviConfig_Close", "IviConfig_DisposeHandle", "IviConfig_ClearError",
+                    "IviConfig_GetError", "IviConfig_Deserialize", "IviConfig_GetConfigStorePropertyViString",
+                    "IviConfig_GetDriverSession", "IviConfig_GetDriverSessionPropertyViBoolean",
+                    "IviConfig_GetDriverSessionPropertyViString", "IviConfig_GetSessionHardwareAssetReference",
+                    "IviConfig_GetHardwareAssetPropertyViString"));
+}
+
+TEST(PlatformHeaders, StatusCodesAreTheSameNumberInCAndInCpp)
+{
+    EXPECT_EQ(kvxTimeoutStatusSeenFromC(), -1073807339);
+}
+
+} // namespace

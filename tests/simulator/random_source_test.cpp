@@ -1,0 +1,126 @@
+// The bounds of the counts are eight standard deviations and more away from what is expected: a uniform source misses
+// one of them less than once in 10^14 runs.
+
+#include "simulator/random_source.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <set>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace
+{
+
+using namespace TSRO::random;
+
+constexpr int kDraws = 10000;
+
+TEST(UniformReal, LiesBetweenZeroAndOneWithoutOne)
+{
+    for (int i = 0; i < kDraws; ++i) {
+        const double value = uniformReal();
+        ASSERT_GE(value, 0.0);
+        ASSERT_LT(value, 1.0);
+    }
+}
+
+TEST(UniformReal, FillsEveryTenthAlike)
+{
+    std::array<int, 10> counts{};
+    for (int i = 0; i < kDraws; ++i)
+        ++counts[static_cast<std::size_t>(uniformReal() * 10.0)];
+    for (const int count : counts) {
+        EXPECT_GT(count, 700);
+        EXPECT_LT(count, 1300);
+    }
+}
+
+TEST(UniformReal, HasMoreThanThirtyTwoBits)
+{
+    // A multiple of 2^-32 in every one of the draws would be a source of 32 bits.
+    int finer = 0;
+    for (int i = 0; i < kDraws; ++i) {
+        const double scaled = uniformReal() * 4294967296.0;
+        finer += scaled != static_cast<double>(static_cast<std::uint64_t>(scaled)) ? 1 : 0;
+    }
+    EXPECT_GT(finer, kDraws / 2);
+}
+
+class UniformInteger : public testing::TestWithParam<std::uint32_t>
+{
+};
+
+TEST_P(UniformInteger, ReachesEveryNumberBelowTheCountAlikeOften)
+{
+    const std::uint32_t count = GetParam();
+    std::vector<int> counts(count);
+    for (int i = 0; i < kDraws; ++i) {
+        const std::uint32_t value = uniformInteger(count);
+        ASSERT_LT(value, count);
+        ++counts[value];
+    }
+    const auto [least, most] = std::minmax_element(counts.begin(), counts.end());
+    EXPECT_GT(*least, static_cast<int>(kDraws / count * 6 / 10));
+    EXPECT_LT(*most, static_cast<int>(kDraws / count * 14 / 10 + 1));
+}
+
+INSTANTIATE_TEST_SUITE_P(Counts, UniformInteger, testing::Values(1U, 2U, 3U, 4U, 6U, 8U, 11U),
+                         [](const testing::TestParamInfo<std::uint32_t>& count) {
+                             return "Below" + std::to_string(count.param);
+                         });
+
+TEST(LargeUniformInteger, IsRejectedWhereItWouldBeMoreLikelyThanOthers)
+{
+    // With 3 * 2^30 numbers a plain high word of the product would favour every third one by two to one.
+    constexpr std::uint32_t kCount = 3U << 30U;
+    std::array<int, 3> counts{};
+    for (int i = 0; i < kDraws; ++i) {
+        const std::uint32_t value = uniformInteger(kCount);
+        ASSERT_LT(value, kCount);
+        ++counts[value % 3];
+    }
+    for (const int count : counts) {
+        EXPECT_GT(count, 2900);
+        EXPECT_LT(count, 3800);
+    }
+}
+
+TEST(Boolean, IsTrueAndFalseAlikeOften)
+{
+    int trues = 0;
+    for (int i = 0; i < kDraws; ++i)
+        trues += boolean() ? 1 : 0;
+    EXPECT_GT(trues, 4500);
+    EXPECT_LT(trues, 5500);
+}
+
+TEST(RandomSource, GivesThreadsDifferentDraws)
+{
+    constexpr std::size_t kThreads = 8;
+    constexpr std::size_t kDrawsOfAThread = 2000;
+    std::array<std::vector<double>, kThreads> draws;
+    std::vector<std::thread> threads;
+    threads.reserve(kThreads);
+    for (auto& own : draws)
+        threads.emplace_back([&own] {
+            for (std::size_t i = 0; i < kDrawsOfAThread; ++i) {
+                own.push_back(uniformReal());
+                static_cast<void>(uniformInteger(6));
+                static_cast<void>(boolean());
+            }
+        });
+    for (std::thread& thread : threads)
+        thread.join();
+    std::set<double> all;
+    for (const auto& own : draws)
+        all.insert(own.begin(), own.end());
+    // Two draws of 53 bits may be equal by chance; more than two pairs never are.
+    EXPECT_GE(all.size() + 2, kThreads * kDrawsOfAThread);
+}
+
+} // namespace

@@ -1,0 +1,96 @@
+#include "options.h"
+
+#include "command_table.h"
+#include "test_control.h"
+#include "text.h"
+
+#include <CLI/CLI.hpp>
+#include <iostream>
+
+namespace kvxvirtual
+{
+
+namespace
+{
+
+constexpr int kUsageError = 2;
+constexpr int kLongestSettleMilliseconds = 3'600'000;
+
+struct LoadOption
+{
+    int channel = 0;
+    LoadText load;
+};
+
+/// Reads `CH1=10`.
+std::optional<LoadOption> parseLoadOption(std::string_view text)
+{
+    const auto equals = text.find('=');
+    if (equals == std::string_view::npos)
+        return std::nullopt;
+    const auto channel = channelNamed(text.substr(0, equals));
+    const auto load = parseLoad(text.substr(equals + 1));
+    if (!channel || !load.valid)
+        return std::nullopt;
+    return LoadOption{*channel, load};
+}
+
+std::string checkLoadOption(const std::string& text)
+{
+    return parseLoadOption(text) ? std::string() : "not <channel>=<ohms> or <channel>=open: " + text;
+}
+
+} // namespace
+
+CommandLine parseCommandLine(int argumentCount, const char* const* arguments)
+{
+    Options options;
+    unsigned short controlPort = 0;
+    int settleMilliseconds = static_cast<int>(options.instrument.settleTime.count());
+    std::vector<std::string> loads;
+    bool listCommands = false;
+
+    CLI::App app("A stateful KVX2833T power supply in software, for tests, demos and users without hardware.",
+                 "kvx2800t-virtual");
+    app.set_version_flag("--version", "kvx2800t-virtual " KVX_VIRTUAL_INSTRUMENT_VERSION);
+    app.add_option("--port", options.port, "TCP port of the raw socket, 0 for any free one")->capture_default_str();
+    app.add_option("--bind", options.bindAddress, "address of the raw socket")
+        ->check(CLI::ValidIPV4)
+        ->capture_default_str();
+    app.add_flag("--serial", options.serial, "offer a serial line (a pseudo terminal) and print its path");
+    const auto* const control =
+        app.add_option("--control-port", controlPort, "TCP port of the test control on 127.0.0.1, 0 for any free one");
+    app.add_option("--load", loads, "connect a load: CH1=10 (ohms) or CH1=open; may be repeated")
+        ->check(CLI::Validator(checkLoadOption, "CHANNEL=OHMS"))
+        ->take_all();
+    app.add_option("--settle-ms", settleMilliseconds, "how long outputs settle after a change of the source mode")
+        ->check(CLI::Range(0, kLongestSettleMilliseconds))
+        ->capture_default_str();
+    app.add_option("--idn", options.instrument.identity, "reply to *IDN?")->capture_default_str();
+    app.add_flag("--boolean-words", options.instrument.wording.booleanWords, "answer ON and OFF instead of 1 and 0");
+    app.add_flag("--alternate-keywords", options.instrument.wording.alternateKeywords,
+                 "answer CH5, CH6, 4K, 8K instead of SER, PAR, 4000, 8000");
+    app.add_flag("--trace", options.trace, "show every message and reply with a time stamp");
+    app.add_flag("--commands", listCommands, "print the command table as Markdown and end");
+
+    try {
+        app.parse(argumentCount, arguments);
+    } catch (const CLI::ParseError& error) {
+        return {std::nullopt, app.exit(error) == 0 ? 0 : kUsageError};
+    }
+    if (listCommands) {
+        std::cout << commandTableAsMarkdown();
+        return {};
+    }
+
+    if (control->count() > 0)
+        options.controlPort = controlPort;
+    options.instrument.settleTime = std::chrono::milliseconds(settleMilliseconds);
+    for (const auto& text : loads) {
+        if (const auto load = parseLoadOption(text))
+            options.loads.emplace_back(load->channel, load->load.ohms);
+    }
+    return {std::move(options), 0};
+}
+
+} // namespace kvxvirtual

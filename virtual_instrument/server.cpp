@@ -1,0 +1,120 @@
+#include "server.h"
+
+#include "quiet_wait.h"
+#include "serial_line.h"
+
+#include <chrono>
+#include <sstream>
+#include <utility>
+
+namespace kvxvirtual
+{
+
+namespace
+{
+
+/// How long to leave a listener alone when the host could not give it a client, for example for want of descriptors.
+constexpr std::chrono::milliseconds kAcceptPause{100};
+
+template <typename Endpoint>
+std::string textOf(const Endpoint& endpoint)
+{
+    std::ostringstream text;
+    text << endpoint;
+    return text.str();
+}
+
+} // namespace
+
+Server::Server(asio::io_context& context, VirtualInstrument& instrument, Journal& journal)
+    : context_(context), instrument_(instrument), journal_(journal),
+      control_(instrument, [this] { disconnectClients(); })
+{
+}
+
+std::string Server::listen(const std::string& address, unsigned short port)
+{
+    return listenOn(address, port, [this](Socket socket) { addClient(std::move(socket)); });
+}
+
+std::string Server::openSerial()
+{
+    auto line = openSerialLine(context_, instrument_, journal_);
+    serial_ = std::move(line.connection);
+    return line.path;
+}
+
+std::string Server::listenControl(unsigned short port)
+{
+    return listenOn("127.0.0.1", port, [this](Socket socket) {
+        std::make_shared<ControlConnection>(std::move(socket), control_, [this](auto action) {
+            whenQuiet(std::move(action));
+        })->start();
+    });
+}
+
+std::string Server::listenOn(const std::string& address, unsigned short port, Accepted accepted)
+{
+    const asio::ip::tcp::endpoint endpoint(asio::ip::make_address(address), port);
+    auto& acceptor = acceptors_.emplace_back(context_, endpoint);
+    accept(acceptor, std::move(accepted));
+    return textOf(acceptor.local_endpoint());
+}
+
+void Server::accept(Acceptor& acceptor, Accepted accepted)
+{
+    acceptor.async_accept(
+        [this, &acceptor, accepted = std::move(accepted)](asio::error_code error, Socket socket) mutable {
+            if (error == asio::error::operation_aborted)
+                return;
+            if (error)
+                return retryAccept(acceptor, std::move(accepted));
+            // A reply is one small write; it must not wait for the acknowledgement of the one before.
+            asio::error_code ignored;
+            socket.set_option(asio::ip::tcp::no_delay(true), ignored);
+            accepted(std::move(socket));
+            accept(acceptor, std::move(accepted));
+        });
+}
+
+void Server::retryAccept(Acceptor& acceptor, Accepted accepted)
+{
+    const auto pause = std::make_shared<asio::steady_timer>(context_, kAcceptPause);
+    pause->async_wait([this, pause, &acceptor, accepted = std::move(accepted)](asio::error_code) mutable {
+        accept(acceptor, std::move(accepted));
+    });
+}
+
+void Server::addClient(Socket socket)
+{
+    using Client = MessageConnection<Socket>;
+    asio::error_code gone;
+    const auto endpoint = socket.remote_endpoint(gone);
+    if (gone)
+        return;
+    const auto client =
+        std::make_shared<Client>(std::move(socket), textOf(endpoint), instrument_, journal_, [this](Client& ended) {
+            journal_.clientWent(ended.name());
+            clients_.erase(ended.shared_from_this());
+        });
+    clients_.insert(client);
+    journal_.clientCame(client->name());
+    client->start();
+}
+
+void Server::disconnectClients()
+{
+    const auto clients = clients_;
+    for (const auto& client : clients)
+        client->close();
+}
+
+void Server::whenQuiet(std::function<void()> action)
+{
+    std::vector<std::shared_ptr<Connection>> connections(clients_.begin(), clients_.end());
+    if (serial_)
+        connections.push_back(serial_);
+    QuietWait::start(context_, connections, std::move(action));
+}
+
+} // namespace kvxvirtual
