@@ -10,7 +10,8 @@ namespace drivekit
 {
 
 /// A row of the registry and its functions; null, with the recorded status, when the dispatch refuses.
-template <class Value> struct FoundAttribute
+template <class Value>
+struct FoundAttribute
 {
     ViStatus status = VI_SUCCESS;
     const AttributeInfo* info = nullptr;

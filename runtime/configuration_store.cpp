@@ -141,9 +141,8 @@ ViStatus DriverSession::readInherentOptions(IviDriverSessionHandle configured)
 
 ViStatus DriverSession::ReportConfigurationError(ViStatus status)
 {
-    std::array<ViChar, kTextSize> text{};
-    IviConfig_GetError(kTextSize, text.data());
-    return ReportErrorText(status, "%s", {text.data()});
+    // The server has left its own text in the thread's error record (IVI-3.5 section 5.2.1).
+    return ReportError(status);
 }
 
 } // namespace drivekit

@@ -139,7 +139,7 @@ public:
     virtual ViStatus ParseInherentOptions(const std::string& options);
     virtual ViStatus ParseBooleanOptionValue(const std::string& name, const std::string& value, bool& flag);
 
-    /// Records a failure of the configuration server with the server's own text.
+    /// Records a failure of the configuration server. The server's own text is the thread's error.
     ViStatus ReportConfigurationError(ViStatus status);
 
     /// The instrument object; null until OpenInstrument.

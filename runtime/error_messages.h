@@ -26,16 +26,16 @@ class DecimalArgument
 public:
     template <class Integer>
     explicit DecimalArgument(Integer number)
-        : length_(static_cast<std::size_t>(std::to_chars(text_.data(), text_.data() + text_.size(), number).ptr -
-                                           text_.data()))
     {
+        const auto end = std::to_chars(text_.data(), text_.data() + text_.size(), number).ptr;
+        length_ = static_cast<std::size_t>(end - text_.data());
     }
 
     operator std::string_view() const { return {text_.data(), length_}; } // NOLINT(google-explicit-constructor)
 
 private:
     std::array<char, 24> text_{};
-    std::size_t length_;
+    std::size_t length_ = 0;
 };
 
 /// Records `code` with its message as the error of `vi` (VI_NULL: of the calling thread). A description has at most

@@ -19,19 +19,19 @@ constexpr ViSession kFirstVisaSession = 1;
 constexpr ViSession kFirstIviSession = 1001;
 constexpr ViObject kGarbage = 0x0BADBAD0;
 
+struct Reply
+{
+    std::string bytes;
+    ViStatus status = VI_SUCCESS_TERM_CHAR;
+};
+
 struct VisaSession
 {
     /// The session it was opened from; VI_NULL for a resource manager's.
     ViSession manager = VI_NULL;
     std::string lastCommand;
-    /// What is left of a reply that did not fit into the buffer.
-    std::string rest;
-};
-
-struct Reply
-{
-    std::string bytes;
-    ViStatus status = VI_SUCCESS_TERM_CHAR;
+    /// What a read has left of a reply, and the status behind its last piece.
+    Reply rest;
 };
 
 struct IviSession
@@ -301,14 +301,13 @@ std::optional<Reply> nextReply(Platform& fakes, const VisaSession& session)
 ViStatus read(Platform& fakes, VisaSession& session, ViPBuf buffer, ViUInt32 capacity, ViUInt32& received)
 {
     received = 0;
-    auto reply =
-        session.rest.empty() ? nextReply(fakes, session) : Reply{std::exchange(session.rest, std::string()), {}};
+    auto reply = session.rest.bytes.empty() ? nextReply(fakes, session) : session.rest;
     if (!reply)
         return VI_ERROR_TMO;
     received = static_cast<ViUInt32>(std::min<std::size_t>(capacity, reply->bytes.size()));
     std::copy_n(reply->bytes.begin(), received, buffer);
-    session.rest = reply->bytes.substr(received);
-    return session.rest.empty() ? reply->status : VI_SUCCESS_MAX_CNT;
+    session.rest = {reply->bytes.substr(received), reply->status};
+    return session.rest.bytes.empty() ? reply->status : VI_SUCCESS_MAX_CNT;
 }
 
 // IVI sessions

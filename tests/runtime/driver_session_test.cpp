@@ -1,0 +1,245 @@
+#include "runtime_fixture.h"
+
+#include <map>
+#include <vector>
+
+namespace
+{
+
+using namespace kvxtest;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+constexpr ViStatus kFailed = code(0xBFFA1777);
+
+/// A session that writes down the steps of its life and takes their statuses from a test.
+class SteppedSession : public drivekit::DriverSession
+{
+public:
+    using DriverSession::DriverSession;
+
+    ViStatus OpenInstrument() override { return step("OpenInstrument"); }
+    ViStatus CloseInstrument() override { return step("CloseInstrument"); }
+    ViStatus InitializeStatus() override { return step("InitializeStatus"); }
+    ViStatus ReadIdentity(std::string& manufacturer, std::string& model, std::string& serialNumber,
+                          std::string& firmwareRevision) override
+    {
+        manufacturer = "maker";
+        model = identifiedModel;
+        serialNumber = "serial";
+        firmwareRevision = "firmware";
+        return step("ReadIdentity");
+    }
+    ViStatus CheckStatus() override { return step("CheckStatus"); }
+    ViStatus ResolveConfiguration(const std::string& resourceName, const std::string& optionString) override
+    {
+        resolvedWith = resourceName + "|" + optionString;
+        setQueryInstrumentStatus(queryStatus);
+        setInterchangeCheck(checkInterchange);
+        return step("ResolveConfiguration");
+    }
+
+    std::map<std::string, ViStatus> statuses;
+    std::vector<std::string> steps;
+    std::string resolvedWith;
+    std::string identifiedModel = "KVX2833T";
+    bool queryStatus = false;
+    bool checkInterchange = false;
+
+private:
+    ViStatus step(const std::string& name)
+    {
+        steps.push_back(name);
+        return statuses[name];
+    }
+};
+
+class DriverSessionTest : public RuntimeTest
+{
+public:
+    ViStatus initialize(bool idQuery = false) { return session.Initialize("resource", idQuery, false, "options"); }
+
+    SteppedSession session{vi};
+};
+
+TEST_F(DriverSessionTest, ANewSessionHasItsSettings)
+{
+    EXPECT_EQ(session.GetViSession(), vi);
+    EXPECT_EQ(session.openTimeoutMs(), 2000);
+    EXPECT_EQ(session.ioTimeoutMs(), 2000);
+    EXPECT_EQ(session.closeTimeoutMs(), 2000);
+    EXPECT_EQ(session.settlingTimeMs(), 1000);
+    EXPECT_FALSE(session.interchangeCheckSupported());
+    EXPECT_FALSE(session.idQuery());
+    EXPECT_FALSE(session.reset());
+    EXPECT_EQ(session.instrument(), nullptr);
+    EXPECT_EQ(session.model(), "");
+}
+
+TEST_F(DriverSessionTest, FlagsKeepWhatTheirSettersAreGiven)
+{
+    for (const bool value : {true, false}) {
+        session.setCache(value);
+        EXPECT_EQ(session.cache(), value);
+        session.setInterchangeCheck(value);
+        EXPECT_EQ(session.interchangeCheck(), value);
+        session.setQueryInstrumentStatus(value);
+        EXPECT_EQ(session.queryInstrumentStatus(), value);
+        session.setRangeCheck(value);
+        EXPECT_EQ(session.rangeCheck(), value);
+        session.setRecordCoercions(value);
+        EXPECT_EQ(session.recordCoercions(), value);
+        session.setSimulate(value);
+        EXPECT_EQ(session.simulate(), value);
+    }
+}
+
+TEST_F(DriverSessionTest, InitializeKeepsItsArguments)
+{
+    EXPECT_EQ(session.Initialize("resource", true, true, "options"), VI_SUCCESS);
+    EXPECT_EQ(session.resourceName(), "resource");
+    EXPECT_EQ(session.optionString(), "options");
+    EXPECT_TRUE(session.idQuery());
+    EXPECT_TRUE(session.reset());
+    EXPECT_EQ(session.resolvedWith, "resource|options");
+}
+
+TEST_F(DriverSessionTest, InitializeResolvesOpensAndIdentifies)
+{
+    EXPECT_EQ(initialize(), VI_SUCCESS);
+    EXPECT_THAT(session.steps, ElementsAre("ResolveConfiguration", "OpenInstrument", "ReadIdentity"));
+    EXPECT_EQ(session.manufacturer(), "maker");
+    EXPECT_EQ(session.model(), "KVX2833T");
+    EXPECT_EQ(session.serialNumber(), "serial");
+    EXPECT_EQ(session.firmwareRevision(), "firmware");
+    EXPECT_EQ(timesRecorded(), 0U);
+}
+
+TEST_F(DriverSessionTest, InitializeInitialisesTheStatusWhenStatusCheckingIsOn)
+{
+    session.queryStatus = true;
+    EXPECT_EQ(initialize(), VI_SUCCESS);
+    EXPECT_THAT(session.steps,
+                ElementsAre("ResolveConfiguration", "OpenInstrument", "InitializeStatus", "ReadIdentity"));
+}
+
+TEST_F(DriverSessionTest, AFailedResolutionEndsWithoutCleanUp)
+{
+    session.statuses["ResolveConfiguration"] = kFailed;
+    EXPECT_EQ(initialize(), kFailed);
+    EXPECT_THAT(session.steps, ElementsAre("ResolveConfiguration"));
+    EXPECT_EQ(timesRecorded(), 0U);
+}
+
+TEST_F(DriverSessionTest, InterchangeCheckingIsRefusedBeforeAnythingIsOpened)
+{
+    session.checkInterchange = true;
+    EXPECT_EQ(initialize(), code(0xBFFA004C));
+    EXPECT_THAT(session.steps, ElementsAre("ResolveConfiguration"));
+    EXPECT_EQ(recorded(), (ErrorEntry{code(0xBFFA004C), "The 'True' value in the option string is unknown.  "
+                                                        "Interchange checking is not supported by the driver."}));
+}
+
+TEST_F(DriverSessionTest, AFailedOpenClosesTheInstrument)
+{
+    session.statuses["OpenInstrument"] = kFailed;
+    EXPECT_EQ(initialize(), kFailed);
+    EXPECT_THAT(session.steps, ElementsAre("ResolveConfiguration", "OpenInstrument", "CloseInstrument"));
+}
+
+TEST_F(DriverSessionTest, AFailedStatusInitialisationClosesTheInstrument)
+{
+    session.queryStatus = true;
+    session.statuses["InitializeStatus"] = kFailed;
+    EXPECT_EQ(initialize(), kFailed);
+    EXPECT_THAT(session.steps,
+                ElementsAre("ResolveConfiguration", "OpenInstrument", "InitializeStatus", "CloseInstrument"));
+}
+
+TEST_F(DriverSessionTest, AFailedIdentificationClosesTheInstrument)
+{
+    session.statuses["ReadIdentity"] = kFailed;
+    EXPECT_EQ(initialize(), kFailed);
+    EXPECT_THAT(session.steps,
+                ElementsAre("ResolveConfiguration", "OpenInstrument", "ReadIdentity", "CloseInstrument"));
+}
+
+TEST_F(DriverSessionTest, AFailedCloseDoesNotReplaceTheStatusOfTheFailure)
+{
+    session.statuses["OpenInstrument"] = kFailed;
+    session.statuses["CloseInstrument"] = VI_ERROR_IO;
+    EXPECT_EQ(initialize(), kFailed);
+}
+
+TEST_F(DriverSessionTest, WarningsDoNotEndTheInitialisation)
+{
+    session.queryStatus = true;
+    for (const char* step : {"ResolveConfiguration", "OpenInstrument", "InitializeStatus", "ReadIdentity"})
+        session.statuses[step] = 1;
+    EXPECT_EQ(initialize(true), VI_SUCCESS);
+    EXPECT_EQ(session.steps.size(), 4U);
+}
+
+TEST_F(DriverSessionTest, AnUnsupportedModelFailsTheIdQuery)
+{
+    session.identifiedModel = "KVX2803T";
+    EXPECT_EQ(initialize(true), code(0xBFFA005E));
+    EXPECT_EQ(recorded(), (ErrorEntry{code(0xBFFA005E), "Instrument ID query failed."}));
+    EXPECT_THAT(session.steps,
+                ElementsAre("ResolveConfiguration", "OpenInstrument", "ReadIdentity", "CloseInstrument"));
+}
+
+TEST_F(DriverSessionTest, WithoutIdQueryAnyModelIsAccepted)
+{
+    for (const char* model : {"", "KVX2803T", "something else"}) {
+        session.identifiedModel = model;
+        EXPECT_EQ(initialize(false), VI_SUCCESS);
+        EXPECT_EQ(session.model(), model);
+    }
+}
+
+TEST_F(DriverSessionTest, TheSupportedModelIsComparedWithItsLetterCase)
+{
+    session.identifiedModel = "kvx2833t";
+    EXPECT_EQ(initialize(true), code(0xBFFA005E));
+    session.identifiedModel = "KVX2833T ";
+    EXPECT_EQ(initialize(true), code(0xBFFA005E));
+    session.identifiedModel = "KVX2833T";
+    EXPECT_EQ(initialize(true), VI_SUCCESS);
+}
+
+TEST_F(DriverSessionTest, TheModelTableKnowsModelsAndFamilies)
+{
+    EXPECT_TRUE(drivekit::DriverSession::IsModelOfFamily("KVX2833T", "KVX2800T"));
+    EXPECT_FALSE(drivekit::DriverSession::IsModelOfFamily("KVX2833T", "KVX2833T"));
+    EXPECT_FALSE(drivekit::DriverSession::IsModelOfFamily("KVX2833T", ""));
+    EXPECT_FALSE(drivekit::DriverSession::IsModelOfFamily("KVX2800T", "KVX2800T"));
+    EXPECT_FALSE(drivekit::DriverSession::IsModelOfFamily("", ""));
+    EXPECT_FALSE(drivekit::DriverSession::IsModelOfFamily("kvx2833t", "KVX2800T"));
+}
+
+TEST_F(DriverSessionTest, ItsModelIsTheIdentifiedOne)
+{
+    EXPECT_FALSE(session.IsModelSupported());
+    initialize();
+    EXPECT_TRUE(session.IsModelSupported());
+    EXPECT_TRUE(session.IsModel("KVX2833T"));
+    EXPECT_FALSE(session.IsModel("KVX2833"));
+    EXPECT_FALSE(session.IsModel("kvx2833t"));
+}
+
+TEST_F(DriverSessionTest, CloseClosesTheInstrumentAndReturnsItsStatus)
+{
+    session.statuses["CloseInstrument"] = kFailed;
+    EXPECT_EQ(session.Close(), kFailed);
+    EXPECT_THAT(session.steps, ElementsAre("CloseInstrument"));
+}
+
+TEST_F(DriverSessionTest, InvalidatingAttributesAsksNothing)
+{
+    session.InvalidateAllAttributes();
+    EXPECT_THAT(session.steps, IsEmpty());
+    EXPECT_THAT(calls(), IsEmpty());
+}
+
+} // namespace
