@@ -13,6 +13,8 @@ output=$(mktemp)
 build/release/bin/kvx2800t-virtual --port 0 --load CH1=10 >"$output" 2>&1 &
 instrument=$!
 trap 'kill "$instrument" 2>/dev/null || true; wait "$instrument" 2>/dev/null || true; rm -f "$output"' EXIT
+trap 'exit 130' INT
+trap 'exit 143' TERM
 
 port=
 for _ in $(seq 100); do

@@ -54,9 +54,9 @@ run_tests asan-ubsan
 run_tests tsan
 
 # The fuzzers start from nothing and end after a fixed number of inputs.
-build fuzz
+build fuzz fuzzers
 step "Fuzzing"
 for fuzzer in build/fuzz/bin/fuzz_*; do
     say "$(basename "$fuzzer")"
-    "$fuzzer" -runs=50000 -seed=1 -max_len=512 -verbosity=0
+    "$fuzzer" -runs=50000 -seed=1 -max_len=512 >build/fuzz/fuzzer.log 2>&1 || { cat build/fuzz/fuzzer.log; fail "$fuzzer"; }
 done

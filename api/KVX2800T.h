@@ -26,8 +26,10 @@
  * until it is read or cleared. An error of VISA or of the IVI shared components that reaches the caller keeps its code.
  *
  * @par Exceptions
- * A reply that the driver cannot read as the number or switch it has asked for leaves as a C++ standard exception
- * (std::invalid_argument, std::out_of_range), with nothing recorded and the session still locked by the calling thread.
+ * A reply that the driver cannot read as the number or switch it has asked for, and a channel range with a number
+ * beyond 32 bits, leave as a C++ standard exception (std::invalid_argument, std::out_of_range), with nothing recorded
+ * and the session still locked by the calling thread. One that leaves init has stored the session in Vi, which can be
+ * closed.
  *
  * @par Threads
  * Any function may be called from any thread. Calls on one session run one after the other; calls on different
@@ -95,7 +97,8 @@ extern "C" {
  * @brief Opens a session without options.
  *
  * @param ResourceName  VISA resource descriptor of the instrument; null is "".
- * @param IdQuery       VI_TRUE: fail unless the instrument's model is one the driver supports (KVX2833T).
+ * @param IdQuery       VI_TRUE: fail unless the instrument's model is one the driver supports (KVX2833T). The simulated
+ *                      instrument's model is not.
  * @param Reset         not VI_FALSE: send "*RST". Init succeeds even when the reset fails.
  * @param Vi            receives the session, or 0 on failure.
  *

@@ -52,7 +52,11 @@ set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${exports_file})
 
 add_library(KVX2800T SHARED ${driver_objects})
 target_link_libraries(KVX2800T PRIVATE kvx_options IviCShared IviConfigServer visa)
-target_link_options(KVX2800T PRIVATE -Wl,--version-script=${version_script} -Wl,--no-undefined)
+target_link_options(KVX2800T PRIVATE LINKER:--version-script=${version_script})
+if(NOT KVX_SANITIZE)
+    # clang leaves its sanitizers' functions to the program.
+    target_link_options(KVX2800T PRIVATE LINKER:--no-undefined)
+endif()
 set_target_properties(KVX2800T PROPERTIES
     VERSION ${PROJECT_VERSION}
     SOVERSION 1

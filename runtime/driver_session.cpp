@@ -2,6 +2,8 @@
 
 #include "runtime/driver_identity.h"
 
+#include <utility>
+
 namespace drivekit
 {
 
@@ -256,5 +258,11 @@ ViStatus DriverSession::ReportErrorText(ViStatus code, std::string_view text, Me
 }
 
 void DriverSession::InvalidateAllAttributes() {}
+
+void DriverSession::setInstrument(std::shared_ptr<TSRO::InstBase> instrument)
+{
+    if (const auto previous = std::exchange(instrument_, std::move(instrument)))
+        previous->close();
+}
 
 } // namespace drivekit

@@ -146,7 +146,8 @@ public:
     const std::shared_ptr<TSRO::InstBase>& instrument() const { return instrument_; }
 
 protected:
-    void setInstrument(std::shared_ptr<TSRO::InstBase> instrument) { instrument_ = std::move(instrument); }
+    /// Takes the place of the instrument before, whose connection is closed; the status of that does not count.
+    void setInstrument(std::shared_ptr<TSRO::InstBase> instrument);
 
 private:
     using OptionTable = std::map<std::string, std::string, std::less<>>;

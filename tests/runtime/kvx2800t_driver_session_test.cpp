@@ -104,6 +104,7 @@ TEST_F(KVX2800TSessionTest, AFailedCloseIsRecordedAndReturned)
 
 TEST_F(KVX2800TSessionTest, ReadIdentityCopiesTheInstrumentsRecord)
 {
+    EXPECT_CALL(*instrument, close);
     session.setInstrument(std::make_shared<StrictInstrument>(TSRO::Identity{"maker", "model", "serial", "firmware"}));
     std::string manufacturer;
     std::string model;
@@ -202,6 +203,16 @@ TEST_F(KVX2800TInitializeTest, SimulatingNeedsNoVisaAndChecksNoStatus)
     EXPECT_TRUE(session.instrument()->isOpen());
     EXPECT_EQ(session.Close(), VI_SUCCESS);
     EXPECT_FALSE(session.instrument()->isOpen());
+}
+
+TEST_F(KVX2800TInitializeTest, AnInstrumentThatTakesThePlaceOfAnotherLeavesNoVisaSessionBehind)
+{
+    ASSERT_EQ(session.Initialize(kResource, false, false, ""), VI_SUCCESS);
+    const std::size_t sessionsOfOne = openVisaSessions();
+    EXPECT_EQ(session.OpenInstrument(), VI_SUCCESS);
+    EXPECT_EQ(openVisaSessions(), sessionsOfOne);
+    EXPECT_EQ(session.Close(), VI_SUCCESS);
+    EXPECT_EQ(openVisaSessions(), 0U);
 }
 
 TEST_F(KVX2800TInitializeTest, TheInstrumentReadsTheOptionsItself)
