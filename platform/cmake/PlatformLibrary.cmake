@@ -12,7 +12,8 @@ function(kvx_platform_library name)
 
     add_library(${name} SHARED ${ARG_FACE} ${ARG_SOURCES})
     target_link_libraries(${name} PUBLIC platform_headers PRIVATE kvx_options platform_common ${ARG_LIBRARIES})
-    target_link_options(${name} PRIVATE LINKER:--version-script=${script})
+    # nodelete: the objects that are never destroyed must stay reachable when a driver is unloaded and loaded again.
+    target_link_options(${name} PRIVATE LINKER:--version-script=${script} LINKER:-z,nodelete)
     set_target_properties(${name} PROPERTIES CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON
                                              LINK_DEPENDS ${script} INSTALL_RPATH $ORIGIN)
     set_source_files_properties(${ARG_FACE} PROPERTIES COMPILE_OPTIONS -fvisibility=default)

@@ -17,6 +17,9 @@ namespace
 
 using namespace config_server;
 
+// A handle carries a number of the table in a pointer.
+static_assert(sizeof(IviConfigHandle) == sizeof(void*));
+
 /// Never destroyed: drivers may give handles back while the process ends.
 HandleTable& handles()
 {

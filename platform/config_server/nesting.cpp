@@ -10,10 +10,11 @@ constexpr std::string_view kSpace = " \t\r\n";
 constexpr std::string_view kElementNameEnd = " \t\r\n/>?";
 constexpr std::string_view kAttributeNameEnd = " \t\r\n/<>=?!";
 
+/// Finds the ends of tokens where RapidXML 1.13 finds them; another version needs another look at each rule here.
 class NestingScanner
 {
 public:
-    NestingScanner(std::string_view xml, std::size_t limit) : rest_(xml), limit_(limit) {}
+    NestingScanner(std::string_view xml, const ElementLimits& limits) : rest_(xml), limits_(limits) {}
 
     bool scan()
     {
@@ -59,13 +60,15 @@ private:
 
     bool scanStartTag()
     {
+        if (++elements_ > limits_.most)
+            return false;
         skipWhile(kElementNameEnd, false);
         for (;;) {
             skipWhile(kSpace, true);
             if (take("/>"))
-                return depth_ < limit_;
+                return depth_ < limits_.deepest;
             if (take(">"))
-                return ++depth_ <= limit_;
+                return ++depth_ <= limits_.deepest;
             if (!skipAttribute())
                 return false;
         }
@@ -134,15 +137,16 @@ private:
     }
 
     std::string_view rest_;
-    std::size_t limit_;
+    ElementLimits limits_;
     std::size_t depth_ = 0;
+    std::size_t elements_ = 0;
 };
 
 } // namespace
 
-bool nestsAtMost(std::string_view xml, std::size_t limit)
+bool staysWithin(std::string_view xml, const ElementLimits& limits)
 {
-    return NestingScanner(xml, limit).scan();
+    return NestingScanner(xml, limits).scan();
 }
 
 } // namespace config_server

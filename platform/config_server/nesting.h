@@ -6,9 +6,16 @@
 namespace config_server
 {
 
-/// Tells in one pass, without recursion, whether the elements of an XML text are closed and nest at most this deep, so
-/// that a recursive parser can be let loose on it. Reads comments, CDATA, processing instructions, DOCTYPE and quoted
-/// attributes the way RapidXML does: where the two differed, a file could hide its depth from this check.
-bool nestsAtMost(std::string_view xml, std::size_t limit);
+struct ElementLimits
+{
+    std::size_t deepest; ///< nesting
+    std::size_t most;    ///< in all, the root included
+};
+
+/// Tells in one pass, without recursion or memory of its own, whether the elements of an XML text are closed and within
+/// the limits, so that a recursive parser that makes objects of them can be let loose on it. Reads comments, CDATA,
+/// processing instructions, DOCTYPE and quoted attributes the way RapidXML does: where the two differed, a file could
+/// hide elements from this check.
+bool staysWithin(std::string_view xml, const ElementLimits& limits);
 
 } // namespace config_server

@@ -12,11 +12,16 @@ namespace config_server
 namespace
 {
 
-Document load(const std::string& location)
+/// A file that cannot be looked at is not taken for a missing one.
+bool isMissing(const std::string& path)
 {
     std::error_code error;
-    const bool standsForEmptyStore = location == systemLocation() && !std::filesystem::exists(location, error);
-    return standsForEmptyStore ? emptyStore() : loadStoreFile(location);
+    return std::filesystem::status(path, error).type() == std::filesystem::file_type::not_found;
+}
+
+Document load(const std::string& location)
+{
+    return location == systemLocation() && isMissing(location) ? emptyStore() : loadStoreFile(location);
 }
 
 } // namespace

@@ -118,7 +118,7 @@ Document loadStoreFile(const std::string& path)
 
 Document parseStore(std::string text)
 {
-    if (text.find('\0') != std::string::npos || !nestsAtMost(text, kDeepestNesting))
+    if (text.find('\0') != std::string::npos || !staysWithin(text, {kDeepestNesting, kMostElements}))
         return nullptr;
     try {
         rapidxml::xml_document<char> xml;

@@ -14,7 +14,10 @@ inline constexpr std::size_t kLargestFile = std::size_t{16} * 1024 * 1024;
 /// Deepest nesting of elements that is read.
 inline constexpr std::size_t kDeepestNesting = 64;
 
-/// Reads a store file. Null when it is missing, too large or not a well-formed store.
+/// Most elements that are read: each takes some hundred bytes of memory, but as few as four in the file.
+inline constexpr std::size_t kMostElements = 100000;
+
+/// Reads a store file. Null when it is missing, beyond these limits or not a well-formed store.
 Document loadStoreFile(const std::string& path);
 
 /// The same for the text of a file.

@@ -12,6 +12,12 @@ namespace
 using ivi_c_shared::ErrorRecord;
 using ivi_c_shared::SessionTable;
 
+// The widths that drivers were compiled with.
+static_assert(sizeof(ViInt32) == 4);
+static_assert(sizeof(ViStatus) == 4);
+static_assert(sizeof(ViSession) == 4);
+static_assert(sizeof(ViBoolean) == 2);
+
 /// Never destroyed: drivers may call in from their own clean-up while the process ends.
 SessionTable& sessions()
 {
@@ -19,11 +25,39 @@ SessionTable& sessions()
     return table;
 }
 
-/// The record that all IVI-C drivers of a thread share.
-ErrorRecord& threadError()
+/// The calling thread's record, null without one. A plain pointer, which can still be read when the owner is gone.
+thread_local ErrorRecord* currentError = nullptr;
+
+/// Owner of the record that all IVI-C drivers of a thread share.
+class ThreadError
 {
-    static thread_local ErrorRecord record;
-    return record;
+public:
+    ThreadError() noexcept { currentError = &record_; }
+    ~ThreadError() { currentError = nullptr; }
+    ThreadError(const ThreadError&) = delete;
+    ThreadError& operator=(const ThreadError&) = delete;
+    ThreadError(ThreadError&&) = delete;
+    ThreadError& operator=(ThreadError&&) = delete;
+
+    /// The calling thread's record. Null once the thread's variables are gone, which on the main thread is before the
+    /// static clean-up of the drivers.
+    static ErrorRecord* current()
+    {
+        static thread_local ThreadError owner;
+        return currentError;
+    }
+
+private:
+    ErrorRecord record_;
+};
+
+/// Runs action(record) on the thread's record; on an empty one that nobody keeps when the thread has none any more.
+template <typename Action>
+ViStatus withThreadError(Action action)
+{
+    ErrorRecord unkept;
+    ErrorRecord* const kept = ThreadError::current();
+    return action(kept == nullptr ? unkept : *kept);
 }
 
 /// The frame of every function: no exception leaves the library.
@@ -86,7 +120,8 @@ ViStatus _VI_FUNC IviSession_Unlock(ViSession handle, ViBoolean* hasLock)
 ViStatus _VI_FUNC IviSession_SetError(ViSession handle, ViStatus code, ViConstString description)
 {
     return guarded([handle, code, description] {
-        const ViStatus mirrored = threadError().update(code, description);
+        const ViStatus mirrored =
+            withThreadError([=](ErrorRecord& record) { return record.update(code, description); });
         const ViStatus kept = handle == VI_NULL ? IVI_SUCCESS : sessions().setError(handle, code, description);
         return kept < 0 ? kept : mirrored;
     });
@@ -96,7 +131,7 @@ ViStatus _VI_FUNC IviSession_GetError(ViSession handle, ViInt32 bufferSize, ViSt
 {
     return guarded([=] {
         if (handle == VI_NULL)
-            return threadError().take(bufferSize, code, description);
+            return withThreadError([=](ErrorRecord& record) { return record.take(bufferSize, code, description); });
         return sessions().takeError(handle, bufferSize, code, description);
     });
 }
@@ -106,7 +141,9 @@ ViStatus _VI_FUNC IviSession_ClearError(ViSession handle)
     return guarded([handle] {
         if (handle != VI_NULL)
             return sessions().clearError(handle);
-        threadError().clear();
-        return IVI_SUCCESS;
+        return withThreadError([](ErrorRecord& record) {
+            record.clear();
+            return IVI_SUCCESS;
+        });
     });
 }

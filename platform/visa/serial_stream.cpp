@@ -1,6 +1,7 @@
 #include "serial_stream.h"
 
 #include "backends.h"
+#include "host_error.h"
 #include "serial_native.h"
 #include "wait_status.h"
 
@@ -17,9 +18,9 @@ using asio::serial_port;
 
 ViStatus openStatus(const asio::error_code& error)
 {
-    if (error == asio::error::no_descriptors || error == asio::error::no_memory)
+    if (isExhaustion(error))
         return VI_ERROR_ALLOC;
-    const bool occupied = error == std::errc::device_or_resource_busy || error == asio::error::access_denied;
+    const bool occupied = hostError(error) == std::errc::device_or_resource_busy || error == asio::error::access_denied;
     return occupied ? VI_ERROR_RSRC_BUSY : VI_ERROR_RSRC_NFOUND;
 }
 
@@ -103,6 +104,7 @@ ViStatus openSerialStream(const ResourceName& name, const Deadline&, std::unique
     port.open(path, error);
     if (error)
         return openStatus(error);
+    keepFromChildren(static_cast<NativeHandle>(port.native_handle()));
     stream = std::make_unique<SerialStream>(std::move(port));
     return VI_SUCCESS;
 }

@@ -1,10 +1,10 @@
 #include "tcp_stream.h"
 
 #include "backends.h"
+#include "host_error.h"
 #include "wait_status.h"
 
 #include <asio/buffer.hpp>
-#include <asio/connect.hpp>
 
 #include <array>
 #include <limits>
@@ -29,7 +29,7 @@ ViStatus transferStatus(const asio::error_code& error)
         error == asio::error::connection_aborted || error == asio::error::not_connected ||
         error == asio::error::timed_out || error == asio::error::network_reset)
         return VI_ERROR_CONN_LOST;
-    return error == asio::error::no_memory || error == asio::error::no_buffer_space ? VI_ERROR_ALLOC : VI_ERROR_IO;
+    return isExhaustion(error) ? VI_ERROR_ALLOC : VI_ERROR_IO;
 }
 
 ViStatus connectStatus(const asio::error_code& error)
@@ -38,21 +38,46 @@ ViStatus connectStatus(const asio::error_code& error)
         return VI_SUCCESS;
     if (error == asio::error::timed_out)
         return VI_ERROR_TMO;
-    if (error == asio::error::no_descriptors || error == asio::error::no_memory ||
-        error == asio::error::no_buffer_space)
-        return VI_ERROR_ALLOC;
-    return VI_ERROR_RSRC_NFOUND;
+    return isExhaustion(error) ? VI_ERROR_ALLOC : VI_ERROR_RSRC_NFOUND;
+}
+
+NativeHandle handleOf(tcp::socket& socket)
+{
+    return static_cast<NativeHandle>(socket.native_handle());
+}
+
+/// Connects a fresh socket to one endpoint. The context must not run again after nothing was returned.
+/// @return nothing when the deadline passed
+std::optional<asio::error_code> connectTo(asio::io_context& context, tcp::socket& socket, const tcp::endpoint& endpoint,
+                                          const Deadline& deadline)
+{
+    asio::error_code error;
+    socket.close(error);
+    socket.open(endpoint.protocol(), error);
+    if (error)
+        return error;
+    keepFromChildren(handleOf(socket));
+    std::optional<asio::error_code> outcome;
+    socket.async_connect(endpoint, [&outcome](const asio::error_code& result) { outcome = result; });
+    context.restart();
+    context.run_for(std::chrono::milliseconds(deadline.remainingMs(std::numeric_limits<int>::max())));
+    return outcome;
 }
 
 /// Connects to the first endpoint that answers, all of them within one deadline.
 ViStatus connect(asio::io_context& context, tcp::socket& socket, const tcp::resolver::results_type& endpoints,
                  const Deadline& deadline)
 {
-    std::optional<asio::error_code> outcome;
-    asio::async_connect(socket, endpoints,
-                        [&outcome](const asio::error_code& error, const tcp::endpoint&) { outcome = error; });
-    context.run_for(std::chrono::milliseconds(deadline.remainingMs(std::numeric_limits<int>::max())));
-    return outcome ? connectStatus(*outcome) : VI_ERROR_TMO;
+    asio::error_code error = asio::error::host_not_found;
+    for (const auto& entry : endpoints) {
+        const auto outcome = connectTo(context, socket, entry.endpoint(), deadline);
+        if (!outcome)
+            return VI_ERROR_TMO;
+        error = *outcome;
+        if (!error)
+            break;
+    }
+    return connectStatus(error);
 }
 
 /// Moves a connected socket from the context that connected it to the common one and readies it for transfers.
@@ -98,7 +123,7 @@ TcpStream::TcpStream(tcp::socket socket) : socket_(std::move(socket)) {}
 
 ViStatus TcpStream::wait(Direction direction, const Deadline& deadline) noexcept
 {
-    return statusOf(interrupter_.wait(static_cast<NativeHandle>(socket_.native_handle()), direction, deadline));
+    return statusOf(interrupter_.wait(handleOf(socket_), direction, deadline));
 }
 
 ViStatus TcpStream::readSome(std::span<ViByte> buffer, const Deadline& deadline, std::size_t& count) noexcept

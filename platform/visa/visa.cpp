@@ -1,5 +1,6 @@
 #include "attributes.h"
 #include "backends.h"
+#include "host_error.h"
 #include "instrument_session.h"
 #include "manager_session.h"
 #include "session_registry.h"
@@ -22,6 +23,9 @@ using visa::ResourceName;
 using visa::Session;
 using visa::SessionRegistry;
 
+// Callers pass a negative attribute value sign-extended to a pointer's width.
+static_assert(sizeof(ViAttrState) == sizeof(void*));
+
 /// Never destroyed: drivers may close their sessions from their own clean-up while the process ends.
 SessionRegistry& registry()
 {
@@ -37,8 +41,8 @@ ViStatus guarded(Action action) noexcept
         return action();
     } catch (const std::bad_alloc&) {
         return VI_ERROR_ALLOC;
-    } catch (const std::system_error&) {
-        return VI_ERROR_SYSTEM_ERROR;
+    } catch (const std::system_error& failure) {
+        return visa::isExhaustion(failure.code()) ? VI_ERROR_ALLOC : VI_ERROR_SYSTEM_ERROR;
     }
 }
 

@@ -1,14 +1,10 @@
 #pragma once
 
 #include "deadline.h"
-
-#include <cstdint>
+#include "native_handle.h"
 
 namespace visa
 {
-
-/// A descriptor of the host that can be waited for.
-using NativeHandle = std::intptr_t;
 
 enum class Direction
 {

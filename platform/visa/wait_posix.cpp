@@ -17,7 +17,7 @@ namespace
 
 void prepare(int descriptor)
 {
-    ::fcntl(descriptor, F_SETFD, FD_CLOEXEC);
+    keepFromChildren(descriptor);
     ::fcntl(descriptor, F_SETFL, O_NONBLOCK);
 }
 

@@ -134,6 +134,14 @@ TEST_F(MalformedStore, ElementsMayNestSixtyFourDeepAndNoDeeper)
               IVICONFIG_ERROR_DESERIALIZE_FAILED);
 }
 
+TEST_F(MalformedStore, HundredThousandElementsAreReadAndNoMore)
+{
+    const std::string most = repeated("<a/>", 99998);
+    EXPECT_EQ(tryToLoad(inStore(most + "<b></b>")), VI_SUCCESS);
+    EXPECT_EQ(tryToLoad(inStore(most + "<b></b><c/>")), IVICONFIG_ERROR_DESERIALIZE_FAILED);
+    EXPECT_EQ(tryToLoad(inStore(most + "<b></b><c></c>")), IVICONFIG_ERROR_DESERIALIZE_FAILED);
+}
+
 TEST_F(MalformedStore, DepthCannotBeHidden)
 {
     const std::string deep = repeated("<a>", 1000000);

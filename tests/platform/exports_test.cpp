@@ -3,6 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <dlfcn.h>
+
 #include <array>
 #include <cstdio>
 #include <memory>
@@ -55,6 +57,16 @@ TEST(PlatformExports, ConfigServerExportsTheFunctionsThatWorkAndNothingElse)
                     "IviConfig_GetDriverSession", "IviConfig_GetDriverSessionPropertyViBoolean",
                     "IviConfig_GetDriverSessionPropertyViString", "IviConfig_GetSessionHardwareAssetReference",
                     "IviConfig_GetHardwareAssetPropertyViString"));
+}
+
+TEST(PlatformUnloading, LibrariesStayLoadedWithTheirSessions)
+{
+    for (const char* const library : {SESSION_SERVICE_LIBRARY, VISA_LIBRARY, CONFIG_SERVER_LIBRARY}) {
+        void* const loaded = ::dlopen(library, RTLD_NOW | RTLD_LOCAL);
+        ASSERT_NE(loaded, nullptr) << library;
+        EXPECT_EQ(::dlclose(loaded), 0);
+        EXPECT_NE(::dlopen(library, RTLD_NOW | RTLD_NOLOAD), nullptr) << library;
+    }
 }
 
 TEST(PlatformHeaders, StatusCodesAreTheSameNumberInCAndInCpp)

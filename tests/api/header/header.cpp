@@ -1,6 +1,6 @@
 #include "api/KVX2800T.h"
 
-// Twice: it guards itself.
+// Twice: it guards itself. NOLINTNEXTLINE(readability-duplicate-include)
 #include "api/KVX2800T.h"
 
 ViStatus openAndClose();
