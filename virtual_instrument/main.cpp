@@ -1,6 +1,7 @@
 #include "journal.h"
 #include "options.h"
 #include "server.h"
+#include "standard_input.h"
 #include "virtual_instrument.h"
 
 #include <asio.hpp>
@@ -22,7 +23,7 @@ InstrumentClock::Duration steadyTime()
 
 /// Runs `start` and says what could not be had when it fails.
 template <typename Start>
-std::string startOrExplain(const std::string& what, Start start)
+auto startOrExplain(const std::string& what, Start start)
 {
     try {
         return start();
@@ -64,6 +65,9 @@ void run(const Options& options)
 
     asio::signal_set signals(context, SIGINT, SIGTERM);
     signals.async_wait([&context](asio::error_code, int) { context.stop(); });
+    if (options.untilStdinCloses)
+        startOrExplain("watch the standard input",
+                       [&] { whenStandardInputEnds(context, [&context] { context.stop(); }); });
     startTransports(server, options);
     context.run();
 }

@@ -28,6 +28,8 @@ public:
         : stream_(std::move(stream)), delayTimer_(stream_.get_executor()), name_(std::move(name)),
           instrument_(instrument), journal_(journal), ended_(std::move(ended))
     {
+        asio::error_code ignored;
+        stream_.non_blocking(true, ignored);
     }
 
     void start() { read(); }
@@ -75,15 +77,26 @@ private:
     void read()
     {
         state_ = State::Reading;
-        stream_.async_read_some(asio::buffer(chunk_),
-                                [self = this->shared_from_this()](asio::error_code error, std::size_t count) {
-                                    if (error)
-                                        return self->close();
-                                    self->bytesRead_ += count;
-                                    ++self->steps_;
-                                    self->lines_.append({self->chunk_.data(), count});
-                                    self->executeLines();
-                                });
+        // An asynchronous read could hold bytes that neither bytesRead() nor bytesWaiting() counts.
+        stream_.async_wait(Stream::wait_read, [self = this->shared_from_this()](asio::error_code error) {
+            if (error)
+                return self->close();
+            self->readWaiting();
+        });
+    }
+
+    void readWaiting()
+    {
+        asio::error_code error;
+        const auto count = stream_.read_some(asio::buffer(chunk_), error);
+        if (error == asio::error::would_block)
+            return read();
+        if (error)
+            return close();
+        bytesRead_ += count;
+        ++steps_;
+        lines_.append({chunk_.data(), count});
+        executeLines();
     }
 
     void executeLines()

@@ -71,6 +71,7 @@ CommandLine parseCommandLine(int argumentCount, const char* const* arguments)
     app.add_flag("--alternate-keywords", options.instrument.wording.alternateKeywords,
                  "answer CH5, CH6, 4K, 8K instead of SER, PAR, 4000, 8000");
     app.add_flag("--trace", options.trace, "show every message and reply with a time stamp");
+    app.add_flag("--until-stdin-closes", options.untilStdinCloses, "end when the standard input reaches its end");
     app.add_flag("--commands", listCommands, "print the command table as Markdown and end");
 
     try {

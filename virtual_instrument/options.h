@@ -19,6 +19,7 @@ struct Options
     std::optional<unsigned short> controlPort;
     bool serial = false;
     bool trace = false;
+    bool untilStdinCloses = false;
     /// Channels and the ohms connected to them; nothing is open.
     std::vector<std::pair<int, std::optional<double>>> loads;
     InstrumentSettings instrument;

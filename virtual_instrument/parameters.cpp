@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <cmath>
 #include <limits>
 #include <system_error>
@@ -43,12 +42,9 @@ Numeric parseNumber(std::string_view text)
         return {ErrorCode::DataOutOfRange};
     if (!beginsLikeNumber(text))
         return {ErrorCode::DataTypeError};
-    if (text.starts_with('+') && !text.starts_with("+-"))
-        text.remove_prefix(1);
     double value = 0.0;
-    const auto* const end = text.data() + text.size();
-    const auto [stop, status] = std::from_chars(text.data(), end, value);
-    if (stop != end || status == std::errc::invalid_argument)
+    const auto [stop, status] = decimalInFrontOf(text, value);
+    if (stop != text.data() + text.size() || status == std::errc::invalid_argument)
         return {ErrorCode::InvalidCharacterInNumber};
     if (status != std::errc() || !std::isfinite(value))
         return {ErrorCode::DataOutOfRange};

@@ -56,33 +56,44 @@ std::string Server::listenControl(unsigned short port)
 std::string Server::listenOn(const std::string& address, unsigned short port, Accepted accepted)
 {
     const asio::ip::tcp::endpoint endpoint(asio::ip::make_address(address), port);
-    auto& acceptor = acceptors_.emplace_back(context_, endpoint);
-    accept(acceptor, std::move(accepted));
-    return textOf(acceptor.local_endpoint());
+    auto& listener = listeners_.emplace_back(Listener{Acceptor(context_, endpoint), std::move(accepted)});
+    listener.acceptor.non_blocking(true);
+    // Without this a client that has given up would be followed by a wait for the next one.
+    listener.acceptor.set_option(asio::socket_base::enable_connection_aborted(true));
+    waitForClients(listener);
+    return textOf(listener.acceptor.local_endpoint());
 }
 
-void Server::accept(Acceptor& acceptor, Accepted accepted)
+void Server::waitForClients(Listener& listener)
 {
-    acceptor.async_accept(
-        [this, &acceptor, accepted = std::move(accepted)](asio::error_code error, Socket socket) mutable {
-            if (error == asio::error::operation_aborted)
-                return;
-            if (error)
-                return retryAccept(acceptor, std::move(accepted));
-            // A reply is one small write; it must not wait for the acknowledgement of the one before.
-            asio::error_code ignored;
-            socket.set_option(asio::ip::tcp::no_delay(true), ignored);
-            accepted(std::move(socket));
-            accept(acceptor, std::move(accepted));
-        });
+    listener.acceptor.async_wait(Acceptor::wait_read, [this, &listener](asio::error_code error) {
+        if (error == asio::error::operation_aborted)
+            return;
+        if (!error && acceptWaiting(listener))
+            return waitForClients(listener);
+        pauseBeforeClients(listener);
+    });
 }
 
-void Server::retryAccept(Acceptor& acceptor, Accepted accepted)
+void Server::pauseBeforeClients(Listener& listener)
 {
     const auto pause = std::make_shared<asio::steady_timer>(context_, kAcceptPause);
-    pause->async_wait([this, pause, &acceptor, accepted = std::move(accepted)](asio::error_code) mutable {
-        accept(acceptor, std::move(accepted));
-    });
+    pause->async_wait([this, pause, &listener](asio::error_code) { waitForClients(listener); });
+}
+
+bool Server::acceptWaiting(Listener& listener)
+{
+    while (true) {
+        Socket socket(context_);
+        asio::error_code error;
+        listener.acceptor.accept(socket, error);
+        if (error)
+            return error == asio::error::would_block;
+        // A reply is one small write; it must not wait for the acknowledgement of the one before.
+        asio::error_code ignored;
+        socket.set_option(asio::ip::tcp::no_delay(true), ignored);
+        listener.accepted(std::move(socket));
+    }
 }
 
 void Server::addClient(Socket socket)
@@ -111,6 +122,9 @@ void Server::disconnectClients()
 
 void Server::whenQuiet(std::function<void()> action)
 {
+    // A client that the host has connected may have sent before this server has taken it.
+    for (auto& listener : listeners_)
+        acceptWaiting(listener);
     std::vector<std::shared_ptr<Connection>> connections(clients_.begin(), clients_.end());
     if (serial_)
         connections.push_back(serial_);

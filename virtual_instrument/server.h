@@ -39,9 +39,17 @@ private:
     using Acceptor = asio::ip::tcp::acceptor;
     using Accepted = std::function<void(Socket)>;
 
+    struct Listener
+    {
+        Acceptor acceptor;
+        Accepted accepted;
+    };
+
     std::string listenOn(const std::string& address, unsigned short port, Accepted accepted);
-    void accept(Acceptor& acceptor, Accepted accepted);
-    void retryAccept(Acceptor& acceptor, Accepted accepted);
+    void waitForClients(Listener& listener);
+    void pauseBeforeClients(Listener& listener);
+    /// Takes every client that is waiting; whether the host could give them all.
+    bool acceptWaiting(Listener& listener);
     void addClient(Socket socket);
     void disconnectClients();
     void whenQuiet(std::function<void()> action);
@@ -50,7 +58,7 @@ private:
     VirtualInstrument& instrument_;
     Journal& journal_;
     TestControl control_;
-    std::list<Acceptor> acceptors_;
+    std::list<Listener> listeners_;
     std::set<std::shared_ptr<Connection>> clients_;
     std::shared_ptr<Connection> serial_;
 };

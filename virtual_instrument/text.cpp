@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <cmath>
 #include <system_error>
 
@@ -24,17 +23,26 @@ std::optional<char> byteOfHex(std::string_view twoDigits)
     return static_cast<char>(value);
 }
 
-template <typename Number>
-std::optional<Number> wholeNumber(std::string_view text)
+std::string_view withoutPlus(std::string_view text)
 {
     if (text.starts_with('+') && !text.starts_with("+-"))
         text.remove_prefix(1);
-    Number value{};
-    const auto* const end = text.data() + text.size();
-    const auto result = std::from_chars(text.data(), end, value);
-    if (result.ec != std::errc() || result.ptr != end)
-        return std::nullopt;
-    return value;
+    return text;
+}
+
+/// Of a number that no double represents: whether it is too close to zero, rather than too far from it.
+bool isTooSmall(std::string_view number)
+{
+    const auto mark = std::min(number.find_first_of("eE"), number.size());
+    const auto mantissa = number.substr(0, mark);
+    const auto point = std::min(mantissa.find('.'), mantissa.size());
+    const auto firstDigit = mantissa.find_first_of("123456789");
+    const auto placesBeforePoint = static_cast<std::ptrdiff_t>(point) - static_cast<std::ptrdiff_t>(firstDigit);
+    if (mark == number.size())
+        return placesBeforePoint < 0;
+    const auto exponentText = number.substr(mark + 1);
+    const auto exponent = integerIn(exponentText);
+    return exponent ? *exponent + placesBeforePoint < 0 : exponentText.starts_with('-');
 }
 
 } // namespace
@@ -75,13 +83,31 @@ std::string fixedText(double value, int decimals)
 
 std::optional<int> integerIn(std::string_view text)
 {
-    return wholeNumber<int>(text);
+    text = withoutPlus(text);
+    int value = 0;
+    const auto* const end = text.data() + text.size();
+    const auto result = std::from_chars(text.data(), end, value);
+    return result.ec == std::errc() && result.ptr == end ? std::optional(value) : std::nullopt;
+}
+
+std::from_chars_result decimalInFrontOf(std::string_view text, double& value)
+{
+    text = withoutPlus(text);
+    auto result = std::from_chars(text.data(), text.data() + text.size(), value);
+    const auto length = static_cast<std::size_t>(result.ptr - text.data());
+    if (result.ec == std::errc::result_out_of_range && isTooSmall(text.substr(0, length))) {
+        value = 0.0;
+        result.ec = std::errc();
+    }
+    return result;
 }
 
 std::optional<double> finiteNumberIn(std::string_view text)
 {
-    const auto value = wholeNumber<double>(text);
-    return value && std::isfinite(*value) ? value : std::nullopt;
+    double value = 0.0;
+    const auto result = decimalInFrontOf(text, value);
+    const bool whole = result.ec == std::errc() && result.ptr == text.data() + text.size();
+    return whole && std::isfinite(value) ? std::optional(value) : std::nullopt;
 }
 
 std::string escaped(std::string_view bytes)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <charconv>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -47,6 +48,10 @@ std::string fixedText(double value, int decimals);
 
 /// The whole of `text` as a decimal integer, or nothing.
 std::optional<int> integerIn(std::string_view text);
+
+/// Reads a number in front of `text` as std::from_chars does, except that one `+` may precede it and that a number too
+/// small for a double is 0: "out of range" means too large.
+std::from_chars_result decimalInFrontOf(std::string_view text, double& value);
 
 /// The whole of `text` as a finite decimal number, or nothing.
 std::optional<double> finiteNumberIn(std::string_view text);

@@ -9,7 +9,9 @@ namespace kvxtest
 {
 
 /// A program started by a test. Its standard output is read line by line, its error output is kept. The destructor
-/// kills it when it still runs and always collects it, so a test leaves no process behind.
+/// kills it when it still runs and always collects it, so a test leaves no process behind. Its standard input is an
+/// empty pipe that only this process holds open: it reaches its end with closeInput() or with this process, however
+/// that ends.
 class ChildProcess
 {
 public:
@@ -33,11 +35,18 @@ public:
     void interrupt();
     void terminate();
 
+    /// Lets its standard input reach its end.
+    void closeInput();
+
     /// Ends it without asking.
     void kill();
 
+    /// What wait() returns when the host no longer knows the exit code: something else in this process has collected
+    /// it.
+    static constexpr int kUnknownExitCode = -1;
+
     /// Waits for its end, one minute at most, then kills it. Returns its exit code, or 128 and the number of the signal
-    /// that ended it; the same again when called again.
+    /// that ended it, or kUnknownExitCode; the same again when called again.
     int wait();
 
 private:

@@ -52,13 +52,14 @@ public:
 
     int number() const { return number_; }
 
-private:
-    void close() const
+    void close()
     {
         if (number_ >= 0)
             ::close(number_);
+        number_ = -1;
     }
 
+private:
     int number_;
 };
 
@@ -133,6 +134,35 @@ void closeOnExec(int descriptor)
         fail(errno, "cannot mark a descriptor");
 }
 
+struct Pipe
+{
+    Pipe() : Pipe(makeEnds()) {}
+
+    Descriptor readEnd;
+    Descriptor writeEnd;
+
+private:
+    explicit Pipe(const std::array<int, 2>& ends) : readEnd(ends[0]), writeEnd(ends[1])
+    {
+        for (const int end : ends)
+            closeOnExec(end);
+    }
+
+    static std::array<int, 2> makeEnds()
+    {
+        std::array<int, 2> ends{};
+        if (::pipe(ends.data()) != 0)
+            fail(errno, "no pipe");
+        return ends;
+    }
+};
+
+/// Whoever started this process may have left SIGCHLD ignored; the host would then forget how a process ended.
+void keepExitCodes()
+{
+    static_cast<void>(std::signal(SIGCHLD, SIG_DFL));
+}
+
 int exitCodeOf(int status)
 {
     return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
@@ -142,14 +172,10 @@ int exitCodeOf(int status)
 
 struct ChildProcess::Host
 {
-    Host(int outputEnd, TemporaryFile errors, pid_t process)
-        : output(outputEnd), errorFile(std::move(errors)), pid(process)
-    {
-    }
-
-    Descriptor output;
-    TemporaryFile errorFile;
-    pid_t pid;
+    Pipe input;
+    Pipe output;
+    TemporaryFile errorFile = makeTemporaryFile();
+    pid_t pid = -1;
     std::string unread;
     bool outputEnded = false;
     std::optional<int> exitCode;
@@ -164,19 +190,24 @@ struct ChildProcess::Host
     bool collect(int flags)
     {
         int status = 0;
-        if (!exitCode && ::waitpid(pid, &status, flags) == pid)
+        if (exitCode)
+            return true;
+        const pid_t collected = ::waitpid(pid, &status, flags);
+        if (collected == pid)
             exitCode = exitCodeOf(status);
+        else if (collected < 0 && errno != EINTR)
+            exitCode = kUnknownExitCode;
         return exitCode.has_value();
     }
 
     void readMore()
     {
-        pollfd waiting{output.number(), POLLIN, 0};
+        pollfd waiting{output.readEnd.number(), POLLIN, 0};
         const int ready = ::poll(&waiting, 1, static_cast<int>(kHangGuard.count()));
         if (ready == 0)
             throw std::runtime_error("a child process says nothing");
         std::array<char, 1024> chunk{};
-        const auto count = ready < 0 ? -1 : ::read(output.number(), chunk.data(), chunk.size());
+        const auto count = ready < 0 ? -1 : ::read(output.readEnd.number(), chunk.data(), chunk.size());
         if (count > 0)
             unread.append(chunk.data(), static_cast<std::size_t>(count));
         else if (count == 0 || errno != EINTR)
@@ -195,24 +226,22 @@ ChildProcess::ChildProcess(const std::string& path, const std::vector<std::strin
     pointers.push_back(nullptr);
 
     const std::lock_guard<std::mutex> alone(spawnMutex());
-    auto errorFile = makeTemporaryFile();
-    std::array<int, 2> ends{};
-    if (::pipe(ends.data()) != 0)
-        fail(errno, "no pipe");
-    host_ = std::make_unique<Host>(ends[0], std::move(errorFile), -1);
-    const Descriptor writeEnd(ends[1]);
+    keepExitCodes();
+    host_ = std::make_unique<Host>();
     const int errorDescriptor = ::fileno(host_->errorFile.get());
-    for (const int descriptor : {ends[0], ends[1], errorDescriptor})
-        closeOnExec(descriptor);
+    closeOnExec(errorDescriptor);
 
     SpawnActions actions;
-    actions.connect(writeEnd.number(), STDOUT_FILENO);
+    actions.connect(host_->input.readEnd.number(), STDIN_FILENO);
+    actions.connect(host_->output.writeEnd.number(), STDOUT_FILENO);
     actions.connect(errorDescriptor, STDERR_FILENO);
     const SpawnAttributes attributes;
     const int error =
         ::posix_spawn(&host_->pid, path.c_str(), actions.get(), attributes.get(), pointers.data(), environ);
     if (error != 0)
         fail(error, "cannot start " + path);
+    host_->input.readEnd.close();
+    host_->output.writeEnd.close();
 }
 
 ChildProcess::~ChildProcess()
@@ -247,6 +276,11 @@ std::string ChildProcess::errorOutput() const
          count = ::pread(descriptor, chunk.data(), chunk.size(), static_cast<off_t>(text.size())))
         text.append(chunk.data(), static_cast<std::size_t>(count));
     return text;
+}
+
+void ChildProcess::closeInput()
+{
+    host_->input.writeEnd.close();
 }
 
 void ChildProcess::interrupt()

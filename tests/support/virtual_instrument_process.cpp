@@ -19,7 +19,7 @@ constexpr std::chrono::milliseconds kPollInterval{5};
 
 std::vector<std::string> argumentsFor(const std::vector<std::string>& extra)
 {
-    std::vector<std::string> arguments{"--port", "0", "--control-port", "0"};
+    std::vector<std::string> arguments{"--port", "0", "--control-port", "0", "--until-stdin-closes"};
     arguments.insert(arguments.end(), extra.begin(), extra.end());
     return arguments;
 }

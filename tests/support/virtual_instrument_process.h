@@ -13,8 +13,9 @@ namespace kvxtest
 /// A virtual instrument that runs as a program of its own for the length of a test, on free ports of the loopback
 /// interface and with its test control open.
 ///
-/// The destructor asks the program to end and collects it; when the program does not end cleanly (a crash, a
-/// sanitizer's finding), it prints what the program had to say and aborts the test program.
+/// However the test program ends, the virtual instrument ends with it. The destructor asks the program to end and
+/// collects it; when the program does not end cleanly (a crash, a sanitizer's finding), it prints what the program had
+/// to say and aborts the test program.
 class VirtualInstrumentProcess
 {
 public:

@@ -56,6 +56,16 @@ TEST(Messages, RepliesOfOneMessageAreJoinedAndFailuresSendNothing)
     EXPECT_EQ("-113,\"Undefined header\"\n", device.error());
 }
 
+TEST(Parameters, ANumberTooSmallToRepresentIsZero)
+{
+    ManualInstrument device;
+    for (const auto* const zero : {"1e-400", "-1e-400", "0.1e-99999999999999999999"}) {
+        device.exchange("SOUR1:VOLT 5");
+        EXPECT_EQ(kNoError, device.errorOf(std::string("SOUR1:VOLT ") + zero)) << zero;
+        EXPECT_EQ("0.000000\n", device.exchange("SOUR1:VOLT?")) << zero;
+    }
+}
+
 TEST(Errors, NameWhatIsWrongAndChangeNothing)
 {
     struct Case
@@ -94,6 +104,7 @@ TEST(Errors, NameWhatIsWrongAndChangeNothing)
         {"SOUR1:VOLT nan", kOutOfRange},
         {"SOUR1:VOLT -INF", kOutOfRange},
         {"SOUR1:VOLT 1e999", kOutOfRange},
+        {"SOUR1:VOLT 0.1e999999999999", kOutOfRange},
         {"SOUR1:VOLT 33.000001", kOutOfRange},
         {"SOUR1:VOLT -0.001", kOutOfRange},
         {"SOUR5:VOLT 1", kSettingsConflict},

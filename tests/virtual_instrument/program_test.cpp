@@ -10,6 +10,7 @@ namespace
 using namespace kvxtest;
 using testing::ElementsAre;
 using testing::HasSubstr;
+using testing::UnorderedElementsAreArray;
 
 const std::string kIdentity = "Tessaro Instruments,KVX2833T,VIRT0000001,V1.00";
 
@@ -124,6 +125,42 @@ TEST(Program, TheControlActsAfterWhatClientsSentBefore)
     }
 }
 
+class FreshClients : public testing::TestWithParam<std::size_t>
+{
+};
+
+TEST_P(FreshClients, AreHeardBeforeTheControlActs)
+{
+    VirtualInstrumentProcess program;
+    for (int round = 0; round < 100; ++round) {
+        std::vector<LineClient> clients;
+        std::vector<std::string> sent;
+        for (std::size_t i = 0; i < GetParam(); ++i) {
+            sent.push_back("client " + std::to_string(i));
+            clients.emplace_back(program.port()).send(sent.back() + '\n');
+        }
+        ASSERT_THAT(program.receivedLines(), UnorderedElementsAreArray(sent)) << "round " << round;
+        program.clearLog();
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Few, FreshClients, testing::Values(std::size_t{2}, std::size_t{5}));
+
+TEST(Program, TheControlActsAfterMessagesThatFillSeveralReads)
+{
+    VirtualInstrumentProcess program;
+    const std::vector<std::string> lines(300, std::string(99, 'x'));
+    std::string messages;
+    for (const auto& line : lines)
+        messages += line + '\n';
+    for (int round = 0; round < 50; ++round) {
+        LineClient client(program.port());
+        client.send(messages);
+        ASSERT_EQ(lines, program.receivedLines()) << "round " << round;
+        program.clearLog();
+    }
+}
+
 TEST(Program, AnswersExactBytesOnDemand)
 {
     VirtualInstrumentProcess program;
@@ -206,6 +243,26 @@ TEST(Program, CtrlCEndsItCleanly)
     EXPECT_TRUE(client.waitForEnd());
 }
 
+TEST(Program, EndsCleanlyWithItsStandardInputWhenAsked)
+{
+    ChildProcess program(virtualInstrumentPath(), {"--port", "0", "--until-stdin-closes"});
+    EXPECT_NE(std::nullopt, program.readLine());
+    program.closeInput();
+    EXPECT_EQ(std::nullopt, program.readLine());
+    EXPECT_EQ(0, program.wait());
+}
+
+TEST(Program, OutlivesItsStandardInputUnlessAsked)
+{
+    ChildProcess program(virtualInstrumentPath(), {"--port", "0"});
+    const auto line = program.readLine().value_or("");
+    program.closeInput();
+    const auto port = static_cast<unsigned short>(std::stoi(line.substr(line.rfind(':') + 1)));
+    EXPECT_EQ(kIdentity, LineClient(port).query("*IDN?"));
+    program.terminate();
+    EXPECT_EQ(0, program.wait());
+}
+
 TEST(Program, APortInUseIsExplained)
 {
     VirtualInstrumentProcess program;
@@ -218,7 +275,7 @@ TEST(Program, APortInUseIsExplained)
 
 TEST(Program, AnnouncesOnlyWhatIsOn)
 {
-    ChildProcess program(virtualInstrumentPath(), {"--port", "0"});
+    ChildProcess program(virtualInstrumentPath(), {"--port", "0", "--until-stdin-closes"});
     EXPECT_THAT(program.readLine().value_or(""), testing::StartsWith("listening on 127.0.0.1:"));
     program.terminate();
     EXPECT_EQ(std::nullopt, program.readLine());

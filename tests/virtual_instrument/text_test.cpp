@@ -22,6 +22,22 @@ TEST(FixedText, NeverShowsANegativeZero)
     EXPECT_EQ("-0.001", fixedText(-0.001, 3));
 }
 
+TEST(FiniteNumber, IsZeroWhenItIsTooSmallForADouble)
+{
+    for (const auto* const text : {"1e-400", "+1E-400", "-123.4e-999", "0.001e-99999999999999999999"})
+        EXPECT_EQ(0.0, finiteNumberIn(text)) << text;
+    EXPECT_EQ(0.0, finiteNumberIn("0." + std::string(400, '0') + '1'));
+    EXPECT_EQ(1.0, finiteNumberIn("0." + std::string(400, '0') + "1e401"));
+}
+
+TEST(FiniteNumber, IsNoneWhenItIsTooLargeForADouble)
+{
+    for (const auto* const text : {"1e400", "+1E+400", "-0.001e999", "1e99999999999999999999"})
+        EXPECT_EQ(std::nullopt, finiteNumberIn(text)) << text;
+    EXPECT_EQ(std::nullopt, finiteNumberIn('1' + std::string(400, '0')));
+    EXPECT_EQ(1.0, finiteNumberIn('1' + std::string(400, '0') + "e-400"));
+}
+
 TEST(Escaping, GivesEveryByteBack)
 {
     std::string bytes;
