@@ -36,6 +36,9 @@ constexpr std::array<KindName, 14> kKindNames{{
 
 Kinds kindOf(std::string_view elementName)
 {
+    // Most elements of a file are properties.
+    if (!elementName.starts_with("Ivi"))
+        return 0;
     const auto* const found = std::ranges::find(kKindNames, elementName, &KindName::element);
     return found == kKindNames.end() ? 0 : found->kind;
 }

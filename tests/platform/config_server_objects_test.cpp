@@ -153,6 +153,27 @@ TEST_F(StoreObjects, FirstOfSeveralItemsWithTheSameNameIsFound)
     EXPECT_EQ(value, 1);
 }
 
+TEST_F(StoreObjects, ManyItemsAreReadByIndexAndByName)
+{
+    constexpr ViInt32 kItems = 20000;
+    std::string items;
+    for (ViInt32 item = 1; item <= kItems; ++item) {
+        const std::string number = std::to_string(item);
+        items += "<IviInteger><Name>n" + number + "</Name><Value>" + number + "</Value></IviInteger>";
+    }
+    ASSERT_EQ(load(sessionOf("<DataComponents>" + items + "</DataComponents>")), VI_SUCCESS);
+    const OwnedHandle components = obtain(IviConfig_GetConfigComponentDataComponentCollection, session());
+    for (ViInt32 item = 1; item <= kItems; ++item) {
+        const std::string name = "n" + std::to_string(item);
+        const OwnedHandle byIndex = obtain(IviConfig_GetDataComponentItemByIndex, components, item);
+        ASSERT_EQ(readText(IviConfig_GetDataComponentPropertyViString, byIndex, 1), name);
+        const OwnedHandle byName = obtain(IviConfig_GetDataComponentItemByName, components, name.c_str());
+        ViInt32 value = 0;
+        ASSERT_EQ(IviConfig_GetDataComponentPropertyViInt32(byName, 9, &value), VI_SUCCESS);
+        ASSERT_EQ(value, item);
+    }
+}
+
 TEST_F(StoreObjects, PhysicalNamesAreTheModulesOwnWithoutNestedOnes)
 {
     ASSERT_EQ(load("<IviConfigStore><SoftwareModules><IviSoftwareModule id='m'><Name>M</Name><PhysicalNames>"

@@ -198,7 +198,12 @@ private:
     void listData(const OwnedHandle& components)
     {
         eachItem(components, IviConfig_GetDataComponentCount, IviConfig_GetDataComponentItemByIndex,
-                 [this](IviDataComponentHandle component) { listComponent(component); });
+                 [this, &components](IviDataComponentHandle component) {
+                     const std::string name = readText(IviConfig_GetDataComponentPropertyViString, component,
+                                                       IVICONFIG_VAL_DATA_COMPONENT_NAME);
+                     obtain(IviConfig_GetDataComponentItemByName, components, name.c_str());
+                     listComponent(component);
+                 });
     }
 
     void listComponent(IviDataComponentHandle component)
