@@ -159,7 +159,8 @@ TEST_F(StoreObjects, ManyItemsAreReadByIndexAndByName)
     std::string items;
     for (ViInt32 item = 1; item <= kItems; ++item) {
         const std::string number = std::to_string(item);
-        items += "<IviInteger><Name>n" + number + "</Name><Value>" + number + "</Value></IviInteger>";
+        items.append("<IviInteger><Name>n").append(number).append("</Name><Value>").append(number);
+        items += "</Value></IviInteger>";
     }
     ASSERT_EQ(load(sessionOf("<DataComponents>" + items + "</DataComponents>")), VI_SUCCESS);
     const OwnedHandle components = obtain(IviConfig_GetConfigComponentDataComponentCollection, session());
