@@ -1,4 +1,4 @@
-# kvx_platform_library(<name> FACE <source> SOURCES <file>... [LIBRARIES <target>...])
+# kvx_platform_library(<name> FACE <source> [SOURCES <file>...] [LIBRARIES <target>...])
 # A shared library that exports exactly the functions named in exports.txt beside it, one a line. FACE is the source
 # that defines them; everything else has hidden visibility.
 function(kvx_platform_library name)

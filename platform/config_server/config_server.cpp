@@ -1,5 +1,7 @@
 #include "handle_table.h"
+#include "properties.h"
 #include "string_output.h"
+#include "values.h"
 
 #include <IviCShared.h>
 #include <IviConfigServer.h>
@@ -7,6 +9,7 @@
 #include <algorithm>
 #include <array>
 #include <new>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -20,13 +23,6 @@ using namespace config_server;
 // A handle carries a number of the table in a pointer.
 static_assert(sizeof(IviConfigHandle) == sizeof(void*));
 
-/// Never destroyed: drivers may give handles back while the process ends.
-HandleTable& handles()
-{
-    static HandleTable& table = *new HandleTable;
-    return table;
-}
-
 struct Meaning
 {
     ViStatus status;
@@ -38,6 +34,7 @@ constexpr std::array kMeanings{
     Meaning{IVICONFIG_ERROR_ALREADY_DESERIALIZED, "the store has been loaded already"},
     Meaning{IVICONFIG_ERROR_SESSION_NOT_FOUND, "no driver session has this name"},
     Meaning{IVICONFIG_ERROR_MASTER_NOT_FOUND, "the master configuration store is missing"},
+    Meaning{IVICONFIG_ERROR_NOT_EXIST, "the collection has no such item"},
     Meaning{IVICONFIG_ERROR_INVALID_HANDLE, "the handle is not valid here"},
     Meaning{IVICONFIG_ERROR_INVALID_PROPERTY_ID, "the object has no such property of this type"},
     Meaning{IVI_ERROR_NULL_POINTER, "a pointer is null"},
@@ -47,16 +44,16 @@ constexpr std::array kMeanings{
 /// What a call works on, for its message.
 struct Call
 {
-    std::string_view operation;
+    std::string_view function; ///< its C name
     std::string item{};
 };
 
 std::string messageOf(const Call& call, ViStatus status)
 {
-    const auto* const meaning =
-        std::find_if(kMeanings.begin(), kMeanings.end(), [status](const Meaning& row) { return row.status == status; });
+    constexpr std::string_view kPrefix = "IviConfig_";
+    const auto* const meaning = std::ranges::find(kMeanings, status, &Meaning::status);
     std::string message = "IviConfigServer.IviConfigStore.1: ";
-    message += call.operation;
+    message += call.function.substr(kPrefix.size());
     if (!call.item.empty())
         message += " '" + call.item + "'";
     if (meaning != kMeanings.end())
@@ -93,105 +90,172 @@ ViStatus caught(Action action) noexcept
 
 /// The frame of every function: no exception leaves the library, and every failure is logged.
 template <typename Action>
-ViStatus run(std::string_view operation, Action action) noexcept
+ViStatus run(std::string_view function, Action action) noexcept
 {
-    Call call{operation};
+    Call call{function};
     const ViStatus status = caught([&] { return action(call); });
     return recorded(call, status);
 }
 
-/// The same for functions that work on a handle of certain kinds: action(object, call).
-template <typename Action>
-ViStatus runOn(IviConfigHandle handle, Kinds kinds, std::string_view operation, Action action) noexcept
+/// A function that works on a handle of certain kinds.
+struct Target
 {
-    return run(operation, [&](Call& call) {
-        const auto object = handles().find(handle, kinds);
+    std::string_view function; ///< its C name
+    IviConfigHandle handle;
+    Kinds kinds;
+};
+
+/// The frame of such functions: action(object, call).
+template <typename Action>
+ViStatus runOn(const Target& target, Action action) noexcept
+{
+    return run(target.function, [&](Call& call) {
+        const auto object = handles().find(target.handle, target.kinds);
         return object ? action(*object, call) : IVICONFIG_ERROR_INVALID_HANDLE;
     });
 }
 
-ViStatus release(IviConfigHandle handle, Kinds kinds, std::string_view operation) noexcept
+/// The frame of functions that hand out a handle: action(object, call, result). Null is stored unless it makes one.
+template <typename Action>
+ViStatus handOut(const Target& target, IviConfigHandle* result, Action action) noexcept
 {
-    return run(operation, [handle, kinds](Call&) {
-        return handles().remove(handle, kinds) ? VI_SUCCESS : IVICONFIG_ERROR_INVALID_HANDLE;
+    if (result != nullptr)
+        *result = nullptr;
+    return runOn(target, [&](const Object& object, Call& call) {
+        return result == nullptr ? IVI_ERROR_NULL_POINTER : action(object, call, *result);
     });
 }
 
-/// Hands out an element of the document; an absent one as a null handle.
-IviConfigHandle handOut(const Document& document, const Element* element)
+ViStatus release(const Target& target) noexcept
+{
+    return run(target.function, [&target](Call&) {
+        return handles().remove(target.handle, target.kinds) ? VI_SUCCESS : IVICONFIG_ERROR_INVALID_HANDLE;
+    });
+}
+
+/// A new handle of an object; null for an absent one.
+IviConfigHandle handleOf(const Document& element)
 {
     if (element == nullptr)
         return nullptr;
-    return handles().add({kindOf(element->name), nullptr, Document(document, element)});
+    return handles().add({.kind = kindOf(element->name), .element = element});
 }
 
 /// Hands out what a reference child of the object refers to; null when there is none.
-ViStatus getReference(IviConfigHandle handle, Kinds kinds, std::string_view child, IviConfigHandle* target,
-                      std::string_view operation) noexcept
+ViStatus getReference(const Target& target, std::string_view child, IviConfigHandle* result) noexcept
 {
-    return runOn(handle, kinds, operation, [child, target](const Object& object, const Call&) {
-        if (target == nullptr)
-            return IVI_ERROR_NULL_POINTER;
-        *target = handOut(object.element, object.element->reference(child));
+    return handOut(target, result, [child](const Object& object, const Call&, IviConfigHandle& handle) {
+        const Element* const referred = object.element->reference(child);
+        handle = handleOf(referred == nullptr ? nullptr : Document(object.element, referred));
         return VI_SUCCESS;
     });
 }
 
-ViStatus getText(IviConfigHandle handle, Kinds kinds, ViInt32 propertyId, ViInt32 bufferSize, ViChar* value,
-                 std::string_view operation) noexcept
+/// Hands out a collection of the object, or of the store's file; an empty one when the file lacks it.
+ViStatus getCollection(const Target& target, Kinds kind, IviConfigHandle* result) noexcept
 {
-    return runOn(handle, kinds, operation, [=](const Object& object, const Call&) {
+    return handOut(target, result, [kind](const Object& object, const Call&, IviConfigHandle& handle) {
+        const Document owner = object.store != nullptr ? object.store->document() : object.element;
+        handle = handles().add({.kind = kind, .items = std::make_shared<Collection>(owner, kind)});
+        return VI_SUCCESS;
+    });
+}
+
+ViStatus getCount(const Target& target, ViInt32* count) noexcept
+{
+    return runOn(target, [count](const Object& object, const Call&) {
+        if (count == nullptr)
+            return IVI_ERROR_NULL_POINTER;
+        *count = object.items->count();
+        return VI_SUCCESS;
+    });
+}
+
+ViStatus getItemByIndex(const Target& target, ViInt32 index, IviConfigHandle* result) noexcept
+{
+    return handOut(target, result, [index](const Object& object, Call& call, IviConfigHandle& handle) {
+        call.item = std::to_string(index);
+        handle = handleOf(object.items->item(index));
+        return handle == nullptr ? IVICONFIG_ERROR_NOT_EXIST : VI_SUCCESS;
+    });
+}
+
+ViStatus getItemByName(const Target& target, ViConstString name, IviConfigHandle* result) noexcept
+{
+    return handOut(target, result, [name](const Object& object, Call& call, IviConfigHandle& handle) {
+        if (name == nullptr)
+            return IVI_ERROR_NULL_POINTER;
+        call.item = name;
+        handle = handleOf(object.items->item(call.item));
+        return handle == nullptr ? IVICONFIG_ERROR_NOT_EXIST : VI_SUCCESS;
+    });
+}
+
+ViStatus getText(const Target& target, ViInt32 propertyId, ViInt32 bufferSize, ViChar* value) noexcept
+{
+    return runOn(target, [=](const Object& object, const Call&) {
         if (platform::lacksBuffer(bufferSize, value))
             return IVI_ERROR_NULL_POINTER;
         const PropertyRow* const row = findProperty(object.kind, propertyId, PropertyType::Text);
         return row == nullptr ? IVICONFIG_ERROR_INVALID_PROPERTY_ID
-                              : platform::putString(object.element->textOf(row->element), bufferSize, value);
+                              : platform::putString(textOf(*object.element, *row), bufferSize, value);
     });
 }
 
-ViStatus getFlag(IviConfigHandle handle, Kinds kinds, ViInt32 propertyId, ViBoolean* value,
-                 std::string_view operation) noexcept
+/// Reads a property that is no text. The file has been checked, so parsing it again does not fail.
+template <typename Value>
+ViStatus getValue(const Target& target, ViInt32 propertyId, PropertyType type,
+                  std::optional<Value> (*parse)(std::string_view), Value* value) noexcept
 {
-    return runOn(handle, kinds, operation, [=](const Object& object, const Call&) {
+    return runOn(target, [=](const Object& object, const Call&) {
         if (value == nullptr)
             return IVI_ERROR_NULL_POINTER;
-        const PropertyRow* const row = findProperty(object.kind, propertyId, PropertyType::Flag);
+        const PropertyRow* const row = findProperty(object.kind, propertyId, type);
         if (row == nullptr)
             return IVICONFIG_ERROR_INVALID_PROPERTY_ID;
-        *value = parseFlag(object.element->textOf(row->element)).value_or(VI_FALSE);
+        *value = parse(textOf(*object.element, *row)).value_or(Value{});
         return VI_SUCCESS;
     });
 }
 
-/// A logical name shadows a driver session of the same name, unless it leads to no driver session.
-const Element* findDriverSession(const Element& root, std::string_view name)
+ViStatus getFlag(const Target& target, ViInt32 propertyId, ViBoolean* value) noexcept
 {
-    const Element* const logical = root.itemByName("LogicalNames", "IviLogicalName", name);
-    const Element* const referred = logical == nullptr ? nullptr : logical->reference("IviDriverSession");
-    return referred != nullptr ? referred : root.itemByName("DriverSessions", "IviDriverSession", name);
+    return getValue(target, propertyId, PropertyType::Flag, parseFlag, value);
+}
+
+ViStatus getInteger(const Target& target, ViInt32 propertyId, ViInt32* value) noexcept
+{
+    return getValue(target, propertyId, PropertyType::Integer, parseInteger, value);
+}
+
+ViStatus getReal(const Target& target, ViInt32 propertyId, ViReal64* value) noexcept
+{
+    return getValue(target, propertyId, PropertyType::Real, parseReal, value);
 }
 
 } // namespace
 
+// Life cycle and errors
+
 ViStatus _VI_FUNC IviConfig_Initialize(IviConfigStoreHandle* store)
 {
-    return run("Initialize", [store](Call&) {
+    return run(__func__, [store](Call&) {
         if (store == nullptr)
             return IVI_ERROR_NULL_POINTER;
         *store = nullptr;
-        *store = handles().add({kStore, std::make_shared<Store>(), nullptr});
+        *store = handles().add({.kind = kStore, .store = std::make_shared<Store>()});
         return VI_SUCCESS;
     });
 }
 
 ViStatus _VI_FUNC IviConfig_Close(IviConfigStoreHandle store)
 {
-    return release(store, kStore, "Close");
+    return release({__func__, store, kStore});
 }
 
 ViStatus _VI_FUNC IviConfig_DisposeHandle(IviConfigHandle handle)
 {
-    return release(handle, kAnyObject, "DisposeHandle");
+    return release({__func__, handle, kAnyObject});
 }
 
 ViStatus _VI_FUNC IviConfig_ClearError(void)
@@ -204,9 +268,11 @@ ViStatus _VI_FUNC IviConfig_GetError(ViInt32 bufferSize, ViChar errorDescription
     return IviSession_GetError(VI_NULL, bufferSize, nullptr, errorDescription);
 }
 
+// Store
+
 ViStatus _VI_FUNC IviConfig_Deserialize(IviConfigStoreHandle store, ViConstString location)
 {
-    return runOn(store, kStore, "Deserialize", [location](const Object& object, Call& call) {
+    return runOn({__func__, store, kStore}, [location](const Object& object, Call& call) {
         if (location == nullptr)
             return IVI_ERROR_NULL_POINTER;
         call.item = location;
@@ -217,7 +283,7 @@ ViStatus _VI_FUNC IviConfig_Deserialize(IviConfigStoreHandle store, ViConstStrin
 ViStatus _VI_FUNC IviConfig_GetConfigStorePropertyViString(IviConfigStoreHandle store, ViInt32 propertyID,
                                                            ViInt32 bufferSize, ViChar value[])
 {
-    return runOn(store, kStore, "GetConfigStorePropertyViString", [=](const Object& object, const Call&) {
+    return runOn({__func__, store, kStore}, [=](const Object& object, const Call&) {
         if (platform::lacksBuffer(bufferSize, value))
             return IVI_ERROR_NULL_POINTER;
         std::string text;
@@ -229,38 +295,184 @@ ViStatus _VI_FUNC IviConfig_GetConfigStorePropertyViString(IviConfigStoreHandle 
 ViStatus _VI_FUNC IviConfig_GetDriverSession(IviConfigStoreHandle store, ViConstString name,
                                              IviDriverSessionHandle* driverSession)
 {
-    if (driverSession != nullptr)
-        *driverSession = nullptr;
-    return runOn(store, kStore, "GetDriverSession", [name, driverSession](const Object& object, Call& call) {
-        if (name == nullptr || driverSession == nullptr)
-            return IVI_ERROR_NULL_POINTER;
-        call.item = name;
-        const Document document = object.store->document();
-        *driverSession = handOut(document, findDriverSession(*document, name));
-        return *driverSession == nullptr ? IVICONFIG_ERROR_SESSION_NOT_FOUND : VI_SUCCESS;
-    });
+    return handOut({__func__, store, kStore}, driverSession,
+                   [name](const Object& object, Call& call, IviConfigHandle& handle) {
+                       if (name == nullptr)
+                           return IVI_ERROR_NULL_POINTER;
+                       call.item = name;
+                       handle = handleOf(object.store->driverSession(call.item));
+                       return handle == nullptr ? IVICONFIG_ERROR_SESSION_NOT_FOUND : VI_SUCCESS;
+                   });
+}
+
+ViStatus _VI_FUNC IviConfig_GetConfigStoreSoftwareModuleCollection(IviConfigStoreHandle store,
+                                                                   IviSoftwareModuleCollectionHandle* softwareModules)
+{
+    return getCollection({__func__, store, kStore}, kSoftwareModules, softwareModules);
+}
+
+// Software modules and physical names
+
+ViStatus _VI_FUNC IviConfig_GetSoftwareModuleItemByName(IviSoftwareModuleCollectionHandle softwareModules,
+                                                        ViConstString name, IviSoftwareModuleHandle* softwareModule)
+{
+    return getItemByName({__func__, softwareModules, kSoftwareModules}, name, softwareModule);
+}
+
+ViStatus _VI_FUNC IviConfig_GetSoftwareModulePhysicalNameCollection(IviSoftwareModuleHandle softwareModule,
+                                                                    IviPhysicalNameCollectionHandle* physicalNames)
+{
+    return getCollection({__func__, softwareModule, kSoftwareModule}, kPhysicalNames, physicalNames);
+}
+
+ViStatus _VI_FUNC IviConfig_GetPhysicalNameCount(IviPhysicalNameCollectionHandle physicalNames, ViInt32* count)
+{
+    return getCount({__func__, physicalNames, kPhysicalNames}, count);
+}
+
+ViStatus _VI_FUNC IviConfig_GetPhysicalNameItemByIndex(IviPhysicalNameCollectionHandle physicalNames, ViInt32 index,
+                                                       IviPhysicalNameHandle* physicalName)
+{
+    return getItemByIndex({__func__, physicalNames, kPhysicalNames}, index, physicalName);
+}
+
+ViStatus _VI_FUNC IviConfig_GetPhysicalNamePropertyViString(IviPhysicalNameHandle physicalName, ViInt32 propertyID,
+                                                            ViInt32 bufferSize, ViChar value[])
+{
+    return getText({__func__, physicalName, kPhysicalName}, propertyID, bufferSize, value);
+}
+
+// Sessions, driver sessions and hardware assets
+
+ViStatus _VI_FUNC IviConfig_GetSessionSoftwareModuleReference(IviSessionHandle session,
+                                                              IviSoftwareModuleHandle* softwareModule)
+{
+    return getReference({__func__, session, kAnySession}, "IviSoftwareModuleRef", softwareModule);
 }
 
 ViStatus _VI_FUNC IviConfig_GetSessionHardwareAssetReference(IviSessionHandle session,
                                                              IviHardwareAssetHandle* hardwareAsset)
 {
-    return getReference(session, kAnySession, "IviHardwareAsset", hardwareAsset, "GetSessionHardwareAssetReference");
+    return getReference({__func__, session, kAnySession}, "IviHardwareAsset", hardwareAsset);
 }
 
 ViStatus _VI_FUNC IviConfig_GetHardwareAssetPropertyViString(IviHardwareAssetHandle hardwareAsset, ViInt32 propertyID,
                                                              ViInt32 bufferSize, ViChar value[])
 {
-    return getText(hardwareAsset, kHardwareAsset, propertyID, bufferSize, value, "GetHardwareAssetPropertyViString");
+    return getText({__func__, hardwareAsset, kHardwareAsset}, propertyID, bufferSize, value);
 }
 
 ViStatus _VI_FUNC IviConfig_GetDriverSessionPropertyViBoolean(IviDriverSessionHandle driverSession, ViInt32 propertyID,
                                                               ViBoolean* value)
 {
-    return getFlag(driverSession, kDriverSession, propertyID, value, "GetDriverSessionPropertyViBoolean");
+    return getFlag({__func__, driverSession, kDriverSession}, propertyID, value);
 }
 
 ViStatus _VI_FUNC IviConfig_GetDriverSessionPropertyViString(IviDriverSessionHandle driverSession, ViInt32 propertyID,
                                                              ViInt32 bufferSize, ViChar value[])
 {
-    return getText(driverSession, kDriverSession, propertyID, bufferSize, value, "GetDriverSessionPropertyViString");
+    return getText({__func__, driverSession, kDriverSession}, propertyID, bufferSize, value);
+}
+
+// Virtual names and ranges
+
+ViStatus _VI_FUNC IviConfig_GetSessionVirtualNameCollection(IviSessionHandle session,
+                                                            IviVirtualNameCollectionHandle* virtualNames)
+{
+    return getCollection({__func__, session, kAnySession}, kVirtualNames, virtualNames);
+}
+
+ViStatus _VI_FUNC IviConfig_GetVirtualNameCount(IviVirtualNameCollectionHandle virtualNames, ViInt32* count)
+{
+    return getCount({__func__, virtualNames, kVirtualNames}, count);
+}
+
+ViStatus _VI_FUNC IviConfig_GetVirtualNameItemByIndex(IviVirtualNameCollectionHandle virtualNames, ViInt32 index,
+                                                      IviVirtualNameHandle* virtualName)
+{
+    return getItemByIndex({__func__, virtualNames, kVirtualNames}, index, virtualName);
+}
+
+ViStatus _VI_FUNC IviConfig_GetVirtualNamePropertyViString(IviVirtualNameHandle virtualName, ViInt32 propertyID,
+                                                           ViInt32 bufferSize, ViChar value[])
+{
+    return getText({__func__, virtualName, kVirtualName}, propertyID, bufferSize, value);
+}
+
+ViStatus _VI_FUNC IviConfig_GetVirtualNameVirtualRangeCollection(IviVirtualNameHandle virtualName,
+                                                                 IviVirtualRangeCollectionHandle* virtualRanges)
+{
+    return getCollection({__func__, virtualName, kVirtualName}, kVirtualRanges, virtualRanges);
+}
+
+ViStatus _VI_FUNC IviConfig_GetVirtualRangeCount(IviVirtualRangeCollectionHandle virtualRanges, ViInt32* count)
+{
+    return getCount({__func__, virtualRanges, kVirtualRanges}, count);
+}
+
+ViStatus _VI_FUNC IviConfig_GetVirtualRangeItemByIndex(IviVirtualRangeCollectionHandle virtualRanges, ViInt32 index,
+                                                       IviVirtualRangeHandle* virtualRange)
+{
+    return getItemByIndex({__func__, virtualRanges, kVirtualRanges}, index, virtualRange);
+}
+
+ViStatus _VI_FUNC IviConfig_GetVirtualRangePropertyViInt32(IviVirtualRangeHandle virtualRange, ViInt32 propertyID,
+                                                           ViInt32* value)
+{
+    return getInteger({__func__, virtualRange, kVirtualRange}, propertyID, value);
+}
+
+// Data components
+
+ViStatus _VI_FUNC IviConfig_GetConfigComponentDataComponentCollection(IviConfigComponentHandle component,
+                                                                      IviDataComponentCollectionHandle* dataComponents)
+{
+    return getCollection({__func__, component, kConfigComponent}, kDataComponents, dataComponents);
+}
+
+ViStatus _VI_FUNC IviConfig_GetStructureDataComponentCollection(IviStructureHandle structure,
+                                                                IviDataComponentCollectionHandle* dataComponents)
+{
+    return getCollection({__func__, structure, kStructure}, kDataComponents, dataComponents);
+}
+
+ViStatus _VI_FUNC IviConfig_GetDataComponentItemByName(IviDataComponentCollectionHandle dataComponents,
+                                                       ViConstString name, IviDataComponentHandle* dataComponent)
+{
+    return getItemByName({__func__, dataComponents, kDataComponents}, name, dataComponent);
+}
+
+ViStatus _VI_FUNC IviConfig_GetDataComponentCount(IviDataComponentCollectionHandle dataComponents, ViInt32* count)
+{
+    return getCount({__func__, dataComponents, kDataComponents}, count);
+}
+
+ViStatus _VI_FUNC IviConfig_GetDataComponentItemByIndex(IviDataComponentCollectionHandle dataComponents, ViInt32 index,
+                                                        IviDataComponentHandle* dataComponent)
+{
+    return getItemByIndex({__func__, dataComponents, kDataComponents}, index, dataComponent);
+}
+
+ViStatus _VI_FUNC IviConfig_GetDataComponentPropertyViString(IviDataComponentHandle dataComponent, ViInt32 propertyID,
+                                                             ViInt32 bufferSize, ViChar value[])
+{
+    return getText({__func__, dataComponent, kDataComponent}, propertyID, bufferSize, value);
+}
+
+ViStatus _VI_FUNC IviConfig_GetDataComponentPropertyViInt32(IviDataComponentHandle dataComponent, ViInt32 propertyID,
+                                                            ViInt32* value)
+{
+    return getInteger({__func__, dataComponent, kDataComponent}, propertyID, value);
+}
+
+ViStatus _VI_FUNC IviConfig_GetDataComponentPropertyViReal64(IviDataComponentHandle dataComponent, ViInt32 propertyID,
+                                                             ViReal64* value)
+{
+    return getReal({__func__, dataComponent, kDataComponent}, propertyID, value);
+}
+
+ViStatus _VI_FUNC IviConfig_GetDataComponentPropertyViBoolean(IviDataComponentHandle dataComponent, ViInt32 propertyID,
+                                                              ViBoolean* value)
+{
+    return getFlag({__func__, dataComponent, kDataComponent}, propertyID, value);
 }

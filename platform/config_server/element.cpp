@@ -26,23 +26,15 @@ const Element* Element::child(std::string_view childName) const
     return found == children.end() ? nullptr : &*found;
 }
 
-std::string_view Element::textOf(std::string_view childName) const
+std::string_view Element::verbatimTextOf(std::string_view childName) const
 {
     const Element* const element = child(childName);
-    return element == nullptr ? std::string_view() : trimmed(element->text);
+    return element == nullptr ? std::string_view() : element->text;
 }
 
-const Element* Element::itemByName(std::string_view collection, std::string_view itemName,
-                                   std::string_view wanted) const
+std::string_view Element::textOf(std::string_view childName) const
 {
-    const Element* const items = child(collection);
-    if (items == nullptr)
-        return nullptr;
-    const auto found =
-        std::find_if(items->children.begin(), items->children.end(), [itemName, wanted](const Element& item) {
-            return item.name == itemName && item.textOf("Name") == wanted;
-        });
-    return found == items->children.end() ? nullptr : &*found;
+    return trimmed(verbatimTextOf(childName));
 }
 
 const Element* Element::reference(std::string_view childName) const

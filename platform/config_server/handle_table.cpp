@@ -32,4 +32,17 @@ bool HandleTable::remove(IviConfigHandle handle, Kinds kinds)
     return true;
 }
 
+std::size_t HandleTable::size() const
+{
+    const std::lock_guard guard(mutex_);
+    return objects_.size();
+}
+
+HandleTable& handles()
+{
+    // Never destroyed: drivers may give handles back while the process ends.
+    static HandleTable& table = *new HandleTable;
+    return table;
+}
+
 } // namespace config_server

@@ -1,7 +1,8 @@
 #pragma once
 
+#include "collection.h"
 #include "element.h"
-#include "property_rows.h"
+#include "kinds.h"
 #include "store.h"
 
 #include <IviConfigServer.h>
@@ -15,12 +16,13 @@
 namespace config_server
 {
 
-/// What a handle stands for. An element keeps its whole document, so it outlives its store's handle.
+/// What a handle stands for; all but one of the pointers are null. What it points to outlives its store's handle.
 struct Object
 {
     Kinds kind;
-    std::shared_ptr<Store> store; ///< of a store's handle only
-    Document element;             ///< of every other handle
+    std::shared_ptr<Store> store{};            ///< of a store's handle
+    Document element{};                        ///< of an object's
+    std::shared_ptr<const Collection> items{}; ///< of a collection's
 };
 
 /// All live handles of the process with their kinds. A handle is a number, not an address, and is never handed out
@@ -36,10 +38,16 @@ public:
     /// @return false when the handle is not live or of none of these kinds
     bool remove(IviConfigHandle handle, Kinds kinds);
 
+    /// The number of live handles.
+    std::size_t size() const;
+
 private:
     mutable std::mutex mutex_;
     std::unordered_map<std::uintptr_t, Object> objects_;
     std::uintptr_t lastNumber_ = 0;
 };
+
+/// The table of this process.
+HandleTable& handles();
 
 } // namespace config_server

@@ -1,14 +1,33 @@
 #include "nesting.h"
 
+#include <algorithm>
+#include <array>
+
 namespace config_server
 {
 
 namespace
 {
 
-constexpr std::string_view kSpace = " \t\r\n";
-constexpr std::string_view kElementNameEnd = " \t\r\n/>?";
-constexpr std::string_view kAttributeNameEnd = " \t\r\n/<>=?!";
+/// A look-up table, as every character of a large file is asked about.
+class CharacterSet
+{
+public:
+    constexpr explicit CharacterSet(std::string_view members)
+    {
+        for (const char member : members)
+            isMember_[static_cast<unsigned char>(member)] = true;
+    }
+
+    constexpr bool contains(char c) const { return isMember_[static_cast<unsigned char>(c)]; }
+
+private:
+    std::array<bool, 256> isMember_{};
+};
+
+constexpr CharacterSet kSpace(" \t\r\n");
+constexpr CharacterSet kElementNameEnd(" \t\r\n/>?");
+constexpr CharacterSet kAttributeNameEnd(" \t\r\n/<>=?!");
 
 /// Finds the ends of tokens where RapidXML 1.13 finds them; another version needs another look at each rule here.
 class NestingScanner
@@ -19,13 +38,16 @@ public:
     bool scan()
     {
         while (skipText()) {
-            if (!scanMarkup())
+            if (!(take("/") ? scanEndTag() : count() && scanMarkup()))
                 return false;
         }
         return depth_ == 0;
     }
 
 private:
+    /// Whatever stands between two texts makes the parser keep them apart, and each piece costs it an object.
+    bool count() { return ++pieces_ <= limits_.most; }
+
     bool skipText()
     {
         const std::size_t markup = rest_.find('<');
@@ -45,7 +67,7 @@ private:
             return skipPast(">");
         if (take("?"))
             return skipPast("?>");
-        return take("/") ? scanEndTag() : scanStartTag();
+        return scanStartTag();
     }
 
     bool scanEndTag()
@@ -60,8 +82,6 @@ private:
 
     bool scanStartTag()
     {
-        if (++elements_ > limits_.most)
-            return false;
         skipWhile(kElementNameEnd, false);
         for (;;) {
             skipWhile(kSpace, true);
@@ -76,7 +96,7 @@ private:
 
     bool skipAttribute()
     {
-        if (!skipWhile(kAttributeNameEnd, false))
+        if (!count() || !skipWhile(kAttributeNameEnd, false))
             return false;
         skipWhile(kSpace, true);
         if (!take("="))
@@ -90,7 +110,7 @@ private:
     bool atDoctype() const
     {
         constexpr std::string_view kDoctype = "!DOCTYPE";
-        return rest_.starts_with(kDoctype) && kSpace.find(rest_.substr(kDoctype.size(), 1)) != std::string_view::npos;
+        return rest_.size() > kDoctype.size() && rest_.starts_with(kDoctype) && kSpace.contains(rest_[kDoctype.size()]);
     }
 
     /// The internal subset is in brackets, which may nest; quotes do not count.
@@ -128,10 +148,10 @@ private:
     }
 
     /// Skips the characters that are (or, with inSet false, are not) of the set. @return whether there were any
-    bool skipWhile(std::string_view set, bool inSet)
+    bool skipWhile(const CharacterSet& set, bool inSet)
     {
-        const std::size_t end = inSet ? rest_.find_first_not_of(set) : rest_.find_first_of(set);
-        const std::size_t skipped = end == std::string_view::npos ? rest_.size() : end;
+        const auto* const end = std::ranges::find_if(rest_, [&set, inSet](char c) { return set.contains(c) != inSet; });
+        const auto skipped = static_cast<std::size_t>(end - rest_.begin());
         rest_.remove_prefix(skipped);
         return skipped > 0;
     }
@@ -139,7 +159,7 @@ private:
     std::string_view rest_;
     ElementLimits limits_;
     std::size_t depth_ = 0;
-    std::size_t elements_ = 0;
+    std::size_t pieces_ = 0;
 };
 
 } // namespace

@@ -1,7 +1,8 @@
 #include "store.h"
 
+#include "collection.h"
 #include "locations.h"
-#include "property_rows.h"
+#include "properties.h"
 #include "store_file.h"
 
 #include <filesystem>
@@ -24,9 +25,35 @@ Document load(const std::string& location)
     return location == systemLocation() && isMissing(location) ? emptyStore() : loadStoreFile(location);
 }
 
+/// The driver sessions that logical names lead to, by these names.
+std::vector<IndexEntry> logicalNames(const Element& root)
+{
+    std::vector<IndexEntry> entries;
+    const Element* const names = root.child("LogicalNames");
+    if (names == nullptr)
+        return entries;
+    for (const Element& item : names->children) {
+        const Element* const session = item.reference("IviDriverSession");
+        if (item.name == "IviLogicalName" && session != nullptr)
+            entries.push_back({item.textOf("Name"), session});
+    }
+    return entries;
+}
+
+/// Logical names come first, as they shadow driver sessions of the same name.
+ElementIndex indexDriverSessions(const Element& root)
+{
+    std::vector<IndexEntry> entries = logicalNames(root);
+    const auto own = byName(itemsOf(root, "DriverSessions", kDriverSession));
+    entries.insert(entries.end(), own.begin(), own.end());
+    return ElementIndex(std::move(entries));
+}
+
 } // namespace
 
-Store::Store() : document_(emptyStore()) {}
+Store::Store() : Store(emptyStore()) {}
+
+Store::Store(Document document) : document_(std::move(document)), driverSessions_(indexDriverSessions(*document_)) {}
 
 ViStatus Store::deserialize(const std::string& location)
 {
@@ -35,11 +62,13 @@ ViStatus Store::deserialize(const std::string& location)
     Document loaded = load(location);
     if (loaded == nullptr)
         return IVICONFIG_ERROR_DESERIALIZE_FAILED;
+    ElementIndex driverSessions = indexDriverSessions(*loaded);
     const std::lock_guard guard(mutex_);
     if (!actualLocation_.empty())
         return IVICONFIG_ERROR_ALREADY_DESERIALIZED;
     actualLocation_ = location;
     document_ = std::move(loaded);
+    driverSessions_ = std::move(driverSessions);
     return VI_SUCCESS;
 }
 
@@ -53,6 +82,13 @@ Document Store::document() const
 {
     const std::lock_guard guard(mutex_);
     return document_;
+}
+
+Document Store::driverSession(std::string_view name) const
+{
+    const std::lock_guard guard(mutex_);
+    const Element* const found = driverSessions_.find(name);
+    return found == nullptr ? nullptr : Document(document_, found);
 }
 
 ViStatus Store::text(ViInt32 propertyId, std::string& value) const
@@ -74,7 +110,7 @@ ViStatus Store::text(ViInt32 propertyId, std::string& value) const
     const PropertyRow* const row = findProperty(kStore, propertyId, PropertyType::Text);
     if (row == nullptr)
         return IVICONFIG_ERROR_INVALID_PROPERTY_ID;
-    value = document_->textOf(row->element);
+    value = textOf(*document_, *row);
     return VI_SUCCESS;
 }
 

@@ -1,14 +1,15 @@
 #include "store_file.h"
 
+#include "element_index.h"
 #include "nesting.h"
-#include "property_rows.h"
+#include "properties.h"
 
 #include <rapidxml/rapidxml.hpp>
 
+#include <deque>
 #include <filesystem>
 #include <fstream>
 #include <optional>
-#include <unordered_map>
 
 namespace config_server
 {
@@ -19,52 +20,105 @@ namespace
 constexpr std::string_view kRootName = "IviConfigStore";
 
 using XmlNode = rapidxml::xml_node<char>;
-using ElementsById = std::unordered_map<std::string_view, const Element*>;
 
-std::string attributeOf(const XmlNode& node, const char* name)
+/// A file's elements with what they point to.
+struct Tree
+{
+    explicit Tree(std::string file) : text(std::move(file)) {}
+
+    std::string text;               ///< RapidXML replaces entities in place
+    std::deque<std::string> joined; ///< texts that the file has in several pieces
+    Element root;
+};
+
+std::string_view attributeOf(const XmlNode& node, const char* name)
 {
     const auto* const attribute = node.first_attribute(name);
-    return attribute == nullptr ? std::string() : std::string(attribute->value(), attribute->value_size());
+    return attribute == nullptr ? std::string_view() : std::string_view(attribute->value(), attribute->value_size());
 }
 
-Element convert(const XmlNode& node)
+/// The character data of one element: a view of the file, unless child elements or comments divide it.
+class TextCollector
 {
-    Element element;
-    element.name.assign(node.name(), node.name_size());
+public:
+    explicit TextCollector(std::deque<std::string>& joined) : joined_(joined) {}
+
+    void add(std::string_view piece)
+    {
+        if (text_.empty()) {
+            text_ = piece;
+            return;
+        }
+        if (own_ == nullptr)
+            own_ = &joined_.emplace_back(text_);
+        text_ = own_->append(piece);
+    }
+
+    std::string_view text() const { return text_; }
+
+private:
+    std::deque<std::string>& joined_;
+    std::string_view text_;
+    std::string* own_ = nullptr;
+};
+
+std::size_t countChildren(const XmlNode& node)
+{
+    std::size_t count = 0;
+    for (const XmlNode* child = node.first_node(); child != nullptr; child = child->next_sibling())
+        count += child->type() == rapidxml::node_element ? 1 : 0;
+    return count;
+}
+
+void convert(const XmlNode& node, Element& element, std::deque<std::string>& joined)
+{
+    element.name = {node.name(), node.name_size()};
     element.id = attributeOf(node, "id");
     element.idref = attributeOf(node, "idref");
+    element.children.reserve(countChildren(node));
+    TextCollector text(joined);
     for (const XmlNode* child = node.first_node(); child != nullptr; child = child->next_sibling()) {
         if (child->type() == rapidxml::node_element)
-            element.children.push_back(convert(*child));
+            convert(*child, element.children.emplace_back(), joined);
         if (child->type() == rapidxml::node_data || child->type() == rapidxml::node_cdata)
-            element.text.append(child->value(), child->value_size());
+            text.add({child->value(), child->value_size()});
     }
-    return element;
+    element.text = text.text();
 }
 
-/// @return false when two elements have the same id
-bool collectIds(const Element& element, ElementsById& byId)
+void collectIds(const Element& element, std::vector<IndexEntry>& ids)
 {
-    if (!element.id.empty() && !byId.emplace(element.id, &element).second)
-        return false;
-    for (const Element& child : element.children) {
-        if (!collectIds(child, byId))
-            return false;
-    }
-    return true;
+    if (!element.id.empty())
+        ids.push_back({element.id, &element});
+    for (const Element& child : element.children)
+        collectIds(child, ids);
+}
+
+ElementIndex indexIds(const Element& root)
+{
+    std::vector<IndexEntry> ids;
+    collectIds(root, ids);
+    return ElementIndex(std::move(ids));
 }
 
 /// An element that only refers is named as what it refers to, for software modules with "Ref" at the end.
 bool refersTo(const Element& reference, const Element& target)
 {
-    return reference.name == target.name || reference.name == target.name + "Ref";
+    constexpr std::string_view kSuffix = "Ref";
+    std::string_view name = reference.name;
+    if (name == target.name)
+        return true;
+    if (!name.ends_with(kSuffix))
+        return false;
+    name.remove_suffix(kSuffix.size());
+    return name == target.name;
 }
 
-void resolveReferences(Element& element, const ElementsById& byId)
+void resolveReferences(Element& element, const ElementIndex& byId)
 {
-    const auto found = element.idref.empty() ? byId.end() : byId.find(element.idref);
-    if (found != byId.end() && refersTo(element, *found->second))
-        element.target = found->second;
+    const Element* const found = element.idref.empty() ? nullptr : byId.find(element.idref);
+    if (found != nullptr && refersTo(element, *found))
+        element.target = found;
     for (Element& child : element.children)
         resolveReferences(child, byId);
 }
@@ -72,7 +126,7 @@ void resolveReferences(Element& element, const ElementsById& byId)
 bool isValid(const Element& element)
 {
     // A character reference can smuggle a terminator in, which no C caller would see behind.
-    if (element.text.find('\0') != std::string::npos || !hasValidProperties(element))
+    if (element.text.find('\0') != std::string_view::npos || !hasValidProperties(element))
         return false;
     for (const Element& child : element.children) {
         if (!isValid(child))
@@ -81,14 +135,16 @@ bool isValid(const Element& element)
     return true;
 }
 
-Document finish(Element root)
+Document finish(const std::shared_ptr<Tree>& tree)
 {
-    ElementsById byId;
-    auto document = std::make_shared<Element>(std::move(root));
-    if (document->name != kRootName || !isValid(*document) || !collectIds(*document, byId))
+    Element& root = tree->root;
+    if (root.name != kRootName || !isValid(root))
         return nullptr;
-    resolveReferences(*document, byId);
-    return document;
+    const ElementIndex byId = indexIds(root);
+    if (byId.hasDuplicates())
+        return nullptr;
+    resolveReferences(root, byId);
+    return {tree, &root};
 }
 
 std::optional<std::string> readFile(const std::string& path)
@@ -121,11 +177,14 @@ Document parseStore(std::string text)
     if (text.find('\0') != std::string::npos || !staysWithin(text, {kDeepestNesting, kMostElements}))
         return nullptr;
     try {
+        const auto tree = std::make_shared<Tree>(std::move(text));
         rapidxml::xml_document<char> xml;
-        xml.parse<rapidxml::parse_validate_closing_tags>(text.data());
+        xml.parse<rapidxml::parse_validate_closing_tags | rapidxml::parse_no_element_values>(tree->text.data());
         const XmlNode* const root = xml.first_node();
-        const bool single = root != nullptr && root->next_sibling() == nullptr;
-        return single ? finish(convert(*root)) : nullptr;
+        if (root == nullptr || root->next_sibling() != nullptr)
+            return nullptr;
+        convert(*root, tree->root, tree->joined);
+        return finish(tree);
     } catch (const rapidxml::parse_error&) {
         return nullptr;
     }
@@ -133,9 +192,9 @@ Document parseStore(std::string text)
 
 Document emptyStore()
 {
-    Element root;
-    root.name = kRootName;
-    return finish(std::move(root));
+    const auto tree = std::make_shared<Tree>(std::string());
+    tree->root.name = kRootName;
+    return finish(tree);
 }
 
 } // namespace config_server

@@ -3,10 +3,13 @@
  * C interface of the IVI configuration server (IVI-3.5): reading of the configuration store.
  *
  * Every handle has the same C type; its kind is checked at run time. Each Get...Session, ...Reference, ...Collection
- * and ...Item call hands out a handle of its own, which the caller returns with IviConfig_DisposeHandle. Indexes run
- * from 1 to the count. Failures are recorded in the calling thread's error record, which the session service shares.
- * The property functions with a buffer follow IviSession_GetError: a size of 0 asks for the size needed, a negative
- * size means "large enough", and a text that does not fit is cut and its size returned.
+ * and ...Item call hands out a handle of its own, which the caller returns with IviConfig_DisposeHandle; on a failure
+ * it stores null. A handle of another kind gives IVICONFIG_ERROR_INVALID_HANDLE, a property that the object lacks or
+ * that is of another type IVICONFIG_ERROR_INVALID_PROPERTY_ID, an item that a collection lacks
+ * IVICONFIG_ERROR_NOT_EXIST. Indexes run from 1 to the count. Failures are recorded in the calling thread's error
+ * record, which the session service shares. The property functions with a buffer follow IviSession_GetError: a size of
+ * 0 asks for the size needed, a negative size means "large enough", and a text that does not fit is cut and its size
+ * returned.
  */
 #ifndef KVX_IVI_CONFIG_SERVER_H
 #define KVX_IVI_CONFIG_SERVER_H

@@ -27,10 +27,15 @@ AllocationFailure::~AllocationFailure()
 
 } // namespace kvxtest
 
-// The program's operator new takes the place of the libraries' as well.
+// The program's operators take the place of the libraries' as well; all of them, so that they match in a sanitizer.
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept
+{
+    return size >= smallestFailingSize ? nullptr : std::malloc(size);
+}
+
 void* operator new(std::size_t size)
 {
-    void* const memory = size >= smallestFailingSize ? nullptr : std::malloc(size);
+    void* const memory = operator new(size, std::nothrow);
     if (memory == nullptr)
         throw std::bad_alloc();
     return memory;

@@ -1,6 +1,11 @@
+#include "example_store.h"
 #include "store_fixture.h"
+#include "store_listing.h"
+
+#include <gmock/gmock.h>
 
 #include <array>
+#include <atomic>
 #include <thread>
 #include <vector>
 
@@ -377,26 +382,104 @@ TEST_F(ConfigServer, WithoutAnyStoreTheSystemsOneIsServedEmpty)
     EXPECT_EQ(IviConfig_Deserialize(store_, system), IVICONFIG_ERROR_ALREADY_DESERIALIZED);
 }
 
-TEST_F(ConfigServer, StoresAreReadInParallel)
+TEST_F(ConfigServer, EmptyVariablesAreAsIfUnset)
 {
-    const std::string path = writeFile("s.xml", kBenchStore);
+    const std::string home = writeFile("home/.config/ivi/IviConfigurationStore.xml", kBenchStore);
+    const EnvironmentVariable noMaster("IVI_MASTER_STORE", "");
+    const EnvironmentVariable noConfig("XDG_CONFIG_HOME", "");
+    const EnvironmentVariable noDefault("IVICONFIGSERVERDEFAULT", "");
+    const EnvironmentVariable homeFolder("HOME", (folder_ / "home").c_str());
+    EXPECT_EQ(storeText(IVICONFIG_VAL_CONFIG_STORE_MASTER_LOCATION), home);
+    EXPECT_EQ(storeText(IVICONFIG_VAL_CONFIG_STORE_PROC_DEFAULT_LOCATION), "");
+    const EnvironmentVariable noHome("HOME", nullptr);
+    EXPECT_EQ(storeText(IVICONFIG_VAL_CONFIG_STORE_MASTER_LOCATION), "/etc/ivi/IviConfigurationStore.xml");
+}
+
+TEST_F(ConfigServer, FolderInTheUsersPlaceIsNoStore)
+{
+    std::filesystem::create_directories(folder_ / "xdg/ivi/IviConfigurationStore.xml");
+    const EnvironmentVariable configFolder("XDG_CONFIG_HOME", (folder_ / "xdg").c_str());
+    EXPECT_EQ(storeText(IVICONFIG_VAL_CONFIG_STORE_MASTER_LOCATION), "/etc/ivi/IviConfigurationStore.xml");
+}
+
+TEST_F(ConfigServer, LocationsAreTheStoresOwnWhateverTheFileSays)
+{
+    const EnvironmentVariable chosen("IVICONFIGSERVERDEFAULT", "/some/store.xml");
+    ASSERT_EQ(load("<IviConfigStore><MasterLocation>/m</MasterLocation><ProcessDefaultLocation>/p"
+                   "</ProcessDefaultLocation><ActualLocation>/a</ActualLocation></IviConfigStore>"),
+              VI_SUCCESS);
+    EXPECT_EQ(storeText(IVICONFIG_VAL_CONFIG_STORE_MASTER_LOCATION), "/etc/ivi/IviConfigurationStore.xml");
+    EXPECT_EQ(storeText(IVICONFIG_VAL_CONFIG_STORE_PROC_DEFAULT_LOCATION), "/some/store.xml");
+    EXPECT_EQ(storeText(IVICONFIG_VAL_CONFIG_STORE_ACTUAL_LOCATION), (folder_ / "store.xml").string());
+}
+
+TEST_F(ConfigServer, LocationsFollowTheBufferRules)
+{
+    const EnvironmentVariable chosen("IVICONFIGSERVERDEFAULT", "/some/store.xml");
+    std::array<ViChar, 6> text{};
+    EXPECT_EQ(IviConfig_GetConfigStorePropertyViString(store_, 5, 6, text.data()), 16);
+    EXPECT_STREQ(text.data(), "/some");
+}
+
+/// Runs an action on several threads at once.
+template <typename Action>
+void inParallel(Action action)
+{
     std::vector<std::thread> threads;
     threads.reserve(4);
     for (int i = 0; i < 4; ++i)
-        threads.emplace_back([&path] {
-            for (int round = 0; round < 20; ++round) {
-                IviConfigStoreHandle store = nullptr;
-                IviDriverSessionHandle found = nullptr;
-                ASSERT_EQ(IviConfig_Initialize(&store), VI_SUCCESS);
-                ASSERT_EQ(IviConfig_Deserialize(store, path.c_str()), VI_SUCCESS);
-                ASSERT_EQ(IviConfig_GetDriverSession(store, "BenchSupply", &found), VI_SUCCESS);
-                ASSERT_EQ(sessionText(found, 1), "KVX2800T");
-                ASSERT_EQ(IviConfig_DisposeHandle(found), VI_SUCCESS);
-                ASSERT_EQ(IviConfig_Close(store), VI_SUCCESS);
-            }
-        });
+        threads.emplace_back(action);
     for (std::thread& thread : threads)
         thread.join();
+}
+
+TEST_F(ConfigServer, StoresAreReadInParallel)
+{
+    const std::string path = writeFile("s.xml", kBenchStore);
+    inParallel([&path] {
+        for (int round = 0; round < 20; ++round) {
+            IviConfigStoreHandle store = nullptr;
+            IviDriverSessionHandle found = nullptr;
+            ASSERT_EQ(IviConfig_Initialize(&store), VI_SUCCESS);
+            ASSERT_EQ(IviConfig_Deserialize(store, path.c_str()), VI_SUCCESS);
+            ASSERT_EQ(IviConfig_GetDriverSession(store, "BenchSupply", &found), VI_SUCCESS);
+            ASSERT_EQ(sessionText(found, 1), "KVX2800T");
+            ASSERT_EQ(IviConfig_DisposeHandle(found), VI_SUCCESS);
+            ASSERT_EQ(IviConfig_Close(store), VI_SUCCESS);
+        }
+    });
+}
+
+TEST_F(ConfigServer, OneStoreIsReadByManyThreads)
+{
+    const kvxtest::StoreNames names{{"BenchSupply", "KVX2800T"}, {"KVX2800T"}};
+    ASSERT_EQ(load(kvxtest::kExampleStore), VI_SUCCESS);
+    const std::string expected = kvxtest::listStore(store_, names);
+    inParallel([&] {
+        for (int round = 0; round < 20; ++round)
+            EXPECT_EQ(kvxtest::listStore(store_, names), expected);
+    });
+}
+
+TEST_F(ConfigServer, OneOfManyThreadsLoadsTheStore)
+{
+    const std::string path = writeFile("s.xml", kBenchStore);
+    std::atomic<int> loaded = 0;
+    inParallel([&] {
+        const ViStatus status = IviConfig_Deserialize(store_, path.c_str());
+        loaded += status == VI_SUCCESS ? 1 : 0;
+        EXPECT_THAT(status, testing::AnyOf(VI_SUCCESS, IVICONFIG_ERROR_ALREADY_DESERIALIZED));
+        EXPECT_EQ(storeText(IVICONFIG_VAL_CONFIG_STORE_NAME), "Bench");
+    });
+    EXPECT_EQ(loaded, 1);
+}
+
+TEST_F(ConfigServer, ThreadsHaveErrorTextsOfTheirOwn)
+{
+    IviDriverSessionHandle found = nullptr;
+    EXPECT_EQ(IviConfig_GetDriverSession(store_, "Gone", &found), IVICONFIG_ERROR_SESSION_NOT_FOUND);
+    std::thread([] { EXPECT_EQ(errorText(), ""); }).join();
+    EXPECT_NE(errorText(), "");
 }
 
 } // namespace

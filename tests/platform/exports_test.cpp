@@ -48,15 +48,45 @@ TEST(PlatformExports, VisaExportsItsNineFunctionsAndNothingElse)
                                      "viStatusDesc", "viRead", "viWrite", "viSetBuf"));
 }
 
-TEST(PlatformExports, ConfigServerExportsTheFunctionsThatWorkAndNothingElse)
+TEST(PlatformExports, ConfigServerExportsItsThirtySixFunctionsAndNothingElse)
 {
-    EXPECT_THAT(exportsOf(CONFIG_SERVER_LIBRARY),
-                UnorderedElementsAre(
-                    "IviConfig_Initialize", "IviConfig_Close", "IviConfig_DisposeHandle", "IviConfig_ClearError",
-                    "IviConfig_GetError", "IviConfig_Deserialize", "IviConfig_GetConfigStorePropertyViString",
-                    "IviConfig_GetDriverSession", "IviConfig_GetDriverSessionPropertyViBoolean",
-                    "IviConfig_GetDriverSessionPropertyViString", "IviConfig_GetSessionHardwareAssetReference",
-                    "IviConfig_GetHardwareAssetPropertyViString"));
+    const std::vector<std::string> expected{"IviConfig_Initialize",
+                                            "IviConfig_Close",
+                                            "IviConfig_DisposeHandle",
+                                            "IviConfig_ClearError",
+                                            "IviConfig_GetError",
+                                            "IviConfig_Deserialize",
+                                            "IviConfig_GetConfigStorePropertyViString",
+                                            "IviConfig_GetDriverSession",
+                                            "IviConfig_GetConfigStoreSoftwareModuleCollection",
+                                            "IviConfig_GetSoftwareModuleItemByName",
+                                            "IviConfig_GetSoftwareModulePhysicalNameCollection",
+                                            "IviConfig_GetPhysicalNameCount",
+                                            "IviConfig_GetPhysicalNameItemByIndex",
+                                            "IviConfig_GetPhysicalNamePropertyViString",
+                                            "IviConfig_GetSessionSoftwareModuleReference",
+                                            "IviConfig_GetSessionHardwareAssetReference",
+                                            "IviConfig_GetHardwareAssetPropertyViString",
+                                            "IviConfig_GetDriverSessionPropertyViBoolean",
+                                            "IviConfig_GetDriverSessionPropertyViString",
+                                            "IviConfig_GetSessionVirtualNameCollection",
+                                            "IviConfig_GetVirtualNameCount",
+                                            "IviConfig_GetVirtualNameItemByIndex",
+                                            "IviConfig_GetVirtualNamePropertyViString",
+                                            "IviConfig_GetVirtualNameVirtualRangeCollection",
+                                            "IviConfig_GetVirtualRangeCount",
+                                            "IviConfig_GetVirtualRangeItemByIndex",
+                                            "IviConfig_GetVirtualRangePropertyViInt32",
+                                            "IviConfig_GetConfigComponentDataComponentCollection",
+                                            "IviConfig_GetStructureDataComponentCollection",
+                                            "IviConfig_GetDataComponentItemByName",
+                                            "IviConfig_GetDataComponentCount",
+                                            "IviConfig_GetDataComponentItemByIndex",
+                                            "IviConfig_GetDataComponentPropertyViString",
+                                            "IviConfig_GetDataComponentPropertyViInt32",
+                                            "IviConfig_GetDataComponentPropertyViReal64",
+                                            "IviConfig_GetDataComponentPropertyViBoolean"};
+    EXPECT_THAT(exportsOf(CONFIG_SERVER_LIBRARY), testing::UnorderedElementsAreArray(expected));
 }
 
 TEST(PlatformUnloading, LibrariesStayLoadedWithTheirSessions)
