@@ -264,6 +264,18 @@ Run runOf(const Call<Parameters...>& call)
     };
 }
 
+/// Empty when the first parameter is no channel or group.
+template <class First, class... Rest>
+decltype(Operation::runFor) runForOf(const Call<First, Rest...>& call)
+{
+    if constexpr (std::is_same_v<First, ViInt32>)
+        return [call](InstBase& instrument, ViInt32 number, Values& outputs) {
+            return runOf(call.template with<0>(number))(instrument, outputs);
+        };
+    else
+        return {};
+}
+
 /// Values of an argument that are in no table.
 template <class Argument>
 auto invalidValues(const Argument& argument)
@@ -284,8 +296,8 @@ void addInvalidCalls(Operation& operation, const Call<Parameters...>& call, cons
     using Parameter = std::tuple_element_t<kIndex, std::tuple<Parameters...>>;
     if constexpr (!std::is_reference_v<Parameter>)
         for (const auto value : invalidValues(argument))
-            operation.invalidCalls.emplace_back(
-                [other = call.template with<kIndex>(value)](InstBase& instrument) mutable { other(instrument); });
+            operation.invalidCalls.emplace_back([other = call.template with<kIndex>(value)](
+                                                    InstBase& instrument) mutable { return other(instrument); });
 }
 
 template <std::size_t kIndex, class Argument, class... Parameters>
@@ -318,6 +330,7 @@ Operation query(int number, std::string name, Method<Parameters...> method, std:
     call.hideResults();
     operation.before = call.outputs();
     operation.run = runOf(call);
+    operation.runFor = runForOf(call);
     describeArguments(operation, call, std::index_sequence_for<Parameters...>(), arguments...);
     return operation;
 }

@@ -64,8 +64,10 @@ struct Operation
     Values before = {};
     Values results = {};
     std::optional<ReadBack> readBack = {};
+    /// A query's `run` with another channel or group; empty when it has neither.
+    std::function<ViStatus(TSRO::InstBase&, ViInt32 number, Values& outputs)> runFor = {};
     /// The same operation with a channel that has no name, or a setting outside its keyword table.
-    std::vector<std::function<void(TSRO::InstBase&)>> invalidCalls = {};
+    std::vector<std::function<ViStatus(TSRO::InstBase&)>> invalidCalls = {};
 
     bool isQuery() const { return !reply.empty(); }
 };
