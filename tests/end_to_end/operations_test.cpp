@@ -18,6 +18,10 @@ namespace kvxtest
 namespace
 {
 
+using testing::AllOf;
+using testing::Ge;
+using testing::Gt;
+using testing::Le;
 using Lines = std::vector<std::string>;
 
 constexpr const char* kErrorQuery = ":SYSTem:ERRor?";
@@ -300,6 +304,36 @@ public:
         EXPECT_EQ((instrument.*count)(groups), 0);
         EXPECT_EQ(groups, expected);
     }
+
+    template <class State>
+    using Status = ViStatus (TSRO::InstBase::*)(State& state, double& seconds, ViInt32& group, ViInt32& cycles);
+
+    /// In the first group of a program, which takes `seconds`.
+    template <class State>
+    void expectRunning(Status<State> status, State running, double seconds, ViInt32 cycles)
+    {
+        auto state = static_cast<State>(-1);
+        double remainingSeconds = -1.0;
+        ViInt32 group = -1;
+        ViInt32 remainingCycles = -1;
+        EXPECT_EQ((instrument.*status)(state, remainingSeconds, group, remainingCycles), 0);
+        EXPECT_EQ(state, running);
+        EXPECT_THAT(remainingSeconds, AllOf(Gt(0.0), Le(seconds)));
+        EXPECT_EQ(group, 1);
+        EXPECT_THAT(remainingCycles, AllOf(Ge(1), Le(cycles)));
+    }
+
+    template <class State>
+    void expectStopped(Status<State> status, State stopped)
+    {
+        auto state = static_cast<State>(-1);
+        double remainingSeconds = -1.0;
+        ViInt32 group = -1;
+        ViInt32 remainingCycles = -1;
+        EXPECT_EQ((instrument.*status)(state, remainingSeconds, group, remainingCycles), 0);
+        EXPECT_EQ(state, stopped);
+        EXPECT_EQ(group, 0);
+    }
 };
 
 TEST_F(ProgramOverTcp, ListGroupsAreAppendedInsertedDeletedAndCleared)
@@ -348,21 +382,9 @@ TEST_F(ProgramOverTcp, AListThatRunsTellsHowFarItIs)
     ASSERT_EQ(instrument.setListCycles(3), 0);
     ASSERT_EQ(instrument.setOutputEnabled(3, true), 0);
     ASSERT_EQ(instrument.setListEnabled(true), 0);
-    auto state = TSRO::ListRunState::Stopped;
-    double seconds = -1.0;
-    ViInt32 group = -1;
-    ViInt32 cycles = -1;
-    EXPECT_EQ(instrument.listStatus(state, seconds, group, cycles), 0);
-    EXPECT_EQ(state, TSRO::ListRunState::Running);
-    EXPECT_GT(seconds, 0.0);
-    EXPECT_LE(seconds, 100.0);
-    EXPECT_EQ(group, 1);
-    EXPECT_GE(cycles, 1);
-    EXPECT_LE(cycles, 3);
+    expectRunning(&TSRO::InstBase::listStatus, TSRO::ListRunState::Running, 100.0, 3);
     ASSERT_EQ(instrument.setListEnabled(false), 0);
-    EXPECT_EQ(instrument.listStatus(state, seconds, group, cycles), 0);
-    EXPECT_EQ(state, TSRO::ListRunState::Stopped);
-    EXPECT_EQ(group, 0);
+    expectStopped(&TSRO::InstBase::listStatus, TSRO::ListRunState::Stopped);
     expectNoError();
 }
 
@@ -373,21 +395,9 @@ TEST_F(ProgramOverTcp, ADelayThatRunsTellsHowFarItIs)
     ASSERT_EQ(instrument.setDelayCycles(3), 0);
     ASSERT_EQ(instrument.setOutputEnabled(3, true), 0);
     ASSERT_EQ(instrument.setDelayEnabled(true), 0);
-    auto state = TSRO::DelayRunState::Stopped;
-    double seconds = -1.0;
-    ViInt32 group = -1;
-    ViInt32 cycles = -1;
-    EXPECT_EQ(instrument.delayStatus(state, seconds, group, cycles), 0);
-    EXPECT_EQ(state, TSRO::DelayRunState::Running);
-    EXPECT_GT(seconds, 0.0);
-    EXPECT_LE(seconds, 100.0);
-    EXPECT_EQ(group, 1);
-    EXPECT_GE(cycles, 1);
-    EXPECT_LE(cycles, 3);
+    expectRunning(&TSRO::InstBase::delayStatus, TSRO::DelayRunState::Running, 100.0, 3);
     ASSERT_EQ(instrument.setDelayEnabled(false), 0);
-    EXPECT_EQ(instrument.delayStatus(state, seconds, group, cycles), 0);
-    EXPECT_EQ(state, TSRO::DelayRunState::Stopped);
-    EXPECT_EQ(group, 0);
+    expectStopped(&TSRO::InstBase::delayStatus, TSRO::DelayRunState::Stopped);
     expectNoError();
 }
 

@@ -29,109 +29,44 @@ struct Long
 };
 
 template <class Enumeration>
-Keywords keywordsOf();
+const Keywords kKeywords;
 
 template <>
-Keywords keywordsOf<SourceMode>()
-{
-    return {{"NORMAL", 0}, {"SER", 1}, {"PARA", 2}};
-}
-
+const Keywords kKeywords<SourceMode> = {{"NORMAL", 0}, {"SER", 1}, {"PARA", 2}};
 template <>
-Keywords keywordsOf<Named>()
-{
-    return {{"CH1", 1}, {"CH2", 2}, {"CH3", 3}, {"CH4", 4}, {"SER", 5}, {"CH5", 5}, {"PAR", 6}, {"CH6", 6}};
-}
-
+const Keywords kKeywords<Named> = {{"CH1", 1}, {"CH2", 2}, {"CH3", 3}, {"CH4", 4},
+                                   {"SER", 5}, {"CH5", 5}, {"PAR", 6}, {"CH6", 6}};
 template <>
-Keywords keywordsOf<RegulationState>()
-{
-    return {{"CV", 0}, {"CC", 1}};
-}
-
+const Keywords kKeywords<RegulationState> = {{"CV", 0}, {"CC", 1}};
 template <>
-Keywords keywordsOf<CurrentRange>()
-{
-    return {{"AUTO", 0}, {"LOW", 1}, {"HIGH", 2}};
-}
-
+const Keywords kKeywords<CurrentRange> = {{"AUTO", 0}, {"LOW", 1}, {"HIGH", 2}};
 template <>
-Keywords keywordsOf<CurrentRate>()
-{
-    return {{"62", 0}, {"4000", 1}, {"4K", 1}, {"8000", 2}, {"8K", 2}};
-}
-
+const Keywords kKeywords<CurrentRate> = {{"62", 0}, {"4000", 1}, {"4K", 1}, {"8000", 2}, {"8K", 2}};
 template <>
-Keywords keywordsOf<ProtectionDelayMode>()
-{
-    return {{"ANY", 0}, {"SCH", 1}};
-}
-
+const Keywords kKeywords<ProtectionDelayMode> = {{"ANY", 0}, {"SCH", 1}};
 template <>
-Keywords keywordsOf<PowerOnState>()
-{
-    return {{"RST", 0}, {"LAST", 1}, {"LOFF", 2}};
-}
-
+const Keywords kKeywords<PowerOnState> = {{"RST", 0}, {"LAST", 1}, {"LOFF", 2}};
 template <>
-Keywords keywordsOf<Pairing>()
-{
-    return {{"OFF", 0}, {"SER", 1}, {"PAR", 2}};
-}
-
+const Keywords kKeywords<Pairing> = {{"OFF", 0}, {"SER", 1}, {"PAR", 2}};
 template <>
-Keywords keywordsOf<OutputOffMode>()
-{
-    return {{"BLEON", 0}, {"BLEOFF", 1}};
-}
-
+const Keywords kKeywords<OutputOffMode> = {{"BLEON", 0}, {"BLEOFF", 1}};
 template <>
-Keywords keywordsOf<ListRunState>()
-{
-    return {{"STOPPED", 0}, {"READY", 1}, {"RUNNING", 2}, {"PAUSED", 3}};
-}
-
+const Keywords kKeywords<ListRunState> = {{"STOPPED", 0}, {"READY", 1}, {"RUNNING", 2}, {"PAUSED", 3}};
 template <>
-Keywords keywordsOf<ListEndState>()
-{
-    return {{"OFF", 0}, {"LAST", 1}};
-}
-
+const Keywords kKeywords<ListEndState> = {{"OFF", 0}, {"LAST", 1}};
 template <>
-Keywords keywordsOf<ListWaveform>()
-{
-    return {{"SINE", 0}, {"PULSE", 1}, {"RAMP", 2}, {"UP", 3}, {"DN", 4}, {"UPDN", 5}, {"RISE", 6}, {"FALL", 7}};
-}
-
+const Keywords kKeywords<ListWaveform> = {{"SINE", 0}, {"PULSE", 1}, {"RAMP", 2}, {"UP", 3},
+                                          {"DN", 4},   {"UPDN", 5},  {"RISE", 6}, {"FALL", 7}};
 template <>
-Keywords keywordsOf<ListTemplateObject>()
-{
-    return {{"V", 0}, {"C", 1}};
-}
-
+const Keywords kKeywords<ListTemplateObject> = {{"V", 0}, {"C", 1}};
 template <>
-Keywords keywordsOf<DelayRunState>()
-{
-    return {{"STOPPED", 0}, {"RUNNING", 1}};
-}
-
+const Keywords kKeywords<DelayRunState> = {{"STOPPED", 0}, {"RUNNING", 1}};
 template <>
-Keywords keywordsOf<DelayEndState>()
-{
-    return {{"OFF", 0}, {"ON", 1}, {"LAST", 2}};
-}
-
+const Keywords kKeywords<DelayEndState> = {{"OFF", 0}, {"ON", 1}, {"LAST", 2}};
 template <>
-Keywords keywordsOf<DelayGenerateMode>()
-{
-    return {{"FIX", 0}, {"INC", 1}, {"DEC", 2}};
-}
-
+const Keywords kKeywords<DelayGenerateMode> = {{"FIX", 0}, {"INC", 1}, {"DEC", 2}};
 template <>
-Keywords keywordsOf<DelayPattern>()
-{
-    return {{"01P", 0}, {"10P", 1}};
-}
+const Keywords kKeywords<DelayPattern> = {{"01P", 0}, {"10P", 1}};
 
 template <class Argument>
 constexpr bool kHasKeywords = std::is_enum_v<Argument> || std::is_same_v<Argument, Named>;
@@ -157,7 +92,7 @@ template <class Argument>
 Field fieldOf(const Argument& /*argument*/)
 {
     if constexpr (kHasKeywords<Argument>)
-        return {FieldKind::Keyword, keywordsOf<Argument>()};
+        return {FieldKind::Keyword, kKeywords<Argument>};
     else if constexpr (std::is_same_v<Argument, bool>)
         return {FieldKind::Boolean};
     else if constexpr (std::is_same_v<Argument, double>)
@@ -282,7 +217,7 @@ auto invalidValues(const Argument& argument)
 {
     std::vector<decltype(parameter(argument))> values;
     if constexpr (kHasKeywords<Argument>) {
-        const Keywords keywords = keywordsOf<Argument>();
+        const Keywords& keywords = kKeywords<Argument>;
         for (const ViInt32 value : {keywords.front().second - 1, keywords.back().second + 1,
                                     std::numeric_limits<ViInt32>::min(), std::numeric_limits<ViInt32>::max()})
             values.push_back(static_cast<decltype(parameter(argument))>(value));
