@@ -39,7 +39,7 @@ check_manual() {
     doxygen docs/Doxyfile
 }
 
-install_packages build
+install_packages build test
 if [ "$everything" = no ]; then
     run_tests release
     exit
@@ -53,10 +53,15 @@ check_tidy
 run_tests asan-ubsan
 run_tests tsan
 
-# The fuzzers start from nothing and end after a fixed number of inputs.
+# Each fuzzer starts from its corpus, if it has one, and ends after a fixed number of inputs.
 build fuzz fuzzers
 step "Fuzzing"
 for fuzzer in build/fuzz/bin/fuzz_*; do
-    say "$(basename "$fuzzer")"
-    "$fuzzer" -runs=50000 -seed=1 -max_len=512 >build/fuzz/fuzzer.log 2>&1 || { cat build/fuzz/fuzzer.log; fail "$fuzzer"; }
+    name=$(basename "$fuzzer")
+    say "$name"
+    corpus=fuzz/corpus/${name#fuzz_}
+    [ -d "$corpus" ] || corpus=
+    found=build/fuzz/found/$name
+    rm -rf "$found" && mkdir -p "$found"
+    "$fuzzer" -runs=50000 -seed=1 -max_len=512 "$found" $corpus >build/fuzz/fuzzer.log 2>&1 || { cat build/fuzz/fuzzer.log; fail "$fuzzer"; }
 done

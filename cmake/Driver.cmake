@@ -14,12 +14,22 @@ kvx_add_layer(instrument
     instrument/command_text.cpp
     instrument/keyword_tables.cpp
     instrument/kvx2800t.cpp
+    instrument/kvx2800t_delay.cpp
+    instrument/kvx2800t_list.cpp
+    instrument/kvx2800t_measurement.cpp
     instrument/kvx2800t_output.cpp
     instrument/kvx2800t_source.cpp
     instrument/kvx2800t_status.cpp
     instrument/option_grammar.cpp
     instrument/reply_parsing.cpp)
-kvx_add_layer(simulator simulator/kvx2800t_simulator.cpp simulator/random_source.cpp)
+kvx_add_layer(simulator
+    simulator/kvx2800t_simulator.cpp
+    simulator/kvx2800t_simulator_delay.cpp
+    simulator/kvx2800t_simulator_list.cpp
+    simulator/kvx2800t_simulator_measurement.cpp
+    simulator/kvx2800t_simulator_output.cpp
+    simulator/kvx2800t_simulator_source.cpp
+    simulator/random_source.cpp)
 kvx_add_layer(runtime
     runtime/close_listeners.cpp
     runtime/configuration_store.cpp

@@ -31,11 +31,30 @@ requires std::is_enum_v<Enumeration> ViStatus parseReply(std::string_view reply,
     return VI_SUCCESS;
 }
 
+/// A reply of several fields: each is parsed as a reply of its own into the value in its place. The first that cannot
+/// be read, or is missing, ends it: the values before it are stored, it and those behind it are unchanged. Fields
+/// beyond the values are ignored.
+/// @throws std::out_of_range "invalid vector subscript" when a field is missing.
+template <class First, class Second, class... Rest>
+ViStatus parseReply(std::string_view reply, First& first, Second& second, Rest&... rest)
+{
+    const ReplyFields fields(reply);
+    std::size_t index = 0;
+    ViStatus status = VI_SUCCESS;
+    const auto store = [&](auto& value) {
+        status = parseReply(fields[index++], value);
+        return status >= 0;
+    };
+    static_cast<void>(store(first) && store(second) && (store(rest) && ...));
+    return status;
+}
+
 /// The instrument's side of its connection: one command out, one reply in.
 ///
 /// The untyped write() and query() return the connection's own status. Every other operation returns 0 for any status
 /// >= 0 of the connection and kIoError for a negative one. Values that cannot be spelled and replies that cannot be
-/// read leave as the exceptions of command_text.h and reply_parsing.h; outputs are then unchanged.
+/// read leave as the exceptions of command_text.h and reply_parsing.h; outputs are then unchanged, but for the fields
+/// that a reply of several had before the one that could not be read.
 ///
 /// Not thread-safe: its caller serialises the calls. Each call holds a reference of its own to the connection.
 class CommandPort
@@ -77,34 +96,34 @@ public:
         return sendLine();
     }
 
-    /// The header as a query; its reply is parsed into `value`.
-    template <class Value>
-    ViStatus get(const Header& header, Value& value)
+    /// The header as a query. One value is parsed from the whole reply, several from its comma-separated fields.
+    template <class... Values>
+    ViStatus get(const Header& header, Values&... values)
     {
         line_.clear();
         header.appendQueryTo(line_);
-        return queryLine(value);
+        return queryLine(values...);
     }
 
     /// As get(), with one argument behind the header.
-    template <class Argument, class Value>
-    ViStatus getFor(const Header& header, const Argument& argument, Value& value)
+    template <class Argument, class... Values>
+    ViStatus getFor(const Header& header, const Argument& argument, Values&... values)
     {
         line_.clear();
         header.appendQueryTo(line_);
         appendArguments(line_, argument);
-        return queryLine(value);
+        return queryLine(values...);
     }
 
 private:
     ViStatus sendLine();
     ViStatus exchangeLine();
 
-    template <class Value>
-    ViStatus queryLine(Value& value)
+    template <class... Values>
+    ViStatus queryLine(Values&... values)
     {
         const ViStatus status = exchangeLine();
-        return status < 0 ? status : parseReply(reply_, value);
+        return status < 0 ? status : parseReply(reply_, values...);
     }
 
     InstLink::ConnectionHolder holder_;

@@ -17,9 +17,10 @@ namespace TSRO
 /// Channels are numbered 1 to 4 for the outputs, 5 for the series and 6 for the parallel combination of outputs 1
 /// and 2. Volts, amperes, seconds.
 ///
-/// Operations return a VISA status: 0, or a negative code after which the outputs are as they were. A setting outside
-/// its keyword table, a channel without limits and a reply that cannot be read leave as standard exceptions. The class
-/// records nothing and takes no lock; its caller serialises the calls.
+/// Operations return a VISA status: 0, or a negative code. A setting outside its keyword table, a channel without a
+/// name or limits and a reply that cannot be read leave as standard exceptions. After a failure of either kind the
+/// outputs are as they were, except that a reply of several fields has stored those before the first that is missing or
+/// cannot be read. The class records nothing and takes no lock; its caller serialises the calls.
 class InstBase
 {
 public:
@@ -72,14 +73,29 @@ public:
     /// outputs as they were, with status 0.
     virtual ViStatus nextError(ViInt32& code, std::string& message) = 0;
 
-    // Source
+    // Source. The OVP and OCP settings here and those of the output are two spellings of the instrument's own.
+
+    /// The channel that the list and delay operations act on.
+    virtual ViStatus selectChannel(ViInt32 channel) = 0;
+    virtual ViStatus selectedChannel(ViInt32& channel) = 0;
 
     virtual ViStatus setSourceMode(SourceMode mode) = 0;
     virtual ViStatus sourceMode(SourceMode& mode) = 0;
 
+    /// The bleeder, which discharges the outputs.
+    virtual ViStatus setBleEnabled(bool enabled) = 0;
+    virtual ViStatus bleEnabled(bool& enabled) = 0;
+
     /// A level outside the channel's limits, or none at all (NaN), is refused with kValueOutOfRange; nothing is sent.
     virtual ViStatus setVoltageLevel(ViInt32 channel, double volts) = 0;
     virtual ViStatus voltageLevel(ViInt32 channel, double& volts) = 0;
+
+    virtual ViStatus setVoltageProtectionLevel(ViInt32 channel, double volts) = 0;
+    virtual ViStatus voltageProtectionLevel(ViInt32 channel, double& volts) = 0;
+    virtual ViStatus setVoltageProtectionEnabled(ViInt32 channel, bool enabled) = 0;
+    virtual ViStatus voltageProtectionEnabled(ViInt32 channel, bool& enabled) = 0;
+    virtual ViStatus setRemoteSenseEnabled(ViInt32 channel, bool enabled) = 0;
+    virtual ViStatus remoteSenseEnabled(ViInt32 channel, bool& enabled) = 0;
 
     /// Checked as setVoltageLevel().
     virtual ViStatus setCurrentLevel(ViInt32 channel, double amperes) = 0;
@@ -90,10 +106,170 @@ public:
     virtual ViStatus setCurrentProtectionEnabled(ViInt32 channel, bool enabled) = 0;
     virtual ViStatus currentProtectionEnabled(ViInt32 channel, bool& enabled) = 0;
 
+    /// How long an over-current lasts before the output trips.
+    virtual ViStatus setCurrentProtectionDelay(ViInt32 channel, double seconds) = 0;
+    virtual ViStatus currentProtectionDelay(ViInt32 channel, double& seconds) = 0;
+    virtual ViStatus setCurrentProtectionDelayMode(ViInt32 channel, ProtectionDelayMode mode) = 0;
+    virtual ViStatus currentProtectionDelayMode(ViInt32 channel, ProtectionDelayMode& mode) = 0;
+
     // Output
 
     virtual ViStatus setOutputEnabled(ViInt32 channel, bool enabled) = 0;
     virtual ViStatus outputEnabled(ViInt32 channel, bool& enabled) = 0;
+
+    virtual ViStatus regulationState(ViInt32 channel, RegulationState& state) = 0;
+
+    virtual ViStatus setOvpValue(ViInt32 channel, double volts) = 0;
+    virtual ViStatus ovpValue(ViInt32 channel, double& volts) = 0;
+    virtual ViStatus setOvpEnabled(ViInt32 channel, bool enabled) = 0;
+    virtual ViStatus ovpEnabled(ViInt32 channel, bool& enabled) = 0;
+
+    virtual ViStatus setOcpValue(ViInt32 channel, double amperes) = 0;
+    virtual ViStatus ocpValue(ViInt32 channel, double& amperes) = 0;
+    virtual ViStatus setOcpEnabled(ViInt32 channel, bool enabled) = 0;
+    virtual ViStatus ocpEnabled(ViInt32 channel, bool& enabled) = 0;
+    virtual ViStatus setOcpDelay(ViInt32 channel, double seconds) = 0;
+    virtual ViStatus ocpDelay(ViInt32 channel, double& seconds) = 0;
+    virtual ViStatus setOcpDelayMode(ViInt32 channel, ProtectionDelayMode mode) = 0;
+    virtual ViStatus ocpDelayMode(ViInt32 channel, ProtectionDelayMode& mode) = 0;
+
+    virtual ViStatus setPowerOnState(ViInt32 channel, PowerOnState state) = 0;
+    virtual ViStatus powerOnState(ViInt32 channel, PowerOnState& state) = 0;
+    virtual ViStatus setPairing(ViInt32 channel, Pairing pairing) = 0;
+    virtual ViStatus pairing(ViInt32 channel, Pairing& pairing) = 0;
+    virtual ViStatus setOutputSenseEnabled(ViInt32 channel, bool enabled) = 0;
+    virtual ViStatus outputSenseEnabled(ViInt32 channel, bool& enabled) = 0;
+    virtual ViStatus setTrackingEnabled(ViInt32 channel, bool enabled) = 0;
+    virtual ViStatus trackingEnabled(ViInt32 channel, bool& enabled) = 0;
+
+    /// What the bleeder does while the output is off.
+    virtual ViStatus setOutputOffMode(ViInt32 channel, OutputOffMode mode) = 0;
+    virtual ViStatus outputOffMode(ViInt32 channel, OutputOffMode& mode) = 0;
+
+    // Measurement
+
+    virtual ViStatus measureAll(ViInt32 channel, double& volts, double& amperes, double& watts) = 0;
+    virtual ViStatus measureVoltage(ViInt32 channel, double& volts) = 0;
+    virtual ViStatus measureCurrent(ViInt32 channel, double& amperes) = 0;
+    virtual ViStatus measurePower(ViInt32 channel, double& watts) = 0;
+    virtual ViStatus setCurrentRange(ViInt32 channel, CurrentRange range) = 0;
+    virtual ViStatus currentRange(ViInt32 channel, CurrentRange& range) = 0;
+    virtual ViStatus setCurrentRate(ViInt32 channel, CurrentRate rate) = 0;
+    virtual ViStatus currentRate(ViInt32 channel, CurrentRate& rate) = 0;
+
+    // List mode of the selected channel: a sequence of groups, each a voltage and a current for a time. Groups are
+    // entered one by one, or constructed from a template.
+
+    virtual ViStatus setListEnabled(bool enabled) = 0;
+    virtual ViStatus listEnabled(bool& enabled) = 0;
+
+    /// How far a run has come: what is left of the group's time, the group, and the cycles left.
+    virtual ViStatus listStatus(ListRunState& state, double& remainingSeconds, ViInt32& group,
+                                ViInt32& remainingCycles) = 0;
+
+    virtual ViStatus setListCycles(ViInt32 cycles) = 0;
+    virtual ViStatus listCycles(ViInt32& cycles) = 0;
+
+    /// What the output does once the last cycle has run.
+    virtual ViStatus setListEndState(ListEndState state) = 0;
+    virtual ViStatus listEndState(ListEndState& state) = 0;
+
+    virtual ViStatus listGroupCount(ViInt32& count) = 0;
+    virtual ViStatus insertListGroup(ViInt32 group) = 0;
+    virtual ViStatus deleteListGroup(ViInt32 group) = 0;
+    virtual ViStatus clearListGroups() = 0;
+    virtual ViStatus setListGroup(ViInt32 group, double volts, double amperes, double seconds) = 0;
+    virtual ViStatus listGroup(ViInt32 group, double& volts, double& amperes, double& seconds) = 0;
+
+    virtual ViStatus setListTemplateWaveform(ListWaveform waveform) = 0;
+    virtual ViStatus listTemplateWaveform(ListWaveform& waveform) = 0;
+
+    /// The quantity that the waveform shapes, and the level of the other one: volts or amperes.
+    virtual ViStatus setListTemplateObject(ListTemplateObject object, double level) = 0;
+    virtual ViStatus listTemplateObject(ListTemplateObject& object, double& level) = 0;
+
+    /// The ends of the waveform, in the unit of its quantity.
+    virtual ViStatus setListTemplateMaximum(double level) = 0;
+    virtual ViStatus listTemplateMaximum(double& level) = 0;
+    virtual ViStatus setListTemplateMinimum(double level) = 0;
+    virtual ViStatus listTemplateMinimum(double& level) = 0;
+
+    virtual ViStatus setListTemplatePeriod(double seconds) = 0;
+    virtual ViStatus listTemplatePeriod(double& seconds) = 0;
+    virtual ViStatus setListTemplateInterval(double seconds) = 0;
+    virtual ViStatus listTemplateInterval(double& seconds) = 0;
+    virtual ViStatus setListTemplateCycles(ViInt32 cycles) = 0;
+    virtual ViStatus listTemplateCycles(ViInt32& cycles) = 0;
+    virtual ViStatus setListTemplateInverted(bool inverted) = 0;
+    virtual ViStatus listTemplateInverted(bool& inverted) = 0;
+    virtual ViStatus setListTemplatePulseWidth(double seconds) = 0;
+    virtual ViStatus listTemplatePulseWidth(double& seconds) = 0;
+    virtual ViStatus setListTemplatePulseCount(ViInt32 count) = 0;
+    virtual ViStatus listTemplatePulseCount(ViInt32& count) = 0;
+
+    /// Percent.
+    virtual ViStatus setListTemplateSymmetry(ViInt32 percent) = 0;
+    virtual ViStatus listTemplateSymmetry(ViInt32& percent) = 0;
+
+    virtual ViStatus setListTemplateStart(ViInt32 start) = 0;
+    virtual ViStatus listTemplateStart(ViInt32& start) = 0;
+
+    /// The two exponents of the instrument's exponential waveforms, "EXPP" and "EXPR".
+    virtual ViStatus setListTemplateExpp(ViInt32 exponent) = 0;
+    virtual ViStatus listTemplateExpp(ViInt32& exponent) = 0;
+    virtual ViStatus setListTemplateExpr(ViInt32 exponent) = 0;
+    virtual ViStatus listTemplateExpr(ViInt32& exponent) = 0;
+
+    /// How many groups the template makes.
+    virtual ViStatus listTemplatePoints(ViInt32& points) = 0;
+    virtual ViStatus constructList(ViInt32 argument) = 0;
+
+    // Delay mode of the selected channel: a sequence of groups, each the output on or off for a time. Groups are
+    // entered one by one, or constructed from a pattern.
+
+    virtual ViStatus setDelayEnabled(bool enabled) = 0;
+    virtual ViStatus delayEnabled(bool& enabled) = 0;
+
+    /// As listStatus().
+    virtual ViStatus delayStatus(DelayRunState& state, double& remainingSeconds, ViInt32& group,
+                                 ViInt32& remainingCycles) = 0;
+
+    virtual ViStatus setDelayCycles(ViInt32 cycles) = 0;
+    virtual ViStatus delayCycles(ViInt32& cycles) = 0;
+    virtual ViStatus setDelayEndState(DelayEndState state) = 0;
+    virtual ViStatus delayEndState(DelayEndState& state) = 0;
+    virtual ViStatus delayGroupCount(ViInt32& count) = 0;
+    virtual ViStatus insertDelayGroup(ViInt32 group) = 0;
+    virtual ViStatus deleteDelayGroup(ViInt32 group) = 0;
+    virtual ViStatus clearDelayGroups() = 0;
+    virtual ViStatus setDelayGroup(ViInt32 group, bool on, double seconds) = 0;
+    virtual ViStatus delayGroup(ViInt32 group, bool& on, double& seconds) = 0;
+
+    virtual ViStatus setDelayGenerateMode(DelayGenerateMode mode) = 0;
+    virtual ViStatus delayGenerateMode(DelayGenerateMode& mode) = 0;
+    virtual ViStatus setDelayGeneratePattern(DelayPattern pattern) = 0;
+    virtual ViStatus delayGeneratePattern(DelayPattern& pattern) = 0;
+    virtual ViStatus setDelayGeneratePoints(ViInt32 points) = 0;
+    virtual ViStatus delayGeneratePoints(ViInt32& points) = 0;
+
+    /// The times of fixed patterns.
+    virtual ViStatus setDelayOnTime(double seconds) = 0;
+    virtual ViStatus delayOnTime(double& seconds) = 0;
+    virtual ViStatus setDelayOffTime(double seconds) = 0;
+    virtual ViStatus delayOffTime(double& seconds) = 0;
+
+    /// The times of patterns that grow or shrink.
+    virtual ViStatus setDelayBaseTime(double seconds) = 0;
+    virtual ViStatus delayBaseTime(double& seconds) = 0;
+    virtual ViStatus setDelayTimeStep(double seconds) = 0;
+    virtual ViStatus delayTimeStep(double& seconds) = 0;
+
+    virtual ViStatus constructDelay(ViInt32 argument) = 0;
+
+    // Trigger input
+
+    virtual ViStatus setTriggerInputEnabled(ViInt32 channel, bool enabled) = 0;
+    virtual ViStatus triggerInputEnabled(ViInt32 channel, bool& enabled) = 0;
 
     /// The instrument's own copy of the inherent options, as open() found them in the option string.
     const InherentOptions& options() const { return options_; }

@@ -1,7 +1,5 @@
 #include "simulator/kvx2800t_simulator.h"
 
-#include "simulator/random_source.h"
-
 namespace TSRO
 {
 
@@ -76,76 +74,6 @@ ViStatus KVX2800TSimulator::nextError(ViInt32& code, std::string& message)
 {
     code = 0;
     message = "No error";
-    return VI_SUCCESS;
-}
-
-ViStatus KVX2800TSimulator::setSourceMode(SourceMode /*mode*/)
-{
-    return VI_SUCCESS;
-}
-
-ViStatus KVX2800TSimulator::sourceMode(SourceMode& mode)
-{
-    mode = static_cast<SourceMode>(random::uniformInteger(3));
-    return VI_SUCCESS;
-}
-
-ViStatus KVX2800TSimulator::setVoltageLevel(ViInt32 /*channel*/, double /*volts*/)
-{
-    return VI_SUCCESS;
-}
-
-ViStatus KVX2800TSimulator::voltageLevel(ViInt32 channel, double& volts)
-{
-    return drawVoltage(channel, volts);
-}
-
-ViStatus KVX2800TSimulator::setCurrentLevel(ViInt32 /*channel*/, double /*amperes*/)
-{
-    return VI_SUCCESS;
-}
-
-ViStatus KVX2800TSimulator::currentLevel(ViInt32 channel, double& amperes)
-{
-    return drawVoltage(channel, amperes);
-}
-
-ViStatus KVX2800TSimulator::setCurrentProtectionLevel(ViInt32 /*channel*/, double /*amperes*/)
-{
-    return VI_SUCCESS;
-}
-
-ViStatus KVX2800TSimulator::currentProtectionLevel(ViInt32 channel, double& amperes)
-{
-    return drawVoltage(channel, amperes);
-}
-
-ViStatus KVX2800TSimulator::setCurrentProtectionEnabled(ViInt32 /*channel*/, bool /*enabled*/)
-{
-    return VI_SUCCESS;
-}
-
-ViStatus KVX2800TSimulator::currentProtectionEnabled(ViInt32 /*channel*/, bool& enabled)
-{
-    enabled = random::boolean();
-    return VI_SUCCESS;
-}
-
-ViStatus KVX2800TSimulator::setOutputEnabled(ViInt32 /*channel*/, bool /*enabled*/)
-{
-    return VI_SUCCESS;
-}
-
-ViStatus KVX2800TSimulator::outputEnabled(ViInt32 /*channel*/, bool& enabled)
-{
-    enabled = random::boolean();
-    return VI_SUCCESS;
-}
-
-ViStatus KVX2800TSimulator::drawVoltage(ViInt32 channel, double& value)
-{
-    const ChannelLimits& limits = channelLimits(channel);
-    value = limits.voltageMin + random::uniformReal() * (limits.voltageMax - limits.voltageMin);
     return VI_SUCCESS;
 }
 

@@ -45,6 +45,11 @@ double uniformReal()
     return static_cast<double>(generator().drawTwo() >> 11U) * kScale;
 }
 
+double uniformReal(double minimum, double maximum)
+{
+    return minimum + uniformReal() * (maximum - minimum);
+}
+
 std::uint32_t uniformInteger(std::uint32_t count)
 {
     // Lemire's method: the high word of a product is uniform once the products below 2^32 mod count are rejected.
@@ -59,6 +64,11 @@ std::uint32_t uniformInteger(std::uint32_t count)
 bool boolean()
 {
     return uniformReal() < 0.5;
+}
+
+void discard()
+{
+    generator().draw();
 }
 
 } // namespace TSRO::random

@@ -11,10 +11,16 @@ namespace TSRO::random
 /// Uniform in [0, 1), with 53 bits.
 double uniformReal();
 
-/// Uniform in 0 to `count` - 1; `count` is not 0.
+/// Uniform between `minimum` and `maximum`; one real draw.
+double uniformReal(double minimum, double maximum);
+
+/// Uniform in 0 to `count` - 1; `count` is not 0. For a power of two these are the top bits of one 32-bit draw.
 std::uint32_t uniformInteger(std::uint32_t count);
 
 /// True and false alike often; one real draw.
 bool boolean();
+
+/// A draw that nobody gets.
+void discard();
 
 } // namespace TSRO::random

@@ -4,6 +4,7 @@
 #include "instrument/kvx2800t.h"
 #include "instrument/option_grammar.h"
 #include "instrument/reply_parsing.h"
+#include "operation_table.h"
 #include "scripted_connection.h"
 #include "thrown.h"
 
@@ -11,6 +12,7 @@
 #include <memory>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 namespace
 {
@@ -55,16 +57,20 @@ TEST_F(InACommaLocale, RepliesAreReadWithTheDecimalPoint)
     EXPECT_TRUE(throwsExactly<std::invalid_argument>("invalid stod argument", [] { TSRO::parseDouble(",5"); }));
 }
 
-TEST_F(InACommaLocale, AnOperationSendsAndReadsTheSameBytes)
+TEST_F(InACommaLocale, EveryOperationSendsAndReadsTheSameBytes)
 {
-    const auto connection = std::make_shared<ScriptedConnection>();
-    TSRO::KVX2800T instrument(portOn(connection));
-    connection->answer("12.345");
-    double volts = 0.0;
-    EXPECT_EQ(instrument.setVoltageLevel(1, 12.345), 0);
-    EXPECT_EQ(instrument.voltageLevel(1, volts), 0);
-    EXPECT_EQ(connection->written.front(), ":SOUR1:VOLT 12.345000");
-    EXPECT_EQ(volts, 12.345);
+    for (const kvxtest::Operation& operation : kvxtest::operations()) {
+        SCOPED_TRACE(operation.name);
+        const auto connection = std::make_shared<ScriptedConnection>();
+        TSRO::KVX2800T instrument(portOn(connection));
+        connection->answer(operation.reply);
+        kvxtest::Values outputs;
+        EXPECT_EQ(operation.run(instrument, outputs), 0);
+        EXPECT_EQ(connection->written, std::vector<std::string>{operation.line});
+        if (operation.isQuery()) {
+            EXPECT_EQ(outputs, operation.results);
+        }
+    }
 }
 
 TEST_F(InACommaLocale, LettersOutsideASCIIStayAsTheyAre)

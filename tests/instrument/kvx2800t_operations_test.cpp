@@ -1,10 +1,17 @@
 #include "instrument/kvx2800t.h"
 
+#include "operation_table.h"
+#include "reply_oracle.h"
 #include "scripted_connection.h"
 #include "thrown.h"
 
-#include <functional>
+#include <algorithm>
+#include <cstddef>
+#include <cstring>
+#include <iterator>
+#include <limits>
 #include <memory>
+#include <set>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -14,7 +21,13 @@
 namespace
 {
 
+using kvxtest::expectedOutcome;
+using kvxtest::Field;
+using kvxtest::FieldKind;
 using kvxtest::kInvalidKey;
+using kvxtest::Operation;
+using kvxtest::Outcome;
+using kvxtest::outcomeOf;
 using kvxtest::portOn;
 using kvxtest::ScriptedConnection;
 using kvxtest::throwsExactly;
@@ -35,22 +48,208 @@ public:
     KVX2800T unconnected;
 };
 
+std::string nameOf(const testing::TestParamInfo<Operation>& operation)
+{
+    return operation.param.name;
+}
+
+// ---- The operations and their order
+
+TEST(OperationTable, HasEveryOperationThatExchangesMessages)
+{
+    std::set<int> expected;
+    for (int number = 9; number <= 145; ++number)
+        if (number != 12)
+            expected.insert(number);
+    std::set<int> numbers;
+    for (const Operation& operation : kvxtest::operations())
+        numbers.insert(operation.number);
+    EXPECT_EQ(numbers, expected);
+}
+
+#if defined(__GXX_ABI_VERSION) && !defined(__arm__) && !defined(__aarch64__)
+/// Where a virtual operation stands: the Itanium C++ ABI keeps one more than the offset in the table of virtual
+/// functions, which has two places for the destructor.
+template <class Method>
+std::size_t placeOf(Method operation)
+{
+    std::size_t offset = 0;
+    static_assert(sizeof operation >= sizeof offset);
+    std::memcpy(&offset, &operation, sizeof offset);
+    return (offset - 1) / sizeof(void*) - 1;
+}
+
+TEST(InstrumentOperations, StandInTheirOrder)
+{
+    using I = InstBase;
+    const std::vector<std::size_t> places = {
+        placeOf(&I::ioTimeout),
+        placeOf(&I::setIoTimeout),
+        placeOf(&I::open),
+        placeOf(&I::close),
+        placeOf(&I::isOpen),
+        placeOf(&I::writeRaw),
+        placeOf(&I::queryRaw),
+        placeOf(&I::identity),
+        placeOf(&I::clearStatus),
+        placeOf(&I::reset),
+        placeOf(&I::eventStatus),
+        placeOf(&I::channelLimits),
+        placeOf(&I::questionableCondition),
+        placeOf(&I::questionableEvent),
+        placeOf(&I::nextError),
+        placeOf(&I::selectChannel),
+        placeOf(&I::selectedChannel),
+        placeOf(&I::setSourceMode),
+        placeOf(&I::sourceMode),
+        placeOf(&I::setBleEnabled),
+        placeOf(&I::bleEnabled),
+        placeOf(&I::setVoltageLevel),
+        placeOf(&I::voltageLevel),
+        placeOf(&I::setVoltageProtectionLevel),
+        placeOf(&I::voltageProtectionLevel),
+        placeOf(&I::setVoltageProtectionEnabled),
+        placeOf(&I::voltageProtectionEnabled),
+        placeOf(&I::setRemoteSenseEnabled),
+        placeOf(&I::remoteSenseEnabled),
+        placeOf(&I::setCurrentLevel),
+        placeOf(&I::currentLevel),
+        placeOf(&I::setCurrentProtectionLevel),
+        placeOf(&I::currentProtectionLevel),
+        placeOf(&I::setCurrentProtectionEnabled),
+        placeOf(&I::currentProtectionEnabled),
+        placeOf(&I::setCurrentProtectionDelay),
+        placeOf(&I::currentProtectionDelay),
+        placeOf(&I::setCurrentProtectionDelayMode),
+        placeOf(&I::currentProtectionDelayMode),
+        placeOf(&I::setOutputEnabled),
+        placeOf(&I::outputEnabled),
+        placeOf(&I::regulationState),
+        placeOf(&I::setOvpValue),
+        placeOf(&I::ovpValue),
+        placeOf(&I::setOvpEnabled),
+        placeOf(&I::ovpEnabled),
+        placeOf(&I::setOcpValue),
+        placeOf(&I::ocpValue),
+        placeOf(&I::setOcpEnabled),
+        placeOf(&I::ocpEnabled),
+        placeOf(&I::setOcpDelay),
+        placeOf(&I::ocpDelay),
+        placeOf(&I::setOcpDelayMode),
+        placeOf(&I::ocpDelayMode),
+        placeOf(&I::setPowerOnState),
+        placeOf(&I::powerOnState),
+        placeOf(&I::setPairing),
+        placeOf(&I::pairing),
+        placeOf(&I::setOutputSenseEnabled),
+        placeOf(&I::outputSenseEnabled),
+        placeOf(&I::setTrackingEnabled),
+        placeOf(&I::trackingEnabled),
+        placeOf(&I::setOutputOffMode),
+        placeOf(&I::outputOffMode),
+        placeOf(&I::measureAll),
+        placeOf(&I::measureVoltage),
+        placeOf(&I::measureCurrent),
+        placeOf(&I::measurePower),
+        placeOf(&I::setCurrentRange),
+        placeOf(&I::currentRange),
+        placeOf(&I::setCurrentRate),
+        placeOf(&I::currentRate),
+        placeOf(&I::setListEnabled),
+        placeOf(&I::listEnabled),
+        placeOf(&I::listStatus),
+        placeOf(&I::setListCycles),
+        placeOf(&I::listCycles),
+        placeOf(&I::setListEndState),
+        placeOf(&I::listEndState),
+        placeOf(&I::listGroupCount),
+        placeOf(&I::insertListGroup),
+        placeOf(&I::deleteListGroup),
+        placeOf(&I::clearListGroups),
+        placeOf(&I::setListGroup),
+        placeOf(&I::listGroup),
+        placeOf(&I::setListTemplateWaveform),
+        placeOf(&I::listTemplateWaveform),
+        placeOf(&I::setListTemplateObject),
+        placeOf(&I::listTemplateObject),
+        placeOf(&I::setListTemplateMaximum),
+        placeOf(&I::listTemplateMaximum),
+        placeOf(&I::setListTemplateMinimum),
+        placeOf(&I::listTemplateMinimum),
+        placeOf(&I::setListTemplatePeriod),
+        placeOf(&I::listTemplatePeriod),
+        placeOf(&I::setListTemplateInterval),
+        placeOf(&I::listTemplateInterval),
+        placeOf(&I::setListTemplateCycles),
+        placeOf(&I::listTemplateCycles),
+        placeOf(&I::setListTemplateInverted),
+        placeOf(&I::listTemplateInverted),
+        placeOf(&I::setListTemplatePulseWidth),
+        placeOf(&I::listTemplatePulseWidth),
+        placeOf(&I::setListTemplatePulseCount),
+        placeOf(&I::listTemplatePulseCount),
+        placeOf(&I::setListTemplateSymmetry),
+        placeOf(&I::listTemplateSymmetry),
+        placeOf(&I::setListTemplateStart),
+        placeOf(&I::listTemplateStart),
+        placeOf(&I::setListTemplateExpp),
+        placeOf(&I::listTemplateExpp),
+        placeOf(&I::setListTemplateExpr),
+        placeOf(&I::listTemplateExpr),
+        placeOf(&I::listTemplatePoints),
+        placeOf(&I::constructList),
+        placeOf(&I::setDelayEnabled),
+        placeOf(&I::delayEnabled),
+        placeOf(&I::delayStatus),
+        placeOf(&I::setDelayCycles),
+        placeOf(&I::delayCycles),
+        placeOf(&I::setDelayEndState),
+        placeOf(&I::delayEndState),
+        placeOf(&I::delayGroupCount),
+        placeOf(&I::insertDelayGroup),
+        placeOf(&I::deleteDelayGroup),
+        placeOf(&I::clearDelayGroups),
+        placeOf(&I::setDelayGroup),
+        placeOf(&I::delayGroup),
+        placeOf(&I::setDelayGenerateMode),
+        placeOf(&I::delayGenerateMode),
+        placeOf(&I::setDelayGeneratePattern),
+        placeOf(&I::delayGeneratePattern),
+        placeOf(&I::setDelayGeneratePoints),
+        placeOf(&I::delayGeneratePoints),
+        placeOf(&I::setDelayOnTime),
+        placeOf(&I::delayOnTime),
+        placeOf(&I::setDelayOffTime),
+        placeOf(&I::delayOffTime),
+        placeOf(&I::setDelayBaseTime),
+        placeOf(&I::delayBaseTime),
+        placeOf(&I::setDelayTimeStep),
+        placeOf(&I::delayTimeStep),
+        placeOf(&I::constructDelay),
+        placeOf(&I::setTriggerInputEnabled),
+        placeOf(&I::triggerInputEnabled),
+    };
+    ASSERT_EQ(places.size(), 145U);
+    for (std::size_t i = 0; i < places.size(); ++i)
+        EXPECT_EQ(places[i], i + 1);
+}
+#endif
+
 // ---- Settings
 
-struct Setting
+class EverySetting : public KVX2800TTest, public testing::WithParamInterface<Operation>
 {
-    std::string name;
-    std::function<ViStatus(InstBase&)> run;
-    std::string line;
-};
-
-class EverySetting : public KVX2800TTest, public testing::WithParamInterface<Setting>
-{
+public:
+    ViStatus run(InstBase& on)
+    {
+        kvxtest::Values none;
+        return GetParam().run(on, none);
+    }
 };
 
 TEST_P(EverySetting, SendsOneLine)
 {
-    EXPECT_EQ(GetParam().run(instrument), 0);
+    EXPECT_EQ(run(instrument), 0);
     EXPECT_THAT(connection->written, ElementsAre(GetParam().line));
     EXPECT_EQ(connection->reads, 0);
 }
@@ -58,52 +257,53 @@ TEST_P(EverySetting, SendsOneLine)
 TEST_P(EverySetting, TakesAWarningForSuccess)
 {
     connection->writeStatus = kWarning;
-    EXPECT_EQ(GetParam().run(instrument), 0);
+    EXPECT_EQ(run(instrument), 0);
 }
 
 TEST_P(EverySetting, IsAnIoErrorWhenTheWriteFails)
 {
-    connection->writeStatus = kTimedOut;
-    EXPECT_EQ(GetParam().run(instrument), kIoError);
-    EXPECT_THAT(connection->written, ElementsAre(GetParam().line));
+    for (const ViStatus status : {kTimedOut, kNoConnection, ViStatus{-1}}) {
+        connection->writeStatus = status;
+        EXPECT_EQ(run(instrument), kIoError);
+    }
+    EXPECT_THAT(connection->written, ElementsAre(GetParam().line, GetParam().line, GetParam().line));
 }
 
 TEST_P(EverySetting, IsAnIoErrorWithoutAConnection)
 {
-    EXPECT_EQ(GetParam().run(unconnected), kIoError);
-}
-
-TEST_P(EverySetting, IsAnIoErrorAfterClose)
-{
+    EXPECT_EQ(run(unconnected), kIoError);
     ASSERT_GE(instrument.close(), 0);
-    EXPECT_EQ(GetParam().run(instrument), kIoError);
+    EXPECT_EQ(run(instrument), kIoError);
     EXPECT_THAT(connection->written, IsEmpty());
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Operations, EverySetting,
-    testing::Values(
-        Setting{"ClearStatus", [](InstBase& i) { return i.clearStatus(); }, "*CLS"},
-        Setting{"Reset", [](InstBase& i) { return i.reset(); }, "*RST"},
-        Setting{"SourceModeNormal", [](InstBase& i) { return i.setSourceMode(SourceMode::Normal); },
-                ":SOUR:Mode NORMAL"},
-        Setting{"SourceModeSeries", [](InstBase& i) { return i.setSourceMode(SourceMode::Series); }, ":SOUR:Mode SER"},
-        Setting{"SourceModeParallel", [](InstBase& i) { return i.setSourceMode(SourceMode::Parallel); },
-                ":SOUR:Mode PARA"},
-        Setting{"VoltageLevel", [](InstBase& i) { return i.setVoltageLevel(3, 5.0); }, ":SOUR3:VOLT 5.000000"},
-        Setting{"VoltageLevelOfTheSeries", [](InstBase& i) { return i.setVoltageLevel(5, 12.0); },
-                ":SOUR5:VOLT 12.000000"},
-        Setting{"CurrentLevel", [](InstBase& i) { return i.setCurrentLevel(4, 2.5); }, ":SOUR4:CURR 2.500000"},
-        Setting{"CurrentProtectionLevel", [](InstBase& i) { return i.setCurrentProtectionLevel(1, 2.5); },
-                ":SOUR1:CURR:PROT 2.500000"},
-        Setting{"CurrentProtectionOn", [](InstBase& i) { return i.setCurrentProtectionEnabled(1, true); },
-                ":SOUR1:CURR:PROT:STAT ON"},
-        Setting{"CurrentProtectionOff", [](InstBase& i) { return i.setCurrentProtectionEnabled(6, false); },
-                ":SOUR6:CURR:PROT:STAT OFF"},
-        Setting{"OutputOn", [](InstBase& i) { return i.setOutputEnabled(1, true); }, ":OUTP:STAT CH1,ON"},
-        Setting{"OutputOfTheSeriesOff", [](InstBase& i) { return i.setOutputEnabled(5, false); },
-                ":OUTP:STAT SER,OFF"}),
-    [](const testing::TestParamInfo<Setting>& setting) { return setting.param.name; });
+INSTANTIATE_TEST_SUITE_P(Operations, EverySetting, testing::ValuesIn(kvxtest::settings()), nameOf);
+
+// ---- Channels without a name and values outside their tables
+
+class EveryOperation : public KVX2800TTest, public testing::WithParamInterface<Operation>
+{
+};
+
+TEST_P(EveryOperation, SendsNothingForAKeyThatThereIsNot)
+{
+    for (const auto& call : GetParam().invalidCalls) {
+        EXPECT_TRUE(throwsExactly<std::out_of_range>(kInvalidKey, [&] { call(instrument); }));
+        EXPECT_TRUE(throwsExactly<std::out_of_range>(kInvalidKey, [&] { call(unconnected); }));
+    }
+    EXPECT_THAT(connection->written, IsEmpty());
+}
+
+std::vector<Operation> operationsWithKeys()
+{
+    std::vector<Operation> chosen;
+    for (const Operation& operation : kvxtest::operations())
+        if (!operation.invalidCalls.empty())
+            chosen.push_back(operation);
+    return chosen;
+}
+
+INSTANTIATE_TEST_SUITE_P(Keys, EveryOperation, testing::ValuesIn(operationsWithKeys()), nameOf);
 
 TEST_F(KVX2800TTest, SendsNothingForASourceModeThatThereIsNot)
 {
@@ -116,12 +316,13 @@ TEST_F(KVX2800TTest, SendsNothingForASourceModeThatThereIsNot)
 
 TEST_F(KVX2800TTest, SendsNothingForAChannelWithoutAName)
 {
-    bool enabled = true;
+    double volts = -7.5;
     for (const ViInt32 channel : {0, 7, -1}) {
+        EXPECT_TRUE(throwsExactly<std::out_of_range>(kInvalidKey, [&] { instrument.selectChannel(channel); }));
         EXPECT_TRUE(throwsExactly<std::out_of_range>(kInvalidKey, [&] { instrument.setOutputEnabled(channel, true); }));
-        EXPECT_TRUE(throwsExactly<std::out_of_range>(kInvalidKey, [&] { instrument.outputEnabled(channel, enabled); }));
+        EXPECT_TRUE(throwsExactly<std::out_of_range>(kInvalidKey, [&] { instrument.measureVoltage(channel, volts); }));
     }
-    EXPECT_TRUE(enabled);
+    EXPECT_EQ(volts, -7.5);
     EXPECT_THAT(connection->written, IsEmpty());
 }
 
@@ -133,229 +334,344 @@ TEST_F(KVX2800TTest, SendsAnyChannelNumberInAHeader)
     connection->answer("1");
     EXPECT_EQ(instrument.currentLevel(7, amperes), 0);
     EXPECT_EQ(instrument.questionableEvent(0, bits), 0);
-    EXPECT_THAT(connection->written, ElementsAre(":SOUR7:CURR?", ":STATus:QUEStionable:INSTrument:ISUMmary0:EVENt?"));
+    EXPECT_EQ(instrument.setVoltageProtectionLevel(7, 1.0), 0);
+    EXPECT_THAT(connection->written, ElementsAre(":SOUR7:CURR?", ":STATus:QUEStionable:INSTrument:ISUMmary0:EVENt?",
+                                                 ":SOUR7:VOLT:PROT 1.000000"));
 }
 
-// ---- Queries of one value
+// ---- Queries
 
-template <class Value>
-struct Query
-{
-    std::string name;
-    std::function<ViStatus(InstBase&, Value&)> run;
-    std::string line;
-    std::string reply;
-    Value before;
-    Value value;
-};
-
-/// What every query has in common, whatever the type of its value.
-class AnyQuery
+class EveryQueryOperation : public KVX2800TTest, public testing::WithParamInterface<Operation>
 {
 public:
-    AnyQuery() = default;
-    AnyQuery(const AnyQuery&) = delete;
-    AnyQuery& operator=(const AnyQuery&) = delete;
-    virtual ~AnyQuery() = default;
-
-    virtual const std::string& name() const = 0;
-    virtual const std::string& line() const = 0;
-    virtual const std::string& reply() const = 0;
-    virtual ViStatus run(InstBase& instrument) = 0;
-    virtual bool unchanged() const = 0;
-    virtual bool read() const = 0;
-};
-
-template <class Value>
-class QueryOf : public AnyQuery
-{
-public:
-    explicit QueryOf(Query<Value> query) : query_(std::move(query)) {}
-
-    const std::string& name() const override { return query_.name; }
-    const std::string& line() const override { return query_.line; }
-    const std::string& reply() const override { return query_.reply; }
-
-    ViStatus run(InstBase& instrument) override
+    /// Runs the query on a connection that answers with `reply`.
+    Outcome runWith(const std::string& reply)
     {
-        value_ = query_.before;
-        return query_.run(instrument, value_);
+        SCOPED_TRACE(reply);
+        connection->answer(reply);
+        return outcomeOf(query, instrument);
     }
 
-    bool unchanged() const override { return value_ == query_.before; }
-    bool read() const override { return value_ == query_.value; }
+    /// As runWith(), with what the reply is to bring.
+    void expectAsDocumented(const std::string& reply)
+    {
+        EXPECT_EQ(runWith(reply), expectedOutcome(query, reply)) << testing::PrintToString(reply);
+    }
 
-private:
-    Query<Value> query_;
-    Value value_ = query_.before;
+    /// The sample reply's fields; one that is read as a whole is one field.
+    std::vector<std::string> fields() const
+    {
+        std::vector<std::string> texts;
+        const ReplyFields split(query.reply);
+        if (query.fields.size() == 1)
+            return {query.reply};
+        for (std::size_t i = 0; i < split.count(); ++i)
+            texts.emplace_back(split[i]);
+        return texts;
+    }
+
+    /// The sample reply with one field exchanged.
+    std::string replyWith(std::size_t index, const std::string& text) const
+    {
+        std::vector<std::string> texts = fields();
+        texts[index] = text;
+        return joined(texts, texts.size());
+    }
+
+    static std::string joined(const std::vector<std::string>& texts, std::size_t count)
+    {
+        std::string reply;
+        for (std::size_t i = 0; i < count; ++i)
+            reply += (i == 0 ? "" : ",") + texts[i];
+        return reply;
+    }
+
+    /// The outputs when the first `count` fields have been stored.
+    kvxtest::Values storedUpTo(std::size_t count) const
+    {
+        kvxtest::Values values = query.before;
+        std::copy_n(query.results.begin(), count, values.begin());
+        return values;
+    }
+
+    const Operation& query = GetParam();
 };
 
-template <class Value>
-std::shared_ptr<AnyQuery> query(Query<Value> query)
+TEST_P(EveryQueryOperation, SendsOneLineAndReadsOneReply)
 {
-    return std::make_shared<QueryOf<Value>>(std::move(query));
-}
-
-class EveryOperationThatAsks : public KVX2800TTest, public testing::WithParamInterface<std::shared_ptr<AnyQuery>>
-{
-public:
-    AnyQuery& asked = *GetParam();
-};
-
-TEST_P(EveryOperationThatAsks, SendsOneLineAndReadsOneReply)
-{
-    connection->answer(asked.reply());
-    EXPECT_EQ(asked.run(instrument), 0);
-    EXPECT_TRUE(asked.read());
-    EXPECT_THAT(connection->written, ElementsAre(asked.line()));
+    EXPECT_EQ(runWith(query.reply), (Outcome{.outputs = query.results}));
+    EXPECT_THAT(connection->written, ElementsAre(query.line));
     EXPECT_EQ(connection->reads, 1);
 }
 
-TEST_P(EveryOperationThatAsks, TakesCompletionCodesForSuccess)
+TEST_P(EveryQueryOperation, TakesCompletionCodesForSuccess)
 {
     connection->writeStatus = kWarning;
-    connection->answer(asked.reply(), kTermChar);
-    EXPECT_EQ(asked.run(instrument), 0);
-    EXPECT_TRUE(asked.read());
+    connection->answer(query.reply, kTermChar);
+    EXPECT_EQ(outcomeOf(query, instrument), (Outcome{.outputs = query.results}));
 }
 
-TEST_P(EveryOperationThatAsks, IsAnIoErrorWhenTheWriteFails)
+TEST_P(EveryQueryOperation, IsAnIoErrorWhenTheWriteFails)
 {
     connection->writeStatus = kTimedOut;
-    connection->answer(asked.reply());
-    EXPECT_EQ(asked.run(instrument), kIoError);
-    EXPECT_TRUE(asked.unchanged());
+    EXPECT_EQ(runWith(query.reply), (Outcome{.status = kIoError, .outputs = query.before}));
     EXPECT_EQ(connection->reads, 0);
 }
 
-TEST_P(EveryOperationThatAsks, IsAnIoErrorWhenTheReadFails)
+TEST_P(EveryQueryOperation, IsAnIoErrorWhenTheReadFails)
 {
-    EXPECT_EQ(asked.run(instrument), kIoError);
-    EXPECT_TRUE(asked.unchanged());
-}
-
-TEST_P(EveryOperationThatAsks, IsAnIoErrorWithoutAConnection)
-{
-    EXPECT_EQ(asked.run(unconnected), kIoError);
-    EXPECT_TRUE(asked.unchanged());
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Operations, EveryOperationThatAsks,
-    testing::Values(
-        query<ViInt32>({"EventStatus", [](InstBase& i, ViInt32& v) { return i.eventStatus(v); }, "*ESR?", "32", -7,
-                        32}),
-        query<ViInt32>({"QuestionableCondition", [](InstBase& i, ViInt32& v) { return i.questionableCondition(2, v); },
-                        ":STATus:QUEStionable:INSTrument:ISUMmary2:CONDition?", "2", -7, 2}),
-        query<ViInt32>({"QuestionableConditionOfTheSeries",
-                        [](InstBase& i, ViInt32& v) { return i.questionableCondition(5, v); },
-                        ":STATus:QUEStionable:INSTrument:ISUMmary5:CONDition?", "-5", -7, -5}),
-        query<ViInt32>({"QuestionableEvent", [](InstBase& i, ViInt32& v) { return i.questionableEvent(2, v); },
-                        ":STATus:QUEStionable:INSTrument:ISUMmary2:EVENt?", "1", -7, 1}),
-        query<SourceMode>({"SourceMode", [](InstBase& i, SourceMode& v) { return i.sourceMode(v); }, ":SOUR:Mode?",
-                           "ser", SourceMode::Parallel, SourceMode::Series}),
-        query<double>({"VoltageLevel", [](InstBase& i, double& v) { return i.voltageLevel(3, v); }, ":SOUR3:VOLT?",
-                       "5.000000", -7.5, 5.0}),
-        query<double>({"CurrentLevel", [](InstBase& i, double& v) { return i.currentLevel(4, v); }, ":SOUR4:CURR?",
-                       "2.5", -7.5, 2.5}),
-        query<double>({"CurrentProtectionLevel", [](InstBase& i, double& v) { return i.currentProtectionLevel(1, v); },
-                       ":SOUR1:CURR:PROT?", "2.5", -7.5, 2.5}),
-        query<bool>({"CurrentProtectionEnabled", [](InstBase& i, bool& v) { return i.currentProtectionEnabled(1, v); },
-                     ":SOUR1:CURR:PROT:STAT?", "1", false, true}),
-        query<bool>({"OutputEnabled", [](InstBase& i, bool& v) { return i.outputEnabled(1, v); }, ":OUTP:STAT? CH1",
-                     "ON", false, true}),
-        query<bool>({"OutputOfTheSeriesEnabled", [](InstBase& i, bool& v) { return i.outputEnabled(5, v); },
-                     ":OUTP:STAT? SER", "OFF", true, false}),
-        query<ViInt32>({"ErrorCode",
-                        [](InstBase& i, ViInt32& v) {
-                            std::string message;
-                            return i.nextError(v, message);
-                        },
-                        ":SYSTem:ERRor?", "-113,\"Undefined header\"", -7, -113}),
-        query<std::string>({"ErrorMessage",
-                            [](InstBase& i, std::string& v) {
-                                ViInt32 code = 0;
-                                return i.nextError(code, v);
-                            },
-                            ":SYSTem:ERRor?", "-113,\"Undefined header\"", "before", "\"Undefined header\""})),
-    [](const testing::TestParamInfo<std::shared_ptr<AnyQuery>>& each) { return each.param->name(); });
-
-// ---- Replies that cannot be read
-
-TEST_F(KVX2800TTest, ReadsTheEventStatusAsALong)
-{
-    ViInt32 value = -7;
-    for (const std::string reply : {"", "x"}) {
-        connection->answer(reply);
-        EXPECT_TRUE(
-            throwsExactly<std::invalid_argument>("invalid stol argument", [&] { instrument.eventStatus(value); }));
-    }
-    connection->answer("2147483648");
-    EXPECT_TRUE(throwsExactly<std::out_of_range>("stol argument out of range", [&] { instrument.eventStatus(value); }));
-    EXPECT_EQ(value, -7);
-}
-
-TEST_F(KVX2800TTest, ReadsTheQuestionableRegistersAsInts)
-{
-    ViInt32 value = -7;
-    connection->answer("x");
-    EXPECT_TRUE(throwsExactly<std::invalid_argument>("invalid stoi argument",
-                                                     [&] { instrument.questionableCondition(1, value); }));
-    connection->answer("");
-    EXPECT_TRUE(
-        throwsExactly<std::invalid_argument>("invalid stoi argument", [&] { instrument.questionableEvent(1, value); }));
-    connection->answer("-2147483649");
-    EXPECT_TRUE(throwsExactly<std::out_of_range>("stoi argument out of range",
-                                                 [&] { instrument.questionableEvent(1, value); }));
-    EXPECT_EQ(value, -7);
-}
-
-TEST_F(KVX2800TTest, ThrowsForALevelThatIsNoNumber)
-{
-    double value = -7.5;
-    connection->answer("volts");
-    EXPECT_TRUE(
-        throwsExactly<std::invalid_argument>("invalid stod argument", [&] { instrument.voltageLevel(1, value); }));
-    connection->answer("");
-    EXPECT_TRUE(
-        throwsExactly<std::invalid_argument>("invalid stod argument", [&] { instrument.currentLevel(1, value); }));
-    connection->answer("1e999");
-    EXPECT_TRUE(throwsExactly<std::out_of_range>("stod argument out of range",
-                                                 [&] { instrument.currentProtectionLevel(1, value); }));
-    EXPECT_EQ(value, -7.5);
-}
-
-TEST_F(KVX2800TTest, ThrowsForAStateThatIsNeitherOnNorOff)
-{
-    bool enabled = true;
-    connection->answer("2");
-    EXPECT_TRUE(throwsExactly<std::invalid_argument>("Visa::parseBool Unknown ret:2",
-                                                     [&] { instrument.outputEnabled(1, enabled); }));
-    connection->answer("");
-    EXPECT_TRUE(throwsExactly<std::invalid_argument>("Visa::parseBool Unknown ret:",
-                                                     [&] { instrument.currentProtectionEnabled(1, enabled); }));
-    EXPECT_TRUE(enabled);
-}
-
-TEST_F(KVX2800TTest, RefusesASourceModeThatThereIsNot)
-{
-    for (const char* reply : {"", "SERIES", "PAR", "SER\r", "0"}) {
-        connection->answer(reply);
-        SourceMode mode = SourceMode::Parallel;
-        EXPECT_EQ(instrument.sourceMode(mode), kUnexpectedResponse) << reply;
-        EXPECT_EQ(mode, SourceMode::Parallel);
+    for (const ViStatus status : {kTimedOut, kNoConnection, ViStatus{-1}}) {
+        connection->answer(query.reply, status);
+        EXPECT_EQ(outcomeOf(query, instrument), (Outcome{.status = kIoError, .outputs = query.before}));
     }
 }
 
-TEST_F(KVX2800TTest, ReadsStatesInFrontOfALineEnd)
+TEST_P(EveryQueryOperation, IsAnIoErrorWithoutAConnection)
 {
-    bool enabled = true;
-    connection->answer("OFF\r\n");
-    EXPECT_EQ(instrument.outputEnabled(1, enabled), 0);
-    EXPECT_FALSE(enabled);
-    connection->answer("ON\n");
-    EXPECT_EQ(instrument.outputEnabled(1, enabled), 0);
-    EXPECT_TRUE(enabled);
+    EXPECT_EQ(outcomeOf(query, unconnected), (Outcome{.status = kIoError, .outputs = query.before}));
+    ASSERT_GE(instrument.close(), 0);
+    EXPECT_EQ(outcomeOf(query, instrument), (Outcome{.status = kIoError, .outputs = query.before}));
+    EXPECT_THAT(connection->written, IsEmpty());
+}
+
+/// What the first field of a query does when it cannot be read.
+Outcome unreadable(const Operation& query, const std::string& text)
+{
+    Outcome outcome{.outputs = query.before};
+    switch (query.fields.front().kind) {
+    case FieldKind::Boolean:
+        outcome.thrown = "std::invalid_argument: Visa::parseBool Unknown ret:" + text;
+        break;
+    case FieldKind::Number:
+        outcome.thrown = "std::invalid_argument: invalid stod argument";
+        break;
+    case FieldKind::Integer:
+        outcome.thrown = "std::invalid_argument: invalid stoi argument";
+        break;
+    case FieldKind::Long:
+        outcome.thrown = "std::invalid_argument: invalid stol argument";
+        break;
+    case FieldKind::Keyword:
+        outcome.status = kUnexpectedResponse;
+        break;
+    case FieldKind::Text:
+        ADD_FAILURE() << "no reply begins with a text";
+    }
+    return outcome;
+}
+
+TEST_P(EveryQueryOperation, StoresNothingOfAReplyThatBeginsWithSomethingElse)
+{
+    for (const std::string text : {"x", "-", "\r", "?1"})
+        EXPECT_EQ(runWith(replyWith(0, text)), unreadable(query, text)) << testing::PrintToString(text);
+}
+
+TEST_P(EveryQueryOperation, ReadsACutReplyAsFarAsItGoes)
+{
+    for (std::size_t length = 0; length < query.reply.size(); ++length)
+        expectAsDocumented(query.reply.substr(0, length));
+}
+
+TEST_P(EveryQueryOperation, ReadsFurtherFieldsAsDocumented)
+{
+    for (const char* further : {",", ",7", ",7,x"})
+        expectAsDocumented(query.reply + further);
+    expectAsDocumented("," + query.reply);
+}
+
+TEST_P(EveryQueryOperation, ReadsBlanksAsDocumented)
+{
+    const std::vector<std::string> texts = fields();
+    for (std::size_t i = 0; i < texts.size(); ++i) {
+        expectAsDocumented(replyWith(i, " " + texts[i]));
+        expectAsDocumented(replyWith(i, texts[i] + " "));
+        expectAsDocumented(replyWith(i, "\t" + texts[i]));
+        expectAsDocumented(replyWith(i, " "));
+    }
+}
+
+TEST_P(EveryQueryOperation, ReadsLineEndsAsDocumented)
+{
+    for (const char* end : {"\r", "\n", "\r\n"})
+        expectAsDocumented(query.reply + end);
+}
+
+INSTANTIATE_TEST_SUITE_P(Operations, EveryQueryOperation, testing::ValuesIn(kvxtest::queries()), nameOf);
+
+template <class Predicate>
+auto queriesThat(Predicate predicate)
+{
+    std::vector<Operation> chosen;
+    std::copy_if(kvxtest::queries().begin(), kvxtest::queries().end(), std::back_inserter(chosen), predicate);
+    return testing::ValuesIn(chosen);
+}
+
+bool isOfOneField(const Operation& query)
+{
+    return query.fields.size() == 1;
+}
+
+// The error queue's reply is all or nothing; its tests are further down.
+bool isOfSeveralFields(const Operation& query)
+{
+    return query.fields.size() > 1 && query.name != "nextError";
+}
+
+bool isNumeric(const Field& field)
+{
+    return field.kind == FieldKind::Number || field.kind == FieldKind::Integer || field.kind == FieldKind::Long;
+}
+
+class EveryQueryOfOneField : public EveryQueryOperation
+{
+};
+
+TEST_P(EveryQueryOfOneField, FailsForAnEmptyReply)
+{
+    EXPECT_EQ(runWith(""), unreadable(query, ""));
+}
+
+INSTANTIATE_TEST_SUITE_P(Operations, EveryQueryOfOneField, queriesThat(isOfOneField), nameOf);
+
+class EveryQueryOfSeveralFields : public EveryQueryOperation
+{
+};
+
+TEST_P(EveryQueryOfSeveralFields, KeepsTheFieldsBeforeTheFirstThatIsMissing)
+{
+    for (std::size_t count = 0; count < query.fields.size(); ++count) {
+        const Outcome missing{.thrown = "std::out_of_range: invalid vector subscript", .outputs = storedUpTo(count)};
+        EXPECT_EQ(runWith(joined(fields(), count)), missing);
+    }
+}
+
+TEST_P(EveryQueryOfSeveralFields, KeepsTheFieldsBeforeTheFirstThatCannotBeRead)
+{
+    for (std::size_t i = 0; i < query.fields.size(); ++i) {
+        const Outcome outcome = runWith(replyWith(i, "x"));
+        EXPECT_TRUE(!outcome.thrown.empty() || outcome.status == kUnexpectedResponse);
+        EXPECT_EQ(outcome.outputs, storedUpTo(i));
+    }
+}
+
+TEST_P(EveryQueryOfSeveralFields, IgnoresFurtherFields)
+{
+    EXPECT_EQ(runWith(query.reply + ",7"), (Outcome{.outputs = query.results}));
+    EXPECT_EQ(runWith(query.reply + ",,x"), (Outcome{.outputs = query.results}));
+}
+
+INSTANTIATE_TEST_SUITE_P(Operations, EveryQueryOfSeveralFields, queriesThat(isOfSeveralFields), nameOf);
+
+class EveryQueryWithANumber : public EveryQueryOperation
+{
+};
+
+TEST_P(EveryQueryWithANumber, ThrowsForOneThatIsTooLarge)
+{
+    for (std::size_t i = 0; i < query.fields.size(); ++i) {
+        if (!isNumeric(query.fields[i]))
+            continue;
+        const bool isReal = query.fields[i].kind == FieldKind::Number;
+        const std::string conversion = isReal ? "stod" : query.fields[i].kind == FieldKind::Long ? "stol" : "stoi";
+        const Outcome expected{.thrown = "std::out_of_range: " + conversion + " argument out of range",
+                               .outputs = storedUpTo(i)};
+        EXPECT_EQ(runWith(replyWith(i, isReal ? "-1e999" : "2147483648")), expected);
+    }
+}
+
+TEST_P(EveryQueryWithANumber, IgnoresWhatFollowsIt)
+{
+    for (std::size_t i = 0; i < query.fields.size(); ++i)
+        if (isNumeric(query.fields[i])) {
+            EXPECT_EQ(runWith(replyWith(i, " " + fields()[i] + " V\r")), (Outcome{.outputs = query.results}));
+        }
+}
+
+INSTANTIATE_TEST_SUITE_P(Operations, EveryQueryWithANumber, queriesThat([](const Operation& query) {
+                             return std::any_of(query.fields.begin(), query.fields.end(), isNumeric);
+                         }),
+                         nameOf);
+
+class EveryQueryThatBeginsWithAKeyword : public EveryQueryOperation
+{
+};
+
+TEST_P(EveryQueryThatBeginsWithAKeyword, ReadsEveryKeywordOfItsTableWhateverTheLetterCase)
+{
+    const Field& first = query.fields.front();
+    for (const auto& [keyword, value] : first.keywords) {
+        kvxtest::Values stored = query.results;
+        stored.front() = value;
+        EXPECT_EQ(runWith(replyWith(0, keyword)), (Outcome{.outputs = stored})) << keyword;
+        EXPECT_EQ(runWith(replyWith(0, lowerCased(keyword))), (Outcome{.outputs = stored})) << keyword;
+        EXPECT_EQ(runWith(replyWith(0, keyword + "X")), unreadable(query, keyword + "X")) << keyword;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Operations, EveryQueryThatBeginsWithAKeyword, queriesThat([](const Operation& query) {
+                             return query.fields.front().kind == FieldKind::Keyword;
+                         }),
+                         nameOf);
+
+class EveryQueryThatBeginsWithABoolean : public EveryQueryOperation
+{
+};
+
+TEST_P(EveryQueryThatBeginsWithABoolean, ReadsOnAndOffInEitherSpelling)
+{
+    for (const bool on : {true, false}) {
+        kvxtest::Values stored = query.results;
+        stored.front() = on;
+        EXPECT_EQ(runWith(replyWith(0, on ? "ON" : "OFF")), (Outcome{.outputs = stored}));
+        EXPECT_EQ(runWith(replyWith(0, on ? "1" : "0")), (Outcome{.outputs = stored}));
+    }
+    for (const char* text : {"on", "2", "ONOFF", "10"})
+        EXPECT_EQ(runWith(replyWith(0, text)), unreadable(query, text));
+}
+
+INSTANTIATE_TEST_SUITE_P(Operations, EveryQueryThatBeginsWithABoolean, queriesThat([](const Operation& query) {
+                             return query.fields.front().kind == FieldKind::Boolean;
+                         }),
+                         nameOf);
+
+// ---- Replies of several fields, by the byte
+
+TEST_F(KVX2800TTest, MeasuresAllOfAShortReplyAsFarAsItGoes)
+{
+    double volts = -1.0;
+    double amperes = -2.0;
+    double watts = -3.0;
+    connection->answer("5.000,1.200");
+    EXPECT_TRUE(throwsExactly<std::out_of_range>("invalid vector subscript",
+                                                 [&] { instrument.measureAll(4, volts, amperes, watts); }));
+    EXPECT_EQ(volts, 5.0);
+    EXPECT_EQ(amperes, 1.2);
+    EXPECT_EQ(watts, -3.0);
+}
+
+TEST_F(KVX2800TTest, StoresNothingBehindARunStateThatThereIsNot)
+{
+    auto state = ListRunState::Paused;
+    double seconds = -1.0;
+    ViInt32 group = -2;
+    ViInt32 cycles = -3;
+    connection->answer("HALTED,1.5,2,7");
+    EXPECT_EQ(instrument.listStatus(state, seconds, group, cycles), kUnexpectedResponse);
+    EXPECT_EQ(state, ListRunState::Paused);
+    EXPECT_EQ(seconds, -1.0);
+    EXPECT_EQ(group, -2);
+    EXPECT_EQ(cycles, -3);
+}
+
+TEST_F(KVX2800TTest, NamesOnlyTheFieldThatIsNeitherOnNorOff)
+{
+    bool on = true;
+    double seconds = -1.0;
+    connection->answer("X,2");
+    EXPECT_TRUE(throwsExactly<std::invalid_argument>("Visa::parseBool Unknown ret:X",
+                                                     [&] { instrument.delayGroup(2, on, seconds); }));
+    EXPECT_TRUE(on);
+    EXPECT_EQ(seconds, -1.0);
 }
 
 // ---- The error queue

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "instrument/kvx2800t.h"
 #include "runtime/kvx2800t_driver_session.h"
 #include "support/platform_fakes.h"
 
@@ -12,12 +13,13 @@
 namespace kvxtest
 {
 
-/// An instrument whose operations a test expects one by one.
-class MockInstrument : public TSRO::InstBase
+/// An instrument whose operations a test expects one by one. Those that no test expects are the ones of an instrument
+/// without a connection: they fail.
+class MockInstrument : public TSRO::KVX2800T
 {
 public:
     MockInstrument() = default;
-    explicit MockInstrument(TSRO::Identity identity) : InstBase(std::move(identity)) {}
+    explicit MockInstrument(TSRO::Identity identity) { mutableIdentity() = std::move(identity); }
 
     MOCK_METHOD(ViInt32, ioTimeout, (), (override));
     MOCK_METHOD(ViStatus, setIoTimeout, (ViInt32), (override));

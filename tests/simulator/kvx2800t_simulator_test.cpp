@@ -2,17 +2,22 @@
 
 #include "simulator/kvx2800t_simulator.h"
 
+#include "instrument/thrown.h"
+#include "support/operation_table.h"
 #include "support/platform_fakes.h"
 
 #include <algorithm>
 #include <array>
-#include <functional>
+#include <cmath>
 #include <limits>
-#include <memory>
+#include <map>
+#include <numeric>
+#include <set>
 #include <stdexcept>
 #include <string>
 #include <thread>
-#include <typeinfo>
+#include <type_traits>
+#include <variant>
 #include <vector>
 
 #include <gmock/gmock.h>
@@ -20,10 +25,12 @@
 namespace
 {
 
+using kvxtest::Operation;
+using kvxtest::throwsExactly;
+using testing::AnyOf;
+using testing::Each;
 using testing::IsEmpty;
-using TSRO::InstBase;
 using TSRO::KVX2800TSimulator;
-using TSRO::SourceMode;
 
 constexpr int kDraws = 10000;
 
@@ -120,23 +127,21 @@ TEST_F(Simulator, HasNoStatusAndNoErrors)
     EXPECT_EQ(message, "No error");
 }
 
-TEST_F(Simulator, ChecksNoArgument)
+TEST_F(Simulator, TakesEverySetting)
 {
-    for (const ViInt32 channel : {0, 7, -1}) {
-        ViInt32 value = -7;
-        bool enabled = false;
-        EXPECT_EQ(simulator.setVoltageLevel(channel, 1e9), 0);
-        EXPECT_EQ(simulator.setCurrentLevel(channel, -1e9), 0);
-        EXPECT_EQ(simulator.setCurrentProtectionLevel(channel, 1e9), 0);
-        EXPECT_EQ(simulator.setCurrentProtectionEnabled(channel, true), 0);
-        EXPECT_EQ(simulator.setOutputEnabled(channel, true), 0);
-        EXPECT_EQ(simulator.currentProtectionEnabled(channel, enabled), 0);
-        EXPECT_EQ(simulator.outputEnabled(channel, enabled), 0);
-        EXPECT_EQ(simulator.questionableCondition(channel, value), 0);
-        EXPECT_EQ(simulator.questionableEvent(channel, value), 0);
-        EXPECT_EQ(value, 0);
-    }
-    EXPECT_EQ(simulator.setSourceMode(static_cast<SourceMode>(3)), 0);
+    kvxtest::Values none;
+    for (const Operation& setting : kvxtest::settings())
+        EXPECT_EQ(setting.run(simulator, none), 0) << setting.name;
+}
+
+TEST_F(Simulator, ChecksNoArgumentOfASetting)
+{
+    for (const Operation& setting : kvxtest::settings())
+        for (const auto& call : setting.invalidCalls)
+            EXPECT_EQ(call(simulator), 0) << setting.name;
+    EXPECT_EQ(simulator.setVoltageLevel(7, 1e9), 0);
+    EXPECT_EQ(simulator.setCurrentLevel(0, -1e9), 0);
+    EXPECT_EQ(simulator.setListGroup(-1, 1e9, 1e9, -1.0), 0);
 }
 
 TEST_F(Simulator, HasTheLimitsOfTheInstrument)
@@ -145,75 +150,20 @@ TEST_F(Simulator, HasTheLimitsOfTheInstrument)
     EXPECT_EQ(simulator.channelLimits(5).voltageMax, 66.0);
 }
 
-// ---- Levels
-
-struct Level
-{
-    std::string name;
-    std::function<ViStatus(InstBase&, ViInt32, double&)> read;
-};
-
-class SimulatedLevel : public Simulator, public testing::WithParamInterface<Level>
-{
-};
-
-TEST_P(SimulatedLevel, LiesInTheVoltageRangeOfTheChannel)
-{
-    constexpr std::array<double, 6> kMaxima = {33.0, 33.0, 16.0, 6.2, 66.0, 33.0};
-    for (ViInt32 channel = 1; channel <= 6; ++channel) {
-        const double maximum = kMaxima[static_cast<std::size_t>(channel) - 1];
-        std::vector<double> values(kDraws, -1.0);
-        for (double& value : values) {
-            ASSERT_EQ(GetParam().read(simulator, channel, value), 0);
-            ASSERT_GE(value, 0.0);
-            ASSERT_LE(value, maximum);
-        }
-        const auto [least, most] = std::minmax_element(values.begin(), values.end());
-        EXPECT_LT(*least, 0.01 * maximum);
-        EXPECT_GT(*most, 0.99 * maximum);
-        const auto half = std::count_if(values.begin(), values.end(), [=](double v) { return v < maximum / 2; });
-        EXPECT_GT(half, kDraws * 45 / 100);
-        EXPECT_LT(half, kDraws * 55 / 100);
-    }
-}
-
-TEST_P(SimulatedLevel, IsForgottenOnceItIsSet)
+TEST_F(Simulator, ForgetsLevelsOnceTheyAreSet)
 {
     int returned = 0;
     for (int i = 0; i < 100; ++i) {
+        double volts = 0.0;
+        double amperes = 0.0;
         ASSERT_EQ(simulator.setVoltageLevel(1, 5.0), 0);
         ASSERT_EQ(simulator.setCurrentLevel(1, 5.0), 0);
-        ASSERT_EQ(simulator.setCurrentProtectionLevel(1, 5.0), 0);
-        double value = 0.0;
-        ASSERT_EQ(GetParam().read(simulator, 1, value), 0);
-        returned += value == 5.0 ? 1 : 0;
+        ASSERT_EQ(simulator.voltageLevel(1, volts), 0);
+        ASSERT_EQ(simulator.currentLevel(1, amperes), 0);
+        returned += volts == 5.0 || amperes == 5.0 ? 1 : 0;
     }
     EXPECT_LT(returned, 2);
 }
-
-TEST_P(SimulatedLevel, OfAChannelWithoutLimitsIsAnInvalidKey)
-{
-    for (const ViInt32 channel : {0, 7, -1, std::numeric_limits<ViInt32>::max()}) {
-        double value = -7.5;
-        try {
-            GetParam().read(simulator, channel, value);
-            ADD_FAILURE() << "nothing was thrown for channel " << channel;
-        } catch (const std::exception& thrown) {
-            EXPECT_EQ(typeid(thrown), typeid(std::out_of_range));
-            EXPECT_STREQ(thrown.what(), "invalid map<K, T> key");
-        }
-        EXPECT_EQ(value, -7.5);
-    }
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Queries, SimulatedLevel,
-    testing::Values(
-        Level{"Voltage", [](InstBase& i, ViInt32 channel, double& v) { return i.voltageLevel(channel, v); }},
-        Level{"Current", [](InstBase& i, ViInt32 channel, double& v) { return i.currentLevel(channel, v); }},
-        Level{"CurrentProtection",
-              [](InstBase& i, ViInt32 channel, double& v) { return i.currentProtectionLevel(channel, v); }}),
-    [](const testing::TestParamInfo<Level>& level) { return level.param.name; });
 
 TEST_F(Simulator, GivesCurrentsAboveTheCurrentLimitFromTheVoltageRange)
 {
@@ -227,64 +177,380 @@ TEST_F(Simulator, GivesCurrentsAboveTheCurrentLimitFromTheVoltageRange)
     EXPECT_GT(above, 700);
 }
 
-// ---- Modes and states
-
-TEST_F(Simulator, DrawsEverySourceMode)
+TEST_F(Simulator, MeasuresAVoltageAndACurrentOfTheirOwnAndTheirProduct)
 {
-    std::array<int, 3> counts{};
+    // How often the voltage, and the current, is in the upper half of its range.
+    int counts[2][2] = {};
     for (int i = 0; i < kDraws; ++i) {
-        auto mode = static_cast<SourceMode>(-1);
-        ASSERT_EQ(simulator.sourceMode(mode), 0);
-        ASSERT_GE(mode, SourceMode::Normal);
-        ASSERT_LE(mode, SourceMode::Parallel);
-        ++counts[static_cast<std::size_t>(mode)];
+        double volts = -1.0;
+        double amperes = -1.0;
+        double watts = -1.0;
+        ASSERT_EQ(simulator.measureAll(4, volts, amperes, watts), 0);
+        ASSERT_EQ(watts, volts * amperes);
+        ++counts[volts > 3.1 ? 1 : 0][amperes > 5.25 ? 1 : 0];
     }
-    for (const int count : counts) {
-        EXPECT_GT(count, 2900);
-        EXPECT_LT(count, 3800);
+    for (const auto& row : counts)
+        for (const int count : row) {
+            EXPECT_GT(count, kDraws * 20 / 100);
+            EXPECT_LT(count, kDraws * 30 / 100);
+        }
+}
+
+// ---- Every query
+
+/// The values that an output takes.
+struct Drawn
+{
+    enum class Kind
+    {
+        Fixed,
+        /// True and false alike often, as 1 and 0.
+        Switch,
+        /// Every integer of a range.
+        EveryInteger,
+        /// The integers of a range too wide to see each of them.
+        WideInteger,
+        Real,
+        /// Between 0 and the channel's maximum.
+        Voltage,
+        Current,
+        Power,
+        /// The product of two others.
+        Product,
+        Unchanged,
+    };
+
+    Kind kind;
+    double least = 0.0;
+    double most = 1.0;
+};
+
+Drawn fixed(double value)
+{
+    return {Drawn::Kind::Fixed, value, value};
+}
+
+Drawn every(int least, int most)
+{
+    return {Drawn::Kind::EveryInteger, double(least), double(most)};
+}
+
+const Drawn kSwitch{Drawn::Kind::Switch};
+const Drawn kUnchanged{Drawn::Kind::Unchanged};
+const Drawn kVoltage{Drawn::Kind::Voltage};
+const Drawn kCurrent{Drawn::Kind::Current};
+const Drawn kPower{Drawn::Kind::Power};
+const Drawn kUnit{Drawn::Kind::Real, 0.0, 1.0};
+const Drawn kSeconds{Drawn::Kind::Real, 0.001, 3600.0};
+const Drawn kCycles{Drawn::Kind::WideInteger, 0.0, 99998.0};
+
+/// By the number of the query; an output for each element.
+const std::map<int, std::vector<Drawn>>& drawnByQuery()
+{
+    static const std::map<int, std::vector<Drawn>> all = {
+        {11, {fixed(0)}},
+        {13, {fixed(0)}},
+        {14, {fixed(0)}},
+        {17, {every(1, 6)}},
+        {19, {every(0, 2)}},
+        {21, {kSwitch}},
+        {23, {kVoltage}},
+        {25, {kVoltage}},
+        {27, {kSwitch}},
+        {29, {kSwitch}},
+        {31, {kVoltage}},
+        {33, {kVoltage}},
+        {35, {kSwitch}},
+        {37, {kUnit}},
+        {39, {every(0, 1)}},
+        {41, {kSwitch}},
+        {42, {every(0, 1)}},
+        {44, {kVoltage}},
+        {46, {kSwitch}},
+        {48, {kCurrent}},
+        {50, {kSwitch}},
+        {52, {kUnit}},
+        {54, {every(0, 1)}},
+        {56, {every(0, 2)}},
+        {58, {every(0, 2)}},
+        {60, {kSwitch}},
+        {62, {kSwitch}},
+        {64, {every(0, 1)}},
+        {65, {kVoltage, kCurrent, {Drawn::Kind::Product}}},
+        {66, {kVoltage}},
+        {67, {kCurrent}},
+        {68, {kPower}},
+        {70, {every(0, 2)}},
+        {72, {every(0, 2)}},
+        {74, {kSwitch}},
+        {75, {every(0, 3), kSeconds, every(0, 510), kCycles}},
+        {77, {kCycles}},
+        {79, {every(0, 1)}},
+        {80, {every(0, 510)}},
+        {85, {{Drawn::Kind::Real, 0.0, 33.0}, {Drawn::Kind::Real, 0.0, 3.2}, kSeconds}},
+        {87, {every(0, 7)}},
+        {89, {every(0, 1), kUnit}},
+        {91, {fixed(0)}},
+        {93, {fixed(1)}},
+        {95, {kUnchanged}},
+        {97, {kSeconds}},
+        {99, {kCycles}},
+        {101, {kSwitch}},
+        {103, {kSeconds}},
+        {105, {every(1, 256)}},
+        {107, {every(0, 100)}},
+        {109, {every(1, 512)}},
+        {111, {every(1, 512)}},
+        {113, {every(0, 10)}},
+        {114, {every(0, 510)}},
+        {117, {kSwitch}},
+        {118, {every(0, 1), kSeconds, every(0, 510), kCycles}},
+        {120, {kCycles}},
+        {122, {every(0, 2)}},
+        {123, {every(0, 512)}},
+        {128, {kSwitch, kSeconds}},
+        {130, {every(0, 2)}},
+        {132, {every(0, 1)}},
+        {134, {every(1, 512)}},
+        {136, {kSeconds}},
+        {138, {kSeconds}},
+        {140, {kSeconds}},
+        {142, {kSeconds}},
+        {145, {kUnchanged}},
+    };
+    return all;
+}
+
+struct Maxima
+{
+    double volts;
+    double amperes;
+};
+
+constexpr std::array<Maxima, 6> kMaxima = {
+    {{33.0, 3.2}, {33.0, 3.2}, {16.0, 3.2}, {6.2, 10.5}, {66.0, 3.2}, {33.0, 6.4}}};
+
+/// What is drawn for a channel: the kinds that depend on its limits as ranges.
+Drawn forChannel(const Drawn& drawn, ViInt32 channel)
+{
+    const Maxima& maxima = kMaxima.at(static_cast<std::size_t>(channel) - 1);
+    switch (drawn.kind) {
+    case Drawn::Kind::Voltage:
+        return {Drawn::Kind::Real, 0.0, maxima.volts};
+    case Drawn::Kind::Current:
+        return {Drawn::Kind::Real, 0.0, maxima.amperes};
+    case Drawn::Kind::Power:
+        return {Drawn::Kind::Real, 0.0, maxima.volts * maxima.amperes};
+    default:
+        return drawn;
     }
 }
 
-TEST_F(Simulator, DrawsStatesOnAndOffAlikeOften)
+bool dependsOnLimits(const std::vector<Drawn>& outputs)
 {
-    int outputs = 0;
-    int protections = 0;
-    for (int i = 0; i < kDraws; ++i) {
-        bool enabled = false;
-        ASSERT_EQ(simulator.outputEnabled(1, enabled), 0);
-        outputs += enabled ? 1 : 0;
-        ASSERT_EQ(simulator.currentProtectionEnabled(1, enabled), 0);
-        protections += enabled ? 1 : 0;
+    return std::any_of(outputs.begin(), outputs.end(), [](const Drawn& drawn) {
+        return drawn.kind == Drawn::Kind::Voltage || drawn.kind == Drawn::Kind::Current ||
+               drawn.kind == Drawn::Kind::Power;
+    });
+}
+
+double numberOf(const kvxtest::Value& value)
+{
+    return std::visit(
+        [](const auto& each) {
+            if constexpr (std::is_convertible_v<decltype(each), double>)
+                return static_cast<double>(each);
+            else
+                return std::nan("");
+        },
+        value);
+}
+
+class SimulatedQuery : public Simulator, public testing::WithParamInterface<Operation>
+{
+public:
+    /// The numbers of one output in many calls.
+    using Numbers = std::vector<double>;
+
+    /// Many calls; the numbers of each output.
+    std::vector<Numbers> draw(ViInt32 number, std::size_t count)
+    {
+        std::vector<Numbers> numbers(outputs.size());
+        for (std::size_t i = 0; i < count && !HasFatalFailure(); ++i) {
+            kvxtest::Values values;
+            EXPECT_EQ(query.runFor ? query.runFor(simulator, number, values) : query.run(simulator, values), 0);
+            for (std::size_t output = 0; output < outputs.size(); ++output)
+                numbers[output].push_back(numberOf(values[output]));
+        }
+        return numbers;
     }
-    for (const int count : {outputs, protections}) {
-        EXPECT_GT(count, kDraws * 45 / 100);
-        EXPECT_LT(count, kDraws * 55 / 100);
+
+    /// So many that no value of a range is missed: once in 10^30 runs.
+    std::size_t drawCount() const
+    {
+        std::size_t count = kDraws;
+        for (const Drawn& drawn : outputs)
+            if (drawn.kind == Drawn::Kind::EveryInteger)
+                count = std::max(count, static_cast<std::size_t>(drawn.most - drawn.least + 1) * 80);
+        return count;
+    }
+
+    void expectDrawn(const Drawn& drawn, const Numbers& numbers, double before)
+    {
+        switch (drawn.kind) {
+        case Drawn::Kind::Fixed:
+            EXPECT_THAT(numbers, Each(drawn.least));
+            break;
+        case Drawn::Kind::Unchanged:
+            EXPECT_THAT(numbers, Each(before));
+            break;
+        case Drawn::Kind::Switch:
+            EXPECT_THAT(numbers, Each(AnyOf(0.0, 1.0)));
+            expectHalves(drawn, numbers);
+            break;
+        case Drawn::Kind::EveryInteger:
+            expectEveryInteger(drawn, numbers);
+            break;
+        case Drawn::Kind::WideInteger:
+            EXPECT_TRUE(
+                std::all_of(numbers.begin(), numbers.end(), [](double each) { return each == std::floor(each); }));
+            expectOuterTenths(drawn, numbers);
+            expectHalves(drawn, numbers);
+            break;
+        case Drawn::Kind::Real:
+            expectOuterTenths(drawn, numbers);
+            expectHalves(drawn, numbers);
+            break;
+        default:
+            break;
+        }
+    }
+
+    const Operation& query = GetParam();
+    const std::vector<Drawn>& outputs = drawnByQuery().at(query.number);
+
+private:
+    static void expectEveryInteger(const Drawn& drawn, const Numbers& numbers)
+    {
+        std::vector<double> expected(static_cast<std::size_t>(drawn.most - drawn.least) + 1);
+        std::iota(expected.begin(), expected.end(), drawn.least);
+        const std::set<double> seen(numbers.begin(), numbers.end());
+        EXPECT_EQ(std::vector<double>(seen.begin(), seen.end()), expected);
+    }
+
+    static void expectOuterTenths(const Drawn& drawn, const Numbers& numbers)
+    {
+        const auto [least, most] = std::minmax_element(numbers.begin(), numbers.end());
+        const double tenth = (drawn.most - drawn.least) / 10.0;
+        EXPECT_GE(*least, drawn.least);
+        EXPECT_LE(*most, drawn.most);
+        EXPECT_LT(*least, drawn.least + tenth);
+        EXPECT_GT(*most, drawn.most - tenth);
+    }
+
+    /// Uniform values, so half of them in each half.
+    static void expectHalves(const Drawn& drawn, const Numbers& numbers)
+    {
+        const double middle = (drawn.least + drawn.most) / 2.0;
+        const auto lower = std::count_if(numbers.begin(), numbers.end(), [=](double each) { return each < middle; });
+        const auto all = static_cast<std::ptrdiff_t>(numbers.size());
+        EXPECT_GT(lower, all * 45 / 100);
+        EXPECT_LT(lower, all * 55 / 100);
+    }
+};
+
+/// The sample number of a query, or every channel when it matters.
+std::vector<ViInt32> numbersToAskFor(const std::vector<Drawn>& outputs)
+{
+    return dependsOnLimits(outputs) ? std::vector<ViInt32>{1, 2, 3, 4, 5, 6} : std::vector<ViInt32>{1};
+}
+
+TEST_P(SimulatedQuery, DrawsWithinItsRangeAndAllOfIt)
+{
+    for (const ViInt32 channel : numbersToAskFor(outputs)) {
+        const std::vector<Numbers> numbers = draw(channel, drawCount());
+        for (std::size_t output = 0; output < outputs.size(); ++output) {
+            SCOPED_TRACE(testing::Message() << "channel " << channel << ", output " << output);
+            expectDrawn(forChannel(outputs[output], channel), numbers[output], numberOf(query.before[output]));
+        }
     }
 }
+
+/// One row for each query, but for the error queue's, which has a text.
+std::vector<Operation> simulatedQueries(bool (*chosen)(const Operation&))
+{
+    std::vector<Operation> rows;
+    for (const Operation& query : kvxtest::queries())
+        if (query.name != "nextError" && (rows.empty() || rows.back().number != query.number) && chosen(query))
+            rows.push_back(query);
+    return rows;
+}
+
+std::string nameOf(const testing::TestParamInfo<Operation>& query)
+{
+    return query.param.name;
+}
+
+INSTANTIATE_TEST_SUITE_P(Operations, SimulatedQuery,
+                         testing::ValuesIn(simulatedQueries([](const Operation&) { return true; })), nameOf);
+
+class SimulatedQueryOfLimits : public SimulatedQuery
+{
+};
+
+TEST_P(SimulatedQueryOfLimits, OfAChannelWithoutLimitsIsAnInvalidKey)
+{
+    for (const ViInt32 channel : {0, 7, -1, std::numeric_limits<ViInt32>::max()}) {
+        kvxtest::Values values;
+        EXPECT_TRUE(throwsExactly<std::out_of_range>("invalid map<K, T> key",
+                                                     [&] { query.runFor(simulator, channel, values); }));
+        EXPECT_EQ(values, query.before);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Operations, SimulatedQueryOfLimits,
+                         testing::ValuesIn(simulatedQueries([](const Operation& query) {
+                             return dependsOnLimits(drawnByQuery().at(query.number));
+                         })),
+                         nameOf);
+
+class SimulatedQueryWithoutLimits : public SimulatedQuery
+{
+};
+
+TEST_P(SimulatedQueryWithoutLimits, TakesAnyChannelOrGroup)
+{
+    kvxtest::Values values;
+    for (const ViInt32 number : {0, 7, -1, std::numeric_limits<ViInt32>::max()})
+        EXPECT_EQ(query.runFor(simulator, number, values), 0);
+}
+
+INSTANTIATE_TEST_SUITE_P(Operations, SimulatedQueryWithoutLimits,
+                         testing::ValuesIn(simulatedQueries([](const Operation& query) {
+                             return query.runFor && !dependsOnLimits(drawnByQuery().at(query.number));
+                         })),
+                         nameOf);
 
 // ---- Threads
 
-TEST_F(Simulator, SimulatedSessionsOfEightThreadsDrawAtOnce)
+TEST_F(Simulator, SimulatedSessionsOfEightThreadsWorkAtOnce)
 {
     std::vector<std::thread> threads;
-    std::array<int, 8> outside{};
-    threads.reserve(outside.size());
-    for (int& count : outside)
+    std::array<int, 8> failures{};
+    threads.reserve(failures.size());
+    for (int& count : failures)
         threads.emplace_back([&count] {
             KVX2800TSimulator own;
-            for (int i = 0; i < 2000; ++i) {
-                double volts = -1.0;
-                bool enabled = false;
-                auto mode = SourceMode::Normal;
-                own.voltageLevel(3, volts);
-                own.outputEnabled(1, enabled);
-                own.sourceMode(mode);
-                count += volts < 0.0 || volts > 16.0 || mode > SourceMode::Parallel ? 1 : 0;
-            }
+            own.open("", "");
+            kvxtest::Values values;
+            for (int round = 0; round < 50; ++round)
+                for (const Operation& operation : kvxtest::operations())
+                    count += operation.run(own, values) == 0 ? 0 : 1;
+            own.close();
         });
     for (std::thread& thread : threads)
         thread.join();
-    EXPECT_THAT(outside, testing::Each(0));
+    EXPECT_THAT(failures, Each(0));
 }
 
 } // namespace

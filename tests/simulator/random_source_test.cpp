@@ -51,6 +51,26 @@ TEST(UniformReal, HasMoreThanThirtyTwoBits)
     EXPECT_GT(finer, kDraws / 2);
 }
 
+TEST(UniformRealBetween, LiesBetweenItsEndsAndReachesBothOuterTenths)
+{
+    std::array<int, 10> counts{};
+    for (int i = 0; i < kDraws; ++i) {
+        const double value = uniformReal(-2.0, 3.0);
+        ASSERT_GE(value, -2.0);
+        ASSERT_LE(value, 3.0);
+        ++counts[std::min<std::size_t>(9, static_cast<std::size_t>((value + 2.0) * 2.0))];
+    }
+    for (const int count : counts) {
+        EXPECT_GT(count, 700);
+        EXPECT_LT(count, 1300);
+    }
+}
+
+TEST(UniformRealBetween, IsTheEndWhenBothEndsAreEqual)
+{
+    EXPECT_EQ(uniformReal(5.0, 5.0), 5.0);
+}
+
 class UniformInteger : public testing::TestWithParam<std::uint32_t>
 {
 };

@@ -1,0 +1,66 @@
+// Any bytes as the reply to every operation that asks: it succeeds, tells of an unexpected response, or leaves with one
+// of the documented exceptions; and what could not be read leaves its output unchanged.
+#include "instrument/kvx2800t.h"
+#include "tests/instrument/scripted_connection.h"
+#include "tests/support/operation_table.h"
+
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <initializer_list>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+namespace
+{
+
+using kvxtest::Operation;
+using kvxtest::Values;
+
+void expect(bool condition)
+{
+    if (!condition)
+        std::abort();
+}
+
+bool isOneOf(const char* text, std::initializer_list<const char*> texts)
+{
+    for (const char* each : texts)
+        if (std::strcmp(text, each) == 0)
+            return true;
+    return false;
+}
+
+ViStatus runDocumented(const Operation& query, TSRO::InstBase& instrument, Values& outputs)
+{
+    try {
+        return query.run(instrument, outputs);
+    } catch (const std::invalid_argument& thrown) {
+        expect(isOneOf(thrown.what(), {"invalid stod argument", "invalid stoi argument", "invalid stol argument"}) ||
+               std::string_view(thrown.what()).starts_with("Visa::parseBool Unknown ret:"));
+    } catch (const std::out_of_range& thrown) {
+        expect(isOneOf(thrown.what(), {"stod argument out of range", "stoi argument out of range",
+                                       "stol argument out of range", "invalid vector subscript"}));
+    }
+    return TSRO::kUnexpectedResponse;
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    const std::string reply(reinterpret_cast<const char*>(data), size);
+    const auto connection = std::make_shared<kvxtest::ScriptedConnection>();
+    TSRO::KVX2800T instrument(kvxtest::portOn(connection));
+    for (const Operation& query : kvxtest::queries()) {
+        connection->answer(reply);
+        Values outputs;
+        const ViStatus status = runDocumented(query, instrument, outputs);
+        expect(status == VI_SUCCESS || status == TSRO::kUnexpectedResponse);
+        // Of several outputs those before the one that could not be read are stored.
+        expect(status == VI_SUCCESS || outputs.back() == query.before.back());
+    }
+    return 0;
+}
