@@ -118,6 +118,7 @@ TEST(Program, ALongRunOfGarbageDisturbsNoneOfThoseWhoWork)
     VirtualInstrumentProcess program({"--load", "CH3=10"});
     LineClient bad(program.port());
     std::vector<LineClient> good;
+    good.reserve(10);
     for (int i = 0; i < 10; ++i)
         good.emplace_back(program.port());
     std::jthread nonsense([&bad] { sendNonsense(bad); });
