@@ -1,27 +1,14 @@
 #include "command_table.h"
 
+#include "program_commands.h"
+
 namespace kvxvirtual
 {
 
 namespace
 {
 
-// Parameters ---------------------------------------------------------------------------------------------------------
-
-using Kind = Parameter::Kind;
-
-constexpr Parameter kChannel{Kind::Channel, "channel"};
-constexpr Parameter kChannelOrAll{Kind::ChannelOrAll, "channel or ALL"};
-constexpr Parameter kOnOff{Kind::Boolean, "ON or OFF"};
-constexpr Parameter kRegister{Kind::Integer, "register value"};
-constexpr Parameter kVolts{Kind::Number, "volts"};
-constexpr Parameter kAmperes{Kind::Number, "amperes"};
-constexpr Parameter kSeconds{Kind::Number, "seconds"};
-
-Parameter keywordOf(KeywordTable table, std::string_view name)
-{
-    return {Kind::Keyword, name, table};
-}
+using namespace parameters;
 
 // Handlers of more than one command ----------------------------------------------------------------------------------
 
@@ -158,9 +145,15 @@ ErrorCode completeOperation(Call& call)
     return ErrorCode::None;
 }
 
-/// Nothing here outlasts its command, so there is never anything to wait for, nor anything that awaits a trigger.
+/// Nothing here outlasts its command, programs aside, which run beside the commands: there is nothing to wait for.
 ErrorCode doNothing(Call&)
 {
+    return ErrorCode::None;
+}
+
+ErrorCode trigger(Call& call)
+{
+    call.state.supply.trigger();
     return ErrorCode::None;
 }
 
@@ -287,7 +280,7 @@ ErrorCode answerAllMeasurements(Call& call)
 }
 
 // Besides the spellings of SCPI the table accepts those that drivers of this family send: SELE, POWE.
-std::vector<Command> buildCommandTable()
+std::vector<Command> instrumentCommands()
 {
     const auto sourceMode = keywordOf(keywords::kSourceMode, "source mode");
     const auto delayMode = keywordOf(keywords::kProtectionDelayMode, "delay mode");
@@ -312,7 +305,7 @@ std::vector<Command> buildCommandTable()
         {"*OPC?", {}, answerOne, "1 when everything before is done"},
         {"*WAI", {}, doNothing, "waits until everything before is done"},
         {"*TST?", {}, answerZero, "self-test: 0, passed"},
-        {"*TRG", {}, doNothing, "trigger"},
+        {"*TRG", {}, trigger, "starts the lists that await a trigger"},
         {"SYSTem:ERRor?", {}, answerNextError, "takes the oldest error off the queue"},
         {"SYSTem:ERRor:NEXT?", {}, answerNextError, "takes the oldest error off the queue"},
         {"SYSTem:VERSion?", {}, answerScpiVersion, "SCPI version"},
@@ -400,6 +393,14 @@ std::vector<Command> buildCommandTable()
          answerKeyword<&Settings::currentRate, keywords::kCurrentRate>,
          "current sampling rate"},
     };
+}
+
+std::vector<Command> buildCommandTable()
+{
+    auto table = instrumentCommands();
+    for (auto&& command : programCommands())
+        table.push_back(command);
+    return table;
 }
 
 // The command list ---------------------------------------------------------------------------------------------------

@@ -1,6 +1,6 @@
 #include "header_pattern.h"
 
-#include "power_supply.h"
+#include "channel_limits.h"
 #include "text.h"
 
 #include <algorithm>

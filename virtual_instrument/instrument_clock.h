@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <chrono>
 #include <functional>
 #include <utility>
@@ -22,12 +23,26 @@ public:
     /// Time since some fixed moment; never goes back when the source does not.
     Duration now() const { return source_() + advanced_; }
 
-    /// Moves the clock forward; `step` is not negative.
-    void advance(Duration step) { advanced_ += step; }
+    /// Moves the clock forward; `step` is not negative. A century in all is as far as it goes.
+    void advance(Duration step) { advanced_ += std::min(step, kFarthest - advanced_); }
 
 private:
+    /// Nanoseconds overflow after three centuries.
+    static constexpr Duration kFarthest = std::chrono::hours(24 * 36'525);
+
     Source source_;
     Duration advanced_{0};
 };
+
+/// Seconds as the instrument is told them, and as it tells them.
+inline InstrumentClock::Duration durationOf(double seconds)
+{
+    return std::chrono::round<InstrumentClock::Duration>(std::chrono::duration<double>(seconds));
+}
+
+inline double secondsOf(InstrumentClock::Duration duration)
+{
+    return std::chrono::duration<double>(duration).count();
+}
 
 } // namespace kvxvirtual

@@ -32,6 +32,15 @@ inline constexpr Keyword kProtectionDelayMode[] = {{"ANY"}, {"SCH"}};
 inline constexpr Keyword kPowerOnState[] = {{"RST"}, {"LAST"}, {"LOFF"}};
 inline constexpr Keyword kPairing[] = {{"OFF"}, {"SER"}, {"PAR"}};
 inline constexpr Keyword kOutputOffMode[] = {{"BLEON"}, {"BLEOFF"}};
+inline constexpr Keyword kListRunState[] = {{"STOPPED"}, {"READY"}, {"RUNNING"}, {"PAUSED"}};
+inline constexpr Keyword kListEndState[] = {{"OFF"}, {"LAST"}};
+inline constexpr Keyword kListWaveform[] = {{"SINE"}, {"PULSE"}, {"RAMP"}, {"UP"},
+                                            {"DN"},   {"UPDN"},  {"RISE"}, {"FALL"}};
+inline constexpr Keyword kListObject[] = {{"V"}, {"C"}};
+inline constexpr Keyword kDelayRunState[] = {{"STOPPED"}, {"RUNNING"}};
+inline constexpr Keyword kDelayEndState[] = {{"OFF"}, {"ON"}, {"LAST"}};
+inline constexpr Keyword kDelayMode[] = {{"FIX"}, {"INC"}, {"DEC"}};
+inline constexpr Keyword kDelayPattern[] = {{"01P"}, {"10P"}};
 } // namespace keywords
 
 /// The number of the channel that `text` names, 1 to 6.

@@ -29,6 +29,23 @@ struct Parameter
     KeywordTable keywords{};
 };
 
+/// The parameters that commands have in common.
+namespace parameters
+{
+inline constexpr Parameter kChannel{Parameter::Kind::Channel, "channel"};
+inline constexpr Parameter kChannelOrAll{Parameter::Kind::ChannelOrAll, "channel or ALL"};
+inline constexpr Parameter kOnOff{Parameter::Kind::Boolean, "ON or OFF"};
+inline constexpr Parameter kRegister{Parameter::Kind::Integer, "register value"};
+inline constexpr Parameter kVolts{Parameter::Kind::Number, "volts"};
+inline constexpr Parameter kAmperes{Parameter::Kind::Number, "amperes"};
+inline constexpr Parameter kSeconds{Parameter::Kind::Number, "seconds"};
+
+constexpr Parameter keywordOf(KeywordTable table, std::string_view name)
+{
+    return {Parameter::Kind::Keyword, name, table};
+}
+} // namespace parameters
+
 /// In place of a channel's number: every channel.
 constexpr int kAllChannels = 0;
 

@@ -2,17 +2,13 @@
 
 #include "error_code.h"
 #include "instrument_clock.h"
+#include "output_channel.h"
 
 #include <array>
 #include <optional>
 
 namespace kvxvirtual
 {
-
-/// Channels 1 to 4 are the outputs, 5 is the series and 6 the parallel combination of outputs 1 and 2.
-constexpr int kChannelCount = 6;
-constexpr int kSeriesChannel = 5;
-constexpr int kParallelChannel = 6;
 
 enum class SourceMode
 {
@@ -21,73 +17,11 @@ enum class SourceMode
     Parallel
 };
 
-enum class PowerOnState
-{
-    Reset,
-    Last,
-    LastOff
-};
-
-/// The largest values a channel takes; the smallest are all 0.
-struct ChannelLimits
-{
-    double volts;
-    double amperes;
-    double overVoltageLevel;
-    double overCurrentLevel;
-    double overCurrentDelay;
-};
-
-/// `channel` is 1 to 6, here and wherever a channel is named below.
-const ChannelLimits& limitsOf(int channel);
-
-/// What a channel is set to. Plain int members are places in the keyword table of the setting.
-struct ChannelSettings
-{
-    double volts = 0.0;
-    double amperes = 0.1;
-    double overVoltageLevel = 0.0;
-    double overCurrentLevel = 0.0;
-    /// Seconds.
-    double overCurrentDelay = 0.0;
-    int overCurrentDelayMode = 0;
-    bool overVoltageEnabled = false;
-    bool overCurrentEnabled = false;
-    bool outputOn = false;
-    bool remoteSense = false;
-    bool tracking = false;
-    bool triggerInput = false;
-    int powerOnState = 0;
-    int pairing = 0;
-    int outputOffMode = 0;
-    int currentRange = 0;
-    int currentRate = 0;
-};
-
-/// What comes out of a channel.
-struct Measurement
-{
-    double volts = 0.0;
-    double amperes = 0.0;
-    bool constantCurrent = false;
-
-    double watts() const { return volts * amperes; }
-};
-
-/// Bits of a channel's questionable condition and event registers.
-namespace questionable
-{
-constexpr unsigned int kConstantCurrent = 1;
-constexpr unsigned int kConstantVoltage = 2;
-constexpr unsigned int kOverVoltageTrip = 4;
-constexpr unsigned int kOverCurrentTrip = 8;
-} // namespace questionable
-
-/// The power electronics: settings, source modes, loads, regulation and protection of the six channels.
+/// The power electronics: six channels, and the source mode that decides which of them are live. Channels are 1 to 6.
 ///
-/// What happens by itself as time passes (an over-current delay that runs out) happens in update(), which is therefore
-/// called before and after whatever looks at or changes the supply. A setter that returns an error has changed
-/// nothing. One thread at a time.
+/// What happens by itself as time passes (an over-current delay that runs out, a program that goes on) happens in
+/// update(), which is therefore called before and after whatever looks at or changes the supply. A setter that returns
+/// an error has changed nothing. One thread at a time.
 class PowerSupply
 {
 public:
@@ -106,7 +40,8 @@ public:
     void powerCycle();
 
     SourceMode sourceMode() const { return sourceMode_; }
-    /// A change switches outputs 1, 2, 5 and 6 off and lets them settle; the mode that is already set does nothing.
+    /// A change switches outputs 1, 2, 5 and 6 off, ends their programs and lets them settle; the mode that is already
+    /// set does nothing.
     void setSourceMode(SourceMode mode);
 
     bool bleEnabled() const { return bleEnabled_; }
@@ -115,7 +50,7 @@ public:
     int selectedChannel() const { return selectedChannel_; }
     void selectChannel(int channel) { selectedChannel_ = channel; }
 
-    const ChannelSettings& settings(int channel) const { return at(channel).settings; }
+    const ChannelSettings& settings(int channel) const { return at(channel).settings(); }
 
     /// Sets one of the levels that have a limit: DataOutOfRange outside 0 to the limit, SettingsConflict on a channel
     /// that is not ready.
@@ -127,7 +62,7 @@ public:
     {
         if (!ready(channel))
             return ErrorCode::SettingsConflict;
-        at(channel).settings.*field = value;
+        at(channel).settings().*field = value;
         return ErrorCode::None;
     }
 
@@ -135,7 +70,7 @@ public:
     template <typename Value>
     void setFreely(int channel, Value ChannelSettings::*field, Value value)
     {
-        at(channel).settings.*field = value;
+        at(channel).settings().*field = value;
     }
 
     /// Off is always accepted; on clears the channel's trips and needs a channel that is ready.
@@ -147,46 +82,48 @@ public:
     /// What the channel's meters show. In a combined mode the meters of outputs 1 and 2 show their part of it.
     Measurement measure(int channel) const;
 
-    unsigned int questionableCondition(int channel) const;
+    unsigned int questionableCondition(int channel) const { return at(channel).questionableCondition(); }
     /// Reads and clears the event register.
-    unsigned int takeQuestionableEvent(int channel);
+    unsigned int takeQuestionableEvent(int channel) { return at(channel).takeQuestionableEvent(); }
     void clearQuestionableEvents();
 
     /// Ohms between the channel's terminals; nothing: open. 0 is a short circuit.
-    void setLoad(int channel, std::optional<double> ohms);
+    void setLoad(int channel, std::optional<double> ohms) { at(channel).setLoad(ohms); }
+
+    // Programs of the selected channel. To switch one to what it is already does nothing.
+
+    const ListProgram& list() const { return at(selectedChannel_).list(); }
+    ListProgram& list() { return at(selectedChannel_).list(); }
+    const DelayProgram& delay() const { return at(selectedChannel_).delay(); }
+    DelayProgram& delay() { return at(selectedChannel_).delay(); }
+
+    /// On: SettingsConflict on a channel that is not ready, without groups, or while the other program is active.
+    ErrorCode switchList(bool on);
+    ErrorCode switchDelay(bool on);
+
+    /// *TRG: starts every list that awaits a trigger with its output on.
+    void trigger();
+
+    /// What is left of a run's present group; seconds.
+    double remainingSeconds(const ProgramRun& run) const { return secondsOf(run.remaining(updatedAt_)); }
 
 private:
-    struct Channel
-    {
-        ChannelSettings settings;
-        std::optional<double> loadOhms;
-        bool overVoltageTrip = false;
-        bool overCurrentTrip = false;
-        /// Since when the load has demanded more than the over-current level.
-        std::optional<Duration> overCurrentSince;
-        unsigned int lastCondition = 0;
-        unsigned int event = 0;
-    };
-
-    const Channel& at(int channel) const { return channels_[static_cast<std::size_t>(channel - 1)]; }
-    Channel& at(int channel) { return channels_[static_cast<std::size_t>(channel - 1)]; }
+    const OutputChannel& at(int channel) const { return channels_[static_cast<std::size_t>(channel - 1)]; }
+    OutputChannel& at(int channel) { return channels_[static_cast<std::size_t>(channel - 1)]; }
 
     /// Whether the channel exists in the present source mode.
     bool live(int channel) const;
     /// Live and not settling.
     bool ready(int channel) const;
 
-    static void restoreDefaults(Channel& channel, int number);
-    static double demandOf(const Channel& channel);
-    static Measurement regulate(const Channel& channel);
-    static unsigned int conditionOf(const Channel& channel);
-    void protect(Channel& channel) const;
+    void resetCommonSettings();
 
     const InstrumentClock& clock_;
     Duration settleTime_;
-    std::array<Channel, kChannelCount> channels_;
+    std::array<OutputChannel, kChannelCount> channels_;
     SourceMode sourceMode_ = SourceMode::Normal;
     Duration settledAt_;
+    Duration updatedAt_;
     bool bleEnabled_ = false;
     int selectedChannel_ = 1;
 };

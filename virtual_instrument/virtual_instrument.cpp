@@ -35,6 +35,7 @@ void VirtualInstrument::clearFaults()
 
 void VirtualInstrument::powerCycle()
 {
+    state_.supply.update();
     state_.supply.powerCycle();
     state_.status.powerOn();
     state_.supply.update();

@@ -5,6 +5,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace kvxtest
 {
@@ -34,6 +35,18 @@ public:
     {
         const auto reply = exchange(message);
         return reply.empty() ? error() : "replied " + reply;
+    }
+
+    /// What `program` ("LIST" or "DELAY") of the selected channel answers about each of its groups, without line ends.
+    std::vector<std::string> groups(const std::string& program)
+    {
+        const int count = std::stoi(exchange(program + ":GROUP:NUM?"));
+        std::vector<std::string> answers;
+        for (int number = 1; number <= count; ++number) {
+            answers.push_back(exchange(program + ":GROUP:PARA? " + std::to_string(number)));
+            answers.back().pop_back();
+        }
+        return answers;
     }
 
     std::string control(std::string_view line) { return control_.execute(line); }

@@ -1,15 +1,19 @@
 #include "virtual_instrument_process.h"
 
 #include <asio.hpp>
+#include <chrono>
 #include <gmock/gmock.h>
 #include <random>
+#include <thread>
 
 namespace
 {
 
 using namespace kvxtest;
+using testing::ContainsRegex;
 using testing::ElementsAre;
 using testing::HasSubstr;
+using testing::Not;
 using testing::UnorderedElementsAreArray;
 
 const std::string kIdentity = "Tessaro Instruments,KVX2833T,VIRT0000001,V1.00";
@@ -89,6 +93,47 @@ TEST(Program, GarbageOfOneClientDisturbsNoOther)
         ASSERT_EQ(kIdentity, good.query("*IDN?"));
     }
     EXPECT_EQ("0,\"No error\"", good.query("*CLS;:SYST:ERR?"));
+}
+
+/// Sends whatever comes to mind, a client that has gone mad: random bytes, with real queries whose replies it never
+/// takes, and lines that are too long.
+void sendNonsense(LineClient& client)
+{
+    std::mt19937 engine{11};
+    std::string nonsense;
+    for (int i = 0; i < 1'000'000; ++i)
+        nonsense += static_cast<char>(engine() & 0xFFU);
+    for (int i = 0; i < 2'000; ++i)
+        nonsense += "*IDN?\nMEAS:ALL?\nMEAS:ALL? CH9\n:SOUR:VOLT 1e99\n;;;\n\"\n";
+    nonsense += std::string(1'000'000, 'x') + '\n';
+    try {
+        client.send(nonsense);
+    } catch (const std::system_error&) {
+        // The test has ended, and the program with it.
+    }
+}
+
+TEST(Program, ALongRunOfGarbageDisturbsNoneOfThoseWhoWork)
+{
+    VirtualInstrumentProcess program({"--load", "CH3=10"});
+    LineClient bad(program.port());
+    std::vector<LineClient> good;
+    good.reserve(10);
+    for (int i = 0; i < 10; ++i)
+        good.emplace_back(program.port());
+    std::jthread nonsense([&bad] { sendNonsense(bad); });
+    good.front().send("SOUR3:CURR 2;:OUTP:STAT CH3,ON\n");
+    for (int round = 0; round < 100; ++round) {
+        for (std::size_t i = 0; i < good.size(); ++i) {
+            const auto level = std::to_string((round + static_cast<int>(i)) % 10) + ".000000";
+            EXPECT_EQ(level, good[i].query("SOUR3:VOLT " + level + ";VOLT?"));
+            EXPECT_EQ("1", good[i].query("OUTP:STAT? CH3"));
+        }
+    }
+    // The program reads no further from a client that leaves its replies; its end lets the other side go.
+    EXPECT_EQ("ok", program.control("disconnect"));
+    nonsense.join();
+    EXPECT_EQ(kIdentity, LineClient(program.port()).query("*IDN?"));
 }
 
 TEST(Program, AClientThatTakesNoRepliesDisturbsNoOther)
@@ -214,6 +259,19 @@ TEST(Program, SettlingFollowsTheClockThatTheControlAdvances)
     EXPECT_EQ("0,\"No error\"", client.query("SYST:ERR?"));
 }
 
+TEST(Program, ListsFollowTheClockThatTheControlAdvances)
+{
+    VirtualInstrumentProcess program({"--load", "CH1=10"});
+    LineClient client(program.port());
+    client.send("LIST:GROUP:PARA 1,5,1,3600;PARA 2,8,1,3600\nOUTP:STAT CH1,ON\nLIST:STAT ON\n");
+    EXPECT_EQ("5.000", client.query("MEAS:VOLT? CH1"));
+    EXPECT_EQ("ok", program.control("advance 3600000"));
+    EXPECT_EQ("8.000", client.query("MEAS:VOLT? CH1"));
+    EXPECT_EQ("ok", program.control("advance 3600000"));
+    EXPECT_EQ("STOPPED,0.000000,0,0", client.query("LIST:STATUS?"));
+    EXPECT_EQ("0", client.query("OUTP:STAT? CH1"));
+}
+
 TEST(Program, OptionsWordItsReplies)
 {
     VirtualInstrumentProcess program({"--idn", "A,B,C,D", "--boolean-words", "--alternate-keywords"});
@@ -223,15 +281,43 @@ TEST(Program, OptionsWordItsReplies)
     EXPECT_EQ("CH5", client.query("INST:SELE SER;SELE?"));
 }
 
-TEST(Program, TellsOfItsClientsAndTracesMessages)
+/// The error output of a program up to the line that says that the client has left which asked for its identity.
+std::string toldAboutOneClient(const std::vector<std::string>& arguments)
+{
+    const VirtualInstrumentProcess program(arguments);
+    LineClient(program.port()).query("*IDN?\r");
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(60);
+    auto text = program.errorOutput();
+    while (text.find("disconnected\n") == std::string::npos && std::chrono::steady_clock::now() < deadline) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+        text = program.errorOutput();
+    }
+    return text;
+}
+
+TEST(Program, HasALineForEachClientThatComesAndGoes)
+{
+    const auto text = toldAboutOneClient({});
+    EXPECT_THAT(text, ContainsRegex("^client 127\\.0\\.0\\.1:[0-9]+ connected\n"));
+    EXPECT_THAT(text, ContainsRegex("client 127\\.0\\.0\\.1:[0-9]+ disconnected\n"));
+    EXPECT_THAT(text, Not(HasSubstr("*IDN?")));
+}
+
+TEST(Program, TracesMessagesAndRepliesWithATimeStamp)
+{
+    const auto text = toldAboutOneClient({"--trace"});
+    EXPECT_THAT(text, ContainsRegex("\n[0-9]+\\.[0-9]{6} 127\\.0\\.0\\.1:[0-9]+ > \\*IDN\\?\\\\r\n"));
+    EXPECT_THAT(text, ContainsRegex("\n[0-9]+\\.[0-9]{6} 127\\.0\\.0\\.1:[0-9]+ < Tessaro Instruments,[^\n]*\\\\n\n"));
+}
+
+TEST(Program, TracesOverruns)
 {
     VirtualInstrumentProcess program({"--trace"});
-    LineClient(program.port()).query("*IDN?\r");
+    LineClient client(program.port());
+    client.send(std::string(5000, 'x') + "\n");
+    EXPECT_EQ("-363,\"Input buffer overrun\"", client.query("SYST:ERR?"));
     EXPECT_EQ(0, program.interrupt());
-    const auto text = program.errorOutput();
-    EXPECT_THAT(text, HasSubstr(" connected\n"));
-    EXPECT_THAT(text, HasSubstr(" > *IDN?\\r\n"));
-    EXPECT_THAT(text, HasSubstr(" < " + kIdentity + "\\n\n"));
+    EXPECT_THAT(program.errorOutput(), HasSubstr(" > (input buffer overrun)\n"));
 }
 
 TEST(Program, CtrlCEndsItCleanly)
@@ -299,6 +385,29 @@ TEST(Program, SaysItsVersion)
 {
     ChildProcess program(virtualInstrumentPath(), {"--version"});
     EXPECT_THAT(program.readLine().value_or(""), testing::StartsWith("kvx2800t-virtual "));
+    EXPECT_EQ(0, program.wait());
+}
+
+TEST(Program, ExplainsItsOptions)
+{
+    ChildProcess program(virtualInstrumentPath(), {"--help"});
+    std::string help;
+    while (const auto line = program.readLine())
+        help += *line + '\n';
+    EXPECT_EQ(0, program.wait());
+    for (const auto* const option :
+         {"--port", "--bind", "--serial", "--control-port", "--load", "--settle-ms", "--idn", "--boolean-words",
+          "--alternate-keywords", "--trace", "--until-stdin-closes", "--commands", "--help", "--version"})
+        EXPECT_THAT(help, HasSubstr(option));
+    EXPECT_EQ("", program.errorOutput());
+}
+
+TEST(Program, PrintsItsCommandTable)
+{
+    ChildProcess program(virtualInstrumentPath(), {"--commands"});
+    EXPECT_EQ("| command | parameters | meaning |", program.readLine());
+    EXPECT_EQ("|---|---|---|", program.readLine());
+    EXPECT_EQ("| `*IDN?` |  | maker, model, serial number, firmware |", program.readLine());
     EXPECT_EQ(0, program.wait());
 }
 

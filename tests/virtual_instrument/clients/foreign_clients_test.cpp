@@ -1,0 +1,102 @@
+#include "virtual_instrument_process.h"
+
+#include <gmock/gmock.h>
+
+namespace
+{
+
+using namespace kvxtest;
+using testing::ElementsAre;
+
+/// What a program has printed, and how it ended.
+struct Outcome
+{
+    std::vector<std::string> lines;
+    int exitCode = 0;
+    std::string errorOutput;
+};
+
+Outcome run(const std::string& path, const std::vector<std::string>& arguments)
+{
+    ChildProcess program(path, arguments);
+    Outcome outcome;
+    while (auto line = program.readLine())
+        outcome.lines.push_back(std::move(*line));
+    outcome.exitCode = program.wait();
+    outcome.errorOutput = program.errorOutput();
+    return outcome;
+}
+
+void expectGoodSession(const std::string& resource)
+{
+    const auto outcome = run(KVX_CLIENT_PYTHON, {"-B", KVX_CLIENT_SCRIPT, resource});
+    EXPECT_EQ(0, outcome.exitCode) << outcome.errorOutput;
+    EXPECT_THAT(outcome.lines, ElementsAre("done"));
+}
+
+TEST(PyVisa, HoldsASessionOverASocket)
+{
+    VirtualInstrumentProcess instrument({"--load", "CH1=10"});
+    expectGoodSession(instrument.resource());
+    EXPECT_EQ("*IDN?", instrument.receivedLines().at(0));
+    EXPECT_EQ(":SOUR1:VOLT 5.000000", instrument.receivedLines().at(1));
+}
+
+TEST(PyVisa, HoldsASessionOverTheSerialLine)
+{
+    VirtualInstrumentProcess instrument({"--load", "CH1=10", "--serial"});
+    expectGoodSession("ASRL" + instrument.serialPath() + "::INSTR");
+    EXPECT_EQ("*IDN?", instrument.receivedLines().at(0));
+}
+
+class LxiTools : public testing::Test
+{
+protected:
+    Outcome send(const std::string& command)
+    {
+        return run(KVX_CLIENT_LXI, {"scpi", "--address", "127.0.0.1", "--port", std::to_string(instrument_.port()),
+                                    "--timeout", "60", "--raw", command});
+    }
+
+    void expectReply(const std::string& reply, const std::string& query)
+    {
+        const auto outcome = send(query);
+        EXPECT_EQ(0, outcome.exitCode) << outcome.errorOutput;
+        EXPECT_THAT(outcome.lines, ElementsAre(reply)) << query;
+    }
+
+    /// It leaves as soon as it has sent, so the next client must wait until the instrument has heard it.
+    void expectSent(const std::string& command)
+    {
+        instrument_.clearLog();
+        const auto outcome = send(command);
+        EXPECT_EQ(0, outcome.exitCode) << outcome.errorOutput;
+        EXPECT_THAT(outcome.lines, ElementsAre());
+        EXPECT_THAT(instrument_.receivedLines(), ElementsAre(command));
+    }
+
+    VirtualInstrumentProcess instrument_{{"--load", "CH1=10"}};
+};
+
+TEST_F(LxiTools, Ask)
+{
+    expectReply("Tessaro Instruments,KVX2833T,VIRT0000001,V1.00", "*IDN?");
+    expectReply("1;0", "*OPC?;*TST?");
+}
+
+TEST_F(LxiTools, SetAndMeasure)
+{
+    expectSent(":SOUR1:VOLT 5;CURR 1;:OUTP:STAT CH1,ON");
+    expectReply("5.000,0.500,2.500", ":MEAS:ALL? CH1");
+    expectReply("0,\"No error\"", ":SYST:ERR?");
+}
+
+TEST_F(LxiTools, RunAList)
+{
+    expectSent(":LIST:GROUP:PARA 1,7,1,3600;:OUTP:STAT CH1,ON;:LIST:STAT ON");
+    expectReply("7.000", ":MEAS:VOLT? CH1");
+    expectSent(":LIST:STAT OFF");
+    expectReply("STOPPED,0.000000,0,0", ":LIST:STATUS?");
+}
+
+} // namespace
