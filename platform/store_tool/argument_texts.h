@@ -10,9 +10,6 @@
 namespace store_tool
 {
 
-/// Longest text that the driver reads from a store, in bytes.
-inline constexpr std::size_t kLongestText = 1023;
-
 /// Why a text of the command line may not get into a store; empty when it may.
 std::string complaintAboutText(const std::string& text);
 

@@ -121,12 +121,11 @@ std::string printable(std::string_view text)
     return shown;
 }
 
-std::string abridged(std::string_view text)
+std::string abridged(std::string_view text, std::size_t longest)
 {
-    constexpr std::size_t kLongest = 100;
-    if (text.size() <= kLongest)
+    if (text.size() <= longest)
         return printable(text);
-    std::size_t end = kLongest;
+    std::size_t end = longest;
     while (end > 0 && isContinuation(text[end]))
         --end;
     return printable(text.substr(0, end)) + "...";

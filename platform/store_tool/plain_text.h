@@ -15,8 +15,8 @@ bool isPlainText(std::string_view text);
 /// The text for a terminal or a log: control characters and bytes that are not UTF-8 as \xNN.
 std::string printable(std::string_view text);
 
-/// The same of the beginning of a text, so that messages stay short whatever the file has.
-std::string abridged(std::string_view text);
+/// The same of the beginning of a text, so that messages and listings stay short whatever the file has.
+std::string abridged(std::string_view text, std::size_t longest = 100);
 
 /// The abridged text between single quotes.
 std::string inQuotes(std::string_view text);

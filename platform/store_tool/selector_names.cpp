@@ -3,6 +3,7 @@
 #include "values.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace store_tool
 {
@@ -10,53 +11,24 @@ namespace store_tool
 namespace
 {
 
-SelectorName selectorName(const XmlElement& element, std::string_view collection)
+/// An index as selectors write it: plain decimal, so "01" is none.
+std::optional<std::int32_t> indexOf(std::string_view text)
 {
-    const auto& items = element.itemsOf(collection);
-    SelectorName name{std::string(element.textOf("Name")), !items.empty(), {}};
-    for (const XmlElement& item : items) {
-        if (const auto range = rangeOf(item))
-            name.ranges.push_back(*range);
+    const bool isPlain = text == "0" || (!text.empty() && text.front() >= '1' && text.front() <= '9');
+    return isPlain ? parseInteger(text) : std::nullopt;
+}
+
+/// Calls action(name, index) for every way to take an identifier for a name and an index.
+template <typename Action>
+void forEachIndex(const std::string& identifier, Action action)
+{
+    constexpr std::size_t kMostDigits = 10;
+    const std::size_t digits = std::min(identifier.size(), kMostDigits);
+    for (std::size_t count = 1; count <= digits; ++count) {
+        const std::size_t place = identifier.size() - count;
+        if (const auto index = indexOf(std::string_view(identifier).substr(place)))
+            action(identifier.substr(0, place), *index);
     }
-    return name;
-}
-
-/// Indexes are plain decimals, so "01" is none.
-bool isIndexWithin(std::string_view text, const IndexRange& range)
-{
-    const auto index = parseInteger(text);
-    return index && *index >= range.min && *index <= range.max && std::to_string(*index) == text;
-}
-
-bool standsFor(const SelectorName& ranged, std::string_view identifier)
-{
-    if (!identifier.starts_with(ranged.name))
-        return false;
-    const std::string_view index = identifier.substr(ranged.name.size());
-    return std::any_of(ranged.ranges.begin(), ranged.ranges.end(),
-                       [index](const IndexRange& range) { return isIndexWithin(index, range); });
-}
-
-/// The first index that is in ranges of both.
-std::optional<std::int32_t> sharedIndex(const SelectorName& one, const SelectorName& other)
-{
-    for (const IndexRange& first : one.ranges) {
-        for (const IndexRange& second : other.ranges) {
-            if (first.min <= second.max && second.min <= first.max)
-                return std::max(first.min, second.min);
-        }
-    }
-    return std::nullopt;
-}
-
-std::string sharedIdentifier(const SelectorName& virtualName, const SelectorName& rangedPhysicalName)
-{
-    if (!virtualName.isRanged)
-        return standsFor(rangedPhysicalName, virtualName.name) ? virtualName.name : std::string();
-    if (virtualName.name != rangedPhysicalName.name)
-        return {};
-    const auto index = sharedIndex(virtualName, rangedPhysicalName);
-    return index ? virtualName.name + std::to_string(*index) : std::string();
 }
 
 } // namespace
@@ -69,36 +41,89 @@ std::optional<IndexRange> rangeOf(const XmlElement& element)
     return isRange ? std::optional(IndexRange{*min, *max}) : std::nullopt;
 }
 
+void IndexSet::add(IndexRange range)
+{
+    ranges_.push_back(range);
+}
+
+void IndexSet::finish()
+{
+    std::sort(ranges_.begin(), ranges_.end(),
+              [](const IndexRange& one, const IndexRange& other) { return one.min < other.min; });
+    std::vector<IndexRange> apart;
+    for (const IndexRange& range : ranges_) {
+        if (apart.empty() || range.min > apart.back().max)
+            apart.push_back(range);
+        else
+            apart.back().max = std::max(apart.back().max, range.max);
+    }
+    ranges_ = std::move(apart);
+}
+
+std::optional<std::int32_t> IndexSet::firstIn(IndexRange range) const
+{
+    const auto next =
+        std::lower_bound(ranges_.begin(), ranges_.end(), range.min,
+                         [](const IndexRange& candidate, std::int32_t min) { return candidate.max < min; });
+    if (next == ranges_.end() || next->min > range.max)
+        return std::nullopt;
+    return std::max(next->min, range.min);
+}
+
 PhysicalNames::PhysicalNames(const XmlElement& softwareModule)
 {
     forEach(softwareModule, [this](const XmlElement& element) {
-        if (element.name != "IviPhysicalName")
-            return;
-        SelectorName name = selectorName(element, "PhysicalRanges");
-        if (name.isRanged)
-            ranged_.push_back(std::move(name));
-        else if (plainSet_.insert(name.name).second)
-            plain_.push_back(std::move(name.name));
+        if (element.name == "IviPhysicalName")
+            add(element);
     });
+    for (auto& [name, indexes] : indexes_)
+        indexes.finish();
 }
 
-std::string PhysicalNames::sharedWithPlain(const SelectorName& virtualName) const
+void PhysicalNames::add(const XmlElement& physicalName)
 {
-    if (!virtualName.isRanged)
-        return plainSet_.contains(virtualName.name) ? virtualName.name : std::string();
-    const auto shared = std::find_if(plain_.begin(), plain_.end(), [&virtualName](const std::string& identifier) {
-        return standsFor(virtualName, identifier);
+    const std::string name(physicalName.textOf("Name"));
+    const auto& ranges = physicalName.itemsOf("PhysicalRanges");
+    for (const XmlElement& item : ranges) {
+        if (const auto range = rangeOf(item))
+            indexes_[name].add(*range);
+    }
+    if (ranges.empty() && names_.insert(name).second)
+        forEachIndex(name, [this](const std::string& beginning, std::int32_t index) {
+            indexes_[beginning].add({index, index});
+        });
+}
+
+bool PhysicalNames::contains(const std::string& identifier) const
+{
+    bool isThere = names_.contains(identifier);
+    forEachIndex(identifier, [&](const std::string& beginning, std::int32_t index) {
+        const auto indexes = indexes_.find(beginning);
+        isThere = isThere || (indexes != indexes_.end() && indexes->second.firstIn({index, index}));
     });
-    return shared == plain_.end() ? std::string() : *shared;
+    return isThere;
+}
+
+std::string PhysicalNames::sharedRange(const std::string& name, const XmlElement& virtualName) const
+{
+    const auto indexes = indexes_.find(name);
+    if (indexes == indexes_.end())
+        return {};
+    for (const XmlElement& item : virtualName.itemsOf("VirtualRanges")) {
+        const auto range = rangeOf(item);
+        const auto index = range ? indexes->second.firstIn(*range) : std::nullopt;
+        if (index)
+            return name + std::to_string(*index);
+    }
+    return {};
 }
 
 std::string PhysicalNames::sharedWith(const XmlElement& virtualName) const
 {
-    const SelectorName name = selectorName(virtualName, "VirtualRanges");
-    std::string shared = sharedWithPlain(name);
-    for (auto physical = ranged_.begin(); shared.empty() && physical != ranged_.end(); ++physical)
-        shared = sharedIdentifier(name, *physical);
-    return shared;
+    const std::string name(virtualName.textOf("Name"));
+    if (!virtualName.itemsOf("VirtualRanges").empty())
+        return sharedRange(name, virtualName);
+    return contains(name) ? name : std::string();
 }
 
 } // namespace store_tool

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <unordered_map>
 #include <unordered_set>
 #include <vector>
 
@@ -21,12 +22,20 @@ struct IndexRange
 /// The range that a physical or virtual range element tells; nothing when it is none.
 std::optional<IndexRange> rangeOf(const XmlElement& element);
 
-/// A physical or virtual name and what follows it: the name alone without ranges, otherwise only name and index.
-struct SelectorName
+/// Indexes in ranges. Looking one up takes few steps however many there are.
+class IndexSet
 {
-    std::string name;
-    bool isRanged;
-    std::vector<IndexRange> ranges; ///< those that are readable
+public:
+    void add(IndexRange range);
+
+    /// Puts the ranges in order; to be called between adding and looking up.
+    void finish();
+
+    /// The first index in a range; nothing when there is none.
+    std::optional<std::int32_t> firstIn(IndexRange range) const;
+
+private:
+    std::vector<IndexRange> ranges_; ///< once finished, in order and apart
 };
 
 /// The physical names of a software module at all levels.
@@ -40,11 +49,12 @@ public:
     std::string sharedWith(const XmlElement& virtualName) const;
 
 private:
-    std::string sharedWithPlain(const SelectorName& virtualName) const;
+    void add(const XmlElement& physicalName);
+    std::string sharedRange(const std::string& name, const XmlElement& virtualName) const;
+    bool contains(const std::string& identifier) const;
 
-    std::vector<std::string> plain_; ///< in the order of the file
-    std::unordered_set<std::string> plainSet_;
-    std::vector<SelectorName> ranged_;
+    std::unordered_set<std::string> names_;             ///< without ranges
+    std::unordered_map<std::string, IndexSet> indexes_; ///< what follows a name, be it ranges or the end of other names
 };
 
 } // namespace store_tool

@@ -12,6 +12,9 @@
 namespace store_tool
 {
 
+/// Longest text that the driver reads from a store, in bytes.
+inline constexpr std::size_t kLongestText = 1023;
+
 /// The flags of a driver session with the values that the driver has without a store.
 struct SessionFlag
 {

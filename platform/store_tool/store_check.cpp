@@ -113,7 +113,7 @@ private:
     std::vector<Finding> inOrder();
 
     void checkContent(const XmlElement& element);
-    void checkOrder(const XmlElement& element, std::span<const ChildRule> rules);
+    void checkChildren(const XmlElement& element, std::span<const ChildRule> rules);
     void checkChild(const XmlElement& owner, const XmlElement& child, const ChildRule& rule);
     void checkValue(const XmlElement& owner, const XmlElement& child, Content content);
     void checkCollection(const XmlElement& collection, std::span<const ItemRule> rules);
@@ -132,7 +132,7 @@ private:
 
     /// A finding about the element that is looked at.
     void add(std::string text);
-    void addUnknown(const XmlElement& child);
+    void addBelow(const XmlElement& child, std::string text);
     std::string stepText(const XmlElement& element) const;
     std::string place();
 
@@ -175,30 +175,24 @@ void Checker::checkContent(const XmlElement& element)
         if (isNeeded(element, rule.content) && element.child(rule.element) == nullptr)
             add("has no " + tag(rule.element));
     }
-    checkOrder(element, rules);
-    for (const XmlElement& child : element.children) {
-        if (const ChildRule* const rule = findRule(rules, child.name))
-            checkChild(element, child, *rule);
-        else
-            addUnknown(child);
-    }
+    checkChildren(element, rules);
 }
 
-void Checker::checkOrder(const XmlElement& element, std::span<const ChildRule> rules)
+void Checker::checkChildren(const XmlElement& element, std::span<const ChildRule> rules)
 {
     const ChildRule* furthest = nullptr;
     std::unordered_set<const ChildRule*> seen;
     for (const XmlElement& child : element.children) {
         const ChildRule* const rule = findRule(rules, child.name);
         if (rule == nullptr)
-            continue;
-        const Inside inside(*this, child);
-        if (!seen.insert(rule).second)
-            add("is there twice");
-        else if (furthest != nullptr && rule < furthest)
-            add("stands behind " + tag(furthest->element));
+            addBelow(child, "is not known here");
+        else if (!seen.insert(rule).second)
+            addBelow(child, "is there twice");
         else
-            furthest = rule;
+            checkChild(element, child, *rule);
+        if (rule != nullptr && furthest != nullptr && rule < furthest)
+            addBelow(child, "stands behind " + tag(furthest->element));
+        furthest = rule == nullptr ? furthest : std::max(furthest, rule);
     }
 }
 
@@ -219,7 +213,7 @@ void Checker::checkValue(const XmlElement& owner, const XmlElement& child, Conte
     if (!problem.empty())
         add(problem);
     for (const XmlElement& unknown : child.children)
-        addUnknown(unknown);
+        addBelow(unknown, "is not known here");
 }
 
 void Checker::checkCollection(const XmlElement& collection, std::span<const ItemRule> rules)
@@ -230,7 +224,7 @@ void Checker::checkCollection(const XmlElement& collection, std::span<const Item
         if (const ItemRule* const rule = findRule(rules, item.name))
             checkItem(item, *rule);
         else
-            addUnknown(item);
+            addBelow(item, "is not known here");
     }
     if (collection.name != kWithoutUniqueNames)
         checkUniqueNames(collection);
@@ -402,10 +396,10 @@ void Checker::add(std::string text)
     findings_.push_back({path_.back().element, {0, place(), std::move(text)}});
 }
 
-void Checker::addUnknown(const XmlElement& child)
+void Checker::addBelow(const XmlElement& child, std::string text)
 {
     const Inside inside(*this, child);
-    add("is not known here");
+    add(std::move(text));
 }
 
 std::vector<Finding> Checker::inOrder()
@@ -429,16 +423,15 @@ std::vector<Finding> check(const StoreText& store)
     return Checker(store).run();
 }
 
-std::vector<Finding> newFindings(const StoreText& before, const StoreText& after)
+std::vector<Finding> newFindings(const std::vector<Finding>& before, const std::vector<Finding>& after)
 {
-    std::map<std::string, int> known;
-    for (const Finding& finding : check(before))
-        ++known[finding.place + '\n' + finding.text];
+    std::map<std::pair<std::string_view, std::string_view>, int> known;
+    for (const Finding& finding : before)
+        ++known[{finding.place, finding.text}];
     std::vector<Finding> fresh;
-    for (Finding& finding : check(after)) {
-        if (known[finding.place + '\n' + finding.text]-- <= 0)
-            fresh.push_back(std::move(finding));
-    }
+    std::copy_if(after.begin(), after.end(), std::back_inserter(fresh), [&known](const Finding& finding) {
+        return known[{finding.place, finding.text}]-- <= 0;
+    });
     return fresh;
 }
 

@@ -19,7 +19,7 @@ struct Finding
 /// Every finding, in the order of the file.
 std::vector<Finding> check(const StoreText& store);
 
-/// The findings of a changed store that it did not have before, wherever their lines are now.
-std::vector<Finding> newFindings(const StoreText& before, const StoreText& after);
+/// The findings after a change that were not there before it, wherever their lines are now.
+std::vector<Finding> newFindings(const std::vector<Finding>& before, const std::vector<Finding>& after);
 
 } // namespace store_tool

@@ -14,6 +14,12 @@ namespace
 
 constexpr std::size_t kLabelWidth = 17;
 
+/// A text as far as a driver reads it.
+std::string shown(std::string_view text)
+{
+    return abridged(text, kLongestText);
+}
+
 class Listing
 {
 public:
@@ -57,7 +63,7 @@ private:
     {
         addSession(session);
         addValue("flags", flagsText(session));
-        addValue("driver setup", printable(session.textOf("DriverSetup")));
+        addValue("driver setup", shown(session.textOf("DriverSetup")));
     }
 
     void addSession(const XmlElement& session)
@@ -74,13 +80,13 @@ private:
     {
         for (const Setting& setting : settingsOf(component))
             addValue("setting",
-                     printable(setting.name) + " (" + std::string(setting.type->word) + ") = " + valueText(setting));
+                     shown(setting.name) + " (" + std::string(setting.type->word) + ") = " + valueText(setting));
     }
 
     /// Strings in quotes, since blanks at their ends count.
     static std::string valueText(const Setting& setting)
     {
-        const std::string value = printable(setting.value);
+        const std::string value = shown(setting.value);
         return setting.type == settingTypeOf("string") ? '"' + value + '"' : value;
     }
 
@@ -94,8 +100,8 @@ private:
     void addModule(const XmlElement& softwareModule)
     {
         addTitle(softwareModule);
-        addValue("prefix", printable(softwareModule.textOf("Prefix")));
-        addValue("models", printable(softwareModule.textOf("SupportedInstrumentModels")));
+        addValue("prefix", shown(softwareModule.textOf("Prefix")));
+        addValue("models", shown(softwareModule.textOf("SupportedInstrumentModels")));
         std::string names;
         forEach(softwareModule, [&names](const XmlElement& element) {
             if (element.name == "IviPhysicalName")
@@ -108,7 +114,7 @@ private:
     void addTitle(const XmlElement& element)
     {
         text_ += "  " + nameOf(element);
-        const std::string description = printable(element.textOf("Description"));
+        const std::string description = shown(element.textOf("Description"));
         if (!description.empty())
             text_ += " - " + description;
         text_ += '\n';
@@ -125,14 +131,13 @@ private:
 
     void addVirtualName(const XmlElement& name)
     {
-        const std::string names = nameOf(name) + " -> " + printable(name.textOf("MapTo"));
+        const std::string names = nameOf(name) + " -> " + shown(name.textOf("MapTo"));
         const auto& ranges = name.itemsOf("VirtualRanges");
         if (ranges.empty())
             addValue("virtual name", names);
         for (const XmlElement& range : ranges)
-            addValue("virtual names", names + ", " + printable(range.textOf("Min")) + " to " +
-                                          printable(range.textOf("Max")) + " from " +
-                                          printable(range.textOf("StartingPhysicalIndex")) + " on");
+            addValue("virtual names", names + ", " + shown(range.textOf("Min")) + " to " + shown(range.textOf("Max")) +
+                                          " from " + shown(range.textOf("StartingPhysicalIndex")) + " on");
     }
 
     std::string assetText(const XmlElement& session) const
@@ -140,7 +145,7 @@ private:
         const XmlElement* const asset = targetOf(session, "IviHardwareAsset");
         if (asset == nullptr)
             return "(none)";
-        return nameOf(*asset) + " (" + printable(asset->textOf("IOResourceDescriptor")) + ")";
+        return nameOf(*asset) + " (" + shown(asset->textOf("IOResourceDescriptor")) + ")";
     }
 
     std::string moduleText(const XmlElement& session) const
@@ -153,12 +158,11 @@ private:
     {
         std::string flags;
         for (const SessionFlag& flag : kSessionFlags)
-            flags +=
-                (flags.empty() ? "" : " ") + std::string(flag.element) + "=" + printable(session.textOf(flag.element));
+            flags += (flags.empty() ? "" : " ") + std::string(flag.element) + "=" + shown(session.textOf(flag.element));
         return flags;
     }
 
-    static std::string nameOf(const XmlElement& element) { return printable(element.textOf("Name")); }
+    static std::string nameOf(const XmlElement& element) { return shown(element.textOf("Name")); }
 
     const XmlElement* targetOf(const XmlElement& owner, std::string_view reference) const
     {

@@ -82,10 +82,10 @@ Deeds edit(StoreText& store, const Request& request)
 }
 
 /// What is written never has a fault that the store did not have before.
-void requireNothingWorse(const StoreText& before, const StoreText& after)
+void requireNothingWorse(const std::vector<Finding>& before, const StoreText& after)
 {
     std::string faults;
-    for (const Finding& finding : newFindings(before, after))
+    for (const Finding& finding : newFindings(before, check(after)))
         faults += "\n  " + finding.place + ": " + finding.text;
     if (!faults.empty())
         throw StoreError("nothing is written, since the store would get faults:" + faults);
@@ -94,11 +94,11 @@ void requireNothingWorse(const StoreText& before, const StoreText& after)
 int runChange(const std::string& path, const Request& request, std::ostream& out)
 {
     StoreChange change(path, request.creates ? WhenMissing::Create : WhenMissing::Refuse);
-    const StoreText before = readText(path, change.text().value_or(emptyStoreText()));
-    StoreText after = before;
-    const Deeds deeds = edit(after, request);
-    requireNothingWorse(before, after);
-    change.replaceBy(after.text());
+    StoreText store = readText(path, change.text().value_or(emptyStoreText()));
+    const auto before = check(store);
+    const Deeds deeds = edit(store, request);
+    requireNothingWorse(before, store);
+    change.replaceBy(store.text());
     for (const std::string& deed : deeds)
         out << deed << '\n';
     return kSuccess;

@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <array>
+#include <numeric>
 
 namespace store_tool
 {
@@ -61,6 +62,7 @@ public:
         element.hasEndTag = text_.at(tagEnd) == '>';
         element.contentBegin = element.hasEndTag ? tagEnd + 1 : tagEnd;
         addContent(element, node);
+        indexChildren(element);
         element.contentEnd = element.hasEndTag ? endTag(element) : tagEnd;
         element.end = text_.find('>', element.contentEnd) + 1;
         return element;
@@ -77,6 +79,22 @@ private:
             if (child->type() == rapidxml::node_data || child->type() == rapidxml::node_cdata)
                 element.text.append(child->value(), child->value_size());
         }
+        if (element.name != "Value")
+            element.text = std::string(trimmed(element.text));
+    }
+
+    /// Keeps looking a child up short whatever the file has.
+    static void indexChildren(XmlElement& element)
+    {
+        constexpr std::size_t kMany = 64;
+        const auto& children = element.children;
+        if (children.size() < kMany)
+            return;
+        element.childrenByName.resize(children.size());
+        std::iota(element.childrenByName.begin(), element.childrenByName.end(), std::size_t{0});
+        std::stable_sort(
+            element.childrenByName.begin(), element.childrenByName.end(),
+            [&children](std::size_t one, std::size_t other) { return children[one].name < children[other].name; });
     }
 
     /// Where the ">" or "/>" of the start tag begins.
@@ -175,9 +193,16 @@ XmlElement build(const std::string& text)
 
 const XmlElement* XmlElement::child(std::string_view childName) const
 {
-    const auto found = std::find_if(children.begin(), children.end(),
-                                    [childName](const XmlElement& element) { return element.name == childName; });
-    return found == children.end() ? nullptr : &*found;
+    if (childrenByName.empty()) {
+        const auto found = std::find_if(children.begin(), children.end(),
+                                        [childName](const XmlElement& element) { return element.name == childName; });
+        return found == children.end() ? nullptr : &*found;
+    }
+    const auto first =
+        std::lower_bound(childrenByName.begin(), childrenByName.end(), childName,
+                         [this](std::size_t place, std::string_view wanted) { return children[place].name < wanted; });
+    const bool isThere = first != childrenByName.end() && children[*first].name == childName;
+    return isThere ? &children[*first] : nullptr;
 }
 
 const std::vector<XmlElement>& XmlElement::itemsOf(std::string_view collection) const

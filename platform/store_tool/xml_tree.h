@@ -15,8 +15,9 @@ struct XmlElement
     std::string name;
     std::optional<std::string> id;
     std::optional<std::string> idref;
-    std::string text; ///< its character data, references resolved, untrimmed
+    std::string text; ///< its character data, references resolved, without white space at the ends but for a Value
     std::vector<XmlElement> children;
+    std::vector<std::size_t> childrenByName; ///< their order by name, when they are many
 
     std::size_t begin = 0;        ///< where its start tag begins
     std::size_t contentBegin = 0; ///< behind the start tag; without an end tag, where "/>" begins

@@ -1,5 +1,6 @@
 #include "../platform/store_fixture.h"
 #include "child_process.h"
+#include "store_file.h"
 #include "store_tool_fixture.h"
 #include "store_tool_process.h"
 
@@ -254,17 +255,26 @@ TEST_F(Program, ExplainsItself)
 TEST_F(Program, RefusesHostileFiles)
 {
     const std::string notXml = "kvx2800t-store: " + path_ + ": not well-formed XML";
-    for (const std::string& text : std::vector<std::string>{
-             "", "PK\x03\x04 no text", exampleStore().substr(0, 4000), storeWith(repeated("<a>", 1'000'000)),
-             storeWith(repeated("<a/>", 200'000)), std::string("<IviConfigStore>\0", 17)})
+    for (const std::string& text :
+         std::vector<std::string>{"", "PK\x03\x04 no text", exampleStore().substr(0, 4000),
+                                  storeWith(repeated("<a>", 100'000)), std::string("<IviConfigStore>\0", 17)})
     {
         writeFile(path_, text);
         for (const std::vector<std::string>& arguments : {{"list"}, {"check"}, kRack, {"remove", "KVX2800T"}})
             expectRefusal(arguments, 1, notXml);
     }
-    writeFile(path_, std::string(16'777'217, ' '));
-    expectRefusal({"check"}, 1, "kvx2800t-store: " + path_ + " is larger than 16777216 bytes\n");
     EXPECT_EQ(folder_.count(), 1U);
+}
+
+TEST_F(Program, RefusesFilesBeyondTheLimits)
+{
+    writeFile(path_, storeWith(repeated("<a/>", config_server::kMostElements)));
+    EXPECT_THAT(run({"list"}).errors, StartsWith("kvx2800t-store: " + path_ + ": not well-formed XML, or more than "));
+    std::filesystem::resize_file(path_, config_server::kLargestFile + 1);
+    const Outcome outcome = run({"check"});
+    EXPECT_EQ(outcome.exitCode, 1);
+    EXPECT_EQ(outcome.errors, "kvx2800t-store: " + path_ + " is larger than " +
+                                  std::to_string(config_server::kLargestFile) + " bytes\n");
 }
 
 TEST_F(Program, FindsTheStoreAsTheConfigurationServerDoes)

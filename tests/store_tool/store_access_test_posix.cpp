@@ -1,4 +1,5 @@
 #include "store_access.h"
+#include "store_file.h"
 #include "store_tool_fixture.h"
 
 #include <gmock/gmock.h>
@@ -166,11 +167,12 @@ TEST_F(StoreAccess, RefusesWhatIsNoFile)
 
 TEST_F(StoreAccess, RefusesWhatIsTooLarge)
 {
-    constexpr std::size_t kLargest = 16'777'216;
+    constexpr std::size_t kLargest = config_server::kLargestFile;
     fs::resize_file(path_, kLargest);
     EXPECT_EQ(readStoreFile(path_).size(), kLargest);
     fs::resize_file(path_, kLargest + 1);
-    EXPECT_EQ(complaint([this] { readStoreFile(path_); }), path_ + " is larger than 16777216 bytes");
+    EXPECT_EQ(complaint([this] { readStoreFile(path_); }),
+              path_ + " is larger than " + std::to_string(kLargest) + " bytes");
 }
 
 TEST_F(StoreAccess, CreatesAFileWithItsFolder)

@@ -227,18 +227,19 @@ TEST(StoreCheck, TellsFaultsOfTheFileFromTerminalsAndKeepsThemShort)
         ElementsAre("56: LogicalNames/IviLogicalName '" + std::string(100, 'n') + "...'/Own: is not known here"));
 }
 
-TEST(StoreCheck, LooksAtEveryElementOfTheLargestStore)
+TEST(StoreCheck, LooksAtEveryElementOfALargeStore)
 {
-    EXPECT_EQ(findings(storeWith("<DriverSessions>" + repeated("<x/>\n", 99'998) + "</DriverSessions>")).size(),
-              99'998U);
+    EXPECT_EQ(findings(storeWith("<DriverSessions>" + repeated("<x/>\n", 50'000) + "</DriverSessions>")).size(),
+              50'000U);
 }
 
 TEST(StoreCheck, TellsNewFindingsFromOldOnesWhoseLinesHaveMoved)
 {
     const std::string faulty = replaced(exampleStore(), "<Cache>1<", "<Cache>x<");
-    const StoreText before(faulty);
-    EXPECT_THAT(newFindings(before, StoreText(replaced(faulty, "<PublishedAPIs>", "\n<PublishedAPIs>"))), IsEmpty());
-    const auto fresh = newFindings(before, StoreText(replaced(faulty, "<Simulate>0<", "<Simulate>x<")));
+    const auto before = check(StoreText(faulty));
+    EXPECT_THAT(newFindings(before, check(StoreText(replaced(faulty, "<PublishedAPIs>", "\n<PublishedAPIs>")))),
+                IsEmpty());
+    const auto fresh = newFindings(before, check(StoreText(replaced(faulty, "<Simulate>0<", "<Simulate>x<"))));
     ASSERT_EQ(fresh.size(), 1U);
     EXPECT_EQ(fresh[0].place, kSession + "/Simulate");
 }

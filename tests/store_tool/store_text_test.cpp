@@ -1,4 +1,4 @@
-#include "store_error.h"
+#include "store_file.h"
 #include "store_text.h"
 #include "store_tool_fixture.h"
 
@@ -92,18 +92,20 @@ TEST(StoreText, TakesSeveralItemsOutAndLeavesTheRest)
 
 TEST(StoreText, IsUnchangedWhenThereIsNoRoom)
 {
-    const std::string text = storeWith("<Sessions/>" + repeated("<a/>", 99'998));
+    const std::string content = "<Sessions/>";
+    const std::string text = storeWith(content + blanks(config_server::kLargestFile - storeWith(content).size()));
     StoreText store(text);
-    EXPECT_THROW(addItem(store), StoreError);
-    EXPECT_EQ(store.text(), text);
-    EXPECT_EQ(store.root().children.size(), 99'999U);
+    EXPECT_EQ(complaint([&store] { addItem(store); }), "the store has no room: it would be larger than " +
+                                                           std::to_string(config_server::kLargestFile) + " bytes");
+    EXPECT_TRUE(store.text() == text);
+    EXPECT_EQ(store.root().children.size(), 1U);
 }
 
 TEST(StoreText, EscapesWhatItWrites)
 {
     StoreText store("<IviConfigStore/>");
     const std::string name = " <a> & \"b\" 'c' ]]> ";
-    store.append("Sessions", [&name](ElementWriter& writer) { writer.leaf("Name", name).reference("R", name); });
+    store.append("Sessions", [&name](ElementWriter& writer) { writer.leaf("Value", name).reference("R", name); });
     const auto& items = store.root().itemsOf("Sessions");
     ASSERT_EQ(items.size(), 2U);
     EXPECT_EQ(items[0].text, name);

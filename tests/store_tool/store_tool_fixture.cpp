@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <fstream>
-#include <iterator>
 #include <random>
 #include <sstream>
 
@@ -36,11 +35,20 @@ std::string repeated(const std::string& text, std::size_t times)
     return all;
 }
 
+std::string blanks(std::size_t count)
+{
+    std::string text;
+    text.resize(count, ' ');
+    return text;
+}
+
 std::string readFile(const std::filesystem::path& path)
 {
     std::ifstream file(path, std::ios::binary);
     EXPECT_TRUE(file) << path;
-    return {std::istreambuf_iterator<char>(file), {}};
+    std::ostringstream text;
+    text << file.rdbuf();
+    return text.str();
 }
 
 void writeFile(const std::filesystem::path& path, const std::string& text)

@@ -18,6 +18,7 @@ std::string storeWith(const std::string& content);
 std::string replaced(std::string text, const std::string& from, const std::string& to);
 
 std::string repeated(const std::string& text, std::size_t times);
+std::string blanks(std::size_t count);
 
 /// What an action complains of; empty when it does not.
 template <typename Action>

@@ -1,3 +1,4 @@
+#include "store_file.h"
 #include "store_tool_fixture.h"
 #include "xml_tree.h"
 
@@ -8,6 +9,7 @@
 namespace
 {
 
+using namespace config_server;
 using namespace kvxtest;
 using namespace store_tool;
 using testing::HasSubstr;
@@ -82,12 +84,34 @@ TEST(XmlTree, RefusesWhatIsNoStore)
 
 TEST(XmlTree, RefusesWhatIsBeyondTheLimits)
 {
-    EXPECT_EQ(complaintAbout(storeWith(repeated("<a>", 63) + repeated("</a>", 63))), "");
-    EXPECT_THAT(complaintAbout(storeWith(repeated("<a>", 64) + repeated("</a>", 64))), HasSubstr("64 levels"));
-    EXPECT_THAT(complaintAbout(storeWith(repeated("<a>", 1'000'000))), HasSubstr("64 levels"));
-    EXPECT_EQ(complaintAbout(storeWith(repeated("<a/>", 99'999))), "");
-    EXPECT_THAT(complaintAbout(storeWith(repeated("<a/>", 100'000))), HasSubstr("100000 elements"));
-    EXPECT_EQ(complaintAbout(storeWith(std::string(16'777'216, ' '))), "larger than 16777216 bytes");
+    const auto nested = [](std::size_t levels) {
+        return complaintAbout(storeWith(repeated("<a>", levels - 1) + repeated("</a>", levels - 1)));
+    };
+    EXPECT_EQ(nested(kDeepestNesting), "");
+    EXPECT_THAT(nested(kDeepestNesting + 1), HasSubstr(" or " + std::to_string(kDeepestNesting) + " levels"));
+    EXPECT_THAT(complaintAbout(storeWith(repeated("<a>", 1'000'000))), HasSubstr(" levels"));
+    EXPECT_THAT(complaintAbout(storeWith(repeated("<a/>", kMostElements))),
+                HasSubstr("more than " + std::to_string(kMostElements) + " elements"));
+    EXPECT_EQ(complaintAbout(storeWith(blanks(kLargestFile))),
+              "larger than " + std::to_string(kLargestFile) + " bytes");
+}
+
+TEST(XmlTree, FindsTheFirstChildOfANameAmongMany)
+{
+    const XmlElement root =
+        parseXml(storeWith(repeated("<b/>", 70) + "<a>1</a><c/>" + repeated("<b/>", 70) + "<a>2</a>"));
+    EXPECT_EQ(root.child("a"), &root.children[70]);
+    EXPECT_EQ(root.child("b"), &root.children[0]);
+    EXPECT_EQ(root.child("c"), &root.children[71]);
+    for (const auto* const name : {"", "A", "bb", "d"})
+        EXPECT_EQ(root.child(name), nullptr) << name;
+}
+
+TEST(XmlTree, KeepsWhiteSpaceOfValuesOnly)
+{
+    const XmlElement root = parseXml(storeWith("<Name> &#32;a \n</Name><Value> &#32;a </Value>"));
+    EXPECT_EQ(root.children.at(0).text, "a");
+    EXPECT_EQ(root.children.at(1).text, "  a ");
 }
 
 TEST(XmlTree, RefusesOtherEncodings)
