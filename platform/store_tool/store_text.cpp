@@ -111,9 +111,15 @@ void StoreText::fill(const Gap& gap, const std::function<void(ElementWriter&)>& 
 
 void StoreText::append(std::string_view collection, const std::function<void(ElementWriter&)>& write)
 {
-    if (root_.child(collection) == nullptr)
-        fill(gapForCollection(collection), [collection](ElementWriter& writer) { writer.empty(collection); });
-    fill(gapAtEndOf(*root_.child(collection)), write);
+    if (const XmlElement* const owner = root_.child(collection)) {
+        fill(gapAtEndOf(*owner), write);
+        return;
+    }
+    fill(gapForCollection(collection), [&](ElementWriter& writer) {
+        writer.open(collection);
+        write(writer);
+        writer.close();
+    });
 }
 
 std::size_t StoreText::remove(std::string_view collection, const std::function<bool(const XmlElement&)>& isMeant)
