@@ -1,0 +1,47 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace store_tool
+{
+
+/// The text of a store file. Throws StoreError when it cannot be read, is no file or is larger than a store may be.
+std::string readStoreFile(const std::string& path);
+
+/// What a change does when there is no file.
+enum class WhenMissing
+{
+    Refuse,
+    Create
+};
+
+/// A change of one store file, from reading it to replacing it. Where links lead to is what is read and replaced. While
+/// it lives, other changes of files in the same folder wait, as far as the file system has locks.
+class StoreChange
+{
+public:
+    /// Reads the file. Throws StoreError when it cannot be read, or is missing and not to be created. Creating makes
+    /// its folder.
+    StoreChange(const std::string& path, WhenMissing whenMissing);
+    ~StoreChange();
+
+    StoreChange(const StoreChange&) = delete;
+    StoreChange(StoreChange&&) = delete;
+    StoreChange& operator=(const StoreChange&) = delete;
+    StoreChange& operator=(StoreChange&&) = delete;
+
+    /// What the file has; nothing when it is missing.
+    const std::optional<std::string>& text() const;
+
+    /// Puts a new text in place of the file in one step, with the file's rights. Throws StoreError and leaves the file
+    /// as it is when that fails or when something else has changed it since it was read.
+    void replaceBy(const std::string& text);
+
+private:
+    struct Host;
+    std::unique_ptr<Host> host_;
+};
+
+} // namespace store_tool

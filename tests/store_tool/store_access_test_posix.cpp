@@ -1,0 +1,240 @@
+#include "store_access.h"
+#include "store_file.h"
+#include "store_tool_fixture.h"
+
+#include <gmock/gmock.h>
+
+#include <csignal>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <thread>
+#include <unistd.h>
+
+namespace
+{
+
+using namespace kvxtest;
+using namespace store_tool;
+using testing::StartsWith;
+namespace fs = std::filesystem;
+
+/// Acts as a user without special rights while it lives.
+class PlainUser
+{
+public:
+    PlainUser() : before_(::geteuid()) { become(65534); }
+    ~PlainUser() { become(before_); }
+    PlainUser(const PlainUser&) = delete;
+    PlainUser(PlainUser&&) = delete;
+    PlainUser& operator=(const PlainUser&) = delete;
+    PlainUser& operator=(PlainUser&&) = delete;
+
+private:
+    /// Only the superuser has rights to give up.
+    void become(uid_t user) const
+    {
+        const int result = before_ == 0 ? ::seteuid(user) : 0;
+        EXPECT_EQ(result, 0);
+    }
+
+    uid_t before_;
+};
+
+/// A disk that is full after so many bytes of a file.
+class FullDisk
+{
+public:
+    explicit FullDisk(rlim_t bytes) : handler_(std::signal(SIGXFSZ, SIG_IGN))
+    {
+        EXPECT_EQ(::getrlimit(RLIMIT_FSIZE, &before_), 0);
+        const rlimit limit{bytes, before_.rlim_max};
+        EXPECT_EQ(::setrlimit(RLIMIT_FSIZE, &limit), 0);
+    }
+    ~FullDisk()
+    {
+        EXPECT_EQ(::setrlimit(RLIMIT_FSIZE, &before_), 0);
+        static_cast<void>(std::signal(SIGXFSZ, handler_));
+    }
+    FullDisk(const FullDisk&) = delete;
+    FullDisk(FullDisk&&) = delete;
+    FullDisk& operator=(const FullDisk&) = delete;
+    FullDisk& operator=(FullDisk&&) = delete;
+
+private:
+    rlimit before_{};
+    void (*handler_)(int);
+};
+
+class StoreAccess : public testing::Test
+{
+protected:
+    void SetUp() override { writeFile(path_, "old"); }
+
+    void replace(const std::string& text)
+    {
+        StoreChange change(path_, WhenMissing::Refuse);
+        change.replaceBy(text);
+    }
+
+    TemporaryFolder folder_;
+    std::string path_ = folder_ / "store.xml";
+};
+
+TEST_F(StoreAccess, ReplacesAFileAndKeepsItsRights)
+{
+    ASSERT_EQ(::chmod(path_.c_str(), 0640), 0);
+    StoreChange change(path_, WhenMissing::Refuse);
+    EXPECT_EQ(change.text(), "old");
+    change.replaceBy("new");
+    EXPECT_EQ(readFile(path_), "new");
+    EXPECT_EQ(fs::status(path_).permissions(), fs::perms(0640));
+    EXPECT_EQ(folder_.count(), 1U);
+}
+
+TEST_F(StoreAccess, NeverWritesIntoTheFileItself)
+{
+    const std::string reader = folder_ / "reader";
+    fs::create_hard_link(path_, reader);
+    replace("new");
+    EXPECT_EQ(readFile(reader), "old");
+}
+
+TEST_F(StoreAccess, ReplacesWhatALinkLeadsTo)
+{
+    fs::create_directory(folder_ / "links");
+    const std::string link = folder_ / "links/store.xml";
+    fs::create_symlink("../store.xml", link);
+    StoreChange change(link, WhenMissing::Refuse);
+    change.replaceBy("new");
+    EXPECT_TRUE(fs::is_symlink(link));
+    EXPECT_EQ(readFile(path_), "new");
+    EXPECT_EQ(folder_.count(), 2U);
+}
+
+TEST_F(StoreAccess, AFullDiskLeavesTheFile)
+{
+    {
+        const FullDisk disk(2);
+        EXPECT_THAT(complaint([this] { replace("new text"); }), StartsWith("cannot write "));
+    }
+    EXPECT_EQ(readFile(path_), "old");
+    EXPECT_EQ(folder_.count(), 1U);
+}
+
+TEST_F(StoreAccess, AReadOnlyFolderLeavesTheFile)
+{
+    ASSERT_EQ(::chmod(folder_.path().c_str(), 0555), 0);
+    {
+        const PlainUser user;
+        EXPECT_EQ(complaint([this] { replace("new"); }),
+                  "cannot create a file in " + folder_.path().string() + ": Permission denied");
+        EXPECT_EQ(complaint([this] { StoreChange(folder_ / "new.xml", WhenMissing::Create).replaceBy("new"); }),
+                  "cannot create a file in " + folder_.path().string() + ": Permission denied");
+    }
+    ASSERT_EQ(::chmod(folder_.path().c_str(), 0755), 0);
+    EXPECT_EQ(readFile(path_), "old");
+    EXPECT_EQ(folder_.count(), 1U);
+}
+
+TEST_F(StoreAccess, SaysWhatCannotBeRead)
+{
+    ASSERT_EQ(::chmod(path_.c_str(), 0), 0);
+    ASSERT_EQ(::chmod(folder_.path().c_str(), 0755), 0);
+    const PlainUser user;
+    EXPECT_EQ(complaint([this] { readStoreFile(path_); }), "cannot read " + path_ + ": Permission denied");
+    EXPECT_EQ(complaint([this] { replace("new"); }), "cannot read " + path_ + ": Permission denied");
+}
+
+TEST_F(StoreAccess, RefusesWhatIsNoFile)
+{
+    const std::string pipe = folder_ / "pipe";
+    ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+    fs::create_symlink("loop", folder_ / "loop");
+    fs::create_symlink("nowhere", folder_ / "dangling");
+    EXPECT_EQ(complaint([&] { readStoreFile(pipe); }), pipe + " is not a file");
+    EXPECT_EQ(complaint([&] { StoreChange(pipe, WhenMissing::Create); }), pipe + " is not a file");
+    EXPECT_EQ(complaint([&] { readStoreFile(folder_.path()); }), folder_.path().string() + " is not a file");
+    EXPECT_EQ(complaint([&] { readStoreFile("/dev/zero"); }), "/dev/zero is not a file");
+    EXPECT_EQ(complaint([&] { StoreChange(folder_ / "loop", WhenMissing::Create); }),
+              "cannot read " + (folder_ / "loop") + ": Too many levels of symbolic links");
+    EXPECT_EQ(complaint([&] { StoreChange(folder_ / "dangling", WhenMissing::Create); }),
+              (folder_ / "dangling") + " is a link to a missing file");
+    EXPECT_EQ(complaint([&] { StoreChange(folder_ / "none/store.xml", WhenMissing::Refuse); }),
+              "cannot open " + (folder_ / "none") + ": No such file or directory");
+    EXPECT_EQ(complaint([&] { StoreChange(folder_ / "none.xml", WhenMissing::Refuse); }),
+              "cannot read " + (folder_ / "none.xml") + ": No such file or directory");
+}
+
+TEST_F(StoreAccess, RefusesWhatIsTooLarge)
+{
+    constexpr std::size_t kLargest = config_server::kLargestFile;
+    fs::resize_file(path_, kLargest);
+    EXPECT_EQ(readStoreFile(path_).size(), kLargest);
+    fs::resize_file(path_, kLargest + 1);
+    EXPECT_EQ(complaint([this] { readStoreFile(path_); }),
+              path_ + " is larger than " + std::to_string(kLargest) + " bytes");
+}
+
+TEST_F(StoreAccess, CreatesAFileWithItsFolder)
+{
+    const std::string path = folder_ / "a/b/store.xml";
+    const mode_t mask = ::umask(027);
+    {
+        StoreChange change(path, WhenMissing::Create);
+        EXPECT_EQ(change.text(), std::nullopt);
+        change.replaceBy("new");
+    }
+    ::umask(mask);
+    EXPECT_EQ(readFile(path), "new");
+    EXPECT_EQ(fs::status(path).permissions(), fs::perms(0640));
+}
+
+TEST_F(StoreAccess, NoticesChangesBySomethingElse)
+{
+    const std::string refusal = path_ + " has been changed by something else; nothing is written";
+    const auto refused = [&](const auto& disturb) {
+        writeFile(path_, "old");
+        StoreChange change(path_, WhenMissing::Refuse);
+        disturb();
+        return complaint([&change] { change.replaceBy("new"); });
+    };
+    EXPECT_EQ(refused([this] { writeFile(path_, "other"); }), refusal);
+    EXPECT_EQ(readFile(path_), "other");
+    EXPECT_EQ(refused([this] { fs::remove(path_); }), refusal);
+    EXPECT_FALSE(fs::exists(path_));
+    EXPECT_EQ(refused([this] {
+                  writeFile(folder_ / "copy", "old");
+                  fs::rename(folder_ / "copy", path_);
+              }),
+              refusal);
+    EXPECT_EQ(readFile(path_), "old");
+    EXPECT_EQ(folder_.count(), 1U);
+}
+
+TEST_F(StoreAccess, NeverCreatesOverAFile)
+{
+    const std::string path = folder_ / "new.xml";
+    StoreChange change(path, WhenMissing::Create);
+    writeFile(path, "other");
+    EXPECT_EQ(complaint([&change] { change.replaceBy("new"); }), "cannot create " + path + ": File exists");
+    EXPECT_EQ(readFile(path), "other");
+    EXPECT_EQ(folder_.count(), 2U);
+}
+
+TEST_F(StoreAccess, ChangesAtTheSameTimeWaitForEachOther)
+{
+    constexpr std::size_t kChanges = 25;
+    const auto grow = [this] {
+        for (std::size_t i = 0; i < kChanges; ++i) {
+            StoreChange change(path_, WhenMissing::Refuse);
+            change.replaceBy(*change.text() + "x");
+        }
+    };
+    std::thread one(grow);
+    std::thread other(grow);
+    one.join();
+    other.join();
+    EXPECT_EQ(readFile(path_), "old" + repeated("x", 2 * kChanges));
+}
+
+} // namespace

@@ -1,0 +1,82 @@
+#include "store_tool_fixture.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <random>
+#include <sstream>
+
+namespace kvxtest
+{
+
+std::string exampleStore()
+{
+    return readFile(KVX_EXAMPLE_STORE);
+}
+
+std::string storeWith(const std::string& content)
+{
+    return "<IviConfigStore>" + content + "</IviConfigStore>";
+}
+
+std::string replaced(std::string text, const std::string& from, const std::string& to)
+{
+    const std::size_t place = text.find(from);
+    EXPECT_NE(place, std::string::npos) << from;
+    return place == std::string::npos ? text : text.replace(place, from.size(), to);
+}
+
+std::string repeated(const std::string& text, std::size_t times)
+{
+    std::string all;
+    all.reserve(text.size() * times);
+    for (std::size_t i = 0; i < times; ++i)
+        all += text;
+    return all;
+}
+
+std::string blanks(std::size_t count)
+{
+    std::string text;
+    text.resize(count, ' ');
+    return text;
+}
+
+std::string readFile(const std::filesystem::path& path)
+{
+    std::ifstream file(path, std::ios::binary);
+    EXPECT_TRUE(file) << path;
+    std::ostringstream text;
+    text << file.rdbuf();
+    return text.str();
+}
+
+void writeFile(const std::filesystem::path& path, const std::string& text)
+{
+    std::ofstream file(path, std::ios::binary);
+    file << text;
+    EXPECT_TRUE(file.flush()) << path;
+}
+
+TemporaryFolder::TemporaryFolder()
+{
+    const auto parent = std::filesystem::canonical(std::filesystem::temp_directory_path());
+    std::random_device random;
+    do {
+        path_ = parent / ("kvx-store-tool-" + std::to_string(random()));
+    } while (!std::filesystem::create_directory(path_));
+}
+
+TemporaryFolder::~TemporaryFolder()
+{
+    std::error_code ignored;
+    std::filesystem::remove_all(path_, ignored);
+}
+
+std::size_t TemporaryFolder::count() const
+{
+    const std::filesystem::directory_iterator entries(path_);
+    return static_cast<std::size_t>(std::distance(begin(entries), end(entries)));
+}
+
+} // namespace kvxtest

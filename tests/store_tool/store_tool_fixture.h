@@ -1,0 +1,59 @@
+#pragma once
+
+#include "store_error.h"
+
+#include <filesystem>
+#include <string>
+
+namespace kvxtest
+{
+
+/// A store with one software module, one hardware asset, one driver session and one logical name, without a fault.
+std::string exampleStore();
+
+/// What stands between the tags of a store's root element.
+std::string storeWith(const std::string& content);
+
+/// The text with the first `from` replaced; a failure of the test when there is none.
+std::string replaced(std::string text, const std::string& from, const std::string& to);
+
+std::string repeated(const std::string& text, std::size_t times);
+std::string blanks(std::size_t count);
+
+/// What an action complains of; empty when it does not.
+template <typename Action>
+std::string complaint(Action action)
+{
+    try {
+        action();
+        return "";
+    } catch (const store_tool::StoreError& error) {
+        return error.what();
+    }
+}
+
+std::string readFile(const std::filesystem::path& path);
+void writeFile(const std::filesystem::path& path, const std::string& text);
+
+/// A folder of the test's own, removed with all that is in it.
+class TemporaryFolder
+{
+public:
+    TemporaryFolder();
+    ~TemporaryFolder();
+    TemporaryFolder(const TemporaryFolder&) = delete;
+    TemporaryFolder(TemporaryFolder&&) = delete;
+    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+    TemporaryFolder& operator=(TemporaryFolder&&) = delete;
+
+    const std::filesystem::path& path() const { return path_; }
+    std::string operator/(const std::string& name) const { return path_ / name; }
+
+    /// How many files and folders are in it.
+    std::size_t count() const;
+
+private:
+    std::filesystem::path path_;
+};
+
+} // namespace kvxtest

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace kvxtest
+{
+
+/// What the program has said and how it ended.
+struct Outcome
+{
+    int exitCode;
+    std::string output;
+    std::string errors;
+};
+
+/// Runs kvx2800t-store to its end.
+Outcome runStoreTool(const std::vector<std::string>& arguments);
+
+} // namespace kvxtest
