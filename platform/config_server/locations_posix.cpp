@@ -2,6 +2,7 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <utility>
 
 namespace config_server
 {
@@ -50,6 +51,16 @@ std::optional<std::string> masterLocation()
     if (isFile(user))
         return user;
     return systemLocation();
+}
+
+std::string locationForNewStore()
+{
+    std::string registered = environment("IVI_MASTER_STORE");
+    if (!registered.empty())
+        return registered;
+    const std::string user = userLocation();
+    const bool isForSystem = user.empty() || (!isFile(user) && isFile(systemLocation()));
+    return isForSystem ? systemLocation() : user;
 }
 
 const std::string& systemLocation()

@@ -79,7 +79,8 @@ std::string complaintAboutName(const std::string& text)
 std::optional<VirtualName> parseVirtualName(std::string_view text)
 {
     const auto parts = splitAtFirst(text, '=');
-    if (!parts || parts->first.empty() || parts->second.empty() || !isIdentifier(parts->first))
+    if (!parts || parts->first.empty() || parts->second.empty() || !isIdentifier(parts->first) ||
+        hasSpaceAtAnEnd(parts->second))
         return std::nullopt;
     return VirtualName{std::string(parts->first), std::string(parts->second)};
 }
@@ -89,7 +90,7 @@ std::optional<VirtualName> parseVirtualRange(std::string_view text)
     const auto parts = splitAtFirst(text, '=');
     const auto target = parts ? splitAtLast(parts->second, ':') : std::nullopt;
     const auto range = target ? parseBounds(target->second) : std::nullopt;
-    if (!range || !isIdentifier(parts->first))
+    if (!range || !isIdentifier(parts->first) || hasSpaceAtAnEnd(target->first))
         return std::nullopt;
     return VirtualName{std::string(parts->first), std::string(target->first), {*range}};
 }

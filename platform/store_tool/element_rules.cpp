@@ -138,7 +138,7 @@ constexpr std::array<ChildRule, 8> kHeading{{
     {"Description", Content::Text},
     {"ReadOnly", Content::Boolean},
     {"UsedInSession", Content::Usage},
-    {"Type", Content::TypeName},
+    {"Type", Content::TypeName, {}, true},
     {"HelpContextID", Content::Integer},
     {"HelpFilePath", Content::Text},
     {"SoftwareModuleKey", Content::Text},
@@ -153,10 +153,16 @@ consteval auto afterHeading(const std::array<ChildRule, Count>& rest)
     return all;
 }
 
-constexpr auto kBoolean = afterHeading(std::array{ChildRule{"Value", Content::Boolean}});
+/// Unlike a string's, a value that is left out is none of its type.
+consteval ChildRule obligatoryValue(Content content)
+{
+    return {"Value", content, {}, true};
+}
+
+constexpr auto kBoolean = afterHeading(std::array{obligatoryValue(Content::Boolean)});
 constexpr auto kInteger =
-    afterHeading(std::array{ChildRule{"Units", Content::Text}, ChildRule{"Value", Content::Integer}});
-constexpr auto kReal = afterHeading(std::array{ChildRule{"Units", Content::Text}, ChildRule{"Value", Content::Real}});
+    afterHeading(std::array{ChildRule{"Units", Content::Text}, obligatoryValue(Content::Integer)});
+constexpr auto kReal = afterHeading(std::array{ChildRule{"Units", Content::Text}, obligatoryValue(Content::Real)});
 constexpr auto kString = afterHeading(std::array{ChildRule{"Value", Content::Text}});
 constexpr auto kStructure = afterHeading(std::array{ChildRule{"DataComponents", Content::Collection, kDataComponents}});
 constexpr auto kApiReference =

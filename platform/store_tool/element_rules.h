@@ -37,6 +37,7 @@ struct ChildRule
     std::string_view element;
     Content content;
     std::span<const ItemRule> items{}; ///< of a collection
+    bool isObligatory = false;         ///< whatever its content
 };
 
 /// The rules for the content of an element with an id, or of the root; none for an unknown one.

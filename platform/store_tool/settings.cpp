@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <array>
+#include <unordered_set>
 
 namespace store_tool
 {
@@ -98,6 +99,15 @@ auto findSetting(Settings& settings, const std::string& name)
                         [&name](const Setting& setting) { return setting.name == name; });
 }
 
+void requireDifferentNames(const std::vector<Setting>& settings)
+{
+    std::unordered_set<std::string_view> names;
+    for (const Setting& setting : settings) {
+        if (!names.insert(setting.name).second)
+            throw StoreError("the setting " + inQuotes(setting.name) + " is given twice");
+    }
+}
+
 void requireType(const Setting& setting, const Setting& ofModule)
 {
     if (setting.type != ofModule.type)
@@ -132,6 +142,7 @@ std::vector<Setting> settingsOf(const XmlElement& component)
 
 std::vector<Setting> sessionSettings(const std::vector<Setting>& ofModule, const std::vector<Setting>& chosen)
 {
+    requireDifferentNames(chosen);
     std::vector<Setting> settings;
     for (const Setting& setting : ofModule) {
         const auto own = findSetting(chosen, setting.name);

@@ -44,7 +44,7 @@ struct Setting
 std::vector<Setting> settingsOf(const XmlElement& component);
 
 /// What a new session gets: the settings that its software module requires, and the chosen ones with the module's
-/// descriptions. Throws StoreError when a chosen one has another type there.
+/// descriptions. Throws StoreError when a chosen one has another type there or is chosen twice.
 std::vector<Setting> sessionSettings(const std::vector<Setting>& ofModule, const std::vector<Setting>& chosen);
 
 /// Writes the DataComponents of a session with these settings.

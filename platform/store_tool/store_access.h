@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <memory>
 #include <optional>
 #include <string>
@@ -17,14 +18,18 @@ enum class WhenMissing
     Create
 };
 
+/// How long a change waits for another one before it gives up. One alone takes far less.
+inline constexpr std::chrono::milliseconds kLongestWait{10'000};
+
 /// A change of one store file, from reading it to replacing it. Where links lead to is what is read and replaced. While
 /// it lives, other changes of files in the same folder wait, as far as the file system has locks.
 class StoreChange
 {
 public:
-    /// Reads the file. Throws StoreError when it cannot be read, or is missing and not to be created. Creating makes
-    /// its folder.
-    StoreChange(const std::string& path, WhenMissing whenMissing);
+    /// Reads the file. Throws StoreError when it cannot be read, is missing and not to be created, or stays locked by
+    /// something else for as long as `longestWait`. Creating makes its folder, which is gone again when nothing is
+    /// written.
+    StoreChange(const std::string& path, WhenMissing whenMissing, std::chrono::milliseconds longestWait = kLongestWait);
     ~StoreChange();
 
     StoreChange(const StoreChange&) = delete;

@@ -5,6 +5,7 @@
 
 #include <array>
 #include <cerrno>
+#include <chrono>
 #include <cstdio>
 #include <fcntl.h>
 #include <filesystem>
@@ -12,8 +13,10 @@
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <system_error>
+#include <thread>
 #include <unistd.h>
 #include <utility>
+#include <vector>
 
 namespace store_tool
 {
@@ -125,23 +128,69 @@ std::string resolved(const std::string& path)
     return folder / absolute.filename();
 }
 
-void createFolderOf(const std::string& path)
+/// Folders made for a file that is still to come; gone again, where they are empty, unless they are kept.
+class NewFolders
 {
-    std::error_code error;
-    const auto folder = std::filesystem::absolute(path).parent_path();
-    std::filesystem::create_directories(folder, error);
-    if (error)
-        fail("cannot create " + folder.string(), error.value());
+public:
+    NewFolders() = default;
+    ~NewFolders()
+    {
+        while (!made_.empty() && ::rmdir(made_.back().c_str()) == 0)
+            made_.pop_back();
+    }
+
+    NewFolders(const NewFolders&) = delete;
+    NewFolders(NewFolders&&) = delete;
+    NewFolders& operator=(const NewFolders&) = delete;
+    NewFolders& operator=(NewFolders&&) = delete;
+
+    /// Makes what is missing on the way to the file.
+    void makeFor(const std::string& path)
+    {
+        std::filesystem::path folder;
+        for (const auto& step : std::filesystem::absolute(path).parent_path()) {
+            folder /= step;
+            make(folder);
+        }
+    }
+
+    void keep() { made_.clear(); }
+
+private:
+    void make(const std::filesystem::path& folder)
+    {
+        std::error_code error;
+        if (std::filesystem::is_directory(folder, error))
+            return;
+        if (std::filesystem::create_directory(folder, error))
+            made_.push_back(folder);
+        if (error)
+            fail("cannot create " + folder.string(), error.value());
+    }
+
+    std::vector<std::filesystem::path> made_;
+};
+
+/// Waits for a lock of something else. File systems without locks give none at once.
+void lock(const Descriptor& folder, const std::string& path, std::chrono::milliseconds longestWait)
+{
+    constexpr std::chrono::milliseconds kPause{10};
+    const auto end = std::chrono::steady_clock::now() + longestWait;
+    while (uninterrupted([&] { return ::flock(folder.number(), LOCK_EX | LOCK_NB); }) != 0 && errno == EWOULDBLOCK) {
+        if (std::chrono::steady_clock::now() >= end)
+            throw StoreError(path + " is locked by something else");
+        std::this_thread::sleep_for(kPause);
+    }
 }
 
 /// A lock on the folder, since the file itself is replaced. Some file systems have none; there the comparison before
 /// replacing has to do.
-Descriptor lockedFolder(const std::string& path)
+Descriptor lockedFolder(const std::string& path, std::chrono::milliseconds longestWait)
 {
     Descriptor folder(::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (folder.number() < 0)
         fail("cannot open " + path, errno);
-    static_cast<void>(uninterrupted([&] { return ::flock(folder.number(), LOCK_EX); }));
+    lock(folder, path, longestWait);
     return folder;
 }
 
@@ -179,13 +228,16 @@ public:
         }
     }
 
-    /// Owner and group as far as this process may give them away; they come first, as they can take rights away.
+    /// Owner and group as far as this process may give them away; they come first, as they can take rights away. Of
+    /// another owner or group, rights that were meant for the former one are left out.
     void takeRightsOf(const struct stat& status)
     {
-        if (::fchown(file_.number(), status.st_uid, status.st_gid) != 0 &&
-            ::fchown(file_.number(), static_cast<uid_t>(-1), status.st_gid) != 0)
-            errno = 0;
-        takeRights(status.st_mode & kRights);
+        if (::fchown(file_.number(), status.st_uid, status.st_gid) == 0)
+            takeRights(status.st_mode & kRights);
+        else if (::fchown(file_.number(), static_cast<uid_t>(-1), status.st_gid) == 0)
+            takeRights(status.st_mode & kRights & ~mode_t{S_ISUID});
+        else
+            takeRights(status.st_mode & kRights & ~mode_t{S_ISUID | S_ISGID | S_IRWXG});
     }
 
     void takeRights(mode_t rights)
@@ -222,6 +274,7 @@ struct StoreChange::Host
 {
     std::string path;
     Descriptor folder;
+    NewFolders newFolders; // goes before the lock
     std::optional<FileContent> before;
     std::optional<std::string> text;
 
@@ -258,12 +311,13 @@ std::string readStoreFile(const std::string& path)
     return std::move(content->text);
 }
 
-StoreChange::StoreChange(const std::string& path, WhenMissing whenMissing) : host_(std::make_unique<Host>())
+StoreChange::StoreChange(const std::string& path, WhenMissing whenMissing, std::chrono::milliseconds longestWait)
+    : host_(std::make_unique<Host>())
 {
     if (whenMissing == WhenMissing::Create)
-        createFolderOf(path);
+        host_->newFolders.makeFor(path);
     host_->path = resolved(path);
-    host_->folder = lockedFolder(host_->folderPath());
+    host_->folder = lockedFolder(host_->folderPath(), longestWait);
     host_->before = readIfThere(host_->path);
     if (host_->before)
         host_->text = std::move(host_->before->text);
@@ -291,6 +345,7 @@ void StoreChange::replaceBy(const std::string& text)
         host_->replace(file);
     else
         host_->create(file);
+    host_->newFolders.keep();
     // The change is made; whether its entry is on the disk already is not for the caller to mend.
     static_cast<void>(::fsync(host_->folder.number()));
 }

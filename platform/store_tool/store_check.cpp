@@ -172,7 +172,8 @@ void Checker::checkContent(const XmlElement& element)
     if (!trimmed(element.text).empty())
         add("has text between its elements");
     for (const ChildRule& rule : rules) {
-        if (isNeeded(element, rule.content) && element.child(rule.element) == nullptr)
+        const bool isMissed = rule.isObligatory || isNeeded(element, rule.content);
+        if (isMissed && element.child(rule.element) == nullptr)
             add("has no " + tag(rule.element));
     }
     checkChildren(element, rules);

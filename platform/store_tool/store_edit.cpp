@@ -114,6 +114,11 @@ std::vector<std::string> namesOf(const SessionEntry& entry)
     return names;
 }
 
+std::string assetNameOf(const SessionEntry& entry)
+{
+    return entry.asset.value_or(entry.name);
+}
+
 /// Adds one session step by step. Pointers into the store do not outlive a step.
 class SessionAdder
 {
@@ -174,7 +179,7 @@ private:
 
     std::string assetId()
     {
-        const std::string name = entry_.asset.value_or(entry_.name);
+        const std::string name = assetNameOf(entry_);
         const XmlElement* const known = findAsset(store_, name);
         if (known != nullptr) {
             requireSameResource(*known);
@@ -214,12 +219,19 @@ private:
     Deeds deeds_;
 };
 
+/// True when a new session of this entry uses an asset that has to be there.
+bool needsAsset(const StoreText& store, const SessionEntry& entry, const std::string& id)
+{
+    const XmlElement* const asset = findAsset(store, assetNameOf(entry));
+    return !entry.resource && asset != nullptr && asset->id == id;
+}
+
 /// Removes what the new session takes the names of. Its hardware asset stays when the new one is to use it.
 void removeReplaced(StoreText& store, const SessionEntry& entry, Deeds& deeds)
 {
     if (const XmlElement* const session = findSession(store, entry.name)) {
         const std::string asset = removeSession(store, *session, deeds);
-        if (entry.resource)
+        if (!needsAsset(store, entry, asset))
             removeAsset(store, asset, deeds);
     }
     for (const std::string& name : namesOf(entry))

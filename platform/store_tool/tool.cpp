@@ -18,7 +18,8 @@ namespace store_tool
 namespace
 {
 
-/// The given path, or that of the store which the configuration server would load in this environment.
+/// The given path, or that of the store which the configuration server would load in this environment, or would load
+/// once it is made.
 std::string pathOf(const Request& request)
 {
     if (request.store)
@@ -26,6 +27,8 @@ std::string pathOf(const Request& request)
     std::string chosen = config_server::processDefaultLocation();
     if (!chosen.empty())
         return chosen;
+    if (request.creates)
+        return config_server::locationForNewStore();
     auto master = config_server::masterLocation();
     if (!master)
         throw StoreError("IVI_MASTER_STORE names a file that is missing");

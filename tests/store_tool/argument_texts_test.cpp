@@ -40,7 +40,8 @@ TEST(ArgumentTexts, ReadsVirtualNames)
     EXPECT_EQ(name->name, "Core!_1");
     EXPECT_EQ(name->mapTo, "OutputChannel1,OutputChannel2");
     EXPECT_TRUE(name->ranges.empty());
-    for (const auto* const text : {"", "Core", "Core=", "=x", "Co re=x", "Core:1=x", "C-1=x"})
+    for (const auto* const text :
+         {"", "Core", "Core=", "=x", "Co re=x", "Core:1=x", "C-1=x", "A= OutputChannel1", "A=OutputChannel1 ", "A= "})
         EXPECT_FALSE(parseVirtualName(text)) << text;
 }
 
@@ -58,7 +59,7 @@ TEST(ArgumentTexts, ReadsVirtualRanges)
     EXPECT_TRUE(parseVirtualRange("R=C:1-2@2147483646"));
     for (const auto* const text : {"Rail=OutputChannel", "Rail:1-3@2", "R=C:3-1@2", "R=C:1-3", "R=C:1@2", "R=C:-1-3@2",
                                    "R=C:1--3@2", "R=C:1-3@-2", "R=C:1-3@2 ", "R=C:1-3@2x", "R=C:1-2@2147483647",
-                                   "R=C:0-2147483648@0", "R=C:1-3@", "R =C:1-3@2"})
+                                   "R=C:0-2147483648@0", "R=C:1-3@", "R =C:1-3@2", "R= C:1-3@2", "R=C :1-3@2"})
         EXPECT_FALSE(parseVirtualRange(text)) << text;
 }
 

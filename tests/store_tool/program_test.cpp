@@ -1,5 +1,6 @@
 #include "../platform/store_fixture.h"
 #include "child_process.h"
+#include "locations.h"
 #include "store_file.h"
 #include "store_tool_fixture.h"
 #include "store_tool_process.h"
@@ -49,6 +50,8 @@ private:
 
 const std::vector<std::string> kRack{"add",       "Rack",       "--resource",      "TCPIP0::10.0.0.5::5025::SOCKET",
                                      "--logical", "RackSupply", "--virtual-range", "Rail=OutputChannel:1-3@2"};
+
+const std::vector<std::string> kRackToCreate{"add", "Rack", "--create", "--resource", "x"};
 
 TEST_F(Program, ListsAStore)
 {
@@ -153,6 +156,15 @@ TEST_F(Program, CreatesAStoreOnlyWhenAsked)
     EXPECT_THAT(outcome.errors, StartsWith("kvx2800t-store: cannot create a file in /proc/"));
 }
 
+TEST_F(Program, LeavesNoFolderBehindWhenNothingIsWritten)
+{
+    const Outcome outcome = runStoreTool({"--store", folder_ / "a/b/new.xml", "add", "Rack", "--create", "--resource",
+                                          "x", "--virtual", "OutputChannel1=OutputChannel2"});
+    EXPECT_EQ(outcome.exitCode, 1);
+    EXPECT_THAT(outcome.errors, HasSubstr("which is a physical name\n"));
+    EXPECT_FALSE(std::filesystem::exists(folder_ / "a"));
+}
+
 TEST_F(Program, ReplacesOnlyWhenAsked)
 {
     ASSERT_EQ(run(kRack).exitCode, 0);
@@ -188,7 +200,7 @@ TEST_F(Program, WritesNothingThatItsOwnCheckWouldRefuse)
     expectRefusal({"add", "Rack", "--resource", "x", "--logical", "L", "--logical", "L"}, 1,
                   "LogicalNames/IviLogicalName 'L': has the name 'L' of another one\n");
     expectRefusal({"add", "Rack", "--resource", "x", "--set", "string:a=1", "--set", "string:a=2"}, 1,
-                  "IviString 'a': has the name 'a' of another one\n");
+                  "kvx2800t-store: the setting 'a' is given twice\n");
     expectRefusal({"add", "Rack", "--resource", "x", "--virtual-range", "R=C:1-3@1", "--virtual-range", "R=C:3-4@1"}, 1,
                   "IviVirtualName 'R': has ranges that overlap: 'R 1-3' and 'R 3-4'\n");
     writeFile(path_, replaced(exampleStore(), "<HardwareAssets>", "<Own idref=\"p16\"/><HardwareAssets>"));
@@ -222,6 +234,8 @@ TEST_F(Program, RefusesBadCommandLines)
     expectRefusal({"add", std::string(100'000, 'x'), "--resource", "x"}, 2, "longer than 1023 bytes");
     expectRefusal({"add", "Rack", "--resource", "x", "--cache", "yes"}, 2, "not 0 or 1: 'yes'");
     expectRefusal({"add", "Rack", "--resource", "x", "--virtual", "a"}, 2, "not Name=MapTo: 'a'");
+    expectRefusal({"add", "Rack", "--resource", "x", "--virtual", "A= OutputChannel1 "}, 2,
+                  "not Name=MapTo: 'A= OutputChannel1 '");
     expectRefusal({"add", "Rack", "--resource", "x", "--virtual-range", "a=b"}, 2,
                   "not Name=MapTo:min-max@start: 'a=b'");
     expectRefusal({"add", "Rack", "--resource", "x", "--set", "real:a=b"}, 2, "not type:Name=Value: 'real:a=b'");
@@ -301,6 +315,55 @@ TEST_F(Program, SaysThatTheMasterStoreIsMissing)
     const Outcome outcome = runStoreTool({"list"});
     EXPECT_EQ(outcome.exitCode, 1);
     EXPECT_EQ(outcome.errors, "kvx2800t-store: IVI_MASTER_STORE names a file that is missing\n");
+}
+
+TEST_F(Program, CreatesTheMasterStoreThatIsMissing)
+{
+    const std::string path = folder_ / "a/master.xml";
+    const EnvironmentVariable master("IVI_MASTER_STORE", path.c_str());
+    const Outcome outcome = runStoreTool(kRackToCreate);
+    EXPECT_EQ(outcome.exitCode, 0) << outcome.errors;
+    EXPECT_THAT(runStoreTool({"list"}).output, StartsWith("store " + path + "\ndriver sessions\n  Rack\n"));
+}
+
+TEST_F(Program, CreatesTheProcessDefaultThatIsMissing)
+{
+    const std::string path = folder_ / "a/chosen.xml";
+    const EnvironmentVariable master("IVI_MASTER_STORE", path_.c_str());
+    const EnvironmentVariable chosen("IVICONFIGSERVERDEFAULT", path.c_str());
+    const Outcome outcome = runStoreTool(kRackToCreate);
+    EXPECT_EQ(outcome.exitCode, 0) << outcome.errors;
+    EXPECT_THAT(runStoreTool({"list"}).output, StartsWith("store " + path + "\ndriver sessions\n  Rack\n"));
+    EXPECT_EQ(readFile(path_), exampleStore());
+}
+
+TEST_F(Program, CreatesTheUsersStoreWhereThereIsNone)
+{
+    if (std::filesystem::exists(config_server::systemLocation()))
+        GTEST_SKIP() << "the host has a system's store, which comes first";
+    const EnvironmentVariable config("XDG_CONFIG_HOME", (folder_ / "config").c_str());
+    Outcome outcome = runStoreTool(kRackToCreate);
+    EXPECT_EQ(outcome.exitCode, 0) << outcome.errors;
+    EXPECT_THAT(
+        runStoreTool({"list"}).output,
+        StartsWith("store " + (folder_ / "config/ivi/IviConfigurationStore.xml") + "\ndriver sessions\n  Rack\n"));
+    const EnvironmentVariable noConfig("XDG_CONFIG_HOME", nullptr);
+    const EnvironmentVariable home("HOME", folder_.path().c_str());
+    outcome = runStoreTool(kRackToCreate);
+    EXPECT_EQ(outcome.exitCode, 0) << outcome.errors;
+    EXPECT_TRUE(std::filesystem::exists(folder_ / ".config/ivi/IviConfigurationStore.xml"));
+}
+
+TEST_F(Program, CreatesNothingBesideTheUsersStore)
+{
+    std::filesystem::create_directory(folder_ / "ivi");
+    const std::string user = folder_ / "ivi/IviConfigurationStore.xml";
+    writeFile(user, exampleStore());
+    const EnvironmentVariable config("XDG_CONFIG_HOME", folder_.path().c_str());
+    const Outcome outcome = runStoreTool(kRackToCreate);
+    EXPECT_EQ(outcome.exitCode, 0) << outcome.errors;
+    EXPECT_THAT(readFile(user), HasSubstr("<Name>KVX2800T</Name>"));
+    EXPECT_THAT(readFile(user), HasSubstr("<Name>Rack</Name>"));
 }
 
 TEST_F(Program, LosesNoChangeOfProgramsAtTheSameTime)

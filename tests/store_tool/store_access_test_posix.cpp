@@ -5,6 +5,8 @@
 #include <gmock/gmock.h>
 
 #include <csignal>
+#include <fcntl.h>
+#include <sys/file.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <thread>
@@ -187,6 +189,64 @@ TEST_F(StoreAccess, CreatesAFileWithItsFolder)
     ::umask(mask);
     EXPECT_EQ(readFile(path), "new");
     EXPECT_EQ(fs::status(path).permissions(), fs::perms(0640));
+}
+
+TEST_F(StoreAccess, LeavesOnlyFoldersThatWereThereWhenNothingIsWritten)
+{
+    fs::create_directory(folder_ / "kept");
+    const std::string path = folder_ / "kept/a/b/store.xml";
+    {
+        const StoreChange change(path, WhenMissing::Create);
+        EXPECT_EQ(change.text(), std::nullopt);
+    }
+    EXPECT_TRUE(fs::is_empty(folder_ / "kept"));
+    {
+        StoreChange change(path, WhenMissing::Create);
+        const FullDisk disk(2);
+        EXPECT_THAT(complaint([&change] { change.replaceBy("new text"); }), StartsWith("cannot write "));
+    }
+    EXPECT_TRUE(fs::is_empty(folder_ / "kept"));
+    {
+        const StoreChange change(path, WhenMissing::Create);
+        writeFile(folder_ / "kept/a/other", "other");
+    }
+    EXPECT_EQ(readFile(folder_ / "kept/a/other"), "other");
+    EXPECT_FALSE(fs::exists(folder_ / "kept/a/b"));
+}
+
+TEST_F(StoreAccess, LeavesOutRightsOfAGroupThatItCannotKeep)
+{
+    constexpr uid_t kStranger = 1234;
+    if (::geteuid() != 0)
+        GTEST_SKIP() << "only the superuser can give files away";
+    ASSERT_EQ(::chmod(folder_.path().c_str(), 0777), 0);
+    ASSERT_EQ(::chown(path_.c_str(), kStranger, kStranger), 0);
+    ASSERT_EQ(::chmod(path_.c_str(), 06664), 0);
+    {
+        const PlainUser user;
+        replace("new");
+    }
+    EXPECT_EQ(readFile(path_), "new");
+    EXPECT_EQ(fs::status(path_).permissions(), fs::perms(0604));
+    ASSERT_EQ(::chown(path_.c_str(), kStranger, ::getegid()), 0);
+    ASSERT_EQ(::chmod(path_.c_str(), 06664), 0);
+    {
+        const PlainUser user;
+        replace("newer");
+    }
+    EXPECT_EQ(readFile(path_), "newer");
+    EXPECT_EQ(fs::status(path_).permissions(), fs::perms(02664));
+}
+
+TEST_F(StoreAccess, GivesUpOnALockThatSomethingElseKeeps)
+{
+    const int folder = ::open(folder_.path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    ASSERT_GE(folder, 0);
+    ASSERT_EQ(::flock(folder, LOCK_EX), 0);
+    const auto change = [this] { StoreChange(path_, WhenMissing::Refuse, std::chrono::milliseconds(0)); };
+    EXPECT_EQ(complaint(change), folder_.path().string() + " is locked by something else");
+    ::close(folder);
+    EXPECT_EQ(complaint(change), "");
 }
 
 TEST_F(StoreAccess, NoticesChangesBySomethingElse)

@@ -3,6 +3,8 @@
 
 #include <gmock/gmock.h>
 
+#include <array>
+
 namespace
 {
 
@@ -129,6 +131,23 @@ TEST(StoreCheck, FindsWordsThatAreNone)
         findings(replaced(exampleStore(), "<Type>Structure<", "<Type>String<")),
         ElementsAre("12: SoftwareModules/IviSoftwareModule 'KVX2800T'/DataComponents/IviStructure 'Configurable "
                     "Initial Settings'/Type: 'String' is not Structure"));
+}
+
+TEST(StoreCheck, FindsSettingsWithoutTheirTypeOrValue)
+{
+    const std::string inSession = kSession + "/DataComponents/IviStructure 'Configurable Initial Settings'";
+    const std::string inModule =
+        "SoftwareModules/IviSoftwareModule 'KVX2800T'/DataComponents/IviStructure 'Configurable Initial Settings'";
+    const std::array<std::pair<const char*, std::string>, 5> findingsWithout{{
+        {"<Type>Structure</Type>", "12: " + inModule + ": has no <Type>"},
+        {"<Type>String</Type>", "17: " + inModule + "/DataComponents/IviString 'Station': has no <Type>"},
+        {"<Value>1</Value>", "38: " + inSession + "/DataComponents/IviBoolean 'Trace': has no <Value>"},
+        {"<Value>3</Value>", "39: " + inSession + "/DataComponents/IviInteger 'Retries': has no <Value>"},
+        {"<Value>0.25</Value>", "40: " + inSession + "/DataComponents/IviReal 'Settling Time': has no <Value>"},
+    }};
+    for (const auto& [element, finding] : findingsWithout)
+        EXPECT_THAT(findingsWith(element, ""), ElementsAre(finding));
+    EXPECT_THAT(findingsWith("<Value>line 4</Value>", ""), IsEmpty());
 }
 
 TEST(StoreCheck, FindsTextThatIsNone)

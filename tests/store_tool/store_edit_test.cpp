@@ -115,6 +115,19 @@ TEST(StoreEdit, RefusesASettingOfAnotherTypeThanTheModules)
               "the setting 'Retries' has the type integer in the software module");
 }
 
+TEST(StoreEdit, RefusesASettingThatIsGivenTwice)
+{
+    const auto refusal = [](const std::string& name, const std::string& otherType) {
+        StoreText store(exampleStore());
+        SessionEntry entry = entryNamed("Rack");
+        entry.settings = {{settingTypeOf("real"), name, "1"}, {settingTypeOf(otherType), name, "2"}};
+        return complaint([&] { add(store, entry); });
+    };
+    EXPECT_EQ(refusal("Settling Time", "real"), "the setting 'Settling Time' is given twice");
+    EXPECT_EQ(refusal("Note", "real"), "the setting 'Note' is given twice");
+    EXPECT_EQ(refusal("Note", "string"), "the setting 'Note' is given twice");
+}
+
 TEST(StoreEdit, AddsTheSoftwareModuleWhereItIsMissing)
 {
     StoreText store(emptyStoreText());
@@ -208,6 +221,23 @@ TEST(StoreEdit, ReplacesWhatHasTheNames)
                 ElementsAre("removed driver session 'KVX2800T'", "removed logical name 'Left'",
                             "added driver session 'KVX2800T'", "added logical name 'Left'"));
     EXPECT_THAT(check(store), IsEmpty());
+}
+
+TEST(StoreEdit, ReplacingLeavesNoHardwareAssetThatNothingUses)
+{
+    StoreText store(exampleStore());
+    add(store, entryNamed("Rack"));
+    SessionEntry entry;
+    entry.name = "KVX2800T";
+    entry.asset = "Rack";
+    EXPECT_THAT(addSession(store, entry, true),
+                ElementsAre("removed driver session 'KVX2800T'", "removed logical name 'BenchSupply'",
+                            "removed hardware asset 'Bench supply 1'", "added driver session 'KVX2800T'"));
+    EXPECT_THAT(check(store), IsEmpty());
+    EXPECT_EQ(store.root().itemsOf("HardwareAssets").size(), 1U);
+    entry.asset = "Bench supply 1";
+    EXPECT_EQ(complaint([&] { addSession(store, entry, true); }),
+              "there is no hardware asset 'Bench supply 1', and no resource to make it with");
 }
 
 TEST(StoreEdit, AddingAndRemovingGivesTheSameBytes)

@@ -1,5 +1,8 @@
 #include "../platform/store_fixture.h"
+#include "../platform/store_listing.h"
 #include "store_tool_process.h"
+
+#include <gmock/gmock.h>
 
 #include <array>
 
@@ -7,6 +10,7 @@ namespace
 {
 
 using namespace kvxtest;
+using testing::HasSubstr;
 
 /// What the configuration server reads of stores that the program has written.
 class WrittenStore : public StoreTest
@@ -20,6 +24,13 @@ protected:
     }
 
     std::string path() const { return folder_ / "store.xml"; }
+
+    /// All that the configuration server reads of a session.
+    std::string listing(const std::string& name) const
+    {
+        EXPECT_EQ(IviConfig_Deserialize(store_, path().c_str()), VI_SUCCESS);
+        return listStore(store_, {{name}, {}});
+    }
 
     IviDriverSessionHandle find(const char* name) const
     {
@@ -47,6 +58,50 @@ TEST_F(WrittenStore, GivesASessionByItsLogicalName)
     EXPECT_EQ(assetText(asset, IVICONFIG_VAL_HARDWARE_ASSET_IO_DESCRIPTOR), "TCPIP0::10.0.0.5::5025::SOCKET");
     IviConfig_DisposeHandle(asset);
     IviConfig_DisposeHandle(session);
+}
+
+TEST_F(WrittenStore, GivesVirtualNamesAndRangesAsTheyWereChosen)
+{
+    add({"Rack", "--create", "--resource", "x", "--virtual", "Core=OutputChannel1", "--virtual-range",
+         "Rail=OutputChannel:1-3@2", "--virtual", "Pair=OutputChannel1,OutputChannel2", "--virtual-range",
+         "Rail=OutputChannel:5-6@1", "--virtual-range", "=OutputChannel:10-11@5"});
+    EXPECT_THAT(listing("Rack"), HasSubstr("  virtual name Core = OutputChannel1\n"
+                                           "  virtual name Pair = OutputChannel1,OutputChannel2\n"
+                                           "  virtual name Rail = OutputChannel\n"
+                                           "    range 1 to 3 at 2\n"
+                                           "    range 5 to 6 at 1\n"
+                                           "  virtual name  = OutputChannel\n"
+                                           "    range 10 to 11 at 5\n"));
+}
+
+TEST_F(WrittenStore, GivesSettingsOfEveryTypeWithTheirValues)
+{
+    add({"Rack", "--create", "--resource", "x", "--set", "boolean:Trace=true", "--set", "integer:Retries=-2147483648",
+         "--set", "real:Settling Time=2.5e-1", "--set", "string:Station= line <4> & \"5\"  "});
+    const auto component = [](const std::string& indent, const std::string& name, const std::string& type) {
+        std::string text = indent + "component \n";
+        for (const std::string& line :
+             {"Name=" + name, std::string("Description="), std::string("UsedInSession=Required"), "Type=" + type,
+              std::string("HelpFilePath="), std::string("SoftwareModuleKey="), std::string("HelpContextID=0"),
+              std::string("ReadOnly=0")})
+            text += indent + "  " + line + "\n";
+        return text;
+    };
+    EXPECT_THAT(listing("Rack"),
+                HasSubstr(component("  ", "Configurable Initial Settings", "Structure") +
+                          component("    ", "Trace", "Boolean") + "      Boolean=1\n" +
+                          component("    ", "Retries", "Integer") + "      Units=\n      Integer=-2147483648\n" +
+                          component("    ", "Settling Time", "Real") + "      Units=\n      Real=0.25\n" +
+                          component("    ", "Station", "String") + "      String= line <4> & \"5\"  \n"));
+}
+
+TEST_F(WrittenStore, GivesThePhysicalNamesOfTheSoftwareModule)
+{
+    add({"Rack", "--create", "--resource", "x"});
+    std::string names;
+    for (const std::string number : {"1", "2", "3", "4", "5", "6"})
+        names += "  physical name OutputChannel" + number + " = OutputChannel\n";
+    EXPECT_THAT(listing("Rack"), HasSubstr("    IOResourceDescriptor=x\n" + names));
 }
 
 TEST_F(WrittenStore, GivesTheFlagsAsTheyWereChosen)
