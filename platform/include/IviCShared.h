@@ -17,11 +17,11 @@ extern "C" {
 
 /** @name Status codes @{ */
 #define IVI_SUCCESS VI_SUCCESS
-#define IVI_ERROR_OUT_OF_MEMORY ((ViStatus)0xBFFA0056)
-#define IVI_ERROR_NULL_POINTER ((ViStatus)0xBFFA0058)
-#define IVI_ERROR_INVALID_SESSION_HANDLE ((ViStatus)0xBFFA1190)
-#define IVI_ERROR_CANNOT_CREATE_LOCK ((ViStatus)0xBFFA1198)
-#define IVI_ERROR_CANNOT_CREATE_THREAD_LOCAL ((ViStatus)0xBFFA11A0)
+#define IVI_ERROR_OUT_OF_MEMORY ((ViStatus)0xBFFA0056UL)
+#define IVI_ERROR_NULL_POINTER ((ViStatus)0xBFFA0058UL)
+#define IVI_ERROR_INVALID_SESSION_HANDLE ((ViStatus)0xBFFA1190UL)
+#define IVI_ERROR_CANNOT_CREATE_LOCK ((ViStatus)0xBFFA1198UL)
+#define IVI_ERROR_CANNOT_CREATE_THREAD_LOCAL ((ViStatus)0xBFFA11A0UL)
 /** @} */
 
 /** Creates a session without data pointer, error or lock. Handles count up from 1 and are never reused. */

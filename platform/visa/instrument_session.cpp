@@ -12,12 +12,12 @@ namespace
 
 ViByte topDataBit(const AttributeValues& values)
 {
-    return static_cast<ViByte>(1U << (values.get(VI_ATTR_ASRL_DATA_BITS) - 1));
+    return static_cast<ViByte>(1U << (values.get<VI_ATTR_ASRL_DATA_BITS>() - 1));
 }
 
 ViByte termChar(const AttributeValues& values)
 {
-    return static_cast<ViByte>(values.get(VI_ATTR_TERMCHAR));
+    return static_cast<ViByte>(values.get<VI_ATTR_TERMCHAR>());
 }
 
 } // namespace
@@ -35,7 +35,7 @@ InstrumentSession::~InstrumentSession()
 
 ViStatus InstrumentSession::applyInitialAttributes()
 {
-    for (const AttributeRow& row : attributeRows()) {
+    for (const AttributeRow& row : kAttributeRows) {
         if (row.holder != Holder::Connection || (row.classes & sessionClass()) == 0)
             continue;
         const ViStatus status = stream_->setAttribute(row.attribute, row.initial);
@@ -43,12 +43,6 @@ ViStatus InstrumentSession::applyInitialAttributes()
             return status;
     }
     return VI_SUCCESS;
-}
-
-AttributeValues InstrumentSession::values() const
-{
-    const std::lock_guard guard(valuesMutex_);
-    return values_;
 }
 
 ViStatus InstrumentSession::getAttribute(ViAttr attribute, void* value)
@@ -59,7 +53,7 @@ ViStatus InstrumentSession::getAttribute(ViAttr attribute, void* value)
     if (row->type == ValueType::Text)
         storeText(textFact(attribute), value);
     else
-        storeNumber(row->holder == Holder::Fact ? numberFact(*row) : values().get(attribute), row->type, value);
+        storeNumber(row->holder == Holder::Fact ? numberFact(*row) : values_.get(attribute), row->type, value);
     return VI_SUCCESS;
 }
 
@@ -77,7 +71,7 @@ ViUInt32 InstrumentSession::numberFact(const AttributeRow& row)
     case VI_ATTR_INTF_NUM:
         return identity_.name.board;
     default:
-        return values().get(row.attribute);
+        return values_.get(row.attribute);
     }
 }
 
@@ -114,25 +108,25 @@ ViStatus InstrumentSession::setAttribute(ViAttr attribute, ViAttrState value)
     const ViUInt32 wanted = reduced(value, row->type);
     if (!row->allowed.contains(wanted))
         return VI_ERROR_NSUP_ATTR_STATE;
-    const std::lock_guard guard(valuesMutex_);
+    const std::lock_guard guard(settingMutex_);
     const ViStatus status = row->holder == Holder::Connection ? stream_->setAttribute(attribute, wanted) : VI_SUCCESS;
     if (status == VI_SUCCESS)
         values_.set(attribute, wanted);
     return status;
 }
 
-EndRule InstrumentSession::endRule(const AttributeValues& values) const
+EndRule InstrumentSession::endRule() const
 {
     EndRule rule;
-    if (values.get(VI_ATTR_TERMCHAR_EN) == VI_TRUE)
-        rule.termByte = termChar(values);
-    if (!isSerial() || values.get(VI_ATTR_SUPPRESS_END_EN) == VI_TRUE)
+    if (values_.get<VI_ATTR_TERMCHAR_EN>() == VI_TRUE)
+        rule.termByte = termChar(values_);
+    if (!isSerial() || values_.get<VI_ATTR_SUPPRESS_END_EN>() == VI_TRUE)
         return rule;
-    const ViUInt32 endIn = values.get(VI_ATTR_ASRL_END_IN);
+    const ViUInt32 endIn = values_.get<VI_ATTR_ASRL_END_IN>();
     if (endIn == VI_ASRL_END_TERMCHAR)
-        rule.endByte = termChar(values);
+        rule.endByte = termChar(values_);
     if (endIn == VI_ASRL_END_LAST_BIT)
-        rule.endMask = topDataBit(values);
+        rule.endMask = topDataBit(values_);
     return rule;
 }
 
@@ -150,9 +144,8 @@ ViStatus InstrumentSession::read(std::span<ViByte> buffer, std::size_t& count)
     if (!lock_->admits(identity_.self))
         return VI_ERROR_RSRC_LOCKED;
     const std::lock_guard reading(readMutex_);
-    const AttributeValues current = values();
-    const EndRule rule = endRule(current);
-    const Deadline deadline(current.get(VI_ATTR_TMO_VALUE));
+    const EndRule rule = endRule();
+    const Deadline deadline(values_.get<VI_ATTR_TMO_VALUE>());
     while (count < buffer.size()) {
         const ViStatus status = carryOver_.bytes().empty() ? refill(deadline) : VI_SUCCESS;
         if (status < 0)
@@ -176,12 +169,11 @@ ViStatus InstrumentSession::write(std::span<const ViByte> bytes, std::size_t& co
     if (!lock_->admits(identity_.self))
         return VI_ERROR_RSRC_LOCKED;
     const std::lock_guard writing(writeMutex_);
-    const AttributeValues current = values();
-    const Deadline deadline(current.get(VI_ATTR_TMO_VALUE));
-    const bool marksLastBit = current.get(VI_ATTR_ASRL_END_OUT) == VI_ASRL_END_LAST_BIT;
-    const ViStatus status = marksLastBit ? writeWithLastBit(bytes, topDataBit(current), deadline, count)
+    const Deadline deadline(values_.get<VI_ATTR_TMO_VALUE>());
+    const bool marksLastBit = values_.get<VI_ATTR_ASRL_END_OUT>() == VI_ASRL_END_LAST_BIT;
+    const ViStatus status = marksLastBit ? writeWithLastBit(bytes, topDataBit(values_), deadline, count)
                                          : stream_->writeAll(bytes, deadline, count);
-    return status < 0 ? status : writeEnd(current, deadline);
+    return status < 0 ? status : writeEnd(deadline);
 }
 
 ViStatus InstrumentSession::writeWithLastBit(std::span<const ViByte> bytes, ViByte bit, const Deadline& deadline,
@@ -203,14 +195,14 @@ ViStatus InstrumentSession::writeWithLastBit(std::span<const ViByte> bytes, ViBy
     return VI_SUCCESS;
 }
 
-ViStatus InstrumentSession::writeEnd(const AttributeValues& values, const Deadline& deadline)
+ViStatus InstrumentSession::writeEnd(const Deadline& deadline)
 {
-    const ViUInt32 endOut = values.get(VI_ATTR_ASRL_END_OUT);
+    const ViUInt32 endOut = values_.get<VI_ATTR_ASRL_END_OUT>();
     if (endOut == VI_ASRL_END_BREAK)
         return stream_->sendBreak(deadline);
     if (endOut != VI_ASRL_END_TERMCHAR)
         return VI_SUCCESS;
-    const ViByte end = termChar(values);
+    const ViByte end = termChar(values_);
     std::size_t written = 0;
     return stream_->writeAll({&end, 1}, deadline, written);
 }
@@ -226,7 +218,7 @@ ViStatus InstrumentSession::setBuffer(ViUInt16 mask, ViUInt32 size)
     // Output leaves with viWrite and there is no formatted input, so only received bytes can be waiting to be flushed.
     if ((mask & VI_IO_IN_BUF) != 0)
         discardInput();
-    const std::lock_guard guard(valuesMutex_);
+    const std::lock_guard guard(settingMutex_);
     if ((mask & VI_READ_BUF) != 0)
         values_.set(VI_ATTR_RD_BUF_SIZE, size);
     if ((mask & VI_WRITE_BUF) != 0)

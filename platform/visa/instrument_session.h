@@ -70,22 +70,21 @@ private:
 
     bool isSerial() const { return identity_.name.kind == ResourceKind::Serial; }
     SessionClass sessionClass() const { return isSerial() ? kSerial : kSocket; }
-    AttributeValues values() const;
-    EndRule endRule(const AttributeValues& values) const;
+    EndRule endRule() const;
     ViUInt32 numberFact(const AttributeRow& row);
     std::string textFact(ViAttr attribute) const;
     ViUInt32 waitingBytes();
 
     ViStatus refill(const Deadline& deadline);
     ViStatus writeWithLastBit(std::span<const ViByte> bytes, ViByte bit, const Deadline& deadline, std::size_t& count);
-    ViStatus writeEnd(const AttributeValues& values, const Deadline& deadline);
+    ViStatus writeEnd(const Deadline& deadline);
     void discardInput();
 
     const Identity identity_;
     const std::unique_ptr<Stream> stream_;
     const std::shared_ptr<ResourceLock> lock_;
 
-    mutable std::mutex valuesMutex_; ///< guards values_
+    std::mutex settingMutex_; ///< held by the one change of values_ under way
     AttributeValues values_;
 
     std::mutex readMutex_; ///< held by the one read under way; guards carryOver_

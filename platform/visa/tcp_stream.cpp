@@ -2,7 +2,6 @@
 
 #include "backends.h"
 #include "host_error.h"
-#include "wait_status.h"
 
 #include <asio/buffer.hpp>
 
@@ -92,7 +91,7 @@ ViStatus adopt(tcp::socket& connected, tcp::socket& adopted)
         return VI_ERROR_SYSTEM_ERROR;
     adopted.assign(local.protocol(), handle, error);
     if (!error)
-        adopted.non_blocking(true, error);
+        adopted.native_non_blocking(false, error);
     if (!error)
         adopted.set_option(tcp::no_delay(true), error);
     return error ? transferStatus(error) : VI_SUCCESS;
@@ -119,39 +118,42 @@ ViStatus openTcpStream(const ResourceName& name, const Deadline& deadline, std::
     return status;
 }
 
-TcpStream::TcpStream(tcp::socket socket) : socket_(std::move(socket)) {}
+TcpStream::TcpStream(tcp::socket socket) : socket_(std::move(socket)), transfer_(handleOf(socket_)) {}
 
-ViStatus TcpStream::wait(Direction direction, const Deadline& deadline) noexcept
+/// Runs one transfer until it has moved bytes, and tells how it ended.
+template <class Transfer>
+ViStatus TcpStream::attempt(const Deadline& deadline, Transfer transfer) noexcept
 {
-    return statusOf(interrupter_.wait(handleOf(socket_), direction, deadline));
+    for (;;) {
+        const int waitMs = deadline.remainingMs(std::numeric_limits<int>::max());
+        const asio::error_code error = transfer_.stopped() ? asio::error_code() : transfer(waitMs);
+        if (transfer_.stopped())
+            return VI_ERROR_INV_OBJECT;
+        if (!error)
+            return VI_SUCCESS;
+        if (!isTransient(error))
+            return transferStatus(error);
+        // A signal, or the host's clock, may have ended the wait early; only the deadline counts.
+        if (waitMs == 0)
+            return VI_ERROR_TMO;
+    }
 }
 
 ViStatus TcpStream::readSome(std::span<ViByte> buffer, const Deadline& deadline, std::size_t& count) noexcept
 {
-    asio::error_code error;
-    do {
-        const ViStatus status = wait(Direction::Read, deadline);
-        if (status < 0)
-            return status;
-        count = socket_.read_some(asio::buffer(buffer.data(), buffer.size()), error);
-    } while (isTransient(error));
-    return error ? transferStatus(error) : VI_SUCCESS;
+    return attempt(deadline, [&](int waitMs) { return transfer_.receive(buffer, waitMs, count); });
 }
 
 ViStatus TcpStream::writeAll(std::span<const ViByte> bytes, const Deadline& deadline, std::size_t& count) noexcept
 {
     count = 0;
-    while (count < bytes.size()) {
-        const auto rest = bytes.subspan(count);
-        asio::error_code error;
-        count += socket_.write_some(asio::buffer(rest.data(), rest.size()), error);
-        if (error && !isTransient(error))
-            return transferStatus(error);
-        const ViStatus status = error ? wait(Direction::Write, deadline) : VI_SUCCESS;
-        if (status < 0)
-            return status;
+    ViStatus status = VI_SUCCESS;
+    while (status == VI_SUCCESS && count < bytes.size()) {
+        std::size_t sent = 0;
+        status = attempt(deadline, [&](int waitMs) { return transfer_.send(bytes.subspan(count), waitMs, sent); });
+        count += sent;
     }
-    return VI_SUCCESS;
+    return status;
 }
 
 void TcpStream::discardInput() noexcept
@@ -181,7 +183,7 @@ std::string TcpStream::address() const
 
 void TcpStream::interrupt() noexcept
 {
-    interrupter_.interrupt();
+    transfer_.stop();
 }
 
 } // namespace visa

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "stream.h"
-#include "wait.h"
+#include "tcp_transfer.h"
 
 #include <asio/ip/tcp.hpp>
 
@@ -14,7 +14,7 @@ namespace visa
 class TcpStream : public Stream
 {
 public:
-    /// Takes over a connected, non-blocking socket.
+    /// Takes over a connected socket in blocking mode.
     explicit TcpStream(asio::ip::tcp::socket socket);
 
     ViStatus readSome(std::span<ViByte> buffer, const Deadline& deadline, std::size_t& count) noexcept override;
@@ -25,10 +25,11 @@ public:
     void interrupt() noexcept override;
 
 private:
-    ViStatus wait(Direction direction, const Deadline& deadline) noexcept;
+    template <class Transfer>
+    ViStatus attempt(const Deadline& deadline, Transfer transfer) noexcept;
 
     asio::ip::tcp::socket socket_;
-    Interrupter interrupter_;
+    TcpTransfer transfer_;
 };
 
 } // namespace visa
