@@ -15,20 +15,33 @@ public:
     std::uint32_t draw()
     {
         const std::lock_guard lock(mutex_);
-        return static_cast<std::uint32_t>(generator_());
+        return next();
     }
 
     std::uint64_t drawTwo()
     {
         const std::lock_guard lock(mutex_);
-        const std::uint64_t low = static_cast<std::uint32_t>(generator_());
-        const std::uint64_t high = static_cast<std::uint32_t>(generator_());
+        const std::uint64_t low = next();
+        const std::uint64_t high = next();
         return high << 32U | low;
     }
 
+    std::uint64_t count()
+    {
+        const std::lock_guard lock(mutex_);
+        return count_;
+    }
+
 private:
+    std::uint32_t next()
+    {
+        ++count_;
+        return static_cast<std::uint32_t>(generator_());
+    }
+
     std::mutex mutex_;
     std::mt19937 generator_{std::random_device{}()};
+    std::uint64_t count_ = 0;
 };
 
 SharedGenerator& generator()
@@ -69,6 +82,11 @@ bool boolean()
 void discard()
 {
     generator().draw();
+}
+
+std::uint64_t drawCount()
+{
+    return generator().count();
 }
 
 } // namespace TSRO::random

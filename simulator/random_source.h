@@ -23,4 +23,7 @@ bool boolean();
 /// A draw that nobody gets.
 void discard();
 
+/// How many 32-bit draws the generator has made; a real draw takes two.
+std::uint64_t drawCount();
+
 } // namespace TSRO::random

@@ -110,8 +110,7 @@ ErrorCode OutputChannel::startList()
 
 void OutputChannel::stopList()
 {
-    const auto state = list_.run().state();
-    if (state == RunState::Running || state == RunState::Paused)
+    if (list_.run().active())
         endList();
     list_.run().stop();
 }
@@ -262,6 +261,9 @@ void OutputChannel::endList()
         setOutput(false);
         return;
     }
+    // A list that has not begun has no last group.
+    if (list_.run().state() == RunState::Ready)
+        return;
     settings_.volts = list_.presentGroup().volts;
     settings_.amperes = list_.presentGroup().amperes;
 }

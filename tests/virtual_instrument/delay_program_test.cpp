@@ -14,39 +14,39 @@ class Delay : public testing::Test
 protected:
     Delay()
     {
-        device_.control("load CH1 10");
-        device_.exchange("SOUR1:VOLT 5;CURR 1;:DELAY:GROUP:PARA 1,OFF,0.5;PARA 2,ON,1");
+        device.control("load CH1 10");
+        device.exchange("SOUR1:VOLT 5;CURR 1;:DELAY:GROUP:PARA 1,OFF,0.5;PARA 2,ON,1");
     }
 
-    std::string status() { return device_.exchange("DELAY:STATUS?"); }
-    std::string output() { return device_.exchange("OUTP:STAT? CH1"); }
-    void advance(int milliseconds) { device_.control("advance " + std::to_string(milliseconds)); }
+    std::string status() { return device.exchange("DELAY:STATUS?"); }
+    std::string output() { return device.exchange("OUTP:STAT? CH1"); }
+    void advance(int milliseconds) { device.control("advance " + std::to_string(milliseconds)); }
 
-    ManualInstrument device_;
+    ManualInstrument device;
 };
 
 constexpr const char* kStopped = "STOPPED,0.000000,0,0\n";
 
 TEST_F(Delay, SwitchesTheOutputAsItsGroupsSay)
 {
-    device_.exchange("OUTP:STAT CH1,ON");
-    EXPECT_EQ(kNoError, device_.errorOf("DELAY:STAT ON"));
+    device.exchange("OUTP:STAT CH1,ON");
+    EXPECT_EQ(kNoError, device.errorOf("DELAY:STAT ON"));
     EXPECT_EQ("RUNNING,0.500000,1,1\n", status());
     EXPECT_EQ("0\n", output());
     advance(499);
     EXPECT_EQ("RUNNING,0.001000,1,1\n", status());
     advance(1);
     EXPECT_EQ("RUNNING,1.000000,2,1\n", status());
-    EXPECT_EQ("5.000,0.500,2.500\n", device_.exchange("MEAS:ALL? CH1"));
-    EXPECT_EQ("1\n", device_.exchange("DELAY:STAT?"));
+    EXPECT_EQ("5.000,0.500,2.500\n", device.exchange("MEAS:ALL? CH1"));
+    EXPECT_EQ("1\n", device.exchange("DELAY:STAT?"));
     advance(1000);
     EXPECT_EQ(kStopped, status());
-    EXPECT_EQ("0;0\n", device_.exchange("DELAY:STAT?;:OUTP:STAT? CH1"));
+    EXPECT_EQ("0;0\n", device.exchange("DELAY:STAT?;:OUTP:STAT? CH1"));
 }
 
 TEST_F(Delay, NeitherTheOutputNorATriggerHoldsItUp)
 {
-    device_.exchange("TRIG:IN:ENAB CH1,ON;:DELAY:STAT ON");
+    device.exchange("TRIG:IN:ENAB CH1,ON;:DELAY:STAT ON");
     advance(500);
     EXPECT_EQ("RUNNING,1.000000,2,1\n", status());
     EXPECT_EQ("1\n", output());
@@ -64,7 +64,7 @@ TEST_F(Delay, EndStateDecidesAboutTheOutput)
          {Case{"OFF", "ON", "0\n"}, Case{"ON", "ON", "1\n"}, Case{"LAST", "ON", "1\n"}, Case{"OFF", "OFF", "0\n"},
           Case{"ON", "OFF", "1\n"}, Case{"LAST", "OFF", "0\n"}})
     {
-        device_.exchange(std::string("DELAY:ENDS ") + endState + ";GROUP:PARA 2," + lastGroup + ",1;:DELAY:STAT ON");
+        device.exchange(std::string("DELAY:ENDS ") + endState + ";GROUP:PARA 2," + lastGroup + ",1;:DELAY:STAT ON");
         advance(1499);
         EXPECT_EQ("RUNNING,0.001000,2,1\n", status());
         advance(1);
@@ -75,18 +75,18 @@ TEST_F(Delay, EndStateDecidesAboutTheOutput)
 
 TEST_F(Delay, SwitchingItOffBringsTheEndStateAbout)
 {
-    device_.exchange("DELAY:ENDS ON;STAT ON;STAT OFF");
+    device.exchange("DELAY:ENDS ON;STAT ON;STAT OFF");
     EXPECT_EQ(kStopped, status());
     EXPECT_EQ("1\n", output());
-    device_.exchange("DELAY:STAT OFF;:DELAY:ENDS OFF;STAT OFF");
+    device.exchange("DELAY:STAT OFF;:DELAY:ENDS OFF;STAT OFF");
     EXPECT_EQ("1\n", output());
 }
 
 TEST_F(Delay, SwitchingTheOutputOffStopsIt)
 {
-    device_.exchange("DELAY:ENDS ON;STAT ON");
+    device.exchange("DELAY:ENDS ON;STAT ON");
     advance(600);
-    device_.exchange("OUTP:STAT CH1,OFF");
+    device.exchange("OUTP:STAT CH1,OFF");
     EXPECT_EQ(kStopped, status());
     advance(10'000);
     EXPECT_EQ("0\n", output());
@@ -94,7 +94,7 @@ TEST_F(Delay, SwitchingTheOutputOffStopsIt)
 
 TEST_F(Delay, SwitchingTheOutputOnHoldsUntilTheNextGroup)
 {
-    device_.exchange("DELAY:GROUP:PARA 2,OFF,1;:DELAY:STAT ON;:OUTP:STAT CH1,ON");
+    device.exchange("DELAY:GROUP:PARA 2,OFF,1;:DELAY:STAT ON;:OUTP:STAT CH1,ON");
     EXPECT_EQ("1\n", output());
     EXPECT_EQ("RUNNING,0.500000,1,1\n", status());
     advance(500);
@@ -103,7 +103,7 @@ TEST_F(Delay, SwitchingTheOutputOnHoldsUntilTheNextGroup)
 
 TEST_F(Delay, CountsItsCyclesDown)
 {
-    device_.exchange("DELAY:CYCLEs 3;STAT ON");
+    device.exchange("DELAY:CYCLEs 3;STAT ON");
     EXPECT_EQ("RUNNING,0.500000,1,3\n", status());
     advance(1600);
     EXPECT_EQ("RUNNING,0.400000,1,2\n", status());
@@ -115,8 +115,8 @@ TEST_F(Delay, CountsItsCyclesDown)
 
 TEST_F(Delay, TheLongestOneEndsWhenItShould)
 {
-    device_.exchange("DELAY:GROUP:CLE;:DELAY:CYCLEs 99999;GEN:TIM:ON 0.001;OFF 0.001;:DELAY:GEN:POINTs 512;CONST 1");
-    device_.exchange("DELAY:STAT ON");
+    device.exchange("DELAY:GROUP:CLE;:DELAY:CYCLEs 99999;GEN:TIM:ON 0.001;OFF 0.001;:DELAY:GEN:POINTs 512;CONST 1");
+    device.exchange("DELAY:STAT ON");
     advance(51'199'487);
     EXPECT_EQ("RUNNING,0.001000,512,1\n", status());
     advance(1);
@@ -125,7 +125,7 @@ TEST_F(Delay, TheLongestOneEndsWhenItShould)
 
 TEST_F(Delay, AnEndlessOneGoesOn)
 {
-    device_.exchange("DELAY:CYCLEs 0;STAT ON");
+    device.exchange("DELAY:CYCLEs 0;STAT ON");
     for (int day = 0; day < 400; ++day)
         advance(86'400'000);
     EXPECT_EQ("RUNNING,0.500000,1,0\n", status());
@@ -133,69 +133,69 @@ TEST_F(Delay, AnEndlessOneGoesOn)
 
 TEST_F(Delay, ProtectionSeesEveryGroupOfOneLongStep)
 {
-    device_.exchange("OUTP:OCP:VAL CH1,0.3;DEL CH1,0.6;STAT CH1,ON;:DELAY:CYCLE 10;ENDS ON;STAT ON");
+    device.exchange("OUTP:OCP:VAL CH1,0.3;DEL CH1,0.6;STAT CH1,ON;:DELAY:CYCLE 10;ENDS ON;STAT ON");
     advance(1099);
     EXPECT_EQ("1\n", output());
     advance(86'400'000);
     EXPECT_EQ("0\n", output());
     EXPECT_EQ(kStopped, status());
-    EXPECT_EQ("8;10\n", device_.exchange("STAT:QUES:INST:ISUM1:COND?;EVEN?"));
+    EXPECT_EQ("8;10\n", device.exchange("STAT:QUES:INST:ISUM1:COND?;EVEN?"));
 }
 
 TEST_F(Delay, EventsOfGroupsThatHavePassedStayLatched)
 {
-    device_.exchange("DELAY:STAT ON");
+    device.exchange("DELAY:STAT ON");
     advance(5000);
-    EXPECT_EQ("0;2\n", device_.exchange("STAT:QUES:INST:ISUM1:COND?;EVEN?"));
+    EXPECT_EQ("0;2\n", device.exchange("STAT:QUES:INST:ISUM1:COND?;EVEN?"));
 }
 
 TEST_F(Delay, AGroupThatIsOnClearsAnEarlierTrip)
 {
-    device_.exchange("OUTP:OVP:VAL CH1,4;STAT CH1,ON;:OUTP:STAT CH1,ON");
-    EXPECT_EQ("4\n", device_.exchange("STAT:QUES:INST:ISUM1:COND?"));
-    device_.exchange("OUTP:OVP:STAT CH1,OFF;:DELAY:STAT ON");
-    EXPECT_EQ("4\n", device_.exchange("STAT:QUES:INST:ISUM1:COND?"));
+    device.exchange("OUTP:OVP:VAL CH1,4;STAT CH1,ON;:OUTP:STAT CH1,ON");
+    EXPECT_EQ("4\n", device.exchange("STAT:QUES:INST:ISUM1:COND?"));
+    device.exchange("OUTP:OVP:STAT CH1,OFF;:DELAY:STAT ON");
+    EXPECT_EQ("4\n", device.exchange("STAT:QUES:INST:ISUM1:COND?"));
     advance(500);
-    EXPECT_EQ("2\n", device_.exchange("STAT:QUES:INST:ISUM1:COND?"));
+    EXPECT_EQ("2\n", device.exchange("STAT:QUES:INST:ISUM1:COND?"));
 }
 
 TEST_F(Delay, CannotStartWithoutGroupsOrOnAChannelThatIsNotReady)
 {
-    device_.exchange("DELAY:GROUP:CLE");
-    EXPECT_EQ(kSettingsConflict, device_.errorOf("DELAY:STAT ON"));
-    device_.exchange("INST:SELE PAR;:DELAY:GROUP:PARA 1,ON,1");
-    EXPECT_EQ(kSettingsConflict, device_.errorOf("DELAY:STAT ON"));
-    device_.exchange("SOUR:MODE PARA");
-    EXPECT_EQ(kSettingsConflict, device_.errorOf("DELAY:STAT ON"));
+    device.exchange("DELAY:GROUP:CLE");
+    EXPECT_EQ(kSettingsConflict, device.errorOf("DELAY:STAT ON"));
+    device.exchange("INST:SELE PAR;:DELAY:GROUP:PARA 1,ON,1");
+    EXPECT_EQ(kSettingsConflict, device.errorOf("DELAY:STAT ON"));
+    device.exchange("SOUR:MODE PARA");
+    EXPECT_EQ(kSettingsConflict, device.errorOf("DELAY:STAT ON"));
     advance(500);
-    EXPECT_EQ(kNoError, device_.errorOf("DELAY:STAT ON"));
-    EXPECT_EQ("1\n", device_.exchange("OUTP:STAT? PAR"));
+    EXPECT_EQ(kNoError, device.errorOf("DELAY:STAT ON"));
+    EXPECT_EQ("1\n", device.exchange("OUTP:STAT? PAR"));
 }
 
 TEST_F(Delay, CannotStartWhileTheListIsActive)
 {
-    device_.exchange("LIST:GROUP:PARA 1,1,1,1;:LIST:STAT ON");
-    EXPECT_EQ(kSettingsConflict, device_.errorOf("DELAY:STAT ON"));
-    device_.exchange("OUTP:STAT CH1,ON");
-    EXPECT_EQ(kSettingsConflict, device_.errorOf("DELAY:STAT ON"));
-    EXPECT_EQ("RUNNING,1.000000,1,1\n", device_.exchange("LIST:STATUS?"));
+    device.exchange("LIST:GROUP:PARA 1,1,1,1;:LIST:STAT ON");
+    EXPECT_EQ(kSettingsConflict, device.errorOf("DELAY:STAT ON"));
+    device.exchange("OUTP:STAT CH1,ON");
+    EXPECT_EQ(kSettingsConflict, device.errorOf("DELAY:STAT ON"));
+    EXPECT_EQ("RUNNING,1.000000,1,1\n", device.exchange("LIST:STATUS?"));
     EXPECT_EQ(kStopped, status());
 }
 
 TEST_F(Delay, CannotBeEditedWhileItRuns)
 {
-    device_.exchange("DELAY:STAT ON");
+    device.exchange("DELAY:STAT ON");
     for (const auto* const edit :
          {"DELAY:GROUP:PARA 1,ON,1", "DELAY:GROUP:PARA 3,ON,1", "DELAY:GROUP:INS 1", "DELAY:GROUP:DEL 1",
           "DELAY:GROUP:CLE", "DELAY:GEN:CONST 1", "DELAY:CYCLE 2", "DELAY:ENDS LAST"})
-        EXPECT_EQ(kSettingsConflict, device_.errorOf(edit)) << edit;
-    EXPECT_EQ(kNoError, device_.errorOf("DELAY:GEN:SEL DEC"));
-    EXPECT_EQ("2;0,0.500000;1;OFF\n", device_.exchange("DELAY:GROUP:NUM?;PARA? 1;:DELAY:CYCLE?;ENDS?"));
+        EXPECT_EQ(kSettingsConflict, device.errorOf(edit)) << edit;
+    EXPECT_EQ(kNoError, device.errorOf("DELAY:GEN:SEL DEC"));
+    EXPECT_EQ("2;0,0.500000;1;OFF\n", device.exchange("DELAY:GROUP:NUM?;PARA? 1;:DELAY:CYCLE?;ENDS?"));
 }
 
 TEST_F(Delay, ASourceModeStopsIt)
 {
-    device_.exchange("DELAY:ENDS ON;STAT ON;:SOUR:MODE SER");
+    device.exchange("DELAY:ENDS ON;STAT ON;:SOUR:MODE SER");
     EXPECT_EQ(kStopped, status());
     advance(10'000);
     EXPECT_EQ("0\n", output());
@@ -203,18 +203,18 @@ TEST_F(Delay, ASourceModeStopsIt)
 
 TEST_F(Delay, ResetStopsAndClearsIt)
 {
-    device_.exchange("DELAY:CYCLE 5;ENDS LAST;GEN:SEL DEC;:DELAY:STAT ON;*RST");
+    device.exchange("DELAY:CYCLE 5;ENDS LAST;GEN:SEL DEC;:DELAY:STAT ON;*RST");
     EXPECT_EQ(kStopped, status());
-    EXPECT_EQ("0;1;OFF;FIX\n", device_.exchange("DELAY:GROUP:NUM?;:DELAY:CYCLE?;ENDS?;GEN:SEL?"));
+    EXPECT_EQ("0;1;OFF;FIX\n", device.exchange("DELAY:GROUP:NUM?;:DELAY:CYCLE?;ENDS?;GEN:SEL?"));
 }
 
 TEST_F(Delay, APowerCycleStopsItAndKeepsItAsThePowerOnStateSays)
 {
-    device_.exchange("OUTP:PONS:STAT CH1,LAST;:DELAY:STAT ON");
+    device.exchange("OUTP:PONS:STAT CH1,LAST;:DELAY:STAT ON");
     advance(600);
-    device_.control("power-cycle");
+    device.control("power-cycle");
     EXPECT_EQ(kStopped, status());
-    EXPECT_EQ("1;2\n", device_.exchange("OUTP:STAT? CH1;:DELAY:GROUP:NUM?"));
+    EXPECT_EQ("1;2\n", device.exchange("OUTP:STAT? CH1;:DELAY:GROUP:NUM?"));
 }
 
 class DelayGenerator : public testing::Test
@@ -223,12 +223,12 @@ protected:
     /// The groups that the settings make, without line ends.
     std::vector<std::string> construct(const std::string& settings, int from = 1)
     {
-        device_.exchange("DELAY:GEN:" + settings + ";:DELAY:GEN:CONSTruct " + std::to_string(from));
-        EXPECT_EQ(kNoError, device_.error());
-        return device_.groups("DELAY");
+        device.exchange("DELAY:GEN:" + settings + ";:DELAY:GEN:CONSTruct " + std::to_string(from));
+        EXPECT_EQ(kNoError, device.error());
+        return device.groups("DELAY");
     }
 
-    ManualInstrument device_;
+    ManualInstrument device;
 };
 
 TEST_F(DelayGenerator, FixedTimesDependOnTheSwitch)
@@ -255,20 +255,20 @@ TEST_F(DelayGenerator, TimesMayReachTheShortestAndTheLongest)
 
 TEST_F(DelayGenerator, TimesBeyondThatAreRefusedAndChangeNothing)
 {
-    device_.exchange("DELAY:GROUP:PARA 1,ON,7");
+    device.exchange("DELAY:GROUP:PARA 1,ON,7");
     for (const auto* const settings :
          {"SEL DEC;POINTs 4;TIM:BASE 0.003;STEP 0.001", "SEL DEC;POINTs 512;TIM:BASE 0.001;STEP 3600",
           "SEL INC;POINTs 3;TIM:BASE 3599.999;STEP 0.001"})
     {
-        device_.exchange(std::string("DELAY:GEN:") + settings);
-        EXPECT_EQ(kOutOfRange, device_.errorOf("DELAY:GEN:CONST 1")) << settings;
-        EXPECT_EQ("1;1,7.000000\n", device_.exchange("DELAY:GROUP:NUM?;PARA? 1")) << settings;
+        device.exchange(std::string("DELAY:GEN:") + settings);
+        EXPECT_EQ(kOutOfRange, device.errorOf("DELAY:GEN:CONST 1")) << settings;
+        EXPECT_EQ("1;1,7.000000\n", device.exchange("DELAY:GROUP:NUM?;PARA? 1")) << settings;
     }
 }
 
 TEST_F(DelayGenerator, ReplacesTheGroupsFromANumberOn)
 {
-    device_.exchange("DELAY:GROUP:PARA 1,ON,7;PARA 2,ON,8;PARA 3,ON,9");
+    device.exchange("DELAY:GROUP:PARA 1,ON,7;PARA 2,ON,8;PARA 3,ON,9");
     EXPECT_THAT(construct("POINTs 1", 2), ElementsAre("1,7.000000", "0,1.000000"));
     EXPECT_THAT(construct("POINTs 2", 3), ElementsAre("1,7.000000", "0,1.000000", "0,1.000000", "1,1.000000"));
 }

@@ -25,12 +25,9 @@ std::string validMessage(Random& random)
     const auto& commands = kvxvirtual::commandTable();
     const auto pattern = commands[random.below(commands.size())].pattern;
     std::string message(pattern.substr(0, pattern.find('|')));
-    if (pattern.ends_with('?') && !message.ends_with('?'))
-        message += '?';
     if (const auto suffix = message.find("<n>"); suffix != std::string::npos)
         message.replace(suffix, 3, 1, static_cast<char>('1' + random.below(6)));
-    const char* const kParameters[] = {"",         " CH1", " CH1,ON",      " ALL,OFF",  " 5",   " 1,2,3", " SER",
-                                       " CH5,1e3", " ON",  " 1,5,1,0.001", " 1,ON,0.5", " V,3", " UP",    " 0"};
+    const char* const kParameters[] = {"", " CH1", " CH1,ON", " ALL,OFF", " 5", " 1,2,3", " SER", " CH5,1e3"};
     return message + kParameters[random.below(std::size(kParameters))];
 }
 

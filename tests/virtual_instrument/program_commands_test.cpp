@@ -299,8 +299,7 @@ TEST(Groups, AreAtMost512)
     ManualInstrument device;
     for (int i = 1; i <= 512; ++i) {
         const auto number = std::to_string(i);
-        device.exchange("LIST:GROUP:PARA " + number + ",1,1,1");
-        device.exchange("DELAY:GROUP:PARA " + number + ",ON,1");
+        device.exchange("LIST:GROUP:PARA " + number + ",1,1,1;:DELAY:GROUP:PARA " + number + ",ON,1");
     }
     EXPECT_EQ(kTooMany, device.errorOf("LIST:GROUP:PARA 513,1,1,1"));
     EXPECT_EQ(kTooMany, device.errorOf("LIST:GROUP:INS 1"));

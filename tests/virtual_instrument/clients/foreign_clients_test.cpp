@@ -54,7 +54,7 @@ class LxiTools : public testing::Test
 protected:
     Outcome send(const std::string& command)
     {
-        return run(KVX_CLIENT_LXI, {"scpi", "--address", "127.0.0.1", "--port", std::to_string(instrument_.port()),
+        return run(KVX_CLIENT_LXI, {"scpi", "--address", "127.0.0.1", "--port", std::to_string(instrument.port()),
                                     "--timeout", "60", "--raw", command});
     }
 
@@ -68,14 +68,14 @@ protected:
     /// It leaves as soon as it has sent, so the next client must wait until the instrument has heard it.
     void expectSent(const std::string& command)
     {
-        instrument_.clearLog();
+        instrument.clearLog();
         const auto outcome = send(command);
         EXPECT_EQ(0, outcome.exitCode) << outcome.errorOutput;
         EXPECT_THAT(outcome.lines, ElementsAre());
-        EXPECT_THAT(instrument_.receivedLines(), ElementsAre(command));
+        EXPECT_THAT(instrument.receivedLines(), ElementsAre(command));
     }
 
-    VirtualInstrumentProcess instrument_{{"--load", "CH1=10"}};
+    VirtualInstrumentProcess instrument{{"--load", "CH1=10"}};
 };
 
 TEST_F(LxiTools, Ask)
