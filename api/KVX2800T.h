@@ -18,7 +18,8 @@
  * A channel parameter names outputs by their physical names: OutputChannel1 to OutputChannel4 are the outputs of the
  * instrument, OutputChannel5 is the series and OutputChannel6 the parallel combination of outputs 1 and 2. Functions
  * that configure take one name, a list ("OutputChannel1,OutputChannel3") or a range ("OutputChannel1-3"); attribute
- * getters take exactly one name. Letter case counts.
+ * getters take exactly one name. "CH1" to "CH6" stand for the six names, and virtual names of the IVI configuration
+ * store for what they map to. Letter case counts.
  *
  * @par Status
  * Every function returns 0 (VI_SUCCESS), a positive warning or a negative error. Unless a function says otherwise, an
@@ -64,17 +65,170 @@ extern "C" {
 /** @} */
 
 /**
- * @name Attributes
- * Of one channel each; for the KVX2800T_GetAttributeVi... functions.
+ * @name Status codes of the IVI specifications
+ * Those that the driver returns, by their names in IVI-3.2 section 11 (also defined by the IVI headers).
  * @{
  */
-/** ViReal64, volts: the voltage setting of a channel. */
+#ifndef IVI_ERROR_CANNOT_RECOVER
+/** The failure cannot be recovered from; the recorded text says which it was. */
+#define IVI_ERROR_CANNOT_RECOVER ((ViStatus)0xBFFA0000UL)
+#endif
+#ifndef IVI_ERROR_INSTRUMENT_STATUS
+/** The instrument has noted an error; KVX2800T_error_query tells which. */
+#define IVI_ERROR_INSTRUMENT_STATUS ((ViStatus)0xBFFA0001UL)
+#endif
+#ifndef IVI_ERROR_INVALID_ATTRIBUTE
+/** The attribute ID is unknown. */
+#define IVI_ERROR_INVALID_ATTRIBUTE ((ViStatus)0xBFFA000CUL)
+#endif
+#ifndef IVI_ERROR_IVI_ATTR_NOT_WRITABLE
+/** The attribute is read-only. */
+#define IVI_ERROR_IVI_ATTR_NOT_WRITABLE ((ViStatus)0xBFFA000DUL)
+#endif
+#ifndef IVI_ERROR_IVI_ATTR_NOT_READABLE
+/** The attribute is write-only. */
+#define IVI_ERROR_IVI_ATTR_NOT_READABLE ((ViStatus)0xBFFA000EUL)
+#endif
+#ifndef IVI_ERROR_INVALID_VALUE
+/** A parameter has an invalid value. */
+#define IVI_ERROR_INVALID_VALUE ((ViStatus)0xBFFA0010UL)
+#endif
+#ifndef IVI_ERROR_TYPES_DO_NOT_MATCH
+/** The attribute has another type. */
+#define IVI_ERROR_TYPES_DO_NOT_MATCH ((ViStatus)0xBFFA0015UL)
+#endif
+#ifndef IVI_ERROR_CHANNEL_NAME_REQUIRED
+/** No channel is named, and there is more than one. */
+#define IVI_ERROR_CHANNEL_NAME_REQUIRED ((ViStatus)0xBFFA0044UL)
+#endif
+#ifndef IVI_ERROR_BAD_OPTION_NAME
+/** The option string has an unknown name. */
+#define IVI_ERROR_BAD_OPTION_NAME ((ViStatus)0xBFFA004BUL)
+#endif
+#ifndef IVI_ERROR_BAD_OPTION_VALUE
+/** The option string has an unknown value. */
+#define IVI_ERROR_BAD_OPTION_VALUE ((ViStatus)0xBFFA004CUL)
+#endif
+#ifndef IVI_ERROR_NULL_POINTER
+/** A pointer is null. */
+#define IVI_ERROR_NULL_POINTER ((ViStatus)0xBFFA0058UL)
+#endif
+#ifndef IVI_ERROR_UNEXPECTED_RESPONSE
+/** The instrument's reply names no value that the driver knows. */
+#define IVI_ERROR_UNEXPECTED_RESPONSE ((ViStatus)0xBFFA0059UL)
+#endif
+#ifndef IVI_ERROR_ID_QUERY_FAILED
+/** The instrument's model is not supported. */
+#define IVI_ERROR_ID_QUERY_FAILED ((ViStatus)0xBFFA005EUL)
+#endif
+#ifndef IVI_ERROR_CANNOT_CHANGE_SIMULATION_STATE
+/** A simulated session stays simulated. */
+#define IVI_ERROR_CANNOT_CHANGE_SIMULATION_STATE ((ViStatus)0xBFFA0062UL)
+#endif
+#ifndef IVI_ERROR_INVALID_NUMBER_OF_LEVELS_IN_SELECTOR
+/** The channel selector has more than one level. */
+#define IVI_ERROR_INVALID_NUMBER_OF_LEVELS_IN_SELECTOR ((ViStatus)0xBFFA0063UL)
+#endif
+#ifndef IVI_ERROR_INVALID_RANGE_IN_SELECTOR
+/** The channel selector has an invalid range. */
+#define IVI_ERROR_INVALID_RANGE_IN_SELECTOR ((ViStatus)0xBFFA0064UL)
+#endif
+#ifndef IVI_ERROR_BADLY_FORMED_SELECTOR
+/** The channel selector is badly formed, names a channel twice, or names several where one is needed. */
+#define IVI_ERROR_BADLY_FORMED_SELECTOR ((ViStatus)0xBFFA0066UL)
+#endif
+#ifndef IVI_ERROR_UNKNOWN_PHYSICAL_IDENTIFIER
+/** The channel selector names an unknown channel. */
+#define IVI_ERROR_UNKNOWN_PHYSICAL_IDENTIFIER ((ViStatus)0xBFFA0067UL)
+#endif
+#ifndef IVI_WARN_NSUP_SELF_TEST
+/** The instrument has no self test. */
+#define IVI_WARN_NSUP_SELF_TEST ((ViStatus)0x3FFA0067UL)
+#endif
+/** @} */
+
+/**
+ * @name Attributes of the driver
+ * Read-only; a channel is ignored.
+ * @{
+ */
+/** ViString: "IVI-C Driver for KVX2800T". */
+#define KVX2800T_ATTR_SPECIFIC_DRIVER_DESCRIPTION 1050514
+/** ViString: "KVX2800T". */
+#define KVX2800T_ATTR_SPECIFIC_DRIVER_PREFIX 1050302
+/** ViString: "Tessaro Instruments". */
+#define KVX2800T_ATTR_SPECIFIC_DRIVER_VENDOR 1050513
+/** ViString: "1.0.0.0". */
+#define KVX2800T_ATTR_SPECIFIC_DRIVER_REVISION 1050551
+/** ViInt32: 3, of the IviDCPwr class specification. */
+#define KVX2800T_ATTR_SPECIFIC_DRIVER_CLASS_SPEC_MAJOR_VERSION 1050515
+/** ViInt32: 0. */
+#define KVX2800T_ATTR_SPECIFIC_DRIVER_CLASS_SPEC_MINOR_VERSION 1050516
+/** ViString: "IviDCPwrBase,IviDCPwrMeasurement". */
+#define KVX2800T_ATTR_GROUP_CAPABILITIES 1050401
+/** ViString: "KVX2833T". */
+#define KVX2800T_ATTR_SUPPORTED_INSTRUMENT_MODELS 1050327
+/** ViInt32: 6, the number of channels, for every model. */
+#define KVX2800T_ATTR_CHANNEL_COUNT 1050203
+/** @} */
+
+/**
+ * @name Attributes of the session
+ * A channel is ignored. Switches of things that the driver does not do take every value and keep their own.
+ * @{
+ */
+/** ViBoolean: always VI_TRUE; a value set is ignored. Levels are checked in any case. */
+#define KVX2800T_ATTR_RANGE_CHECK 1050002
+/** ViBoolean: whether the event status is checked after channels were configured or queried. Can be set. */
+#define KVX2800T_ATTR_QUERY_INSTRUMENT_STATUS 1050003
+/** ViBoolean: always VI_FALSE; a value set is ignored. Every read goes to the instrument. */
+#define KVX2800T_ATTR_CACHE 1050004
+/**
+ * ViBoolean: whether the session is simulated. VI_TRUE replaces a real instrument, whose connection is closed, by a
+ * simulated one; VI_FALSE is refused from then on (0xBFFA0062).
+ */
+#define KVX2800T_ATTR_SIMULATE 1050005
+/** ViBoolean: always VI_FALSE; a value set is ignored. */
+#define KVX2800T_ATTR_RECORD_COERCIONS 1050006
+/** ViBoolean: always VI_FALSE; a value set is ignored. */
+#define KVX2800T_ATTR_INTERCHANGE_CHECK 1050021
+/** ViString, read-only: the name that the session was opened with, if the configuration store gave its descriptor. */
+#define KVX2800T_ATTR_LOGICAL_NAME 1050305
+/** ViString, read-only: the VISA resource descriptor that the connection was opened on. */
+#define KVX2800T_ATTR_IO_RESOURCE_DESCRIPTOR 1050304
+/** ViString, read-only: the DriverSetup text of the option string or, without one, of the configuration store. */
+#define KVX2800T_ATTR_DRIVER_SETUP 1050007
+/** @} */
+
+/**
+ * @name Attributes of the instrument
+ * ViString, read-only, as the instrument identified itself; a channel is ignored.
+ * @{
+ */
+/** The maker. */
+#define KVX2800T_ATTR_INSTRUMENT_MANUFACTURER 1050511
+/** The model. */
+#define KVX2800T_ATTR_INSTRUMENT_MODEL 1050512
+/** The revision of the firmware. */
+#define KVX2800T_ATTR_INSTRUMENT_FIRMWARE_REVISION 1050510
+/** @} */
+
+/**
+ * @name Attributes of the channels
+ * They can be read, of one channel, and set, of several.
+ * @{
+ */
+/** ViReal64, volts: the voltage setting. */
 #define KVX2800T_ATTR_VOLTAGE_LEVEL 1250001
-/** ViInt32, KVX2800T_VAL_CURRENT_...: what a channel does at its current limit. */
+/** ViBoolean: whether the over-voltage protection is on. */
+#define KVX2800T_ATTR_OVP_ENABLED 1250002
+/** ViReal64, volts: the level of the over-voltage protection. */
+#define KVX2800T_ATTR_OVP_LIMIT 1250003
+/** ViInt32, KVX2800T_VAL_CURRENT_...: what the output does at its current limit; no other value can be set. */
 #define KVX2800T_ATTR_CURRENT_LIMIT_BEHAVIOR 1250004
-/** ViReal64, amperes: the current limit of a channel. */
+/** ViReal64, amperes: the current limit. Setting it sets the level of the over-current protection, too. */
 #define KVX2800T_ATTR_CURRENT_LIMIT 1250005
-/** ViBoolean: whether a channel's output is on. */
+/** ViBoolean: whether the output is on. */
 #define KVX2800T_ATTR_OUTPUT_ENABLED 1250006
 /** @} */
 
@@ -89,6 +243,42 @@ extern "C" {
 /** @} */
 
 /**
+ * @name Values of the range type
+ * @{
+ */
+/** The range is one of currents. */
+#define KVX2800T_VAL_RANGE_CURRENT 0
+/** The range is one of voltages. */
+#define KVX2800T_VAL_RANGE_VOLTAGE 1
+/** @} */
+
+/**
+ * @name Values of the output state
+ * @{
+ */
+/** The output holds its voltage. */
+#define KVX2800T_VAL_OUTPUT_CONSTANT_VOLTAGE 0
+/** The output holds its current. */
+#define KVX2800T_VAL_OUTPUT_CONSTANT_CURRENT 1
+/** The over-voltage protection has tripped. */
+#define KVX2800T_VAL_OUTPUT_OVER_VOLTAGE 2
+/** The over-current protection has tripped. */
+#define KVX2800T_VAL_OUTPUT_OVER_CURRENT 3
+/** The output holds neither its voltage nor its current. */
+#define KVX2800T_VAL_OUTPUT_UNREGULATED 4
+/** @} */
+
+/**
+ * @name Values of the measurement type
+ * @{
+ */
+/** Current, in amperes. */
+#define KVX2800T_VAL_MEASURE_CURRENT 0
+/** Voltage, in volts. */
+#define KVX2800T_VAL_MEASURE_VOLTAGE 1
+/** @} */
+
+/**
  * @name Sessions
  * @{
  */
@@ -96,7 +286,8 @@ extern "C" {
 /**
  * @brief Opens a session without options.
  *
- * @param ResourceName  VISA resource descriptor of the instrument; null is "".
+ * @param ResourceName  VISA resource descriptor of the instrument, or the name of a driver session or a logical name of
+ *                      the IVI configuration store, which supplies the descriptor; null is "".
  * @param IdQuery       VI_TRUE: fail unless the instrument's model is one the driver supports (KVX2833T). The simulated
  *                      instrument's model is not.
  * @param Reset         not VI_FALSE: send "*RST". Init succeeds even when the reset fails.
@@ -113,14 +304,15 @@ ViStatus _VI_FUNC KVX2800T_init(ViRsrc ResourceName, ViBoolean IdQuery, ViBoolea
 /**
  * @brief Opens a session with options.
  *
- * @param ResourceName  as for KVX2800T_init; ignored when simulating.
+ * @param ResourceName  as for KVX2800T_init; when simulating, nothing is opened on it.
  * @param IdQuery       as for KVX2800T_init.
  * @param Reset         as for KVX2800T_init.
  * @param OptionString  "Name=Value" pairs separated by commas, in any letter case; null is "". Names: Cache,
  *                      InterchangeCheck, QueryInstrStatus, RangeCheck, RecordCoercions, Simulate. Values: True,
  *                      VI_TRUE, 1, False, VI_FALSE, 0. "DriverSetup=..." comes last and holds "Name:Value" pairs, of
  *                      which "Model" has an effect. Without an entry: Cache and RangeCheck are on, the others off.
- *                      With QueryInstrStatus on, the instrument's event status is checked after every configuration.
+ *                      With QueryInstrStatus on, the instrument's event status is checked after every function that
+ *                      configures or queries channels.
  * @param Vi            receives the session, or 0 on failure.
  *
  * @return as KVX2800T_init; 0xBFFA004B and 0xBFFA004C for an unknown option name or value, and for InterchangeCheck,
@@ -315,17 +507,128 @@ ViStatus _VI_FUNC KVX2800T_ConfigureVoltageLevel(ViSession vi, ViConstString cha
 ViStatus _VI_FUNC KVX2800T_ConfigureCurrentLimit(ViSession vi, ViConstString channelName, ViInt32 behavior,
                                                  ViReal64 limit);
 
+/**
+ * @brief Sets the over-voltage protection; sends ":SOUR1:VOLT:PROT 6.000000" and ":SOUR1:VOLT:PROT:STAT ON".
+ *
+ * @param vi           the session.
+ * @param channelName  the channels.
+ * @param enabled      VI_FALSE: off; anything else: on.
+ * @param limit        volts; sent to the instrument also when the protection is switched off, and judged by it alone.
+ * @return 0, or a common status code.
+ */
+ViStatus _VI_FUNC KVX2800T_ConfigureOVP(ViSession vi, ViConstString channelName, ViBoolean enabled, ViReal64 limit);
+
+/**
+ * @brief Does nothing: the channels have one range each. Sends nothing; channelName is checked.
+ *
+ * @param vi           the session.
+ * @param channelName  the channels.
+ * @param rangeType    any value.
+ * @param range        any value.
+ * @return 0, or a common status code for channelName.
+ */
+ViStatus _VI_FUNC KVX2800T_ConfigureOutputRange(ViSession vi, ViConstString channelName, ViInt32 rangeType,
+                                                ViReal64 range);
+
+/**
+ * @brief Does nothing: switching an output on ends a trip. Sends nothing; channelName is checked.
+ *
+ * @param vi           the session.
+ * @param channelName  the channels.
+ * @return 0, or a common status code for channelName.
+ */
+ViStatus _VI_FUNC KVX2800T_ResetOutputProtection(ViSession vi, ViConstString channelName);
+
+/** @} */
+
+/**
+ * @name Queries and measurement
+ *
+ * Each function asks every channel that channelName selects, in that order; the result is the last channel's. The first
+ * failure ends the call, and the result is then the last one that was read. The source mode is not changed.
+ *
+ * Common status codes: 0xBFFA0058 for a null result pointer, 0xBFFA0044 and 0xBFFA0063 to 0xBFFA0067 for channelName,
+ * KVX2800T_ERROR_IO, and 0xBFFA0001 when status checking is on and the instrument has noted an error.
+ * @{
+ */
+
+/**
+ * @brief Tells the largest current that a channel takes; asks the instrument nothing but, with status checking
+ *        on, its event status.
+ *
+ * @param vi               the session.
+ * @param channelName      the channels.
+ * @param voltageLevel     any value: the limit is the same at every voltage.
+ * @param maxCurrentLimit  receives amperes: 3.2 (channels 1, 2, 3 and 5), 10.5 (4) or 6.4 (6).
+ * @return 0, or a common status code.
+ */
+ViStatus _VI_FUNC KVX2800T_QueryMaxCurrentLimit(ViSession vi, ViConstString channelName, ViReal64 voltageLevel,
+                                                ViReal64* maxCurrentLimit);
+
+/**
+ * @brief Tells the largest voltage that a channel takes; asks the instrument nothing but, with status checking
+ *        on, its event status.
+ *
+ * @param vi               the session.
+ * @param channelName      the channels.
+ * @param currentLimit     any value: the limit is the same at every current.
+ * @param maxVoltageLevel  receives volts: 33 (channels 1, 2 and 6), 16 (3), 6.2 (4) or 66 (5).
+ * @return 0, or a common status code.
+ */
+ViStatus _VI_FUNC KVX2800T_QueryMaxVoltageLevel(ViSession vi, ViConstString channelName, ViReal64 currentLimit,
+                                                ViReal64* maxVoltageLevel);
+
+/**
+ * @brief Tells whether an output is in a state.
+ *
+ * @param vi           the session.
+ * @param channelName  the channels.
+ * @param outputState  KVX2800T_VAL_OUTPUT_... Constant voltage and constant current are asked of the instrument
+ *                     (":STATus:QUEStionable:INSTrument:ISUMmary1:CONDition?"); the other three are never reported.
+ *                     Another value is no error and leaves inState as it is.
+ * @param inState      receives VI_TRUE or VI_FALSE.
+ * @return 0, or a common status code.
+ */
+ViStatus _VI_FUNC KVX2800T_QueryOutputState(ViSession vi, ViConstString channelName, ViInt32 outputState,
+                                            ViBoolean* inState);
+
+/**
+ * @brief Reads the level that is set: ":SOUR1:CURR?" or ":SOUR1:VOLT?". The output's meters are not read.
+ *
+ * @param vi               the session.
+ * @param channelName      the channels.
+ * @param measurementType  KVX2800T_VAL_MEASURE_...
+ * @param measurement      receives amperes or volts.
+ * @return 0; KVX2800T_ERROR_VALUE_OUT_OF_RANGE for another measurementType; or a common status code.
+ */
+ViStatus _VI_FUNC KVX2800T_Measure(ViSession vi, ViConstString channelName, ViInt32 measurementType,
+                                   ViReal64* measurement);
+
+/**
+ * @brief Tells the name of a channel by its number; asks nothing of the instrument.
+ *
+ * @param vi          the session.
+ * @param index       1 to 6.
+ * @param bufferSize  bytes in name. A name that does not fit is cut without a word; for 0 or less, nothing is written.
+ * @param name        receives "OutputChannel1" to "OutputChannel6".
+ * @return 0; 0xBFFA0058 when name is null; 0xBFFA0010 for another index, with index - 1 in the recorded text.
+ */
+ViStatus _VI_FUNC KVX2800T_GetChannelName(ViSession vi, ViInt32 index, ViInt32 bufferSize, ViChar name[]);
+
 /** @} */
 
 /**
  * @name Attribute access
  *
- * Each getter asks the instrument for the present value: ":SOUR1:VOLT?", ":SOUR1:CURR?", ":SOUR1:CURR:PROT:STAT?",
- * ":OUTP:STAT? CH1". The source mode is not changed. The value stays as it was when the call fails.
+ * Getters of channel attributes ask the instrument for the present value: ":SOUR1:VOLT?", ":SOUR1:VOLT:PROT:STAT?",
+ * ":SOUR1:VOLT:PROT?", ":SOUR1:CURR:PROT:STAT?", ":SOUR1:CURR?", ":OUTP:STAT? CH1"; the source mode is not changed, and
+ * the value stays as it was when the call fails. Setters work like the functions that configure outputs: several
+ * channels, source mode, status check.
  *
  * Status codes: 0xBFFA0058 for a null AttributeValue, 0xBFFA000C for an unknown AttributeID, 0xBFFA0015 for an
- * attribute of another type, 0xBFFA0044 and 0xBFFA0063 to 0xBFFA0067 for a RepCapIdentifier that does not name exactly
- * one channel, 0xBFFA0059 for a reply that names no value of the attribute, KVX2800T_ERROR_IO.
+ * attribute of another type, 0xBFFA000D for setting a read-only one, 0xBFFA0044 and 0xBFFA0063 to 0xBFFA0067 for a
+ * RepCapIdentifier that does not name channels (getters: exactly one), KVX2800T_ERROR_VALUE_OUT_OF_RANGE for a value
+ * that the channel does not take, KVX2800T_ERROR_IO.
  * @{
  */
 
@@ -364,6 +667,94 @@ ViStatus _VI_FUNC KVX2800T_GetAttributeViReal64(ViSession Vi, ViConstString RepC
  */
 ViStatus _VI_FUNC KVX2800T_GetAttributeViBoolean(ViSession Vi, ViConstString RepCapIdentifier, ViAttr AttributeID,
                                                  ViBoolean* AttributeValue);
+
+/**
+ * @brief Reads a ViSession attribute. The driver has none: every known attribute is of another type.
+ *
+ * @param Vi                the session.
+ * @param RepCapIdentifier  the channel.
+ * @param AttributeID       the attribute, one of KVX2800T_ATTR_...
+ * @param AttributeValue    is not written.
+ * @return a status code of the group.
+ */
+ViStatus _VI_FUNC KVX2800T_GetAttributeViSession(ViSession Vi, ViConstString RepCapIdentifier, ViAttr AttributeID,
+                                                 ViSession* AttributeValue);
+
+/**
+ * @brief Reads a ViString attribute.
+ *
+ * @param Vi                        the session.
+ * @param RepCapIdentifier          ignored.
+ * @param AttributeID               the attribute, one of KVX2800T_ATTR_...
+ * @param AttributeValueBufferSize  bytes in AttributeValue, the NUL included. 0: nothing is read. Negative: the buffer
+ * is large enough for any text.
+ * @param AttributeValue            receives the text, cut if need be; may be null when the size is 0.
+ * @return 0; 4096, which is enough for every text, when the size is 0 or the text fills the buffer to its end, cut or
+ *         not; or a status code of the group.
+ */
+ViStatus _VI_FUNC KVX2800T_GetAttributeViString(ViSession Vi, ViConstString RepCapIdentifier, ViAttr AttributeID,
+                                                ViInt32 AttributeValueBufferSize, ViChar AttributeValue[]);
+
+/**
+ * @brief Sets a ViInt32 attribute.
+ *
+ * @param Vi                the session.
+ * @param RepCapIdentifier  the channels; ignored by attributes that have none.
+ * @param AttributeID       the attribute, one of KVX2800T_ATTR_...
+ * @param AttributeValue    the value.
+ * @return 0, or a status code of the group.
+ */
+ViStatus _VI_FUNC KVX2800T_SetAttributeViInt32(ViSession Vi, ViConstString RepCapIdentifier, ViAttr AttributeID,
+                                               ViInt32 AttributeValue);
+
+/**
+ * @brief Sets a ViReal64 attribute.
+ *
+ * @param Vi                the session.
+ * @param RepCapIdentifier  the channels; ignored by attributes that have none.
+ * @param AttributeID       the attribute, one of KVX2800T_ATTR_...
+ * @param AttributeValue    the value.
+ * @return 0, or a status code of the group.
+ */
+ViStatus _VI_FUNC KVX2800T_SetAttributeViReal64(ViSession Vi, ViConstString RepCapIdentifier, ViAttr AttributeID,
+                                                ViReal64 AttributeValue);
+
+/**
+ * @brief Sets a ViBoolean attribute; for KVX2800T_ATTR_SIMULATE only VI_TRUE is true, elsewhere everything but
+ * VI_FALSE.
+ *
+ * @param Vi                the session.
+ * @param RepCapIdentifier  the channels; ignored by attributes that have none.
+ * @param AttributeID       the attribute, one of KVX2800T_ATTR_...
+ * @param AttributeValue    the value.
+ * @return 0, or a status code of the group.
+ */
+ViStatus _VI_FUNC KVX2800T_SetAttributeViBoolean(ViSession Vi, ViConstString RepCapIdentifier, ViAttr AttributeID,
+                                                 ViBoolean AttributeValue);
+
+/**
+ * @brief Sets a ViSession attribute. The driver has none.
+ *
+ * @param Vi                the session.
+ * @param RepCapIdentifier  the channels; ignored by attributes that have none.
+ * @param AttributeID       the attribute, one of KVX2800T_ATTR_...
+ * @param AttributeValue    the value.
+ * @return 0, or a status code of the group.
+ */
+ViStatus _VI_FUNC KVX2800T_SetAttributeViSession(ViSession Vi, ViConstString RepCapIdentifier, ViAttr AttributeID,
+                                                 ViSession AttributeValue);
+
+/**
+ * @brief Sets a ViString attribute. The driver's are all read-only.
+ *
+ * @param Vi                the session.
+ * @param RepCapIdentifier  the channels; ignored by attributes that have none.
+ * @param AttributeID       the attribute, one of KVX2800T_ATTR_...
+ * @param AttributeValue    the value.
+ * @return 0, or a status code of the group.
+ */
+ViStatus _VI_FUNC KVX2800T_SetAttributeViString(ViSession Vi, ViConstString RepCapIdentifier, ViAttr AttributeID,
+                                                ViConstString AttributeValue);
 
 /** @} */
 

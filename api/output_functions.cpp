@@ -1,8 +1,7 @@
 #include "api/KVX2800T.h"
 
-#include "api/frame.h"
-#include "runtime/selector.h"
-#include "runtime/source_mode.h"
+#include "api/attribute_accessors.h"
+#include "api/channels.h"
 
 using drivekit::DriverSession;
 using TSRO::InstBase;
@@ -10,26 +9,12 @@ using TSRO::InstBase;
 namespace
 {
 
-/// Applies an operation to every channel that a selector names, each in the source mode it needs. Ends at the first
-/// status that is not 0: the channels before it stay changed, the ones behind it untouched.
-template <class Operation>
-ViStatus configureChannels(ViSession vi, ViConstString channelName, Operation operation)
+/// For functions of the instrument class that the instrument has no command for: only the channel names are checked.
+ViStatus checkChannels(ViSession vi, ViConstString channelName)
 {
-    return api::framedSession(vi, [&](DriverSession& session) {
+    return api::framedSession(vi, [channelName](DriverSession& session) {
         drivekit::OutputSelection channels;
-        ViStatus status = drivekit::resolveSelector(session, channelName, channels);
-        if (status < 0)
-            return status;
-        InstBase& instrument = *session.instrument();
-        for (const auto& name : channels) {
-            const ViInt32 channel = drivekit::channelOf(name);
-            status = drivekit::ensureSourceMode(instrument, channel);
-            if (status == VI_SUCCESS)
-                status = operation(instrument, channel);
-            if (status != VI_SUCCESS)
-                return api::recordFailure(session, status);
-        }
-        return session.CheckStatus();
+        return drivekit::resolveSelector(session, channelName, channels);
     });
 }
 
@@ -37,22 +22,18 @@ ViStatus configureChannels(ViSession vi, ViConstString channelName, Operation op
 
 ViStatus _VI_FUNC KVX2800T_ConfigureOutputEnabled(ViSession vi, ViConstString channelName, ViBoolean enabled)
 {
-    return configureChannels(vi, channelName, [enabled](InstBase& instrument, ViInt32 channel) {
-        return instrument.setOutputEnabled(channel, enabled != VI_FALSE);
-    });
+    return api::KVX2800T_set_OUTPUT_ENABLED(vi, channelName, enabled);
 }
 
 ViStatus _VI_FUNC KVX2800T_ConfigureVoltageLevel(ViSession vi, ViConstString channelName, ViReal64 level)
 {
-    return configureChannels(vi, channelName, [level](InstBase& instrument, ViInt32 channel) {
-        return instrument.setVoltageLevel(channel, level);
-    });
+    return api::KVX2800T_set_VOLTAGE_LEVEL(vi, channelName, level);
 }
 
 ViStatus _VI_FUNC KVX2800T_ConfigureCurrentLimit(ViSession vi, ViConstString channelName, ViInt32 behavior,
                                                  ViReal64 limit)
 {
-    return configureChannels(vi, channelName, [behavior, limit](InstBase& instrument, ViInt32 channel) {
+    return api::configureChannels(vi, channelName, [behavior, limit](InstBase& instrument, ViInt32 channel) {
         ViStatus status = instrument.setCurrentLevel(channel, limit);
         if (status == VI_SUCCESS)
             status = instrument.setCurrentProtectionLevel(channel, limit);
@@ -60,4 +41,25 @@ ViStatus _VI_FUNC KVX2800T_ConfigureCurrentLimit(ViSession vi, ViConstString cha
             status = instrument.setCurrentProtectionEnabled(channel, behavior == KVX2800T_VAL_CURRENT_TRIP);
         return status;
     });
+}
+
+ViStatus _VI_FUNC KVX2800T_ConfigureOVP(ViSession vi, ViConstString channelName, ViBoolean enabled, ViReal64 limit)
+{
+    return api::configureChannels(vi, channelName, [enabled, limit](InstBase& instrument, ViInt32 channel) {
+        const ViStatus status = instrument.setVoltageProtectionLevel(channel, limit);
+        if (status != VI_SUCCESS)
+            return status;
+        return instrument.setVoltageProtectionEnabled(channel, enabled != VI_FALSE);
+    });
+}
+
+ViStatus _VI_FUNC KVX2800T_ConfigureOutputRange(ViSession vi, ViConstString channelName, ViInt32 /*rangeType*/,
+                                                ViReal64 /*range*/)
+{
+    return checkChannels(vi, channelName);
+}
+
+ViStatus _VI_FUNC KVX2800T_ResetOutputProtection(ViSession vi, ViConstString channelName)
+{
+    return checkChannels(vi, channelName);
 }

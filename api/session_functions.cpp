@@ -1,6 +1,7 @@
 #include "api/KVX2800T.h"
 
 #include "api/arguments.h"
+#include "api/attribute_table.h"
 #include "api/frame.h"
 #include "runtime/close_listeners.h"
 #include "runtime/driver_identity.h"
@@ -29,7 +30,7 @@ ViStatus createSession(ViRsrc resourceName, ViBoolean idQuery, ViBoolean reset, 
     if (status < 0)
         return status;
     // KVX2800T_close deletes it; the session service holds nothing but the pointer.
-    DriverSession* const session = new KVX2800TDriverSession(*vi);
+    DriverSession* const session = new KVX2800TDriverSession(*vi, api::attributeRegistry());
     status = IviSession_SetDataPtr(*vi, session);
     if (status >= 0)
         status = session->Initialize(textOrEmpty(resourceName), idQuery == VI_TRUE, reset == VI_TRUE,

@@ -31,6 +31,8 @@ kvx_add_layer(simulator
     simulator/kvx2800t_simulator_source.cpp
     simulator/random_source.cpp)
 kvx_add_layer(runtime
+    runtime/attribute_dispatch.cpp
+    runtime/attribute_registry.cpp
     runtime/close_listeners.cpp
     runtime/configuration_store.cpp
     runtime/driver_identity.cpp
@@ -42,12 +44,15 @@ kvx_add_layer(runtime
     runtime/selector_grammar.cpp
     runtime/source_mode.cpp
     runtime/text_list.cpp
-    runtime/tick_clock.cpp)
+    runtime/tick_clock.cpp
+    runtime/virtual_names.cpp)
 kvx_add_layer(api
     api/arguments.cpp
     api/attribute_accessors.cpp
     api/attribute_functions.cpp
+    api/attribute_table.cpp
     api/output_functions.cpp
+    api/query_functions.cpp
     api/session_functions.cpp)
 set(KVX_LAYERS kvx_io kvx_instrument kvx_simulator kvx_runtime kvx_api)
 list(TRANSFORM KVX_LAYERS REPLACE "(.+)" "$<TARGET_OBJECTS:\\1>" OUTPUT_VARIABLE driver_objects)

@@ -7,8 +7,9 @@ target_compile_options(kvx_options INTERFACE $<$<COMPILE_LANG_AND_ID:CXX,GNU>:-W
 
 set(KVX_SANITIZE "" CACHE STRING "Sanitizers to build with, as -fsanitize takes them (address,undefined or thread)")
 if(KVX_SANITIZE)
+    # -g1: enough for the lines of a report, and half the size.
     target_compile_options(kvx_options INTERFACE -fsanitize=${KVX_SANITIZE} -fno-sanitize-recover=all
-                                                 -fno-omit-frame-pointer)
+                                                 -fno-omit-frame-pointer -g1)
     target_link_options(kvx_options INTERFACE -fsanitize=${KVX_SANITIZE})
 endif()
 

@@ -68,14 +68,19 @@ void Header::appendQueryTo(std::string& line) const
 void Header::appendSource(std::string& line) const
 {
     std::string_view rest = text_;
-    std::string_view node = takeNode(rest);
-    if (node.empty())
+    const std::string_view first = takeNode(rest);
+    if (first.empty())
         return;
     appendNode(line, kSourceNode);
     appendNumber(line, channel_);
-    if (node.starts_with(kSourceNode))
-        node = takeNode(rest);
-    for (; !node.empty(); node = takeNode(rest))
+    if (!first.starts_with(kSourceNode))
+        appendNode(line, first);
+    const bool hasEmptyNodes = rest.ends_with(':') || rest.find("::") != std::string_view::npos;
+    if (!hasEmptyNodes) {
+        line += rest;
+        return;
+    }
+    for (std::string_view node = takeNode(rest); !node.empty(); node = takeNode(rest))
         appendNode(line, node);
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "instrument/ascii.h"
 #include "instrument/enumerations.h"
 
 #include <optional>
@@ -30,9 +31,20 @@ public:
     std::string_view keyword(ViInt32 value) const;
 
     /// The value that `reply`, as a whole and whatever its letter case, names; nothing when no keyword is equal.
-    std::optional<ViInt32> value(std::string_view reply) const;
+    constexpr std::optional<ViInt32> value(std::string_view reply) const
+    {
+        for (const KeywordEntry& entry : entries_)
+            if (names(entry.keyword, reply) || names(entry.alternate, reply))
+                return entry.value;
+        return std::nullopt;
+    }
 
 private:
+    static constexpr bool names(std::string_view keyword, std::string_view reply)
+    {
+        return !keyword.empty() && ascii::equalIgnoringCase(keyword, reply);
+    }
+
     std::span<const KeywordEntry> entries_;
 };
 

@@ -20,9 +20,10 @@ ViStatus KVX2800T::selectChannel(ViInt32 channel)
 
 ViStatus KVX2800T::selectedChannel(ViInt32& channel)
 {
-    ChannelName selected{channel};
+    ChannelName selected{};
     const ViStatus status = port_.get(":INST:SELE?", selected);
-    channel = selected.channel;
+    if (status >= 0)
+        channel = selected.channel;
     return status;
 }
 

@@ -51,7 +51,7 @@ ViStatus VisaIO::read(std::string& reply)
     const ViStatus status = viRead(session_, readBuffer_.data(), static_cast<ViUInt32>(readBuffer_.size()), &count);
     if (status < 0 || count == 0)
         return status;
-    reply.assign(readBuffer_.begin(), readBuffer_.begin() + count);
+    reply.assign(reinterpret_cast<const char*>(readBuffer_.data()), count);
     if (stripTermChar_ && reply.back() == static_cast<char>(termChar_))
         reply.pop_back();
     return status;

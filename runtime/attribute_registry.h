@@ -10,12 +10,25 @@
 namespace drivekit
 {
 
+class DriverSession;
+
 /// The functions behind an attribute of one value type; a null setter makes it read-only, a null getter write-only.
 template <class Value>
 struct Accessors
 {
     using Getter = ViStatus(_VI_FUNC*)(ViSession vi, ViConstString channel, Value* value);
     using Setter = ViStatus(_VI_FUNC*)(ViSession vi, ViConstString channel, Value value);
+
+    Getter getter = nullptr;
+    Setter setter = nullptr;
+};
+
+/// A getter of text fills a buffer of `bufferSize` bytes, cutting the text if need be.
+template <>
+struct Accessors<ViString>
+{
+    using Getter = ViStatus(_VI_FUNC*)(ViSession vi, ViConstString channel, ViInt32 bufferSize, ViChar value[]);
+    using Setter = ViStatus(_VI_FUNC*)(ViSession vi, ViConstString channel, ViConstString value);
 
     Getter getter = nullptr;
     Setter setter = nullptr;
@@ -30,18 +43,26 @@ template <>
 inline constexpr std::string_view kTypeName<ViReal64> = "ViReal64";
 template <>
 inline constexpr std::string_view kTypeName<ViBoolean> = "ViBoolean";
+template <>
+inline constexpr std::string_view kTypeName<ViString> = "ViString";
+/// No attribute has this type; functions that ask for it exist nevertheless.
+template <>
+inline constexpr std::string_view kTypeName<ViSession> = "ViSession";
 
 /// One attribute: its ID, its name and its functions, which fix its value type.
 struct AttributeInfo
 {
     ViAttr id;
     std::string_view name;
-    std::variant<Accessors<ViInt32>, Accessors<ViReal64>, Accessors<ViBoolean>> accessors;
+    std::variant<Accessors<ViInt32>, Accessors<ViReal64>, Accessors<ViBoolean>, Accessors<ViString>> accessors;
 
     constexpr std::string_view typeName() const
     {
         return std::visit([]<class Value>(const Accessors<Value>&) { return kTypeName<Value>; }, accessors);
     }
+
+    /// Marks what `session` remembers of the attribute invalid: for one channel ("" without channels), or for all.
+    void invalidate(DriverSession& session, bool allChannels, std::string_view channel) const;
 };
 
 /// The attributes of a driver: rows in ascending order of their IDs. Constant: any thread may read.
@@ -57,6 +78,10 @@ public:
                                           [](const AttributeInfo& info, ViAttr wanted) { return info.id < wanted; });
         return row != attributes_.end() && row->id == id ? &*row : nullptr;
     }
+
+    auto begin() const { return attributes_.begin(); }
+    auto end() const { return attributes_.end(); }
+    std::size_t size() const { return attributes_.size(); }
 
 private:
     std::span<const AttributeInfo> attributes_;

@@ -1,11 +1,37 @@
 #include "runtime/driver_session.h"
 
+#include "runtime/attribute_registry.h"
 #include "runtime/driver_identity.h"
+#include "runtime/repeated_capability.h"
 
 #include <utility>
 
 namespace drivekit
 {
+namespace
+{
+
+template <class Value>
+const Value* find(const NamedValues<Value>& values, std::string_view name)
+{
+    const auto found = values.find(name);
+    return found == values.end() ? nullptr : &found->second;
+}
+
+/// "CH1" to "CH6" stand for the physical names, in their order.
+bool appendChannelAlias(std::string_view token, std::string& text)
+{
+    constexpr std::string_view kPrefix = "CH";
+    if (token.size() != kPrefix.size() + 1 || !token.starts_with(kPrefix))
+        return false;
+    const std::size_t position = static_cast<std::size_t>(token.back() - '1');
+    if (token.back() < '1' || position >= RepCapBase<OutputChannel>::kCount)
+        return false;
+    text += RepCapBase<OutputChannel>::physicalName(position).text();
+    return true;
+}
+
+} // namespace
 
 ViStatus DriverSession::Initialize(const std::string& resourceName, bool idQuery, bool reset,
                                    const std::string& optionString)
@@ -225,9 +251,84 @@ ViInt32 DriverSession::settlingTimeMs() const
     return settlingTimeMs_;
 }
 
+const NamedValues<bool>& DriverSession::configuredBooleans() const
+{
+    return configuredBooleans_;
+}
+
+const NamedValues<ViInt32>& DriverSession::configuredIntegers() const
+{
+    return configuredIntegers_;
+}
+
+const NamedValues<ViReal64>& DriverSession::configuredReals() const
+{
+    return configuredReals_;
+}
+
+const NamedValues<std::string>& DriverSession::configuredStrings() const
+{
+    return configuredStrings_;
+}
+
+const std::string* DriverSession::configuredString(std::string_view name) const
+{
+    return find(configuredStrings_, name);
+}
+
+const ViInt32* DriverSession::configuredInteger(std::string_view name) const
+{
+    return find(configuredIntegers_, name);
+}
+
+const ViReal64* DriverSession::configuredReal(std::string_view name) const
+{
+    return find(configuredReals_, name);
+}
+
+const bool* DriverSession::configuredBoolean(std::string_view name) const
+{
+    return find(configuredBooleans_, name);
+}
+
+const VirtualNames& DriverSession::virtualNames() const
+{
+    return virtualNames_;
+}
+
+const NamedValues<std::vector<std::string>>& DriverSession::physicalNames() const
+{
+    return physicalNames_;
+}
+
+bool DriverSession::mappedText(std::string_view token, std::string& text) const
+{
+    return virtualNames_.append(token, text) || appendChannelAlias(token, text);
+}
+
+const NamedValues<std::string>& DriverSession::driverSetupOptions() const
+{
+    return driverSetupOptions_;
+}
+
+const NamedValues<std::string>& DriverSession::inherentOptionTable() const
+{
+    return inherentOptions_;
+}
+
+const std::string* DriverSession::driverSetupOption(std::string_view name) const
+{
+    return find(driverSetupOptions_, name);
+}
+
 bool DriverSession::IsModelSupported() const
 {
     return !familyOfModel(model_).empty();
+}
+
+bool DriverSession::namesStoreEntry() const
+{
+    return namesStoreEntry_;
 }
 
 bool DriverSession::IsModel(std::string_view name) const
@@ -239,6 +340,11 @@ bool DriverSession::IsModelOfFamily(std::string_view model, std::string_view fam
 {
     const std::string_view found = familyOfModel(model);
     return !found.empty() && found == family;
+}
+
+const std::string& DriverSession::connectionDescriptor() const
+{
+    return connectionDescriptor_;
 }
 
 ViStatus DriverSession::ReportError(ViStatus code, MessageArguments arguments)
@@ -257,10 +363,15 @@ ViStatus DriverSession::ReportErrorText(ViStatus code, std::string_view text, Me
     return drivekit::ReportErrorText(vi_, code, text, arguments);
 }
 
-void DriverSession::InvalidateAllAttributes() {}
-
-void DriverSession::setInstrument(std::shared_ptr<TSRO::InstBase> instrument)
+void DriverSession::InvalidateAllAttributes()
 {
+    for (const AttributeInfo& attribute : attributes_)
+        attribute.invalidate(*this, true, {});
+}
+
+void DriverSession::setInstrument(std::shared_ptr<TSRO::InstBase> instrument, bool simulated)
+{
+    runsSimulated_ = simulated;
     if (const auto previous = std::exchange(instrument_, std::move(instrument)))
         previous->close();
 }

@@ -2,7 +2,9 @@
 
 #include "instrument/inst_base.h"
 #include "instrument/option_grammar.h"
+#include "runtime/attribute_cache.h"
 #include "runtime/error_messages.h"
+#include "runtime/virtual_names.h"
 
 #include <IviConfigServer.h>
 
@@ -10,9 +12,17 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <tuple>
+#include <vector>
 
 namespace drivekit
 {
+
+class AttributeRegistry;
+
+/// Values by name.
+template <class Value>
+using NamedValues = std::map<std::string, Value, std::less<>>;
 
 /// What stands behind a `ViSession`: the session service's data pointer of a session leads here.
 class IoSession
@@ -34,9 +44,10 @@ protected:
 class DriverSession : public IoSession
 {
 public:
-    using IoSession::IoSession;
+    /// `attributes` are those of the driver; they outlive the session.
+    DriverSession(ViSession vi, const AttributeRegistry& attributes) : IoSession(vi), attributes_(attributes) {}
 
-    /// Creates the instrument object and opens it.
+    /// Creates the instrument object and opens it on the session's connection descriptor.
     virtual ViStatus OpenInstrument() = 0;
 
     /// Closes the instrument's connection.
@@ -93,6 +104,7 @@ public:
     virtual bool idQuery() const;
     /// Init's Reset was VI_TRUE.
     virtual bool reset() const;
+    /// The resource name, when it named an entry of the configuration store that has a descriptor; otherwise "".
     virtual const std::string& logicalName() const;
     /// The I/O resource descriptor of the hardware asset that the configuration store names; "" when it names none.
     virtual const std::string& ioResourceDescriptor() const;
@@ -112,10 +124,41 @@ public:
     virtual bool interchangeCheckSupported() const;
     virtual ViInt32 settlingTimeMs() const;
 
+    // The configurable initial settings of the configuration store, by name.
+    virtual const NamedValues<bool>& configuredBooleans() const;
+    virtual const NamedValues<ViInt32>& configuredIntegers() const;
+    virtual const NamedValues<ViReal64>& configuredReals() const;
+    virtual const NamedValues<std::string>& configuredStrings() const;
+
+    // One setting of a type; null when the store has none of that name.
+    virtual const std::string* configuredString(std::string_view name) const;
+    virtual const ViInt32* configuredInteger(std::string_view name) const;
+    virtual const ViReal64* configuredReal(std::string_view name) const;
+    virtual const bool* configuredBoolean(std::string_view name) const;
+
+    /// The virtual names of the store's driver sessions.
+    virtual const VirtualNames& virtualNames() const;
+    /// The physical names that the store lists for the driver, by repeated capability.
+    virtual const NamedValues<std::vector<std::string>>& physicalNames() const;
+    /// Appends the selector text that a token stands for, as a virtual name or, failing that, as "CH1" to "CH6"; false,
+    /// and nothing appended, when it stands for itself.
+    virtual bool mappedText(std::string_view token, std::string& text) const;
+
+    /// The pairs of the DriverSetup text, and the inherent options that option strings have given.
+    virtual const NamedValues<std::string>& driverSetupOptions() const;
+    virtual const NamedValues<std::string>& inherentOptionTable() const;
+    /// Null when the DriverSetup text has no such name.
+    virtual const std::string* driverSetupOption(std::string_view name) const;
+
     /// Whether the supported-model table holds the session's model.
     virtual bool IsModelSupported() const;
+    /// Whether the resource name named an entry of the configuration store.
+    virtual bool namesStoreEntry() const;
     virtual bool IsModel(std::string_view name) const;
     static bool IsModelOfFamily(std::string_view model, std::string_view family);
+    /// What the connection is opened on: the descriptor of the store entry that the resource name names, otherwise the
+    /// resource name.
+    virtual const std::string& connectionDescriptor() const;
 
     /// The reporters of error_messages.h, on this session.
     virtual ViStatus ReportError(ViStatus code, MessageArguments arguments = {});
@@ -123,13 +166,27 @@ public:
                                                 MessageArguments arguments = {});
     virtual ViStatus ReportErrorText(ViStatus code, std::string_view text, MessageArguments arguments = {});
 
-    /// Forgets every cached attribute value. No attribute is cached: each read goes to the instrument.
+    /// Records a failure of the configuration server. The server's own text is the thread's error.
+    virtual ViStatus ReportConfigurationError(ViStatus status);
+
+    /// Marks every remembered attribute value invalid.
     virtual void InvalidateAllAttributes();
 
-    /// Sets the options: their defaults, then the configuration store's driver session, then the option string.
+    /// Sets the options: their defaults, then what the configuration store has under the driver's prefix, then what it
+    /// has under the resource name, then the option string.
     virtual ViStatus ResolveConfiguration(const std::string& resourceName, const std::string& optionString);
 
+    /// Takes virtual names, descriptor, flags and DriverSetup from a driver session of the configuration store.
+    virtual ViStatus ReadDriverSession(IviDriverSessionHandle configured);
+
+    /// Takes the configurable initial settings of a driver session or a software module; a value read later replaces
+    /// one of its name.
+    virtual ViStatus ReadConfigurableInitialSettings(IviConfigComponentHandle component);
+
     // Parsing of option strings; an option set before one that fails stays set.
+
+    /// Takes the model from the configured string setting "model", if there is one.
+    virtual ViStatus ApplyConfiguredModel();
 
     /// A whole option string: DriverSetup first, then the inherent options in front of it.
     virtual ViStatus ParseOptionString(const std::string& optionString);
@@ -139,27 +196,48 @@ public:
     virtual ViStatus ParseInherentOptions(const std::string& options);
     virtual ViStatus ParseBooleanOptionValue(const std::string& name, const std::string& value, bool& flag);
 
-    /// Records a failure of the configuration server. The server's own text is the thread's error.
-    ViStatus ReportConfigurationError(ViStatus status);
+    virtual ViStatus ReadVirtualNames(IviDriverSessionHandle configured);
+    virtual ViStatus ReadPhysicalNames(IviSoftwareModuleHandle module);
+
+    /// Lets a simulated instrument take the place of a real one, which is closed.
+    virtual ViStatus StartSimulation() = 0;
+    /// Whether the instrument is a simulated one, whatever the option says.
+    bool runsSimulated() const { return runsSimulated_; }
+
+    template <class Value>
+    AttributeCache<Value>& attributeCache()
+    {
+        return std::get<AttributeCache<Value>>(attributeCaches_);
+    }
 
     /// The instrument object; null until OpenInstrument.
     const std::shared_ptr<TSRO::InstBase>& instrument() const { return instrument_; }
 
 protected:
     /// Takes the place of the instrument before, whose connection is closed; the status of that does not count.
-    void setInstrument(std::shared_ptr<TSRO::InstBase> instrument);
+    void setInstrument(std::shared_ptr<TSRO::InstBase> instrument, bool simulated);
 
 private:
-    using OptionTable = std::map<std::string, std::string, std::less<>>;
+    struct StoreObjects;
 
     ViStatus openSession();
     ViStatus checkIdentity();
-    ViStatus applyStore(IviConfigStoreHandle store, const std::string& optionString);
-    ViStatus applyOptions(IviDriverSessionHandle configured, const std::string& optionString);
-    ViStatus readDriverSession(IviDriverSessionHandle configured);
+    void forgetConfiguration();
+    ViStatus applyStore(IviConfigStoreHandle store, const std::string& resourceName, const std::string& optionString);
+    ViStatus applyEntries(IviConfigStoreHandle store, StoreObjects& objects, const std::string& resourceName);
+    ViStatus findPrefixEntry(IviConfigStoreHandle store, StoreObjects& objects, bool named);
+    ViStatus findModule(IviConfigStoreHandle store, StoreObjects& objects);
+    ViStatus findNamedEntry(IviConfigStoreHandle store, StoreObjects& objects, const std::string& resourceName);
+    ViStatus readEntry(IviDriverSessionHandle entry, StoreObjects& objects);
+    void noteNamedEntry(const std::string& resourceName, bool hasDescriptor);
+    ViStatus applyOptions(const StoreObjects& objects, const std::string& optionString);
     ViStatus readHardwareAsset(IviDriverSessionHandle configured);
     ViStatus readInherentOptions(IviDriverSessionHandle configured);
+    ViStatus readVirtualName(IviVirtualNameHandle virtualName);
+    ViStatus readSetting(IviDataComponentHandle setting);
+    ViStatus readStringSetting(IviDataComponentHandle setting, const std::string& name);
 
+    const AttributeRegistry& attributes_;
     bool idQuery_ = false;
     bool reset_ = false;
     TSRO::InherentOptions options_;
@@ -178,8 +256,19 @@ private:
     std::string model_;
     std::string serialNumber_;
     std::string firmwareRevision_;
-    OptionTable inherentOptions_;
-    OptionTable driverSetupOptions_;
+    NamedValues<std::string> inherentOptions_;
+    NamedValues<std::string> driverSetupOptions_;
+    NamedValues<bool> configuredBooleans_;
+    NamedValues<ViInt32> configuredIntegers_;
+    NamedValues<ViReal64> configuredReals_;
+    NamedValues<std::string> configuredStrings_;
+    VirtualNames virtualNames_;
+    NamedValues<std::vector<std::string>> physicalNames_;
+    bool namesStoreEntry_ = false;
+    bool runsSimulated_ = false;
+    std::string connectionDescriptor_;
+    std::tuple<AttributeCache<ViInt32>, AttributeCache<ViReal64>, AttributeCache<ViBoolean>, AttributeCache<ViString>>
+        attributeCaches_;
     std::shared_ptr<TSRO::InstBase> instrument_;
 };
 

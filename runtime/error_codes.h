@@ -19,6 +19,7 @@ inline constexpr ViStatus kErrorBadOptionName = TSRO::statusCode(0xBFFA004BU);
 inline constexpr ViStatus kErrorBadOptionValue = TSRO::statusCode(0xBFFA004CU);
 inline constexpr ViStatus kErrorNullPointer = TSRO::statusCode(0xBFFA0058U);
 inline constexpr ViStatus kErrorIdQueryFailed = TSRO::statusCode(0xBFFA005EU);
+inline constexpr ViStatus kErrorCannotChangeSimulationState = TSRO::statusCode(0xBFFA0062U);
 inline constexpr ViStatus kErrorInvalidNumberOfLevels = TSRO::statusCode(0xBFFA0063U);
 inline constexpr ViStatus kErrorInvalidRange = TSRO::statusCode(0xBFFA0064U);
 inline constexpr ViStatus kErrorBadlyFormedSelector = TSRO::statusCode(0xBFFA0066U);

@@ -20,8 +20,8 @@ std::shared_ptr<TSRO::InstBase> makeInstrument(bool simulate)
 
 ViStatus KVX2800TDriverSession::OpenInstrument()
 {
-    setInstrument(makeInstrument(simulate()));
-    const ViStatus status = instrument()->open(resourceName(), optionString());
+    setInstrument(makeInstrument(simulate()), simulate());
+    const ViStatus status = instrument()->open(connectionDescriptor(), optionString());
     if (status >= 0)
         return status;
     return ReportErrorWithElaboration(TSRO::kIoError,
@@ -62,4 +62,13 @@ ViStatus KVX2800TDriverSession::CheckStatus()
     if (status < 0)
         return ReportError(status);
     return (events & kErrorBits) != 0 ? ReportError(drivekit::kErrorInstrumentStatus) : status;
+}
+
+ViStatus KVX2800TDriverSession::StartSimulation()
+{
+    const auto simulator = makeInstrument(true);
+    const ViStatus status = simulator->open(connectionDescriptor(), optionString());
+    if (status >= 0)
+        setInstrument(simulator, true);
+    return status;
 }

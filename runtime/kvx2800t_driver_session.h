@@ -14,4 +14,5 @@ public:
     ViStatus ReadIdentity(std::string& manufacturer, std::string& model, std::string& serialNumber,
                           std::string& firmwareRevision) override;
     ViStatus CheckStatus() override;
+    ViStatus StartSimulation() override;
 };

@@ -4,6 +4,13 @@
 namespace drivekit
 {
 
+ViStatus DriverSession::ApplyConfiguredModel()
+{
+    if (const std::string* const model = configuredString("model"))
+        model_ = *model;
+    return VI_SUCCESS;
+}
+
 ViStatus DriverSession::ParseOptionString(const std::string& optionString)
 {
     const TSRO::OptionText text = TSRO::splitOptionString(optionString);

@@ -6,7 +6,9 @@
 #include "runtime/driver_session.h"
 #include "runtime/selector_grammar.h"
 
+#include <array>
 #include <map>
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -19,6 +21,8 @@ using Outputs = RepCapBase<OutputChannel>;
 using selector::NameRange;
 
 constexpr std::size_t kMaximumLevels = 1;
+/// What virtual names may add to a selector. Every output fits many times over.
+constexpr std::size_t kLongestAddition = std::size_t{64} << 20U;
 
 /// The names that the items of a selector have taken so far. Names are kept as ranges of numbers, so that an item costs
 /// the same however many names it stands for.
@@ -151,12 +155,32 @@ ViStatus reportNoSelector(DriverSession& session)
         {Outputs::name(), Outputs::name(), DecimalArgument(Outputs::kCount)});
 }
 
-ViStatus resolveList(DriverSession& session, std::string_view text, OutputSelection& selection)
+/// The selector with its virtual names replaced by what they stand for, once; nothing when it has none.
+std::optional<std::string> substituteNames(const DriverSession& session, std::string_view text)
 {
-    if (selector::isBlank(text))
-        return reportNoSelector(session);
-    if (!selector::isWellFormed(text))
-        return session.ReportError(kErrorBadlyFormedSelector);
+    std::string replaced;
+    bool isReplaced = false;
+    std::string_view rest = text;
+    std::string_view copied = text;
+    std::string mapped;
+    while (!rest.empty() && replaced.size() <= text.size() + kLongestAddition) {
+        std::string_view between;
+        const std::string_view token = selector::nextToken(rest, between);
+        mapped.clear();
+        if (token.empty() || !session.mappedText(token, mapped))
+            continue;
+        isReplaced = true;
+        replaced += copied.substr(0, static_cast<std::size_t>(token.data() - copied.data()));
+        replaced += mapped;
+        copied = rest;
+    }
+    if (!isReplaced)
+        return std::nullopt;
+    return replaced += copied;
+}
+
+ViStatus resolveWellFormed(DriverSession& session, std::string_view text, OutputSelection& selection)
+{
     if (selector::levelCount(text) > kMaximumLevels)
         return session.ReportError(kErrorInvalidNumberOfLevels, {Outputs::name()});
     LevelResolver level(session, selection);
@@ -168,16 +192,40 @@ ViStatus resolveList(DriverSession& session, std::string_view text, OutputSelect
     return level.finish();
 }
 
+ViStatus resolveText(DriverSession& session, std::string_view text, OutputSelection& selection)
+{
+    if (selector::isBlank(text))
+        return reportNoSelector(session);
+    if (!selector::isWellFormed(text))
+        return session.ReportError(kErrorBadlyFormedSelector);
+    const auto replaced = substituteNames(session, text);
+    if (!replaced)
+        return resolveWellFormed(session, text, selection);
+    if (replaced->size() > text.size() + kLongestAddition || !selector::isWellFormed(*replaced))
+        return session.ReportError(kErrorBadlyFormedSelector);
+    return resolveWellFormed(session, *replaced, selection);
+}
+
+/// The channel that the channel table calls "CH" and a digit, for each digit.
+constexpr auto kChannelsByNumber = [] {
+    std::array<std::optional<ViInt32>, 10> channels;
+    for (std::size_t number = 0; number < channels.size(); ++number) {
+        const std::array keyword = {'C', 'H', static_cast<char>('0' + number)};
+        channels[number] = TSRO::kChannelNames.value({keyword.data(), keyword.size()});
+    }
+    return channels;
+}();
+
 } // namespace
 
 ViStatus resolveSelector(DriverSession& session, ViConstString selector, OutputSelection& selection)
 {
     const std::string_view text = selector == nullptr ? "" : selector;
-    if (const auto position = Outputs::position(text)) {
-        selection.add(Outputs::physicalName(*position));
-        return VI_SUCCESS;
-    }
-    return resolveList(session, text, selection);
+    const auto position = Outputs::position(text);
+    if (!position || !session.virtualNames().empty())
+        return resolveText(session, text, selection);
+    selection.add(Outputs::physicalName(*position));
+    return VI_SUCCESS;
 }
 
 ViStatus resolveSingleSelector(DriverSession& session, ViConstString selector, PhysicalName<OutputChannel>& name)
@@ -203,10 +251,8 @@ ViInt32 channelNumber(PhysicalName<OutputChannel> name)
 
 ViInt32 channelOf(PhysicalName<OutputChannel> name)
 {
-    const DecimalArgument number(channelNumber(name));
-    std::string keyword = "CH"; // Short enough to need no memory of its own.
-    keyword += number;
-    const auto channel = TSRO::kChannelNames.value(keyword);
+    const ViInt32 number = channelNumber(name);
+    const auto channel = number < 0 ? std::nullopt : kChannelsByNumber[static_cast<std::size_t>(number)];
     if (!channel)
         TSRO::throwInvalidKey();
     return *channel;

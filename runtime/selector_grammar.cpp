@@ -166,12 +166,27 @@ std::optional<NameRange> parseRange(std::string_view item)
 std::optional<NameRange> asRange(std::string_view name)
 {
     const NumberedName parts = splitNumber(name);
-    const bool plainDecimal = parts.digits == "0" || (!parts.digits.empty() && parts.digits.front() != '0');
-    ViInt32 number = 0;
-    const auto result = std::from_chars(parts.digits.data(), parts.digits.data() + parts.digits.size(), number);
-    if (!plainDecimal || result.ec != std::errc())
+    const auto number = plainDecimal(parts.digits);
+    return number ? std::optional<NameRange>({parts.base, *number, *number}) : std::nullopt;
+}
+
+std::optional<ViInt32> plainDecimal(std::string_view digits)
+{
+    if (!isNumber(digits) || (digits.size() > 1 && digits.front() == '0'))
         return std::nullopt;
-    return NameRange{parts.base, number, number};
+    ViInt32 number = 0;
+    const auto result = std::from_chars(digits.data(), digits.data() + digits.size(), number);
+    return result.ec == std::errc() ? std::optional(number) : std::nullopt;
+}
+
+std::string_view nextToken(std::string_view& text, std::string_view& between)
+{
+    const auto first = std::find_if(text.begin(), text.end(), isNameCharacter);
+    const auto last = std::find_if_not(first, text.end(), isNameCharacter);
+    between = text.substr(0, static_cast<std::size_t>(first - text.begin()));
+    const std::string_view token = text.substr(between.size(), static_cast<std::size_t>(last - first));
+    text.remove_prefix(between.size() + token.size());
+    return token;
 }
 
 } // namespace drivekit::selector

@@ -26,6 +26,13 @@ std::optional<std::string_view> nextItem(std::string_view& level);
 /// Whether an item is a range.
 bool isRange(std::string_view item);
 
+/// A number as ranges spell theirs: plain decimal, without leading zeros, in 32 bits; nothing for any other text.
+std::optional<ViInt32> plainDecimal(std::string_view digits);
+
+/// Takes the next name or number off `text`: characters in front of it go to `between`. The token is empty when none is
+/// left.
+std::string_view nextToken(std::string_view& text, std::string_view& between);
+
 /// The names base + first to base + last, numbers in plain decimal.
 struct NameRange
 {

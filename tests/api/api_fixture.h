@@ -1,13 +1,16 @@
 #pragma once
 
 #include "api/KVX2800T.h"
-#include "runtime/driver_session.h"
-#include "runtime/runtime_fixture.h"
-#include "runtime/scripted_clock.h"
+#include "support/platform_fakes.h"
+
+#include <gmock/gmock.h>
 
 #include <array>
 #include <string>
 #include <vector>
+
+// What tests of exported functions share. They see nothing of the driver but its header, and so run on the objects of
+// the driver, with a clock that does not make them wait, and on the shared library alike.
 
 namespace kvxtest
 {
@@ -15,6 +18,9 @@ namespace kvxtest
 inline constexpr ViStatus kIoError = code(0xBFFA4214);
 inline constexpr ViStatus kInvalidSession = code(0xBFFA1190);
 inline constexpr ViStatus kNullPointer = code(0xBFFA0058);
+inline constexpr ViStatus kOutOfRange = code(0xBFFA4217);
+inline constexpr const char* kOutOfRangeText =
+    "Attribute or function parameter value is invalid (out of range or not supported).";
 /// A status that only a test can have made.
 inline constexpr ViStatus kInjected = code(0xBFFA1777);
 inline constexpr ViSession kUnknownSession = 4711;
@@ -22,15 +28,19 @@ inline constexpr ViSession kUnknownSession = 4711;
 inline constexpr ViSession kFirstSession = 1001;
 
 /// VISA's text type is not const; the driver does not write to it.
-inline ViStatus init(const std::string& options, ViSession* vi, ViBoolean idQuery = VI_FALSE,
-                     ViBoolean reset = VI_FALSE)
+inline ViStatus initOn(std::string resource, const std::string& options, ViSession* vi, ViBoolean idQuery = VI_FALSE,
+                       ViBoolean reset = VI_FALSE)
 {
-    std::string resource = "TCPIP0::host::1::SOCKET";
     return KVX2800T_InitWithOptions(resource.data(), idQuery, reset, options.c_str(), vi);
 }
 
-/// A fresh platform with an instrument that answers its identification and is in the normal source mode; a clock that
-/// does not make tests wait.
+inline ViStatus init(const std::string& options, ViSession* vi, ViBoolean idQuery = VI_FALSE,
+                     ViBoolean reset = VI_FALSE)
+{
+    return initOn("TCPIP0::host::1::SOCKET", options, vi, idQuery, reset);
+}
+
+/// A fresh platform with an instrument that answers its identification and is in the normal source mode.
 class ApiTest : public testing::Test
 {
 public:
@@ -59,14 +69,16 @@ public:
         clearLog();
     }
 
-    drivekit::DriverSession& session() const
-    {
-        ViAddr data = nullptr;
-        IviSession_GetDataPtr(vi, &data);
-        return *static_cast<drivekit::DriverSession*>(data);
-    }
-
     ErrorEntry recorded() const { return errorOf(vi); }
+
+    /// The value of a text attribute.
+    std::string text(ViAttr id) const
+    {
+        std::vector<ViChar> buffer(8192, '#');
+        const auto size = static_cast<ViInt32>(buffer.size());
+        EXPECT_EQ(KVX2800T_GetAttributeViString(vi, "", id, size, buffer.data()), VI_SUCCESS) << id;
+        return buffer.data();
+    }
 
     static std::size_t timesRecorded() { return calls("IviSession_SetError").size(); }
 
@@ -80,10 +92,24 @@ public:
         return error;
     }
 
-    ViSession vi = VI_NULL;
+    /// Expects that a call has failed with this record, made once, and has given the lock back.
+    void expectRecordedOnce(ViStatus status, const std::string& text) const
+    {
+        EXPECT_EQ(recorded(), (ErrorEntry{status, text}));
+        EXPECT_EQ(timesRecorded(), 1U);
+        EXPECT_EQ(lockDepth(vi), 0U);
+    }
 
-private:
-    ScriptedClock clock_;
+    /// Forgets calls and errors, before the next step of a test.
+    void forget() const
+    {
+        clearFailures();
+        IviSession_ClearError(vi);
+        clearThreadError();
+        clearLog();
+    }
+
+    ViSession vi = VI_NULL;
 };
 
 /// Expects that a call leaves with an exception of this kind and text, the lock still held and nothing recorded; takes

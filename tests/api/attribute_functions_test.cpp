@@ -79,9 +79,17 @@ TEST_F(AttributeFunctions, OutputEnabledNamesTheChannelBehindTheQuery)
     expectRead<ViBoolean>("OutputChannel6", 1250006, ":OUTP:STAT? PAR", "ON", VI_TRUE);
 }
 
+TEST_F(AttributeFunctions, OvpAttributesAreLevelAndStateOfTheProtection)
+{
+    expectRead<ViReal64>("OutputChannel1", 1250003, ":SOUR1:VOLT:PROT?", "33.5", 33.5);
+    expectRead<ViReal64>("CH6", 1250003, ":SOUR6:VOLT:PROT?", "-0.5", -0.5);
+    expectRead<ViBoolean>("OutputChannel4", 1250002, ":SOUR4:VOLT:PROT:STAT?", "ON", VI_TRUE);
+    expectRead<ViBoolean>("OutputChannel5", 1250002, ":SOUR5:VOLT:PROT:STAT?", "0", VI_FALSE);
+}
+
 TEST_F(AttributeFunctions, ReadingChecksNoStatus)
 {
-    session().setQueryInstrumentStatus(true);
+    KVX2800T_SetAttributeViBoolean(vi, "", KVX2800T_ATTR_QUERY_INSTRUMENT_STATUS, VI_TRUE);
     expectRead<ViReal64>("OutputChannel1", 1250001, ":SOUR1:VOLT?", "5", 5.0);
 }
 
@@ -145,8 +153,8 @@ TEST_F(AttributeFunctions, OneChannelIsNeeded)
     expectRefusal<ViBoolean>("OutputChannel1,OutputChannel2", 1250006, code(0xBFFA0066), single);
     expectRefusal<ViReal64>("", 1250005, code(0xBFFA0044), none);
     expectRefusal<ViInt32>(nullptr, 1250004, code(0xBFFA0044), none);
-    expectRefusal<ViReal64>("CH1", 1250001, code(0xBFFA0067),
-                            "The identifier 'CH1' is not defined for repeated capability 'OutputChannel'.");
+    expectRefusal<ViReal64>("CH7", 1250001, code(0xBFFA0067),
+                            "The identifier 'CH7' is not defined for repeated capability 'OutputChannel'.");
 }
 
 TEST_F(AttributeFunctions, AFailureIsRecordedOnceAndLeavesTheValue)

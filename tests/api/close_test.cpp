@@ -1,4 +1,4 @@
-#include "api_fixture.h"
+#include "session_fixture.h"
 
 #include "runtime/close_listeners.h"
 
@@ -19,7 +19,7 @@ std::function<void(ViSession)>& onClose()
     return instance;
 }
 
-class Close : public ApiTest
+class Close : public SessionTest
 {
 public:
     Close()
@@ -37,7 +37,7 @@ public:
     void TearDown() override
     {
         onClose() = nullptr;
-        ApiTest::TearDown();
+        SessionTest::TearDown();
     }
 };
 

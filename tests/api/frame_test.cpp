@@ -1,5 +1,6 @@
-#include "api_fixture.h"
+#include "exported_calls.h"
 
+#include <algorithm>
 #include <thread>
 
 namespace
@@ -8,84 +9,20 @@ namespace
 using namespace kvxtest;
 using testing::ElementsAre;
 
-/// A function that runs in the common frame, with arguments that let it succeed.
-struct FramedFunction
+std::vector<ExportedCall> framedCalls()
 {
-    const char* name;
-    ViStatus (*call)(ViSession vi);
-    ViStatus success = VI_SUCCESS;
-};
-
-void PrintTo(const FramedFunction& function, std::ostream* stream)
-{
-    *stream << function.name;
+    std::vector<ExportedCall> framed;
+    std::copy_if(kExportedCalls.begin(), kExportedCalls.end(), std::back_inserter(framed),
+                 [](const ExportedCall& call) { return call.isFramed; });
+    return framed;
 }
 
-const FramedFunction kFramedFunctions[] = {
-    {"LockSession",
-     [](ViSession vi) {
-         ViBoolean hasLock = VI_TRUE;
-         return KVX2800T_LockSession(vi, &hasLock);
-     }},
-    {"UnlockSession",
-     [](ViSession vi) {
-         ViBoolean hasLock = VI_FALSE;
-         return KVX2800T_UnlockSession(vi, &hasLock);
-     }},
-    {"error_query",
-     [](ViSession vi) {
-         ViInt32 number = 0;
-         std::array<ViChar, 256> text{};
-         return KVX2800T_error_query(vi, &number, text.data());
-     }},
-    {"reset", [](ViSession vi) { return KVX2800T_reset(vi); }},
-    {"ResetWithDefaults", [](ViSession vi) { return KVX2800T_ResetWithDefaults(vi); }},
-    {"Disable", [](ViSession vi) { return KVX2800T_Disable(vi); }},
-    {"self_test",
-     [](ViSession vi) {
-         ViInt16 result = 0;
-         std::array<ViChar, 256> text{};
-         return KVX2800T_self_test(vi, &result, text.data());
-     },
-     code(0x3FFA0067)},
-    {"revision_query",
-     [](ViSession vi) {
-         std::array<ViChar, 256> driver{};
-         std::array<ViChar, 256> instrument{};
-         return KVX2800T_revision_query(vi, driver.data(), instrument.data());
-     }},
-    {"InvalidateAllAttributes", [](ViSession vi) { return KVX2800T_InvalidateAllAttributes(vi); }},
-    {"ConfigureOutputEnabled",
-     [](ViSession vi) { return KVX2800T_ConfigureOutputEnabled(vi, "OutputChannel1", VI_TRUE); }},
-    {"ConfigureVoltageLevel", [](ViSession vi) { return KVX2800T_ConfigureVoltageLevel(vi, "OutputChannel1", 1.0); }},
-    {"ConfigureCurrentLimit",
-     [](ViSession vi) { return KVX2800T_ConfigureCurrentLimit(vi, "OutputChannel1", 0, 1.0); }},
-    {"GetAttributeViInt32",
-     [](ViSession vi) {
-         ViInt32 value = 0;
-         return KVX2800T_GetAttributeViInt32(vi, "OutputChannel1", KVX2800T_ATTR_CURRENT_LIMIT_BEHAVIOR, &value);
-     }},
-    {"GetAttributeViReal64",
-     [](ViSession vi) {
-         ViReal64 value = 0;
-         return KVX2800T_GetAttributeViReal64(vi, "OutputChannel1", KVX2800T_ATTR_VOLTAGE_LEVEL, &value);
-     }},
-    {"GetAttributeViBoolean",
-     [](ViSession vi) {
-         ViBoolean value = VI_FALSE;
-         return KVX2800T_GetAttributeViBoolean(vi, "OutputChannel1", KVX2800T_ATTR_OUTPUT_ENABLED, &value);
-     }},
-};
-
-class Frame : public ApiTest, public testing::WithParamInterface<FramedFunction>
+class Frame : public ApiTest, public testing::WithParamInterface<ExportedCall>
 {
 public:
     Frame()
     {
-        answer(":SYSTem:ERRor?", "0,\"No error\"");
-        answer(":SOUR1:CURR:PROT:STAT?", "OFF");
-        answer(":SOUR1:VOLT?", "5.0");
-        answer(":OUTP:STAT? CH1", "ON");
+        answerExportedCalls();
         open();
     }
 
@@ -183,7 +120,7 @@ TEST_P(Frame, RunsUnderALockThatTheThreadHolds)
     IviSession_Unlock(vi, VI_NULL);
 }
 
-INSTANTIATE_TEST_SUITE_P(Functions, Frame, testing::ValuesIn(kFramedFunctions),
+INSTANTIATE_TEST_SUITE_P(Functions, Frame, testing::ValuesIn(framedCalls()),
                          [](const auto& function) { return std::string(function.param.name); });
 
 class Locking : public ApiTest

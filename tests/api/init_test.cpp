@@ -1,4 +1,4 @@
-#include "api_fixture.h"
+#include "session_fixture.h"
 
 namespace
 {
@@ -16,7 +16,7 @@ std::vector<std::string> callsBesideTheStore()
     return found;
 }
 
-class Init : public ApiTest
+class Init : public SessionTest
 {
 public:
     ViStatus initFully(ViBoolean idQuery, ViBoolean resetInstrument)
@@ -144,6 +144,15 @@ TEST_F(Init, SimulatingCallsNoVisa)
     EXPECT_TRUE(session().simulate());
     KVX2800T_close(vi);
     vi = VI_NULL;
+    EXPECT_THAT(calls("vi"), IsEmpty());
+}
+
+TEST_F(Init, SimulatedCombinationsCallNoVisa)
+{
+    EXPECT_EQ(init("Simulate=1, QueryInstrStatus=1", &vi), VI_SUCCESS);
+    EXPECT_EQ(KVX2800T_ConfigureOutputEnabled(vi, "OutputChannel1-6", VI_TRUE), VI_SUCCESS);
+    EXPECT_EQ(KVX2800T_ConfigureVoltageLevel(vi, "OutputChannel5", 1.0), VI_SUCCESS);
+    EXPECT_EQ(KVX2800T_ConfigureCurrentLimit(vi, "OutputChannel6", 1, 1.0), VI_SUCCESS);
     EXPECT_THAT(calls("vi"), IsEmpty());
 }
 

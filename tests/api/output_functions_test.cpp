@@ -1,4 +1,5 @@
 #include "api_fixture.h"
+#include "channel_limits.h"
 
 #include <cmath>
 #include <limits>
@@ -7,25 +8,11 @@ namespace
 {
 
 using namespace kvxtest;
-using testing::DoAll;
 using testing::ElementsAre;
 using testing::IsEmpty;
-using testing::Return;
-using testing::SetArgReferee;
-
-constexpr ViStatus kOutOfRange = code(0xBFFA4217);
-constexpr const char* kOutOfRangeText =
-    "Attribute or function parameter value is invalid (out of range or not supported).";
 
 class OutputFunctions : public ApiTest
 {
-public:
-    void expectRecordedOnce(ViStatus status, const std::string& text) const
-    {
-        EXPECT_EQ(recorded(), (ErrorEntry{status, text}));
-        EXPECT_EQ(timesRecorded(), 1U);
-        EXPECT_EQ(lockDepth(vi), 0U);
-    }
 };
 
 TEST_F(OutputFunctions, VoltageLevelIsSentInTheNormalMode)
@@ -47,12 +34,11 @@ TEST_F(OutputFunctions, Channels3And4NeverAskForTheMode)
                             ":SOUR4:CURR:PROT:STAT ON\n", ":OUTP:STAT CH4,OFF\n"));
 }
 
-TEST_F(OutputFunctions, TheCombinationsAreSwitchedToTheirModeWithAWait)
+TEST_F(OutputFunctions, TheCombinationsAreSwitchedToTheirMode)
 {
     open();
     EXPECT_EQ(KVX2800T_ConfigureOutputEnabled(vi, "OutputChannel5", VI_TRUE), VI_SUCCESS);
     EXPECT_THAT(written(), ElementsAre(":SOUR:Mode?\n", ":SOUR:Mode SER\n", ":OUTP:STAT SER,ON\n"));
-    EXPECT_GE(ScriptedClock::last(), drivekit::kTicksPerSecond);
     clearLog();
     EXPECT_EQ(KVX2800T_ConfigureOutputEnabled(vi, "OutputChannel6", VI_TRUE), VI_SUCCESS);
     EXPECT_THAT(written(), ElementsAre(":SOUR:Mode?\n", ":SOUR:Mode PARA\n", ":OUTP:STAT PAR,ON\n"));
@@ -173,7 +159,7 @@ TEST_F(OutputFunctions, ABadSelectorIsRecordedOnceAndSendsNothing)
 {
     open();
     for (const char* selector :
-         {"OutputChannel7", "CH1", "", "OutputChannel1:OutputChannel2", "OutputChannel1;2", "OutputChannel2-1"})
+         {"OutputChannel7", "CH7", "ch1", "", "OutputChannel1:OutputChannel2", "OutputChannel1;2", "OutputChannel2-1"})
     {
         clearLog();
         const ViStatus status = KVX2800T_ConfigureVoltageLevel(vi, selector, 1.0);
@@ -249,59 +235,131 @@ TEST_F(OutputFunctions, CompletionCodesOfVisaAreSuccess)
 TEST_F(OutputFunctions, SimulatingSendsNothing)
 {
     open("Simulate=1, QueryInstrStatus=1");
-    EXPECT_EQ(KVX2800T_ConfigureOutputEnabled(vi, "OutputChannel1-6", VI_TRUE), VI_SUCCESS);
-    EXPECT_EQ(KVX2800T_ConfigureVoltageLevel(vi, "OutputChannel5", 1.0), VI_SUCCESS);
-    EXPECT_EQ(KVX2800T_ConfigureCurrentLimit(vi, "OutputChannel6", 1, 1.0), VI_SUCCESS);
+    EXPECT_EQ(KVX2800T_ConfigureOutputEnabled(vi, "OutputChannel3-4", VI_TRUE), VI_SUCCESS);
+    EXPECT_EQ(KVX2800T_ConfigureVoltageLevel(vi, "OutputChannel3", 1.0), VI_SUCCESS);
+    EXPECT_EQ(KVX2800T_ConfigureCurrentLimit(vi, "OutputChannel3", 1, 1.0), VI_SUCCESS);
+    EXPECT_EQ(KVX2800T_ConfigureOVP(vi, "OutputChannel4", VI_TRUE, 1.0), VI_SUCCESS);
     EXPECT_THAT(calls("vi"), IsEmpty());
 }
 
-/// Output functions on a scripted instrument.
-class OutputFunctionsOnMock : public ApiTest
+TEST_F(OutputFunctions, LevelsAreCheckedAtTheLimitsOfEveryChannel)
 {
-public:
-    OutputFunctionsOnMock()
-    {
-        EXPECT_CALL(*instrument, close).WillOnce(Return(VI_SUCCESS));
-        IviSession_New(&vi);
-        auto* const scripted = new TestSession(vi);
-        scripted->setQueryInstrumentStatus(true);
-        scripted->setInstrument(instrument);
-        IviSession_SetDataPtr(vi, static_cast<drivekit::DriverSession*>(scripted));
-        clearLog();
+    open();
+    for (const ChannelMaximum& maximum : kChannelMaxima) {
+        SCOPED_TRACE(maximum.name());
+        const std::string channel = maximum.name();
+        answer(":SOUR:Mode?", maximum.sourceMode);
+        for (const ViReal64 volts : {0.0, maximum.volts})
+            EXPECT_EQ(KVX2800T_ConfigureVoltageLevel(vi, channel.c_str(), volts), VI_SUCCESS);
+        for (const ViReal64 amperes : {0.0, maximum.amperes})
+            EXPECT_EQ(KVX2800T_ConfigureCurrentLimit(vi, channel.c_str(), 1, amperes), VI_SUCCESS);
+        for (const ViReal64 volts : {std::nextafter(0.0, -1.0), std::nextafter(maximum.volts, 100.0)})
+            EXPECT_EQ(KVX2800T_ConfigureVoltageLevel(vi, channel.c_str(), volts), kOutOfRange);
+        for (const ViReal64 amperes : {std::nextafter(0.0, -1.0), std::nextafter(maximum.amperes, 100.0)})
+            EXPECT_EQ(KVX2800T_ConfigureCurrentLimit(vi, channel.c_str(), 1, amperes), kOutOfRange);
     }
-
-    std::shared_ptr<StrictInstrument> instrument = std::make_shared<StrictInstrument>();
-};
-
-TEST_F(OutputFunctionsOnMock, AWarningEndsTheCallUnrecordedAndUnchecked)
-{
-    EXPECT_CALL(*instrument, setVoltageLevel(3, 1.0)).WillOnce(Return(code(0x3FFA4001)));
-    EXPECT_EQ(KVX2800T_ConfigureVoltageLevel(vi, "OutputChannel3-4", 1.0), code(0x3FFA4001));
-    EXPECT_EQ(timesRecorded(), 0U);
-    EXPECT_EQ(lockDepth(vi), 0U);
 }
 
-TEST_F(OutputFunctionsOnMock, AWarningOfAStepEndsTheStepsOfAChannel)
+TEST_F(OutputFunctions, ShortNamesOfChannelsAreKnown)
 {
-    EXPECT_CALL(*instrument, setCurrentLevel(3, 1.0)).WillOnce(Return(VI_SUCCESS));
-    EXPECT_CALL(*instrument, setCurrentProtectionLevel(3, 1.0)).WillOnce(Return(5));
-    EXPECT_EQ(KVX2800T_ConfigureCurrentLimit(vi, "OutputChannel3", 1, 1.0), 5);
-    EXPECT_EQ(timesRecorded(), 0U);
+    open();
+    EXPECT_EQ(KVX2800T_ConfigureCurrentLimit(vi, "CH1", 1, 2.5), VI_SUCCESS);
+    EXPECT_THAT(written(), ElementsAre(":SOUR:Mode?\n", ":SOUR1:CURR 2.500000\n", ":SOUR1:CURR:PROT 2.500000\n",
+                                       ":SOUR1:CURR:PROT:STAT ON\n"));
 }
 
-TEST_F(OutputFunctionsOnMock, AWarningOfTheModeEndsTheCall)
+// Over-voltage protection
+
+TEST_F(OutputFunctions, OvpSetsTheLevelAndThenTheProtection)
 {
-    EXPECT_CALL(*instrument, sourceMode).WillOnce(DoAll(SetArgReferee<0>(TSRO::SourceMode::Normal), Return(5)));
-    EXPECT_EQ(KVX2800T_ConfigureOutputEnabled(vi, "OutputChannel1", VI_TRUE), 5);
+    open();
+    EXPECT_EQ(KVX2800T_ConfigureOVP(vi, "OutputChannel1,OutputChannel4", VI_TRUE, 6.25), VI_SUCCESS);
+    EXPECT_THAT(written(), ElementsAre(":SOUR:Mode?\n", ":SOUR1:VOLT:PROT 6.250000\n", ":SOUR1:VOLT:PROT:STAT ON\n",
+                                       ":SOUR4:VOLT:PROT 6.250000\n", ":SOUR4:VOLT:PROT:STAT ON\n"));
     EXPECT_EQ(timesRecorded(), 0U);
 }
 
-TEST_F(OutputFunctionsOnMock, AFailureOfTheInstrumentIsRecordedWithItsMessage)
+TEST_F(OutputFunctions, OvpSetsTheLevelAlsoWhenItIsSwitchedOff)
 {
-    EXPECT_CALL(*instrument, setOutputEnabled(4, true)).WillOnce(Return(code(0xBFFA4216)));
-    EXPECT_EQ(KVX2800T_ConfigureOutputEnabled(vi, "OutputChannel4", VI_TRUE), code(0xBFFA4216));
-    EXPECT_EQ(recorded(), (ErrorEntry{code(0xBFFA4216), "The operation (attribute or function) is not supported."}));
-    EXPECT_EQ(timesRecorded(), 1U);
+    open();
+    EXPECT_EQ(KVX2800T_ConfigureOVP(vi, "OutputChannel3", VI_FALSE, 7.0), VI_SUCCESS);
+    EXPECT_THAT(written(), ElementsAre(":SOUR3:VOLT:PROT 7.000000\n", ":SOUR3:VOLT:PROT:STAT OFF\n"));
+}
+
+TEST_F(OutputFunctions, AnyOvpEnabledButFalseSwitchesOn)
+{
+    open();
+    for (const ViBoolean enabled : std::initializer_list<ViBoolean>{2, 0xFFFF}) {
+        clearLog();
+        EXPECT_EQ(KVX2800T_ConfigureOVP(vi, "OutputChannel3", enabled, 7.0), VI_SUCCESS);
+        EXPECT_THAT(written(), ElementsAre(":SOUR3:VOLT:PROT 7.000000\n", ":SOUR3:VOLT:PROT:STAT ON\n"));
+    }
+}
+
+TEST_F(OutputFunctions, TheOvpLevelIsTheInstrumentsToJudge)
+{
+    open();
+    EXPECT_EQ(KVX2800T_ConfigureOVP(vi, "OutputChannel4", VI_FALSE, -1.5), VI_SUCCESS);
+    EXPECT_EQ(KVX2800T_ConfigureOVP(vi, "OutputChannel4", VI_FALSE, 1e6), VI_SUCCESS);
+    EXPECT_THAT(written(), ElementsAre(":SOUR4:VOLT:PROT -1.500000\n", ":SOUR4:VOLT:PROT:STAT OFF\n",
+                                       ":SOUR4:VOLT:PROT 1000000.000000\n", ":SOUR4:VOLT:PROT:STAT OFF\n"));
+}
+
+TEST_F(OutputFunctions, OvpOfACombinationChangesTheModeFirst)
+{
+    open("QueryInstrStatus=1");
+    EXPECT_EQ(KVX2800T_ConfigureOVP(vi, "OutputChannel5", VI_TRUE, 60.0), VI_SUCCESS);
+    EXPECT_THAT(written(), ElementsAre(":SOUR:Mode?\n", ":SOUR:Mode SER\n", ":SOUR5:VOLT:PROT 60.000000\n",
+                                       ":SOUR5:VOLT:PROT:STAT ON\n", "*ESR?\n"));
+}
+
+TEST_F(OutputFunctions, AFailedOvpCommandEndsTheCall)
+{
+    open("QueryInstrStatus=1");
+    for (std::size_t n = 1; n <= 5; ++n) {
+        forget();
+        failNthCallOf("viWrite", n, VI_ERROR_TMO);
+        EXPECT_EQ(KVX2800T_ConfigureOVP(vi, "OutputChannel3-4", VI_TRUE, 1.0), kIoError) << n;
+        expectRecordedOnce(kIoError, "I/O error.");
+        EXPECT_EQ(written().size(), n - 1);
+    }
+}
+
+// Functions that only check the channels
+
+TEST_F(OutputFunctions, OutputRangeAndResetOutputProtectionSendNothing)
+{
+    open("QueryInstrStatus=1");
+    for (const char* selector : {"OutputChannel1", "OutputChannel1-6", "[CH5, CH6]"}) {
+        for (const ViInt32 rangeType : {0, 1, 2, -7})
+            for (const ViReal64 range : {10.0, -1e9, std::nan("")})
+                EXPECT_EQ(KVX2800T_ConfigureOutputRange(vi, selector, rangeType, range), VI_SUCCESS);
+        EXPECT_EQ(KVX2800T_ResetOutputProtection(vi, selector), VI_SUCCESS);
+    }
+    EXPECT_THAT(calls("vi"), IsEmpty());
+    EXPECT_EQ(timesRecorded(), 0U);
+}
+
+TEST_F(OutputFunctions, OutputRangeAndResetOutputProtectionRefuseABadSelector)
+{
+    open();
+    const std::pair<const char*, ViUInt32> selectors[] = {{nullptr, 0xBFFA0044},
+                                                          {"  ", 0xBFFA0044},
+                                                          {"OutputChannel1:OutputChannel2", 0xBFFA0063},
+                                                          {"OutputChannel2-2", 0xBFFA0064},
+                                                          {"?", 0xBFFA0066},
+                                                          {"OutputChannel7", 0xBFFA0067}};
+    for (const auto& [selector, bits] : selectors) {
+        forget();
+        EXPECT_EQ(KVX2800T_ConfigureOutputRange(vi, selector, 0, 10.0), code(bits));
+        EXPECT_EQ(recorded().code, code(bits));
+        EXPECT_EQ(timesRecorded(), 1U);
+        forget();
+        EXPECT_EQ(KVX2800T_ResetOutputProtection(vi, selector), code(bits));
+        EXPECT_EQ(recorded().code, code(bits));
+        EXPECT_EQ(timesRecorded(), 1U);
+        EXPECT_EQ(lockDepth(vi), 0U);
+    }
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "driver_end_to_end.h"
 
 #include <algorithm>
+#include <atomic>
 #include <thread>
 
 namespace kvxtest
@@ -53,7 +54,13 @@ TEST_F(Threads, LockSessionKeepsOtherThreadsOutAcrossCalls)
     open();
     newLines();
     ASSERT_EQ(KVX2800T_LockSession(vi, nullptr), VI_SUCCESS);
-    std::thread other([this] { EXPECT_EQ(KVX2800T_ConfigureVoltageLevel(vi, "OutputChannel4", 1.0), VI_SUCCESS); });
+    std::atomic<bool> isThere = false;
+    std::thread other([&] {
+        isThere = true;
+        EXPECT_EQ(KVX2800T_ConfigureVoltageLevel(vi, "OutputChannel4", 1.0), VI_SUCCESS);
+    });
+    while (!isThere)
+        std::this_thread::yield();
     for (int round = 0; round < kRounds; ++round)
         EXPECT_EQ(KVX2800T_ConfigureVoltageLevel(vi, "OutputChannel3", 2.0), VI_SUCCESS);
     const Lines whileLocked = newLines();
@@ -76,6 +83,67 @@ TEST_F(Threads, HasLockVariableLetsOneUnlockMatchSeveralLocks)
     // Nothing is left locked: another thread gets through.
     std::thread other([this] { EXPECT_EQ(KVX2800T_InvalidateAllAttributes(vi), VI_SUCCESS); });
     other.join();
+}
+
+/// The lines of one call that sets a level of three channels, with status checking on.
+Lines linesOfOneCall(const std::string& level)
+{
+    return {":SOUR3:VOLT " + level, ":SOUR4:VOLT " + level, ":SOUR:Mode?", ":SOUR2:VOLT " + level, "*ESR?"};
+}
+
+TEST_F(Threads, ACallOnSeveralChannelsIsNotInterruptedByOneOfAnotherThread)
+{
+    open("QueryInstrStatus=1");
+    newLines();
+    const auto configureOften = [this](ViReal64 level) {
+        for (int round = 0; round < kRounds; ++round)
+            EXPECT_EQ(KVX2800T_ConfigureVoltageLevel(vi, "OutputChannel3-4,OutputChannel2", level), VI_SUCCESS);
+    };
+    std::thread other(configureOften, 2.0);
+    configureOften(1.0);
+    other.join();
+
+    const Lines lines = newLines();
+    const Lines ofFirst = linesOfOneCall("1.000000");
+    const Lines ofOther = linesOfOneCall("2.000000");
+    ASSERT_EQ(lines.size(), ofFirst.size() * 2 * kRounds);
+    int ofFirstCount = 0;
+    for (auto at = lines.begin(); at != lines.end(); at += static_cast<std::ptrdiff_t>(ofFirst.size())) {
+        const Lines ofCall(at, at + static_cast<std::ptrdiff_t>(ofFirst.size()));
+        ofFirstCount += ofCall == ofFirst ? 1 : 0;
+        EXPECT_TRUE(ofCall == ofFirst || ofCall == ofOther) << testing::PrintToString(ofCall);
+    }
+    EXPECT_EQ(ofFirstCount, kRounds);
+}
+
+TEST_F(Threads, ALockedSessionDoesNotKeepOthersFromWorking)
+{
+    open();
+    ViSession second = VI_NULL;
+    std::string resource = instrument.resource();
+    ASSERT_EQ(KVX2800T_init(resource.data(), VI_FALSE, VI_FALSE, &second), VI_SUCCESS);
+    ASSERT_EQ(KVX2800T_LockSession(vi, nullptr), VI_SUCCESS);
+    // Would never end if the sessions shared a lock.
+    std::thread other([second] { expectOwnLevel(second, "OutputChannel4", 4.0); });
+    other.join();
+    EXPECT_EQ(KVX2800T_UnlockSession(vi, nullptr), VI_SUCCESS);
+    EXPECT_EQ(KVX2800T_close(second), VI_SUCCESS);
+}
+
+TEST_F(Threads, LocksNestAndTheLastUnlockLetsOthersIn)
+{
+    open();
+    ASSERT_EQ(KVX2800T_LockSession(vi, nullptr), VI_SUCCESS);
+    ASSERT_EQ(KVX2800T_LockSession(vi, nullptr), VI_SUCCESS);
+    newLines();
+    std::thread other([this] { EXPECT_EQ(KVX2800T_ConfigureVoltageLevel(vi, "OutputChannel4", 1.0), VI_SUCCESS); });
+    EXPECT_EQ(KVX2800T_UnlockSession(vi, nullptr), VI_SUCCESS);
+    for (int round = 0; round < kRounds; ++round)
+        EXPECT_EQ(KVX2800T_ConfigureVoltageLevel(vi, "OutputChannel3", 2.0), VI_SUCCESS);
+    EXPECT_EQ(newLines(), Lines(kRounds, ":SOUR3:VOLT 2.000000"));
+    EXPECT_EQ(KVX2800T_UnlockSession(vi, nullptr), VI_SUCCESS);
+    other.join();
+    EXPECT_EQ(newLines(), Lines{":SOUR4:VOLT 1.000000"});
 }
 
 } // namespace

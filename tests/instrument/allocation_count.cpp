@@ -8,6 +8,14 @@ namespace
 {
 
 std::atomic<std::size_t> count = 0;
+std::atomic<std::size_t> releases = 0;
+
+void release(void* memory)
+{
+    if (memory != nullptr)
+        ++releases;
+    std::free(memory);
+}
 
 } // namespace
 
@@ -16,20 +24,26 @@ std::size_t kvxtest::allocationCount()
     return count;
 }
 
+std::size_t kvxtest::liveAllocations()
+{
+    return count - releases;
+}
+
 void* operator new(std::size_t size)
 {
+    void* const memory = std::malloc(size);
+    if (memory == nullptr)
+        throw std::bad_alloc();
     ++count;
-    if (void* const memory = std::malloc(size))
-        return memory;
-    throw std::bad_alloc();
+    return memory;
 }
 
 void operator delete(void* memory) noexcept
 {
-    std::free(memory);
+    release(memory);
 }
 
 void operator delete(void* memory, std::size_t /*size*/) noexcept
 {
-    std::free(memory);
+    release(memory);
 }

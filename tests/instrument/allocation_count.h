@@ -8,4 +8,7 @@ namespace kvxtest
 /// How often the program, its libraries included, has called operator new so far.
 std::size_t allocationCount();
 
+/// How many of these allocations have not been given back.
+std::size_t liveAllocations();
+
 } // namespace kvxtest

@@ -132,9 +132,10 @@ INSTANTIATE_TEST_SUITE_P(
 TEST(AllocationCount, SeesAnAllocation)
 {
     const std::size_t before = allocationCount();
-    const auto longText = std::make_unique<std::string>(100, 'x');
-    EXPECT_EQ(longText->size(), 100U);
-    EXPECT_EQ(allocationCount() - before, 2U);
+    // A direct call: a compiler may leave a new expression out.
+    void* const memory = ::operator new(100);
+    EXPECT_EQ(allocationCount() - before, 1U);
+    ::operator delete(memory);
 }
 
 } // namespace

@@ -1,37 +1,15 @@
-#include "runtime_fixture.h"
-
-#include <algorithm>
+#include "configuration_store_fixture.h"
 
 namespace
 {
 
 using namespace kvxtest;
 using testing::Contains;
+using testing::ElementsAre;
+using testing::IsEmpty;
 using testing::Not;
-
-constexpr ViStatus kFailed = code(0xBFFA1777);
-
-/// Whether the calls hold these, in this order, with others between them or not.
-void expectCallsInOrder(const std::vector<std::string>& expected)
-{
-    const std::vector<std::string> made = calls();
-    auto from = made.begin();
-    for (const std::string& call : expected) {
-        from = std::find(from, made.end(), call);
-        ASSERT_NE(from, made.end()) << call << " in " << testing::PrintToString(made);
-        ++from;
-    }
-}
-
-class ConfigurationStoreTest : public RuntimeTest
-{
-public:
-    ViStatus resolve(const std::string& options = "") { return session.ResolveConfiguration("resource", options); }
-
-    static StoredDriverSession& storeDriverSession() { return configurationStore().driverSession.emplace(); }
-
-    TestSession session{vi};
-};
+using testing::Pair;
+using testing::Pointee;
 
 TEST_F(ConfigurationStoreTest, WithoutAnEntryTheDefaultsHold)
 {
@@ -134,26 +112,6 @@ TEST_F(ConfigurationStoreTest, OnlyExactlyTrueIsTrue)
     }
 }
 
-TEST_F(ConfigurationStoreTest, AnEntryIsReadInTheOrderAssetFlagsSetup)
-{
-    storeDriverSession().ioResourceDescriptor = "ASRL1::INSTR";
-    EXPECT_EQ(resolve(), VI_SUCCESS);
-    expectCallsInOrder({
-        "IviConfig_GetDriverSession(store, \"KVX2800T\")",
-        "IviConfig_GetSessionHardwareAssetReference(driverSession)",
-        "IviConfig_GetHardwareAssetPropertyViString(hardwareAsset, 3, 1024)",
-        "IviConfig_GetDriverSessionPropertyViBoolean(driverSession, 4)",
-        "IviConfig_GetDriverSessionPropertyViBoolean(driverSession, 5)",
-        "IviConfig_GetDriverSessionPropertyViBoolean(driverSession, 6)",
-        "IviConfig_GetDriverSessionPropertyViBoolean(driverSession, 7)",
-        "IviConfig_GetDriverSessionPropertyViBoolean(driverSession, 8)",
-        "IviConfig_GetDriverSessionPropertyViBoolean(driverSession, 9)",
-        "IviConfig_GetDriverSessionPropertyViString(driverSession, 10, 1024)",
-        "IviConfig_DisposeHandle(driverSession)",
-        "IviConfig_Close(store)",
-    });
-}
-
 TEST_F(ConfigurationStoreTest, TheHardwareAssetsDescriptorIsKept)
 {
     storeDriverSession().ioResourceDescriptor = "TCPIP0::10.0.0.1::5025::SOCKET";
@@ -246,67 +204,137 @@ TEST_F(ConfigurationStoreTest, ABadOptionStringFailsAndReleasesEverything)
     EXPECT_EQ(openConfigHandles(), 0U);
 }
 
-/// Whether a failure of this call is one of the resolution; forgetting an expected error cannot fail it.
-bool matters(const std::string& call)
+TEST_F(ConfigurationStoreTest, AFlagOfAnEntryIsNoOptionThatWasGiven)
 {
-    return call.starts_with("IviConfig_") && !call.starts_with("IviConfig_ClearError");
+    StoredDriverSession& entry = storeDriverSession();
+    entry.simulate = VI_TRUE;
+    entry.interchangeCheck = VI_TRUE;
+    EXPECT_EQ(resolve("Simulate=0, InterchangeCheck=0, Cache=0, RangeCheck=0, RecordCoercions=0, QueryInstrStatus=0"),
+              VI_SUCCESS);
+    EXPECT_FALSE(session.simulate());
+    EXPECT_FALSE(session.interchangeCheck());
+    EXPECT_EQ(timesRecorded(), 0U);
 }
 
-bool releases(const std::string& call)
+TEST_F(ConfigurationStoreTest, TheOptionTableHoldsTheOptionStringsOptionsOnly)
 {
-    return call.starts_with("IviConfig_DisposeHandle") || call.starts_with("IviConfig_Close");
+    storeDriverSession().simulate = VI_TRUE;
+    EXPECT_EQ(resolve("Cache=VI_FALSE"), VI_SUCCESS);
+    EXPECT_THAT(session.inherentOptionTable(), ElementsAre(Pair("cache", "vi_false")));
 }
 
-TEST_F(ConfigurationStoreTest, EveryFailureOfTheServerIsRecordedOnceAndReturned)
+TEST_F(ConfigurationStoreTest, TheSetupOptionsOfAnEntryCanBeLookedUp)
 {
-    storeDriverSession().ioResourceDescriptor = "ASRL1::INSTR";
-    ASSERT_EQ(resolve(), VI_SUCCESS);
-    const std::vector<std::string> sequence = calls();
-    for (std::size_t n = 1; n <= sequence.size(); ++n) {
-        const std::string& failing = sequence[n - 1];
-        if (!matters(failing))
-            continue;
-        SCOPED_TRACE(failing + ", call " + std::to_string(n));
-        startOver();
-        storeDriverSession().ioResourceDescriptor = "ASRL1::INSTR";
-        TestSession fresh(vi);
-        failNthCall(n, kFailed);
-        EXPECT_EQ(fresh.ResolveConfiguration("", ""), kFailed);
-        EXPECT_TRUE(failureHappened());
-        EXPECT_EQ(recorded(), (ErrorEntry{kFailed, ""}));
-        EXPECT_EQ(errorOf(VI_NULL), (ErrorEntry{kFailed, failing.substr(0, failing.find('(')) + " failed"}));
-        EXPECT_EQ(timesRecorded(), 1U);
-        EXPECT_EQ(openConfigHandles(), releases(failing) ? 1U : 0U);
-    }
+    storeDriverSession().driverSetup = "Model:A,Trace=1";
+    EXPECT_EQ(resolve(), VI_SUCCESS);
+    EXPECT_THAT(session.driverSetupOptions(), ElementsAre(Pair("Model", "A"), Pair("Trace", "1")));
+    EXPECT_THAT(session.driverSetupOption("Trace"), Pointee(std::string("1")));
+    EXPECT_EQ(session.driverSetupOption("trace"), nullptr);
 }
 
-TEST_F(ConfigurationStoreTest, AFailedClearOfAnExpectedErrorIsIgnored)
+TEST_F(ConfigurationStoreTest, ASetupOfTheOptionStringReplacesThatOfAnEntryAsAWhole)
 {
-    failCall("IviConfig_ClearError", kFailed);
+    storeDriverSession().driverSetup = "Model:A,Trace=1";
+    EXPECT_EQ(resolve("DriverSetup=Model:B"), VI_SUCCESS);
+    EXPECT_THAT(session.driverSetupOptions(), ElementsAre(Pair("Model", "B")));
+}
+
+TEST_F(ConfigurationStoreTest, AConfiguredModelComesBetweenTheEntrysAndTheOptionStrings)
+{
+    StoredDriverSession& entry = storeDriverSession();
+    entry.driverSetup = "Model:OfSetup";
+    EXPECT_EQ(resolve(), VI_SUCCESS);
+    EXPECT_EQ(session.model(), "OfSetup");
+    entry.settings() = {stringComponent("model", "OfSettings")};
+    EXPECT_EQ(resolve(), VI_SUCCESS);
+    EXPECT_EQ(session.model(), "OfSettings");
+    EXPECT_EQ(resolve("DriverSetup=Model:OfOptions"), VI_SUCCESS);
+    EXPECT_EQ(session.model(), "OfOptions");
+}
+
+TEST_F(ConfigurationStoreTest, OnlyAStringSettingCalledModelInLowerCaseIsAModel)
+{
+    storeDriverSession().settings() = {stringComponent("Model", "A"), integerComponent("model", 7)};
+    EXPECT_EQ(resolve(), VI_SUCCESS);
+    EXPECT_EQ(session.model(), "");
+}
+
+TEST_F(ConfigurationStoreTest, AModelOfTheModulesSettingsIsAConfiguredModel)
+{
+    storeSoftwareModule().settings() = {stringComponent("model", "OfModule")};
     EXPECT_EQ(resolve("Simulate=1"), VI_SUCCESS);
+    EXPECT_EQ(session.model(), "OfModule");
+}
+
+TEST_F(ConfigurationStoreTest, ApplyingAConfiguredModelWithoutOneLeavesTheModel)
+{
+    EXPECT_EQ(session.ApplyDriverSetupOption("Model", "A"), VI_SUCCESS);
+    EXPECT_EQ(session.ApplyConfiguredModel(), VI_SUCCESS);
+    EXPECT_EQ(session.model(), "A");
+}
+
+TEST_F(ConfigurationStoreTest, AnEntryThatSimulatesWithoutAModelGetsTheDefaultOne)
+{
+    storeDriverSession().simulate = VI_TRUE;
+    EXPECT_EQ(resolve(), VI_SUCCESS);
+    EXPECT_EQ(session.model(), "KVX2833T");
+}
+
+TEST_F(ConfigurationStoreTest, WithoutSimulationAModelStaysEmpty)
+{
+    storeDriverSession().simulate = VI_TRUE;
+    EXPECT_EQ(resolve("Simulate=0"), VI_SUCCESS);
+    EXPECT_EQ(session.model(), "");
+}
+
+TEST_F(ConfigurationStoreTest, AFailedResolutionLeavesTheInitialFlags)
+{
+    EXPECT_EQ(resolve("Cache=0, Simulate=1, Foo=1"), code(0xBFFA004B));
     EXPECT_TRUE(session.simulate());
-    EXPECT_EQ(openConfigHandles(), 0U);
+    EXPECT_FALSE(session.initialSimulate());
 }
 
-TEST_F(ConfigurationStoreTest, OfSeveralFailuresTheFirstIsReturned)
+TEST_F(ConfigurationStoreTest, TextsThatAreTooLongAreCutAndAccepted)
 {
-    storeDriverSession();
-    failCall("IviConfig_GetDriverSessionPropertyViBoolean", kFailed);
-    failCall("IviConfig_DisposeHandle", code(0xBFFA1220));
-    failCall("IviConfig_Close", code(0xBFFA1220));
-    EXPECT_EQ(resolve(), kFailed);
-    EXPECT_EQ(recorded(), (ErrorEntry{kFailed, ""}));
-    EXPECT_EQ(errorOf(VI_NULL), (ErrorEntry{kFailed, "IviConfig_GetDriverSessionPropertyViBoolean failed"}));
+    const std::string tooLong(2000, 'x');
+    const std::string cut(1023, 'x');
+    StoredDriverSession& entry = storeRichEntry();
+    entry.ioResourceDescriptor = tooLong;
+    entry.virtualNames = {{"Core", tooLong, {}}};
+    entry.settings() = {stringComponent(tooLong, tooLong)};
+    configurationStore().softwareModules.front().physicalNames = {{tooLong, tooLong}};
+    EXPECT_EQ(resolve(), VI_SUCCESS);
+    EXPECT_EQ(session.ioResourceDescriptor(), cut);
+    EXPECT_THAT(session.configuredString(cut), Pointee(cut));
+    EXPECT_THAT(session.physicalNames(), ElementsAre(Pair(cut, ElementsAre(cut))));
+    std::string mapped;
+    EXPECT_TRUE(session.mappedText("Core", mapped));
+    EXPECT_EQ(mapped, cut);
+    EXPECT_EQ(timesRecorded(), 0U);
 }
 
-TEST_F(ConfigurationStoreTest, AnEarlierErrorOfTheThreadStays)
+TEST_F(ConfigurationStoreTest, ALocationThatIsTooLongIsCut)
 {
-    const ErrorEntry earlier{VI_ERROR_TMO, "an earlier error of another driver"};
-    IviSession_SetError(VI_NULL, earlier.code, earlier.text.c_str());
-    failCall("IviConfig_Deserialize", kFailed);
-    EXPECT_EQ(resolve(), kFailed);
-    EXPECT_EQ(recorded(), (ErrorEntry{kFailed, ""}));
-    EXPECT_EQ(errorOf(VI_NULL), earlier);
+    configurationStore().processDefaultLocation = std::string(300, 'p');
+    EXPECT_EQ(resolve(), VI_SUCCESS);
+    EXPECT_THAT(calls(), Contains("IviConfig_Deserialize(store, \"" + std::string(259, 'p') + "\")"));
+}
+
+TEST_F(ConfigurationStoreTest, EveryResolutionStartsFromNothing)
+{
+    storeRichEntry();
+    EXPECT_EQ(session.ResolveConfiguration("KVX2800T", ""), VI_SUCCESS);
+    configurationStore() = {};
+    EXPECT_EQ(resolve(), VI_SUCCESS);
+    EXPECT_EQ(session.logicalName(), "");
+    EXPECT_EQ(session.ioResourceDescriptor(), "");
+    EXPECT_EQ(session.connectionDescriptor(), "resource");
+    EXPECT_FALSE(session.namesStoreEntry());
+    EXPECT_THAT(session.configuredBooleans(), IsEmpty());
+    EXPECT_THAT(session.configuredIntegers(), IsEmpty());
+    EXPECT_THAT(session.configuredReals(), IsEmpty());
+    EXPECT_THAT(session.configuredStrings(), IsEmpty());
+    EXPECT_TRUE(session.cache());
 }
 
 } // namespace

@@ -16,7 +16,7 @@ constexpr ViStatus kFailed = code(0xBFFA1777);
 class SteppedSession : public drivekit::DriverSession
 {
 public:
-    using DriverSession::DriverSession;
+    explicit SteppedSession(ViSession vi) : DriverSession(vi, kNoAttributes) {}
 
     ViStatus OpenInstrument() override { return step("OpenInstrument"); }
     ViStatus CloseInstrument() override { return step("CloseInstrument"); }
@@ -31,6 +31,7 @@ public:
         return step("ReadIdentity");
     }
     ViStatus CheckStatus() override { return step("CheckStatus"); }
+    ViStatus StartSimulation() override { return step("StartSimulation"); }
     ViStatus ResolveConfiguration(const std::string& resourceName, const std::string& optionString) override
     {
         resolvedWith = resourceName + "|" + optionString;

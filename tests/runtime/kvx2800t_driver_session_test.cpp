@@ -19,7 +19,7 @@ constexpr const char* kResource = "TCPIP0::host::1::SOCKET";
 class KVX2800TSessionTest : public RuntimeTest
 {
 public:
-    KVX2800TSessionTest() { session.setInstrument(instrument); }
+    KVX2800TSessionTest() { session.setInstrument(instrument, false); }
 
     void instrumentHasStatus(ViInt32 events, ViStatus status = VI_SUCCESS)
     {
@@ -105,7 +105,8 @@ TEST_F(KVX2800TSessionTest, AFailedCloseIsRecordedAndReturned)
 TEST_F(KVX2800TSessionTest, ReadIdentityCopiesTheInstrumentsRecord)
 {
     EXPECT_CALL(*instrument, close);
-    session.setInstrument(std::make_shared<StrictInstrument>(TSRO::Identity{"maker", "model", "serial", "firmware"}));
+    session.setInstrument(std::make_shared<StrictInstrument>(TSRO::Identity{"maker", "model", "serial", "firmware"}),
+                          false);
     std::string manufacturer;
     std::string model;
     std::string serialNumber;

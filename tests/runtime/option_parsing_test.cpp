@@ -4,6 +4,8 @@ namespace
 {
 
 using namespace kvxtest;
+using testing::ElementsAre;
+using testing::Pair;
 
 using Getter = bool (drivekit::DriverSession::*)() const;
 using Setter = void (drivekit::DriverSession::*)(bool);
@@ -282,6 +284,38 @@ TEST_F(OptionParsing, AFailureToRecordIsReturned)
     EXPECT_EQ(parse("Foo=1"), code(0xBFFA0056));
 }
 
+TEST_F(OptionParsing, TheTableOfGivenOptionsKeepsThemInLowerCaseUpToTheOneThatFails)
+{
+    EXPECT_EQ(parse("Cache=VI_TRUE, SIMULATE=0, Foo=1, RangeCheck=1"), code(0xBFFA004B));
+    EXPECT_THAT(session.inherentOptionTable(), ElementsAre(Pair("cache", "vi_true"), Pair("simulate", "0")));
+}
+
+TEST_F(OptionParsing, ARepeatedOptionKeepsItsFirstPlaceInTheTable)
+{
+    EXPECT_EQ(parse("Cache=1, Cache=0"), code(0xBFFA0000));
+    EXPECT_THAT(session.inherentOptionTable(), ElementsAre(Pair("cache", "1")));
+}
+
+TEST_F(OptionParsing, TheTableOfSetupOptionsKeepsThemAsWritten)
+{
+    EXPECT_EQ(parse("DriverSetup=Model: a B ,tRACE=1,model=c"), VI_SUCCESS);
+    EXPECT_THAT(session.driverSetupOptions(),
+                ElementsAre(Pair("Model", "a B "), Pair("model", "c"), Pair("tRACE", "1")));
+    EXPECT_THAT(session.driverSetupOption("tRACE"), testing::Pointee(std::string("1")));
+    for (const char* name : {"", "trace", "TRACE", "Foo"})
+        EXPECT_EQ(session.driverSetupOption(name), nullptr) << name;
+}
+
+TEST_F(OptionParsing, AnOptionStringWithoutDriverSetupLeavesTheTableOfSetupOptions)
+{
+    EXPECT_EQ(parse("DriverSetup=Trace:1"), VI_SUCCESS);
+    EXPECT_EQ(parse("Cache=1"), VI_SUCCESS);
+    EXPECT_THAT(session.driverSetupOptions(), ElementsAre(Pair("Trace", "1")));
+    EXPECT_EQ(parse("DriverSetup="), VI_SUCCESS);
+    EXPECT_THAT(session.driverSetupOptions(), testing::IsEmpty());
+    EXPECT_EQ(session.driverSetup(), "");
+}
+
 TEST_F(OptionParsing, VeryLongTextsEndInAStatus)
 {
     constexpr std::size_t kLength = 10U << 20U;
@@ -290,8 +324,31 @@ TEST_F(OptionParsing, VeryLongTextsEndInAStatus)
     EXPECT_EQ(parse(std::string(kLength, 'a')), VI_SUCCESS);
     EXPECT_EQ(parse("DriverSetup=Model:" + std::string(kLength, 'm')), VI_SUCCESS);
     EXPECT_EQ(session.model().size(), kLength);
+    EXPECT_EQ(parse(std::string(kLength, '1')), VI_SUCCESS);
+    EXPECT_EQ(parse("DriverSetup=" + std::string(kLength, ' ')), VI_SUCCESS);
+    EXPECT_EQ(parse("DriverSetup=" + std::string(kLength, '+')), VI_SUCCESS);
+    EXPECT_EQ(parse("DriverSetup=" + std::string(kLength, ',') + "Model:A"), VI_SUCCESS);
+    EXPECT_EQ(session.model(), "A");
     EXPECT_EQ(parse(std::string(kLength, 'N') + "=1"), code(0xBFFA004B));
     EXPECT_EQ(recorded().text, "The '" + std::string(1023 - 5, 'n'));
+}
+
+TEST_F(OptionParsing, AnOptionThatIsRepeatedVeryOftenFailsTheSecondTime)
+{
+    std::string text;
+    for (int i = 0; i < 1'000'000; ++i)
+        text += "Cache=1, ";
+    expectFailure(text, code(0xBFFA0000), "Failure cannot recover.  Inherent option 'cache' appears more than once.");
+}
+
+TEST_F(OptionParsing, DriverSetupInsideOfDriverSetupIsItsText)
+{
+    std::string text;
+    for (int i = 0; i < 500'000; ++i)
+        text += "DriverSetup=";
+    EXPECT_EQ(parse(text + "Model:A"), VI_SUCCESS);
+    EXPECT_EQ(session.driverSetup().size(), text.size() - std::string("DriverSetup=").size() + 7);
+    EXPECT_EQ(session.model(), "");
 }
 
 } // namespace

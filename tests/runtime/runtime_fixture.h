@@ -1,6 +1,7 @@
 #pragma once
 
 #include "instrument/kvx2800t.h"
+#include "runtime/attribute_registry.h"
 #include "runtime/kvx2800t_driver_session.h"
 #include "support/platform_fakes.h"
 
@@ -38,6 +39,8 @@ public:
     MOCK_METHOD(ViStatus, sourceMode, (TSRO::SourceMode&), (override));
     MOCK_METHOD(ViStatus, setVoltageLevel, (ViInt32, double), (override));
     MOCK_METHOD(ViStatus, voltageLevel, (ViInt32, double&), (override));
+    MOCK_METHOD(ViStatus, setVoltageProtectionLevel, (ViInt32, double), (override));
+    MOCK_METHOD(ViStatus, setVoltageProtectionEnabled, (ViInt32, bool), (override));
     MOCK_METHOD(ViStatus, setCurrentLevel, (ViInt32, double), (override));
     MOCK_METHOD(ViStatus, currentLevel, (ViInt32, double&), (override));
     MOCK_METHOD(ViStatus, setCurrentProtectionLevel, (ViInt32, double), (override));
@@ -50,11 +53,17 @@ public:
 
 using StrictInstrument = testing::StrictMock<MockInstrument>;
 
+inline constexpr drivekit::AttributeRegistry kNoAttributes{{}};
+
 /// A driver session that takes a test's instrument.
 class TestSession : public KVX2800TDriverSession
 {
 public:
-    using KVX2800TDriverSession::KVX2800TDriverSession;
+    explicit TestSession(ViSession vi, const drivekit::AttributeRegistry& attributes = kNoAttributes)
+        : KVX2800TDriverSession(vi, attributes)
+    {
+    }
+
     using KVX2800TDriverSession::setInstrument;
 };
 

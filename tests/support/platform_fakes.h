@@ -6,9 +6,11 @@
 
 #include <cstddef>
 #include <iosfwd>
+#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <variant>
 #include <vector>
 
 /// Stand-ins, at link time, of the C functions that the driver calls: VISA, the IVI session service and the IVI
@@ -23,8 +25,62 @@ constexpr ViStatus code(ViUInt32 bits)
     return static_cast<ViStatus>(bits);
 }
 
+/// A data component of the fake configuration store.
+struct StoredDataComponent
+{
+    std::string name;
+    /// The word for its type, which need not fit the value.
+    std::string type;
+    /// Nothing for a structure.
+    std::variant<std::monostate, std::string, ViInt32, ViReal64, ViBoolean> value;
+    /// What a structure consists of.
+    std::vector<StoredDataComponent> components;
+};
+
+// Data components with the words that the configuration server uses for their types.
+StoredDataComponent stringComponent(std::string name, std::string value);
+StoredDataComponent integerComponent(std::string name, ViInt32 value);
+StoredDataComponent realComponent(std::string name, ViReal64 value);
+StoredDataComponent booleanComponent(std::string name, ViBoolean value);
+StoredDataComponent structureComponent(std::string name, std::vector<StoredDataComponent> components);
+
+/// What a component of the fake configuration store has apart from its own properties.
+struct StoredComponent
+{
+    std::vector<StoredDataComponent> dataComponents;
+
+    /// The contents of the structure "Configurable Initial Settings", which comes to be when there is none.
+    std::vector<StoredDataComponent>& settings();
+};
+
+struct StoredPhysicalName
+{
+    std::string name;
+    std::string repeatedCapability = "OutputChannel";
+};
+
+struct StoredSoftwareModule : StoredComponent
+{
+    std::string name = "KVX2800T";
+    std::vector<StoredPhysicalName> physicalNames;
+};
+
+struct StoredVirtualRange
+{
+    ViInt32 minimum = 0;
+    ViInt32 maximum = 0;
+    ViInt32 startingPhysicalIndex = 0;
+};
+
+struct StoredVirtualName
+{
+    std::string name;
+    std::string mapTo;
+    std::vector<StoredVirtualRange> ranges;
+};
+
 /// A driver session of the fake configuration store, and what it refers to.
-struct StoredDriverSession
+struct StoredDriverSession : StoredComponent
 {
     std::string name = "KVX2800T";
     ViBoolean cache = VI_FALSE;
@@ -36,6 +92,9 @@ struct StoredDriverSession
     std::string driverSetup;
     /// The I/O resource descriptor of its hardware asset; nothing when the session has no asset.
     std::optional<std::string> ioResourceDescriptor;
+    std::vector<StoredVirtualName> virtualNames;
+    /// The name of its software module; nothing when it refers to none.
+    std::optional<std::string> softwareModule;
 };
 
 /// The fake configuration store.
@@ -43,7 +102,12 @@ struct ConfigurationStore
 {
     std::string processDefaultLocation = "/store/process.xml";
     std::string masterLocation = "/store/master.xml";
+    /// The entry of the driver itself.
     std::optional<StoredDriverSession> driverSession;
+    std::vector<StoredDriverSession> furtherSessions;
+    /// Logical names, and the names of the driver sessions they stand for; they hide driver sessions of the same name.
+    std::map<std::string, std::string, std::less<>> logicalNames;
+    std::vector<StoredSoftwareModule> softwareModules;
 };
 
 /// A status and its text, as the session service keeps them.
@@ -63,8 +127,10 @@ void PrintTo(const ErrorEntry& entry, std::ostream* stream);
 void reset();
 
 // The log. A call reads `viOpen(1, "TCPIP0::h::1::SOCKET", 0, 2000)`: its arguments without the outputs; attributes and
-// buffers by their names, other numbers in decimal, bytes quoted with \n, \r, \\, \" and \xHH, null as null, handles of
-// the configuration server by their kind (store, driverSession, hardwareAsset).
+// buffers by their names, other numbers in decimal, bytes quoted with \n, \r, \\, \" and \xHH, null as null. Handles of
+// the configuration server are written by their kind (store, driverSession, hardwareAsset, dataComponents, ...); those
+// of named things have the name behind it (virtualName[Core]), and so have driver sessions and their assets apart from
+// the driver's own entry (driverSession[BenchSupply], hardwareAsset[BenchSupply]).
 
 /// Every call since the start or clearLog(), those that fail included.
 std::vector<std::string> calls();
@@ -84,9 +150,9 @@ void queueReply(std::string bytes, ViStatus status = VI_SUCCESS_TERM_CHAR);
 /// Answers `command`, as often as it is written, with `reply`; both without the line feed.
 void answer(std::string_view command, std::string_view reply);
 
-// Failures. A call that is to fail is logged and does nothing but return the status (sessions that it would have
-// opened come back as garbage, and a function of the configuration server leaves the text "<function> failed" in the
-// thread's error record). A status that is not negative is returned by a call that does its work.
+// Failures. A call that is to fail is logged and does nothing but return the status (sessions and handles that it would
+// have opened come back as garbage, and a function of the configuration server leaves the text "<function> failed" in
+// the thread's error record). A status that is not negative is returned by a call that does its work.
 
 /// The n-th call from now on, counted from 1, whatever its function.
 void failNthCall(std::size_t n, ViStatus status);
@@ -102,6 +168,7 @@ void clearFailures();
 
 std::size_t openVisaSessions();
 std::size_t openIviSessions();
+/// Handles of the configuration server of every kind, the store's included.
 std::size_t openConfigHandles();
 /// How often the session's lock is held; 0 for an unknown session.
 std::size_t lockDepth(ViSession session);
@@ -111,7 +178,7 @@ ErrorEntry errorOf(ViSession session);
 /// Forgets the calling thread's error record.
 void clearThreadError();
 
-/// The store that IviConfig_Deserialize loads, to be changed in place.
+/// The store that IviConfig_Deserialize loads, to be changed in place; what is loaded stays as it was.
 ConfigurationStore& configurationStore();
 
 } // namespace kvxtest

@@ -1,0 +1,2 @@
+// The same checks in C++.
+#include "values.c" // NOLINT(bugprone-suspicious-include)
