@@ -1,0 +1,28 @@
+#pragma once
+
+#include <iosfwd>
+#include <string>
+#include <vector>
+
+namespace kvxtest
+{
+
+/// How a program has ended: its exit code and what it has written to its two outputs.
+struct FinishedProgram
+{
+    int exitCode;
+    std::string output;
+    std::string errorOutput;
+
+    bool operator==(const FinishedProgram&) const = default;
+};
+
+/// For messages of failed assertions.
+void PrintTo(const FinishedProgram& program, std::ostream* stream);
+
+/// Runs a program to its end, with no configuration store but the one that `environment` may name; that holds further
+/// variables as "NAME=value".
+FinishedProgram runProgram(const std::string& path, const std::vector<std::string>& arguments,
+                           const std::vector<std::string>& environment = {});
+
+} // namespace kvxtest

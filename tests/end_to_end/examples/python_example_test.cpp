@@ -1,0 +1,88 @@
+#include "finished_program.h"
+#include "store_file.h"
+
+#include "support/virtual_instrument_process.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace kvxtest
+{
+namespace
+{
+
+FinishedProgram runDemonstration(std::vector<std::string> arguments, std::vector<std::string> environment = {})
+{
+    // -B: nothing is written beside the example.
+    arguments.insert(arguments.begin(), {"-B", KVX_PYTHON_EXAMPLE});
+    environment.emplace_back("KVX2800T_LIBRARY=" KVX_DRIVER_FILE);
+    return runProgram(KVX_PYTHON, arguments, environment);
+}
+
+FinishedProgram demonstrationOn(const std::string& channel)
+{
+    return {0,
+            "KVX2833T, firmware V1.00\n" + channel +
+                ": 3.300 V, 0.500 A, output on\n"
+                "100 V: 0xBFFA4217 Attribute or function parameter value is invalid (out of range or not supported).\n",
+            ""};
+}
+
+TEST(PythonDemonstration, ConfiguresAChannelAndShowsAnError)
+{
+    VirtualInstrumentProcess instrument;
+    EXPECT_EQ(runDemonstration({instrument.resource()}), demonstrationOn("OutputChannel3"));
+    EXPECT_EQ(instrument.receivedLines(),
+              (std::vector<std::string>{"*IDN?", ":SOUR3:VOLT 3.300000", ":SOUR3:CURR 0.500000",
+                                        ":SOUR3:CURR:PROT 0.500000", ":SOUR3:CURR:PROT:STAT OFF", ":OUTP:STAT CH3,ON",
+                                        ":SOUR3:VOLT?", ":SOUR3:CURR?", ":OUTP:STAT? CH3", ":OUTPut:STATe ALL,OFF"}));
+}
+
+TEST(PythonDemonstration, TakesALogicalNameAndAVirtualOne)
+{
+    VirtualInstrumentProcess instrument;
+    const StoreFile store(instrument.resource());
+    EXPECT_EQ(runDemonstration({"BenchSupply", "--channel", "Core"}, {store.variable()}), demonstrationOn("Core"));
+    const std::vector<std::string> lines = instrument.receivedLines();
+    EXPECT_EQ((std::vector<std::string>(lines.begin(), lines.begin() + 5)),
+              (std::vector<std::string>{"*IDN?", "*CLS", "*ESR?", ":SOUR4:VOLT 3.300000", "*ESR?"}));
+}
+
+TEST(PythonDemonstration, TakesOptionsAndALibrary)
+{
+    const FinishedProgram program =
+        runProgram(KVX_PYTHON, {"-B", KVX_PYTHON_EXAMPLE, "", "--options", "Simulate=1", "--library", KVX_DRIVER_FILE});
+    EXPECT_EQ(program.exitCode, 0);
+    EXPECT_TRUE(program.output.starts_with("KVX2803T, firmware Sim1.0.0.0\nOutputChannel3: ")) << program.output;
+    EXPECT_EQ(program.errorOutput, "");
+}
+
+TEST(PythonDemonstration, SaysWhyItCouldNotOpen)
+{
+    EXPECT_EQ(runDemonstration({"BANANA"}),
+              (FinishedProgram{1, "",
+                               "kvx2800t.py: 0xBFFA4214 I/O error.  Insufficient location information or resource not "
+                               "present in the system\n"}));
+}
+
+TEST(PythonDemonstration, SaysThatThereIsNoLibrary)
+{
+    EXPECT_EQ(runDemonstration({"BANANA", "--library", "/no-such-folder/driver.so"}),
+              (FinishedProgram{1, "",
+                               "kvx2800t.py: /no-such-folder/driver.so: cannot open shared object file: No such file "
+                               "or directory\n"}));
+}
+
+TEST(PythonDemonstration, WantsAResource)
+{
+    const FinishedProgram program = runDemonstration({});
+    EXPECT_EQ(program.exitCode, 2);
+    EXPECT_EQ(program.output, "");
+    EXPECT_TRUE(program.errorOutput.ends_with("error: the following arguments are required: resource\n"))
+        << program.errorOutput;
+}
+
+} // namespace
+} // namespace kvxtest
