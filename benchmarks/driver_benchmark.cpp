@@ -1,13 +1,18 @@
 #include "api/KVX2800T.h"
+#include "api/attribute_table.h"
 #include "instrument/command_text.h"
 #include "instrument/reply_parsing.h"
+#include "runtime/kvx2800t_driver_session.h"
+#include "runtime/selector.h"
 
 #include <IviCShared.h>
 
 #include <benchmark/benchmark.h>
 
+#include <array>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <string>
 
 namespace
@@ -81,6 +86,49 @@ void parseFields(benchmark::State& state)
     }
 }
 BENCHMARK(parseFields);
+
+/// What a program would do that knows the names: compare with all of them.
+void resolveNameBaseline(benchmark::State& state)
+{
+    constexpr std::array kNames = {"OutputChannel1", "OutputChannel2", "OutputChannel3",
+                                   "OutputChannel4", "OutputChannel5", "OutputChannel6"};
+    for (auto _ : state) {
+        const char* selector = "OutputChannel3";
+        benchmark::DoNotOptimize(selector);
+        int found = 0;
+        for (const char* const name : kNames)
+            found += std::strcmp(name, selector) == 0 ? 1 : 0;
+        benchmark::DoNotOptimize(found);
+    }
+}
+BENCHMARK(resolveNameBaseline);
+
+void resolve(benchmark::State& state, const char* selector)
+{
+    KVX2800TDriverSession session(VI_NULL, api::attributeRegistry());
+    for (auto _ : state) {
+        drivekit::OutputSelection channels;
+        benchmark::DoNotOptimize(selector);
+        if (drivekit::resolveSelector(session, selector, channels) < 0)
+            std::abort();
+        benchmark::DoNotOptimize(channels.begin());
+    }
+}
+BENCHMARK_CAPTURE(resolve, name, "OutputChannel3");
+BENCHMARK_CAPTURE(resolve, alias, "CH3");
+BENCHMARK_CAPTURE(resolve, rangeAndName, "OutputChannel1-3,OutputChannel5");
+
+void parseOptionString(benchmark::State& state)
+{
+    const std::string options = "Cache=0, RangeCheck=1, QueryInstrStatus=1, Simulate=0, DriverSetup=Model:KVX2833T";
+    for (auto _ : state) {
+        KVX2800TDriverSession session(VI_NULL, api::attributeRegistry());
+        if (session.ParseOptionString(options) < 0)
+            std::abort();
+        benchmark::DoNotOptimize(session.simulate());
+    }
+}
+BENCHMARK(parseOptionString);
 
 void sessionLockBaseline(benchmark::State& state)
 {
