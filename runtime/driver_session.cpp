@@ -24,7 +24,7 @@ bool appendChannelAlias(std::string_view token, std::string& text)
     constexpr std::string_view kPrefix = "CH";
     if (token.size() != kPrefix.size() + 1 || !token.starts_with(kPrefix))
         return false;
-    const std::size_t position = static_cast<std::size_t>(token.back() - '1');
+    const auto position = static_cast<std::size_t>(token.back() - '1');
     if (token.back() < '1' || position >= RepCapBase<OutputChannel>::kCount)
         return false;
     text += RepCapBase<OutputChannel>::physicalName(position).text();
