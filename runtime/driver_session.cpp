@@ -25,7 +25,7 @@ bool appendChannelAlias(std::string_view token, std::string& text)
     if (token.size() != kPrefix.size() + 1 || !token.starts_with(kPrefix))
         return false;
     const auto position = static_cast<std::size_t>(token.back() - '1');
-    if (token.back() < '1' || position >= RepCapBase<OutputChannel>::kCount)
+    if (position >= RepCapBase<OutputChannel>::kCount)
         return false;
     text += RepCapBase<OutputChannel>::physicalName(position).text();
     return true;
