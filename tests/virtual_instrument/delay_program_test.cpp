@@ -11,7 +11,7 @@ using testing::ElementsAre;
 /// 10 ohms at channel 1, set to 5 V, and a delay program of half a second off and one second on.
 class Delay : public testing::Test
 {
-protected:
+public:
     Delay()
     {
         device.control("load CH1 10");
@@ -219,7 +219,7 @@ TEST_F(Delay, APowerCycleStopsItAndKeepsItAsThePowerOnStateSays)
 
 class DelayGenerator : public testing::Test
 {
-protected:
+public:
     /// The groups that the settings make, without line ends.
     std::vector<std::string> construct(const std::string& settings, int from = 1)
     {

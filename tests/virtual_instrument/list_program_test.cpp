@@ -10,7 +10,7 @@ using namespace kvxtest;
 /// 10 ohms at channel 1, and a list of 5 V for one second and 8 V for two.
 class List : public testing::Test
 {
-protected:
+public:
     List()
     {
         device.control("load CH1 10");

@@ -51,7 +51,7 @@ TEST(PyVisa, HoldsASessionOverTheSerialLine)
 
 class LxiTools : public testing::Test
 {
-protected:
+public:
     Outcome send(const std::string& command)
     {
         return run(KVX_CLIENT_LXI, {"scpi", "--address", "127.0.0.1", "--port", std::to_string(instrument.port()),
