@@ -164,8 +164,7 @@ std::optional<std::string> substituteNames(const DriverSession& session, std::st
     std::string_view copied = text;
     std::string mapped;
     while (!rest.empty() && replaced.size() <= text.size() + kLongestAddition) {
-        std::string_view between;
-        const std::string_view token = selector::nextToken(rest, between);
+        const std::string_view token = selector::nextToken(rest);
         mapped.clear();
         if (token.empty() || !session.mappedText(token, mapped))
             continue;

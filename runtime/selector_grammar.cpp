@@ -179,13 +179,12 @@ std::optional<ViInt32> plainDecimal(std::string_view digits)
     return result.ec == std::errc() ? std::optional(number) : std::nullopt;
 }
 
-std::string_view nextToken(std::string_view& text, std::string_view& between)
+std::string_view nextToken(std::string_view& text)
 {
     const auto first = std::find_if(text.begin(), text.end(), isNameCharacter);
     const auto last = std::find_if_not(first, text.end(), isNameCharacter);
-    between = text.substr(0, static_cast<std::size_t>(first - text.begin()));
-    const std::string_view token = text.substr(between.size(), static_cast<std::size_t>(last - first));
-    text.remove_prefix(between.size() + token.size());
+    const std::string_view token(first, last);
+    text = std::string_view(last, text.end());
     return token;
 }
 

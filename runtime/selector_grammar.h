@@ -29,9 +29,8 @@ bool isRange(std::string_view item);
 /// A number as ranges spell theirs: plain decimal, without leading zeros, in 32 bits; nothing for any other text.
 std::optional<ViInt32> plainDecimal(std::string_view digits);
 
-/// Takes the next name or number off `text`: characters in front of it go to `between`. The token is empty when none is
-/// left.
-std::string_view nextToken(std::string_view& text, std::string_view& between);
+/// Takes the next name or number off `text`, with what stands in front of it. Empty when none is left.
+std::string_view nextToken(std::string_view& text);
 
 /// The names base + first to base + last, numbers in plain decimal.
 struct NameRange

@@ -350,6 +350,15 @@ TEST_F(ConfiguredSettings, TheModuleOfANamedEntryIsTheOneUsed)
     EXPECT_THAT(session.physicalNames(), ElementsAre(Pair("OutputChannel", ElementsAre("OutputChannel3"))));
 }
 
+TEST_F(ConfiguredSettings, ANamedEntryWithoutASoftwareModuleLeavesNoPhysicalNames)
+{
+    storeRichEntry();
+    storeRichFurtherSession().softwareModule.reset();
+    EXPECT_EQ(resolveName("BenchSupply"), VI_SUCCESS);
+    EXPECT_THAT(session.physicalNames(), IsEmpty());
+    EXPECT_EQ(openConfigHandles(), 0U);
+}
+
 // ---- Operations on their own
 
 class StoreReaders : public ConfigurationStoreTest
