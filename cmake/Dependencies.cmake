@@ -1,18 +1,33 @@
 # Third-party code comes from the system's packages only (packages.txt); nothing is downloaded or copied in.
 find_package(Threads REQUIRED)
 
-find_path(KVX_ASIO_INCLUDE_DIR asio.hpp REQUIRED)
-add_library(kvx_asio INTERFACE)
-target_include_directories(kvx_asio SYSTEM INTERFACE ${KVX_ASIO_INCLUDE_DIR})
+# kvx_header_library(<name> <file to find> [<folder or file beside it>...])
+# An interface library for the headers of a package. When compiling for another host, the folder they are in holds that
+# of this machine's C library, too: a folder of links has those named alone.
+function(kvx_header_library name file)
+    find_path(${name}_dir ${file} REQUIRED NO_CMAKE_FIND_ROOT_PATH)
+    set(folder ${${name}_dir})
+    if(CMAKE_CROSSCOMPILING)
+        set(folder ${PROJECT_BINARY_DIR}/host_headers/${name})
+        file(MAKE_DIRECTORY ${folder})
+        foreach(entry ${ARGN})
+            file(CREATE_LINK ${${name}_dir}/${entry} ${folder}/${entry} SYMBOLIC)
+        endforeach()
+    endif()
+    add_library(${name} INTERFACE)
+    target_include_directories(${name} SYSTEM INTERFACE ${folder})
+endfunction()
+
+kvx_header_library(kvx_asio asio.hpp asio.hpp asio)
 target_compile_definitions(kvx_asio INTERFACE ASIO_STANDALONE ASIO_NO_DEPRECATED)
 target_link_libraries(kvx_asio INTERFACE Threads::Threads)
 if(KVX_SANITIZE MATCHES thread)
     # g++ warns of Asio's fences, which ThreadSanitizer does not model.
     target_compile_options(kvx_asio INTERFACE -Wno-tsan)
 endif()
+if(WIN32)
+    target_link_libraries(kvx_asio INTERFACE ws2_32 mswsock)
+endif()
 
-find_path(KVX_RAPIDXML_INCLUDE_DIR rapidxml/rapidxml.hpp REQUIRED)
-add_library(kvx_rapidxml INTERFACE)
-target_include_directories(kvx_rapidxml SYSTEM INTERFACE ${KVX_RAPIDXML_INCLUDE_DIR})
-
-find_package(CLI11 REQUIRED)
+kvx_header_library(kvx_rapidxml rapidxml/rapidxml.hpp rapidxml)
+kvx_header_library(kvx_cli11 CLI/CLI.hpp CLI)

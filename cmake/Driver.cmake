@@ -57,26 +57,11 @@ kvx_add_layer(api
 set(KVX_LAYERS kvx_io kvx_instrument kvx_simulator kvx_runtime kvx_api)
 list(TRANSFORM KVX_LAYERS REPLACE "(.+)" "$<TARGET_OBJECTS:\\1>" OUTPUT_VARIABLE driver_objects)
 
-# api/exports.txt names the exported functions, one a line; the linker's version script is made from it.
-set(exports_file ${PROJECT_SOURCE_DIR}/api/exports.txt)
-file(STRINGS ${exports_file} exports)
-list(JOIN exports "; " exported_names)
-set(version_script ${PROJECT_BINARY_DIR}/KVX2800T.map)
-file(WRITE ${version_script} "{ global: ${exported_names}; local: *; };\n")
-set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${exports_file})
-
+# What a host needs beyond these sources, and how its libraries are linked.
 add_library(KVX2800T SHARED ${driver_objects})
-target_link_libraries(KVX2800T PRIVATE kvx_options IviCShared IviConfigServer visa)
-target_link_options(KVX2800T PRIVATE LINKER:--version-script=${version_script})
-if(NOT KVX_SANITIZE)
-    # clang leaves its sanitizers' functions to the program.
-    target_link_options(KVX2800T PRIVATE LINKER:--no-undefined)
-endif()
-set_target_properties(KVX2800T PROPERTIES
-    VERSION ${PROJECT_VERSION}
-    SOVERSION 1
-    INSTALL_RPATH "$ORIGIN"
-    LINK_DEPENDS "${version_script}")
+target_link_libraries(KVX2800T PRIVATE kvx_options)
+kvx_export_only(KVX2800T ${PROJECT_SOURCE_DIR}/api/exports.txt)
+include(host/driver_${KVX_HOST})
 target_include_directories(KVX2800T INTERFACE ${PROJECT_SOURCE_DIR}/api)
 target_link_libraries(KVX2800T INTERFACE platform_headers)
 

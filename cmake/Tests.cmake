@@ -1,6 +1,5 @@
 include(GoogleTest)
-find_package(GTest REQUIRED)
-find_package(rapidcheck REQUIRED)
+include(host/tests_${KVX_HOST})
 
 # kvx_add_test(<name> [THREADS] SOURCES <file>... [LIBRARIES <target>...] [PREFIX <text>])
 # One test program; ctest runs each of its test cases by name, behind the prefix. A case that hangs is ended after two

@@ -18,3 +18,7 @@ if(KVX_COVERAGE)
     target_compile_options(kvx_options INTERFACE --coverage -fprofile-update=atomic)
     target_link_options(kvx_options INTERFACE --coverage)
 endif()
+if(WIN32)
+    # Windows 10, its wide functions, and none of its macros that are in the way of C++.
+    target_compile_definitions(kvx_options INTERFACE _WIN32_WINNT=0x0A00 UNICODE NOMINMAX WIN32_LEAN_AND_MEAN)
+endif()

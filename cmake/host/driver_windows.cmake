@@ -1,0 +1,14 @@
+# The driver on Windows: it binds the platform's libraries itself, when it needs them.
+target_sources(KVX2800T PRIVATE ${PROJECT_SOURCE_DIR}/platform/binding/binding_windows.cpp)
+target_link_libraries(KVX2800T PRIVATE platform_headers)
+
+if(CMAKE_SIZEOF_VOID_P EQUAL 8)
+    set(file_name KVX2800T_64)
+else()
+    set(file_name KVX2800T)
+endif()
+set_target_properties(KVX2800T PROPERTIES PREFIX "" OUTPUT_NAME ${file_name})
+
+# The version resource, with the identity that the driver reports.
+configure_file(${PROJECT_SOURCE_DIR}/packaging/windows/KVX2800T.rc.in ${PROJECT_BINARY_DIR}/KVX2800T.rc @ONLY)
+target_sources(KVX2800T PRIVATE ${PROJECT_BINARY_DIR}/KVX2800T.rc)

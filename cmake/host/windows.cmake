@@ -1,0 +1,30 @@
+# Shared libraries on Windows.
+
+# kvx_export_only(<target> <file>)
+# The library exports exactly the functions that the file names, one a line, undecorated; a number behind a name is its
+# ordinal. <target>.def is beside the import library.
+function(kvx_export_only target file)
+    file(STRINGS ${file} functions)
+    list(TRANSFORM functions REPLACE " " " @")
+    list(JOIN functions "\n    " functions)
+    set(definitions ${CMAKE_CURRENT_BINARY_DIR}/${target}.def)
+    file(GENERATE OUTPUT ${definitions} CONTENT "LIBRARY $<TARGET_FILE_NAME:${target}>\nEXPORTS\n    ${functions}\n")
+    set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${file})
+    target_link_options(${target} PRIVATE ${definitions})
+    set_property(TARGET ${target} APPEND PROPERTY LINK_DEPENDS ${definitions})
+
+    # The linker's own import library knows the plain names; callers on x86 use the decorated ones.
+    if(CMAKE_SIZEOF_VOID_P EQUAL 4)
+        target_link_options(${target} PRIVATE LINKER:--enable-stdcall-fixup)
+    endif()
+    add_custom_command(TARGET ${target} POST_BUILD VERBATIM
+        COMMAND ${CMAKE_COMMAND} -D NM=${CMAKE_NM} -D DLLTOOL=${CMAKE_DLLTOOL} -D LIBRARY=$<TARGET_FILE:${target}>
+                -D EXPORTS=${definitions} -D IMPORTS=$<TARGET_LINKER_FILE_DIR:${target}>/${target}.def
+                -D IMPORT_LIBRARY=$<TARGET_LINKER_FILE:${target}>
+                -P ${PROJECT_SOURCE_DIR}/cmake/host/import_library.cmake)
+endfunction()
+
+# kvx_stays_loaded(<target>)
+# The driver keeps what it has bound loaded (platform/binding).
+function(kvx_stays_loaded target)
+endfunction()
