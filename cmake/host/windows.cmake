@@ -28,3 +28,12 @@ endfunction()
 # The driver keeps what it has bound loaded (platform/binding).
 function(kvx_stays_loaded target)
 endfunction()
+
+# kvx_platform_name(<target> <name> <name on x86>)
+# Gives a library of the platform the name by which programs look for it.
+function(kvx_platform_name target name name_x86)
+    if(CMAKE_SIZEOF_VOID_P EQUAL 4)
+        set(name ${name_x86})
+    endif()
+    set_target_properties(${target} PROPERTIES PREFIX "" OUTPUT_NAME ${name})
+endfunction()

@@ -2,6 +2,7 @@
 #include "channel_limits.h"
 
 #include <cmath>
+#include <initializer_list>
 #include <limits>
 
 // Setting the attributes of channels.
@@ -283,7 +284,7 @@ TEST_F(ChannelAttributes, RegulateSwitchesTheCurrentProtectionOff)
 
 TEST_F(ChannelAttributes, ABehaviorThatIsNeitherRegulateNorTripIsRefused)
 {
-    for (const ViInt32 behavior : {2, -1, 1001, std::numeric_limits<ViInt32>::min()})
+    for (const ViInt32 behavior : std::initializer_list<ViInt32>{2, -1, 1001, std::numeric_limits<ViInt32>::min()})
         expectOutOfRange(setBehavior("OutputChannel3-4", behavior), {});
 }
 

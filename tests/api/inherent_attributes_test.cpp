@@ -2,6 +2,7 @@
 #include "attribute_rows.h"
 
 #include <algorithm>
+#include <initializer_list>
 #include <limits>
 
 namespace
@@ -261,7 +262,7 @@ TEST_P(TextAttributes, ASizeOfZeroAsksForTheLargestSizeAndReadsNothing)
 TEST_P(TextAttributes, ANegativeSizeIsABufferForEveryText)
 {
     const std::string value = text(GetParam().id);
-    for (const ViInt32 size : {-1, -4096, std::numeric_limits<ViInt32>::min()}) {
+    for (const ViInt32 size : std::initializer_list<ViInt32>{-1, -4096, std::numeric_limits<ViInt32>::min()}) {
         EXPECT_EQ(readInto(size), VI_SUCCESS);
         expectWritten(value);
     }
@@ -269,7 +270,9 @@ TEST_P(TextAttributes, ANegativeSizeIsABufferForEveryText)
 
 TEST_P(TextAttributes, NoBufferIsAnErrorForEverySizeButZero)
 {
-    for (const ViInt32 size : {1, 10, -1, std::numeric_limits<ViInt32>::max(), std::numeric_limits<ViInt32>::min()}) {
+    for (const ViInt32 size : std::initializer_list<ViInt32>{1, 10, -1, std::numeric_limits<ViInt32>::max(),
+                                                             std::numeric_limits<ViInt32>::min()})
+    {
         forget();
         EXPECT_EQ(KVX2800T_GetAttributeViString(vi, "", GetParam().id, size, nullptr), kNullPointer);
         expectRecordedOnce(kNullPointer, "Null pointer passed for function 'GetAttributeViString', parameter "

@@ -2,6 +2,7 @@
 #include "channel_limits.h"
 
 #include <cmath>
+#include <initializer_list>
 #include <limits>
 
 namespace
@@ -275,7 +276,9 @@ TEST_F(QueryFunctions, TripsAndUnregulatedAreFollowedByTheStatusCheck)
 TEST_F(QueryFunctions, AnUnknownOutputStateSucceedsAndLeavesTheOutput)
 {
     open();
-    for (const ViInt32 state : {5, 7, -1, std::numeric_limits<ViInt32>::min(), std::numeric_limits<ViInt32>::max()}) {
+    for (const ViInt32 state : std::initializer_list<ViInt32>{5, 7, -1, std::numeric_limits<ViInt32>::min(),
+                                                              std::numeric_limits<ViInt32>::max()})
+    {
         ViBoolean inState = kMark;
         EXPECT_EQ(KVX2800T_QueryOutputState(vi, "OutputChannel1-6", state, &inState), VI_SUCCESS);
         EXPECT_EQ(inState, kMark);
@@ -367,7 +370,9 @@ TEST_F(QueryFunctions, AFailedStateOfSeveralChannelsKeepsTheLastGoodOne)
 TEST_F(QueryFunctions, AnUnknownMeasurementTypeIsOutOfRange)
 {
     open("QueryInstrStatus=1");
-    for (const ViInt32 type : {2, -1, std::numeric_limits<ViInt32>::min(), std::numeric_limits<ViInt32>::max()}) {
+    for (const ViInt32 type : std::initializer_list<ViInt32>{2, -1, std::numeric_limits<ViInt32>::min(),
+                                                             std::numeric_limits<ViInt32>::max()})
+    {
         forget();
         ViReal64 value = kMark;
         EXPECT_EQ(KVX2800T_Measure(vi, "OutputChannel1-3", type, &value), kOutOfRange);
@@ -437,7 +442,7 @@ TEST_F(ChannelName, IsCutToTheBufferWithoutAWord)
 
 TEST_F(ChannelName, OfABufferOfNoSizeIsNotWritten)
 {
-    for (const ViInt32 size : {0, -1, std::numeric_limits<ViInt32>::min()}) {
+    for (const ViInt32 size : std::initializer_list<ViInt32>{0, -1, std::numeric_limits<ViInt32>::min()}) {
         EXPECT_EQ(get(1, size), VI_SUCCESS);
         expectNothingWritten();
     }
