@@ -1,9 +1,7 @@
-include(GoogleTest)
 include(host/tests_${KVX_HOST})
 
 # kvx_add_test(<name> [THREADS] SOURCES <file>... [LIBRARIES <target>...] [PREFIX <text>])
-# One test program; ctest runs each of its test cases by name, behind the prefix. A case that hangs is ended after two
-# minutes. THREADS: its tests run code in several threads; under ThreadSanitizer only those programs are built and run.
+# One test program, which ctest runs under names that begin with the prefix. A case that hangs is ended. THREADS: its tests run code in several threads; under ThreadSanitizer only those programs are built and run.
 function(kvx_add_test name)
     cmake_parse_arguments(ARG "THREADS" "PREFIX" "SOURCES;LIBRARIES" ${ARGN})
     add_executable(${name} ${ARG_SOURCES})
@@ -14,5 +12,5 @@ function(kvx_add_test name)
         set_target_properties(${name} PROPERTIES EXCLUDE_FROM_ALL ON)
         return()
     endif()
-    gtest_discover_tests(${name} TEST_PREFIX "${ARG_PREFIX}" DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 120)
+    kvx_run_test(${name} "${ARG_PREFIX}")
 endfunction()

@@ -7,3 +7,12 @@ foreach(library gtest gtest_main gmock gmock_main)
     get_target_property(includes ${library} INTERFACE_INCLUDE_DIRECTORIES)
     set_target_properties(${library} PROPERTIES INTERFACE_SYSTEM_INCLUDE_DIRECTORIES "${includes}")
 endforeach()
+
+# Starting a program under Wine takes longer than most test cases: each program is a test.
+function(kvx_run_test name prefix)
+    if(CMAKE_CROSSCOMPILING)
+        set(run ${PROJECT_SOURCE_DIR}/tests/support/beside_wine.py ${CMAKE_CROSSCOMPILING_EMULATOR})
+    endif()
+    add_test(NAME ${prefix}${name} COMMAND ${run} $<TARGET_FILE:${name}> --gtest_brief=1)
+    set_tests_properties(${prefix}${name} PROPERTIES TIMEOUT 600)
+endfunction()

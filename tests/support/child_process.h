@@ -49,8 +49,9 @@ public:
     /// that ended it, or kUnknownExitCode; the same again when called again.
     int wait();
 
-private:
     struct Host;
+
+private:
     std::unique_ptr<Host> host_;
 };
 

@@ -7,7 +7,8 @@ target_link_libraries(platform_fakes_shared PUBLIC platform_headers PRIVATE kvx_
 set_target_properties(platform_fakes_shared PROPERTIES
     PREFIX "" RUNTIME_OUTPUT_DIRECTORY ${fakes_folder})
 # Everything of its own, and nothing of the compiler's libraries.
-target_link_options(platform_fakes_shared PRIVATE LINKER:--export-all-symbols,--exclude-libs,ALL)
+target_link_options(platform_fakes_shared PRIVATE 
+    LINKER:--export-all-symbols,--exclude-libs,ALL $<$<EQUAL:${CMAKE_SIZEOF_VOID_P},4>:LINKER:--add-stdcall-alias>)
 
 file(WRITE ${CMAKE_CURRENT_BINARY_DIR}/no_code.c "typedef int NoCode;\n")
 function(add_fake_library target folder)
@@ -18,7 +19,8 @@ function(add_fake_library target folder)
     file(CONFIGURE OUTPUT ${definitions} CONTENT "EXPORTS\n@functions@\n" @ONLY)
     add_library(${target} SHARED ${CMAKE_CURRENT_BINARY_DIR}/no_code.c ${definitions})
     kvx_platform_name(${target} ${ARGN})
-    set_target_properties(${target} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${fakes_folder})
+    set_target_properties(${target} PROPERTIES
+        RUNTIME_OUTPUT_DIRECTORY ${fakes_folder} ARCHIVE_OUTPUT_DIRECTORY ${fakes_folder})
     add_dependencies(platform_fakes_shared ${target})
 endfunction()
 add_fake_library(fake_session_service ivi_c_shared IviCShared_64 IviCShared)
