@@ -148,6 +148,117 @@ extern "C" {
 /** @} */
 
 /**
+ * @name Further status codes of the IVI specifications
+ * The driver has messages for them (KVX2800T_error_message), but returns none of its own accord.
+ * @{
+ */
+#ifndef IVI_ERROR_CANNOT_OPEN_FILE
+/** A file cannot be opened. */
+#define IVI_ERROR_CANNOT_OPEN_FILE ((ViStatus)0xBFFA0002UL)
+#endif
+#ifndef IVI_ERROR_READING_FILE
+/** A file cannot be read. */
+#define IVI_ERROR_READING_FILE ((ViStatus)0xBFFA0003UL)
+#endif
+#ifndef IVI_ERROR_WRITING_FILE
+/** A file cannot be written. */
+#define IVI_ERROR_WRITING_FILE ((ViStatus)0xBFFA0004UL)
+#endif
+#ifndef IVI_ERROR_INVALID_PATHNAME
+/** A path is invalid. */
+#define IVI_ERROR_INVALID_PATHNAME ((ViStatus)0xBFFA000BUL)
+#endif
+#ifndef IVI_ERROR_FUNCTION_NOT_SUPPORTED
+/** A function of the instrument class is not supported. */
+#define IVI_ERROR_FUNCTION_NOT_SUPPORTED ((ViStatus)0xBFFA0011UL)
+#endif
+#ifndef IVI_ERROR_ATTRIBUTE_NOT_SUPPORTED
+/** An attribute of the instrument class is not supported. */
+#define IVI_ERROR_ATTRIBUTE_NOT_SUPPORTED ((ViStatus)0xBFFA0012UL)
+#endif
+#ifndef IVI_ERROR_VALUE_NOT_SUPPORTED
+/** A value that the instrument class defines is not supported. */
+#define IVI_ERROR_VALUE_NOT_SUPPORTED ((ViStatus)0xBFFA0013UL)
+#endif
+#ifndef IVI_ERROR_NOT_INITIALIZED
+/** There is no connection to the instrument. */
+#define IVI_ERROR_NOT_INITIALIZED ((ViStatus)0xBFFA001DUL)
+#endif
+#ifndef IVI_ERROR_UNKNOWN_CHANNEL_NAME
+/** The channel is unknown. */
+#define IVI_ERROR_UNKNOWN_CHANNEL_NAME ((ViStatus)0xBFFA0020UL)
+#endif
+#ifndef IVI_ERROR_TOO_MANY_OPEN_FILES
+/** Too many files are open. */
+#define IVI_ERROR_TOO_MANY_OPEN_FILES ((ViStatus)0xBFFA0023UL)
+#endif
+#ifndef IVI_ERROR_MISSING_OPTION_NAME
+/** The option string lacks the name of an option. */
+#define IVI_ERROR_MISSING_OPTION_NAME ((ViStatus)0xBFFA0049UL)
+#endif
+#ifndef IVI_ERROR_MISSING_OPTION_VALUE
+/** The option string lacks the value of an option. */
+#define IVI_ERROR_MISSING_OPTION_VALUE ((ViStatus)0xBFFA004AUL)
+#endif
+#ifndef IVI_ERROR_OUT_OF_MEMORY
+/** There is not enough memory; the IVI shared components return it, too. */
+#define IVI_ERROR_OUT_OF_MEMORY ((ViStatus)0xBFFA0056UL)
+#endif
+#ifndef IVI_ERROR_OPERATION_PENDING
+/** An operation is under way. */
+#define IVI_ERROR_OPERATION_PENDING ((ViStatus)0xBFFA0057UL)
+#endif
+#ifndef IVI_ERROR_FILE_NOT_FOUND
+/** There is no such file. */
+#define IVI_ERROR_FILE_NOT_FOUND ((ViStatus)0xBFFA005BUL)
+#endif
+#ifndef IVI_ERROR_INVALID_FILE_FORMAT
+/** The format of a file is invalid. */
+#define IVI_ERROR_INVALID_FILE_FORMAT ((ViStatus)0xBFFA005CUL)
+#endif
+#ifndef IVI_ERROR_STATUS_NOT_AVAILABLE
+/** The status of the instrument is not available. */
+#define IVI_ERROR_STATUS_NOT_AVAILABLE ((ViStatus)0xBFFA005DUL)
+#endif
+#ifndef IVI_ERROR_RESET_FAILED
+/** The instrument could not be reset. */
+#define IVI_ERROR_RESET_FAILED ((ViStatus)0xBFFA005FUL)
+#endif
+#ifndef IVI_ERROR_RESOURCE_UNKNOWN
+/** The resource is unknown. */
+#define IVI_ERROR_RESOURCE_UNKNOWN ((ViStatus)0xBFFA0060UL)
+#endif
+#ifndef IVI_ERROR_ALREADY_INITIALIZED
+/** The driver is initialized already. */
+#define IVI_ERROR_ALREADY_INITIALIZED ((ViStatus)0xBFFA0061UL)
+#endif
+#ifndef IVI_ERROR_UNKNOWN_NAME_IN_SELECTOR
+/** A selector names something unknown. */
+#define IVI_ERROR_UNKNOWN_NAME_IN_SELECTOR ((ViStatus)0xBFFA0065UL)
+#endif
+#ifndef IVI_ERROR_TRIGGER_NOT_SOFTWARE
+/** The trigger source is not the software trigger. */
+#define IVI_ERROR_TRIGGER_NOT_SOFTWARE ((ViStatus)0xBFFA1001UL)
+#endif
+#ifndef IVI_WARN_NSUP_ID_QUERY
+/** The instrument cannot be identified. */
+#define IVI_WARN_NSUP_ID_QUERY ((ViStatus)0x3FFA0065UL)
+#endif
+#ifndef IVI_WARN_NSUP_RESET
+/** The instrument cannot be reset. */
+#define IVI_WARN_NSUP_RESET ((ViStatus)0x3FFA0066UL)
+#endif
+#ifndef IVI_WARN_NSUP_ERROR_QUERY
+/** The instrument cannot be asked for its errors. */
+#define IVI_WARN_NSUP_ERROR_QUERY ((ViStatus)0x3FFA0068UL)
+#endif
+#ifndef IVI_WARN_NSUP_REV_QUERY
+/** The instrument does not tell the revision of its firmware. */
+#define IVI_WARN_NSUP_REV_QUERY ((ViStatus)0x3FFA0069UL)
+#endif
+/** @} */
+
+/**
  * @name Attributes of the driver
  * Read-only; a channel is ignored.
  * @{

@@ -1,8 +1,5 @@
 #include "driver_end_to_end.h"
 
-#include <iomanip>
-#include <ostream>
-
 namespace kvxtest
 {
 
@@ -13,11 +10,6 @@ RecordedError recordedError(ViSession vi)
     EXPECT_EQ(KVX2800T_GetError(vi, &error.code, sizeof text, text), VI_SUCCESS);
     error.text = text;
     return error;
-}
-
-void PrintTo(const RecordedError& error, std::ostream* stream)
-{
-    *stream << "0x" << std::hex << static_cast<ViUInt32>(error.code) << " \"" << error.text << '"';
 }
 
 DriverEndToEnd::DriverEndToEnd(const Lines& instrumentOptions) : instrument(instrumentOptions)
