@@ -1,8 +1,14 @@
 # Shared libraries on Windows.
+find_program(KVX_LLVM_DLLTOOL llvm-dlltool)
+if(CMAKE_SIZEOF_VOID_P EQUAL 4)
+    set(KVX_MACHINE i386)
+else()
+    set(KVX_MACHINE i386:x86-64)
+endif()
 
 # kvx_export_only(<target> <file>)
 # The library exports exactly the functions that the file names, one a line, undecorated; a number behind a name is its
-# ordinal. <target>.def is beside the import library.
+# ordinal. Beside the import library are <target>.def, and <target>.lib for Microsoft's linker.
 function(kvx_export_only target file)
     file(STRINGS ${file} functions)
     list(TRANSFORM functions REPLACE " " " @")
@@ -17,10 +23,13 @@ function(kvx_export_only target file)
     if(CMAKE_SIZEOF_VOID_P EQUAL 4)
         target_link_options(${target} PRIVATE LINKER:--enable-stdcall-fixup)
     endif()
+    set(folder $<TARGET_LINKER_FILE_DIR:${target}>)
     add_custom_command(TARGET ${target} POST_BUILD VERBATIM
         COMMAND ${CMAKE_COMMAND} -D NM=${CMAKE_NM} -D DLLTOOL=${CMAKE_DLLTOOL} -D LIBRARY=$<TARGET_FILE:${target}>
-                -D EXPORTS=${definitions} -D IMPORTS=$<TARGET_LINKER_FILE_DIR:${target}>/${target}.def
+                -D EXPORTS=${definitions} -D IMPORTS=${folder}/${target}.def
                 -D IMPORT_LIBRARY=$<TARGET_LINKER_FILE:${target}>
+                -D LLVM_DLLTOOL=$<$<BOOL:${KVX_LLVM_DLLTOOL}>:${KVX_LLVM_DLLTOOL}> -D MACHINE=${KVX_MACHINE}
+                -D MSC_LIBRARY=${folder}/${target}.lib
                 -P ${PROJECT_SOURCE_DIR}/cmake/host/import_library.cmake)
 endfunction()
 

@@ -215,9 +215,14 @@ TEST_F(LoadedChannels, ChannelNamesAreCountedFromOneAndCutWithoutAWord)
 
 TEST_F(LoadedChannels, OtherIndexesAreRefusedAsCountedFromZero)
 {
-    constexpr ViInt32 kSmallest = -2147483647 - 1;
+    struct Refused
+    {
+        ViInt32 index;
+        const char* position;
+    };
+    constexpr Refused kRefused[] = {{0, "-1"}, {7, "6"}, {-2147483647 - 1, "-2147483649"}};
     std::array<ViChar, 16> name{"as it was"};
-    for (const auto& [index, position] : {std::pair(0, "-1"), std::pair(7, "6"), std::pair(kSmallest, "-2147483649")})
+    for (const auto& [index, position] : kRefused)
         expectRefused(driver.GetChannelName(vi, index, 16, name.data()), IVI_ERROR_INVALID_VALUE,
                       "Invalid value '" + std::string(position) +
                           "' for function 'GetOutputChannelName', parameter 'Index'.");

@@ -1,7 +1,6 @@
 #include "driver_end_to_end.h"
+#include "held_allocations.h"
 #include "open_descriptors.h"
-
-#include "instrument/allocation_count.h"
 
 #include <atomic>
 #include <thread>
@@ -14,7 +13,7 @@ namespace
 /// What a process holds.
 struct Holdings
 {
-    std::size_t allocations = liveAllocations();
+    std::size_t allocations = heldAllocations();
     std::size_t descriptors = openDescriptors();
 
     bool operator==(const Holdings&) const = default;
