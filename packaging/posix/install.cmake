@@ -1,0 +1,15 @@
+# `cmake --install <build> --prefix <folder>`: what a program needs to build against the driver and to run with it.
+include(GNUInstallDirs)
+
+install(TARGETS KVX2800T LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+install(FILES ${PROJECT_SOURCE_DIR}/api/KVX2800T.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+if(NOT KVX_VENDOR_PLATFORM)
+    install(TARGETS IviCShared IviConfigServer visa LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+    install(TARGETS kvx2800t-store RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+    install(DIRECTORY ${PROJECT_SOURCE_DIR}/platform/include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+endif()
+
+# The installed folder may be moved: the file says where it is relative to itself.
+file(RELATIVE_PATH KVX_LIBDIR_TO_PREFIX /${CMAKE_INSTALL_LIBDIR} /)
+configure_file(posix/kvx2800t.pc.in kvx2800t.pc @ONLY)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/kvx2800t.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

@@ -1,0 +1,35 @@
+# The folders of an IVI installation (IVI-3.17), to be unpacked over <IviStandardRootDir>; CPack makes a zip of them.
+if(CMAKE_SIZEOF_VOID_P EQUAL 8)
+    set(width x64)
+    set(libraries Lib_x64)
+else()
+    set(width x86)
+    set(libraries Lib)
+endif()
+set(import_libraries $<TARGET_LINKER_FILE_DIR:KVX2800T>)
+set(own_folder Drivers/KVX2800T)
+
+install(TARGETS KVX2800T RUNTIME DESTINATION Bin)
+install(FILES ${PROJECT_SOURCE_DIR}/api/KVX2800T.h DESTINATION Include)
+install(FILES ${import_libraries}/KVX2800T.lib ${import_libraries}/KVX2800T.def DESTINATION ${libraries}/msc)
+install(FILES $<TARGET_LINKER_FILE:KVX2800T> DESTINATION ${libraries}/mingw RENAME libKVX2800T.dll.a)
+
+configure_file(windows/readme.txt.in ${CMAKE_CURRENT_BINARY_DIR}/readme.txt @ONLY NEWLINE_STYLE CRLF)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/readme.txt DESTINATION ${own_folder})
+configure_file(${PROJECT_SOURCE_DIR}/LICENSE ${CMAKE_CURRENT_BINARY_DIR}/license.txt COPYONLY)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/license.txt DESTINATION ${own_folder})
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples/ DESTINATION ${own_folder}/Examples PATTERN CMakeLists.txt EXCLUDE)
+
+# For a machine without the IVI components or VISA.
+if(NOT KVX_VENDOR_PLATFORM)
+    install(TARGETS IviCShared IviConfigServer visa RUNTIME DESTINATION ${own_folder}/Platform/${width})
+    install(TARGETS kvx2800t-store kvx2800t-virtual RUNTIME DESTINATION ${own_folder}/Platform/${width})
+    install(DIRECTORY ${PROJECT_SOURCE_DIR}/platform/include/ DESTINATION ${own_folder}/Platform/Include)
+endif()
+
+set(CPACK_GENERATOR ZIP)
+set(CPACK_PACKAGE_FILE_NAME KVX2800T-${PROJECT_VERSION}-windows-${width})
+set(CPACK_INCLUDE_TOPLEVEL_DIRECTORY OFF)
+set(CPACK_STRIP_FILES ON)
+set(CPACK_VERBATIM_VARIABLES ON)
+include(CPack)
