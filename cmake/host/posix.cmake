@@ -18,3 +18,8 @@ endfunction()
 function(kvx_stays_loaded target)
     target_link_options(${target} PRIVATE LINKER:-z,nodelete)
 endfunction()
+
+# kvx_platform_name(<target> <64-bit name> <32-bit name>)
+# The file name by which programs find a platform library; here it is that of the target.
+function(kvx_platform_name target)
+endfunction()

@@ -38,11 +38,13 @@ endfunction()
 function(kvx_stays_loaded target)
 endfunction()
 
-# kvx_platform_name(<target> <name> <name on x86>)
-# Gives a library of the platform the name by which programs look for it.
-function(kvx_platform_name target name name_x86)
-    if(CMAKE_SIZEOF_VOID_P EQUAL 4)
-        set(name ${name_x86})
+# kvx_platform_name(<target> <64-bit name> <32-bit name>)
+# The file name by which programs find a platform library.
+function(kvx_platform_name target name64 name32)
+    if(CMAKE_SIZEOF_VOID_P EQUAL 8)
+        set(name ${name64})
+    else()
+        set(name ${name32})
     endif()
     set_target_properties(${target} PROPERTIES PREFIX "" OUTPUT_NAME ${name})
 endfunction()

@@ -1,4 +1,4 @@
-#include "serial_native.h"
+#include "serial_native_posix.h"
 
 #include <sys/ioctl.h>
 #include <termios.h>

@@ -2,12 +2,12 @@
 
 #include "backends.h"
 #include "host_error.h"
+#include "tcp_connect.h"
 
 #include <asio/buffer.hpp>
 
 #include <array>
 #include <limits>
-#include <optional>
 
 namespace visa
 {
@@ -40,61 +40,21 @@ ViStatus connectStatus(const asio::error_code& error)
     return isExhaustion(error) ? VI_ERROR_ALLOC : VI_ERROR_RSRC_NFOUND;
 }
 
-NativeHandle handleOf(tcp::socket& socket)
-{
-    return static_cast<NativeHandle>(socket.native_handle());
-}
-
-/// Connects a fresh socket to one endpoint. The context must not run again after nothing was returned.
-/// @return nothing when the deadline passed
-std::optional<asio::error_code> connectTo(asio::io_context& context, tcp::socket& socket, const tcp::endpoint& endpoint,
-                                          const Deadline& deadline)
-{
-    asio::error_code error;
-    socket.close(error);
-    socket.open(endpoint.protocol(), error);
-    if (error)
-        return error;
-    keepFromChildren(handleOf(socket));
-    std::optional<asio::error_code> outcome;
-    socket.async_connect(endpoint, [&outcome](const asio::error_code& result) { outcome = result; });
-    context.restart();
-    context.run_for(std::chrono::milliseconds(deadline.remainingMs(std::numeric_limits<int>::max())));
-    return outcome;
-}
-
 /// Connects to the first endpoint that answers, all of them within one deadline.
-ViStatus connect(asio::io_context& context, tcp::socket& socket, const tcp::resolver::results_type& endpoints,
-                 const Deadline& deadline)
+ViStatus connect(tcp::socket& socket, const tcp::resolver::results_type& endpoints, const Deadline& deadline)
 {
     asio::error_code error = asio::error::host_not_found;
     for (const auto& entry : endpoints) {
-        const auto outcome = connectTo(context, socket, entry.endpoint(), deadline);
+        const auto outcome = connectTo(socket, entry.endpoint(), deadline);
         if (!outcome)
             return VI_ERROR_TMO;
         error = *outcome;
         if (!error)
             break;
     }
+    if (!error)
+        socket.set_option(tcp::no_delay(true), error);
     return connectStatus(error);
-}
-
-/// Moves a connected socket from the context that connected it to the common one and readies it for transfers.
-ViStatus adopt(tcp::socket& connected, tcp::socket& adopted)
-{
-    asio::error_code error;
-    const tcp::endpoint local = connected.local_endpoint(error);
-    if (error)
-        return transferStatus(error);
-    const auto handle = connected.release(error);
-    if (error)
-        return VI_ERROR_SYSTEM_ERROR;
-    adopted.assign(local.protocol(), handle, error);
-    if (!error)
-        adopted.native_non_blocking(false, error);
-    if (!error)
-        adopted.set_option(tcp::no_delay(true), error);
-    return error ? transferStatus(error) : VI_SUCCESS;
 }
 
 } // namespace
@@ -107,18 +67,14 @@ ViStatus openTcpStream(const ResourceName& name, const Deadline& deadline, std::
         tcp::resolver(context).resolve(name.address, std::to_string(name.port), tcp::resolver::numeric_service, error);
     if (error)
         return connectStatus(error);
-    tcp::socket connecting(context);
-    ViStatus status = connect(context, connecting, endpoints, deadline);
-    if (status < 0)
-        return status;
     tcp::socket socket(ioContext());
-    status = adopt(connecting, socket);
+    const ViStatus status = connect(socket, endpoints, deadline);
     if (status == VI_SUCCESS)
         stream = std::make_unique<TcpStream>(std::move(socket));
     return status;
 }
 
-TcpStream::TcpStream(tcp::socket socket) : socket_(std::move(socket)), transfer_(handleOf(socket_)) {}
+TcpStream::TcpStream(tcp::socket socket) : socket_(std::move(socket)), transfer_(static_cast<NativeHandle>(socket_.native_handle())) {}
 
 /// Runs one transfer until it has moved bytes, and tells how it ended.
 template <class Transfer>

@@ -13,19 +13,18 @@
 namespace visa
 {
 
-/// Transfers over a connected TCP socket, each a single call to the host that waits no longer than it is told to. One
-/// receive and one send may run at the same time, and stop() at any time.
+/// Transfers over a connected TCP socket, each with as few calls to the host as it takes, that wait no longer than they
+/// are told to. One receive and one send may run at the same time, and stop() at any time.
 class TcpTransfer
 {
 public:
-    /// The socket is in blocking mode and stays somebody else's.
+    /// The socket comes from connectTo() and stays somebody else's.
     explicit TcpTransfer(NativeHandle socket) : socket_(socket) {}
 
     /// Takes what has arrived, and waits for it if there is nothing; 0 ms only looks.
     /// @param count bytes stored in buffer, at least one on success
-    /// @return would_block or try_again when the time is over, eof at the end of the stream, or the host's error; any
-    /// of
-    ///         them after stop()
+    /// @return would_block or try_again when the time is over, or earlier; eof at the end of the stream, or the host's
+    ///         error; any of them after stop()
     asio::error_code receive(std::span<ViByte> buffer, int waitMs, std::size_t& count) noexcept;
 
     /// Hands over what the host takes, and waits for it to take something; 0 ms only tries.
@@ -38,7 +37,8 @@ public:
 
 private:
     NativeHandle socket_;
-    /// The limits that the socket has now, so that a transfer of the usual duration need not set one.
+    /// The limits that the socket has now where the host keeps some, so that a transfer of the usual duration need not
+    /// set one.
     int receiveLimitMs_ = 0;
     int sendLimitMs_ = 0;
     std::atomic<bool> stopped_ = false;

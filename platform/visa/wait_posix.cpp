@@ -1,4 +1,6 @@
-#include "wait.h"
+#include "wait_posix.h"
+
+#include "close_on_exec_posix.h"
 
 #include <fcntl.h>
 #include <poll.h>
@@ -17,7 +19,7 @@ namespace
 
 void prepare(int descriptor)
 {
-    keepFromChildren(descriptor);
+    closeOnExec(descriptor);
     ::fcntl(descriptor, F_SETFL, O_NONBLOCK);
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "wait.h"
+#include "wait_posix.h"
 
 #include <cstddef>
 #include <span>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "stream.h"
-#include "wait.h"
+#include "wait_posix.h"
 
 #include <asio/serial_port.hpp>
 

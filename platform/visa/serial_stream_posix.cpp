@@ -1,9 +1,10 @@
-#include "serial_stream.h"
+#include "serial_stream_posix.h"
 
 #include "backends.h"
+#include "close_on_exec_posix.h"
 #include "host_error.h"
-#include "serial_native.h"
-#include "wait_status.h"
+#include "serial_native_posix.h"
+#include "wait_status_posix.h"
 
 #include <algorithm>
 #include <array>
@@ -20,8 +21,7 @@ ViStatus openStatus(const asio::error_code& error)
 {
     if (isExhaustion(error))
         return VI_ERROR_ALLOC;
-    const bool occupied = hostError(error) == std::errc::device_or_resource_busy || error == asio::error::access_denied;
-    return occupied ? VI_ERROR_RSRC_BUSY : VI_ERROR_RSRC_NFOUND;
+    return isOccupied(error) ? VI_ERROR_RSRC_BUSY : VI_ERROR_RSRC_NFOUND;
 }
 
 ViStatus statusOf(TransferState state)
@@ -104,7 +104,7 @@ ViStatus openSerialStream(const ResourceName& name, const Deadline&, std::unique
     port.open(path, error);
     if (error)
         return openStatus(error);
-    keepFromChildren(static_cast<NativeHandle>(port.native_handle()));
+    closeOnExec(port.native_handle());
     stream = std::make_unique<SerialStream>(std::move(port));
     return VI_SUCCESS;
 }

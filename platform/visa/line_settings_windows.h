@@ -1,0 +1,23 @@
+#pragma once
+
+#include <visa.h>
+
+#include <winsock2.h>
+
+#include <windows.h>
+
+namespace visa
+{
+
+/// Readies the line of an open port: every byte passes unchanged, and transfers end only when they are complete.
+/// @return false when it is no serial port
+bool makeRaw(HANDLE port) noexcept;
+
+/// Brings an attribute of the line into force.
+/// @return VI_ERROR_NSUP_ATTR_STATE when the port cannot have this value, which leaves the old one in force
+ViStatus applyLineSetting(HANDLE port, ViAttr attribute, ViUInt32 value) noexcept;
+
+/// The time that this many characters take on the line, in milliseconds, rounded up.
+DWORD durationMs(HANDLE port, DWORD characters) noexcept;
+
+} // namespace visa
