@@ -2,7 +2,8 @@
 # Tests the project: installs what is missing, builds, and runs all native tests with ctest.
 #   ./test.sh         the release build
 #   ./test.sh --all   also the format, the manual, clang-tidy, the tests under AddressSanitizer with
-#                     UndefinedBehaviorSanitizer and under ThreadSanitizer, and a short run of the fuzzers
+#                     UndefinedBehaviorSanitizer and under ThreadSanitizer, a short run of the fuzzers, and the builds for
+#                     Windows with their tests under Wine
 set -eu
 cd "$(dirname "$0")"
 . ./cmake/scripts.sh
@@ -39,6 +40,18 @@ check_manual() {
     doxygen docs/Doxyfile
 }
 
+# Programs for Windows run in a prefix of their own, which goes with everything that runs in it.
+test_windows() {
+    WINEPREFIX=$(mktemp -d)
+    export WINEPREFIX
+    trap 'wineserver --kill >/dev/null 2>&1 || true; rm -rf "$WINEPREFIX"' EXIT
+    run_tests windows-x64
+    # Of the 32-bit build the files are checked; its programs run where there is a 32-bit Wine.
+    run_tests windows-x86
+    step "Packaging for Windows"
+    packaging/windows/package.sh
+}
+
 install_packages build test
 if [ "$everything" = no ]; then
     run_tests release
@@ -65,3 +78,5 @@ for fuzzer in build/fuzz/bin/fuzz_*; do
     rm -rf "$found" && mkdir -p "$found"
     "$fuzzer" -runs=50000 -seed=1 -max_len=512 "$found" $corpus >build/fuzz/fuzzer.log 2>&1 || { cat build/fuzz/fuzzer.log; fail "$fuzzer"; }
 done
+
+test_windows

@@ -1,7 +1,8 @@
 #!/usr/bin/python3
 """What the driver's DLL and its import libraries show to the outside, read from the files by binutils.
 
-Environment: OBJDUMP, NM, DLL, IMPORT_LIBRARIES (separated by semicolons), HEADER, EXPORTS.
+Environment: OBJDUMP, NM, DLL, HEADER, EXPORTS; separated by semicolons, IMPORT_LIBRARIES and the PROGRAMS linked with
+them.
 """
 
 import os
@@ -78,6 +79,14 @@ class Dll(unittest.TestCase):
         for library in os.environ["IMPORT_LIBRARIES"].split(";"):
             offered = re.findall(r" T (_?KVX2800T_[\w@]+)$", output(os.environ["NM"], library), re.M)
             self.assertEqual(sorted(offered), sorted(expected), library)
+
+    def test_programs_import_plain_names(self):
+        for program in os.environ["PROGRAMS"].split(";"):
+            headers = output(os.environ["OBJDUMP"], "-p", program)
+            imports = headers.split("DLL Name: " + os.path.basename(self.file))[1].split("\n\n")[0]
+            names = re.findall(r"(\S+)$", imports.split("Bound-To")[1], re.M)
+            self.assertIn("KVX2800T_ConfigureVoltageLevel", names, program)
+            self.assertLessEqual(set(names), set(self.exported()), program)
 
 
 if __name__ == "__main__":

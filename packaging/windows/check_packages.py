@@ -1,0 +1,49 @@
+#!/usr/bin/python3
+"""check_packages.py FOLDER: compares the files in the zips for Windows with what they are to have, and tells sizes."""
+
+import pathlib
+import sys
+import zipfile
+
+OWN = "Drivers/KVX2800T/"
+EXAMPLES = {path.name for path in pathlib.Path("examples").iterdir()} - {"CMakeLists.txt"}
+HEADERS = {path.name for path in pathlib.Path("platform/include").iterdir()}
+
+COMMON = (
+    {"Include/KVX2800T.h", OWN + "readme.txt", OWN + "license.txt"}
+    | {OWN + "Examples/" + name for name in EXAMPLES}
+    | {OWN + "Platform/Include/" + name for name in HEADERS}
+)
+
+
+def of_width(driver, libraries, platform, session_service, visa):
+    folder = OWN + "Platform/" + platform + "/"
+    names = (session_service, "IviConfigServerCAPI.dll", visa, "kvx2800t-store.exe", "kvx2800t-virtual.exe")
+    return {
+        "Bin/" + driver,
+        libraries + "/msc/KVX2800T.lib",
+        libraries + "/msc/KVX2800T.def",
+        libraries + "/mingw/libKVX2800T.dll.a",
+    } | {folder + name for name in names}
+
+
+X64 = of_width("KVX2800T_64.dll", "Lib_x64", "x64", "IviCShared_64.dll", "visa64.dll")
+X86 = of_width("KVX2800T.dll", "Lib", "x86", "IviCShared.dll", "visa32.dll")
+CONTENTS = {"windows-x64": COMMON | X64, "windows-x86": COMMON | X86, "windows": COMMON | X64 | X86}
+
+
+def main():
+    packages = sorted(pathlib.Path(sys.argv[1]).glob("*.zip"))
+    if [package.stem.split("-", 2)[2] for package in packages] != sorted(CONTENTS):
+        sys.exit(f"other packages than expected: {packages}")
+    for package in packages:
+        entries = {entry.filename: entry for entry in zipfile.ZipFile(package).infolist() if not entry.is_dir()}
+        expected = CONTENTS[package.stem.split("-", 2)[2]]
+        if set(entries) != expected:
+            sys.exit(f"{package}: missing {expected - set(entries)}, unexpected {set(entries) - expected}")
+        dlls = ", ".join(f"{name} {entries[name].file_size}" for name in sorted(entries) if name.startswith("Bin/"))
+        print(f"{package.name} {package.stat().st_size} bytes: {dlls}")
+
+
+if __name__ == "__main__":
+    main()
