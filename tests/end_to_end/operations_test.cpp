@@ -286,7 +286,7 @@ TEST_P(EveryChannelOverTcp, MeasuresNothingWhileItIsOff)
     expectMeasured(0.0, 0.0, 0.0);
 }
 
-INSTANTIATE_TEST_SUITE_P(Channels, EveryChannelOverTcp, testing::Range(1, 7),
+INSTANTIATE_TEST_SUITE_P(Channels, EveryChannelOverTcp, testing::Range(ViInt32{1}, ViInt32{7}),
                          [](const testing::TestParamInfo<ViInt32>& channel) {
                              return "Channel" + std::to_string(channel.param);
                          });
