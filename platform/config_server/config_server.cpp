@@ -1,4 +1,5 @@
 #include "handle_table.h"
+#include "locations.h"
 #include "properties.h"
 #include "string_output.h"
 #include "values.h"
@@ -275,7 +276,7 @@ ViStatus _VI_FUNC IviConfig_Deserialize(IviConfigStoreHandle store, ViConstStrin
     return runOn({__func__, store, kStore}, [location](const Object& object, Call& call) {
         if (location == nullptr)
             return IVI_ERROR_NULL_POINTER;
-        call.item = location;
+        call.item = locationOf(location);
         return object.store->deserialize(call.item);
     });
 }

@@ -1,7 +1,8 @@
 #include "locations.h"
 
+#include "files.h"
+
 #include <cstdlib>
-#include <filesystem>
 #include <utility>
 
 namespace config_server
@@ -16,12 +17,6 @@ std::string environment(const char* name)
     // Only read; changing the environment during a call is the application's own race.
     const char* const value = std::getenv(name); // NOLINT(concurrency-mt-unsafe)
     return value == nullptr ? std::string() : std::string(value);
-}
-
-bool isFile(const std::string& path)
-{
-    std::error_code error;
-    return std::filesystem::is_regular_file(path, error);
 }
 
 /// The user's store by the XDG base directory rules; empty without a home.
@@ -63,11 +58,14 @@ std::string locationForNewStore()
     return isForSystem ? systemLocation() : user;
 }
 
-const std::string& systemLocation()
+std::string systemLocation()
 {
-    // Never destroyed, as it may be asked for while the process ends.
-    static const std::string& location = *new std::string("/etc/ivi/IviConfigurationStore.xml");
-    return location;
+    return "/etc/ivi/IviConfigurationStore.xml";
+}
+
+std::string locationOf(const char* text)
+{
+    return text;
 }
 
 } // namespace config_server

@@ -1,24 +1,16 @@
 #include "store.h"
 
 #include "collection.h"
+#include "files.h"
 #include "locations.h"
 #include "properties.h"
 #include "store_file.h"
-
-#include <filesystem>
 
 namespace config_server
 {
 
 namespace
 {
-
-/// A file that cannot be looked at is not taken for a missing one.
-bool isMissing(const std::string& path)
-{
-    std::error_code error;
-    return std::filesystem::status(path, error).type() == std::filesystem::file_type::not_found;
-}
 
 Document load(const std::string& location)
 {

@@ -1,15 +1,13 @@
 #include "store_file.h"
 
 #include "element_index.h"
+#include "files.h"
 #include "nesting.h"
 #include "properties.h"
 
 #include <rapidxml/rapidxml.hpp>
 
 #include <deque>
-#include <filesystem>
-#include <fstream>
-#include <optional>
 
 namespace config_server
 {
@@ -147,28 +145,11 @@ Document finish(const std::shared_ptr<Tree>& tree)
     return {tree, &root};
 }
 
-std::optional<std::string> readFile(const std::string& path)
-{
-    std::error_code error;
-    // Only files: a pipe or a terminal would keep the caller waiting.
-    if (!std::filesystem::is_regular_file(path, error))
-        return std::nullopt;
-    const auto size = std::filesystem::file_size(path, error);
-    if (error || size > kLargestFile)
-        return std::nullopt;
-    std::ifstream file(path, std::ios::binary);
-    std::string text(size, '\0');
-    file.read(text.data(), static_cast<std::streamsize>(text.size()));
-    if (!file || file.gcount() != static_cast<std::streamsize>(text.size()))
-        return std::nullopt;
-    return text;
-}
-
 } // namespace
 
 Document loadStoreFile(const std::string& path)
 {
-    auto text = readFile(path);
+    auto text = readFile(path, kLargestFile);
     return text ? parseStore(std::move(*text)) : nullptr;
 }
 

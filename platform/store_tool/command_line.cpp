@@ -150,6 +150,8 @@ CommandLine parseCommandLine(int argumentCount, const char* const* arguments, st
 
     CLI::App app("Looks after an IVI configuration store file.", "kvx2800t-store");
     app.set_version_flag("--version", "kvx2800t-store " KVX_STORE_TOOL_VERSION);
+    // Texts may begin with a slash on every host.
+    app.allow_windows_style_options(false);
     app.require_subcommand(1);
     app.fallthrough();
     app.add_option("--store", store, "the store file [the one that the configuration server uses]")

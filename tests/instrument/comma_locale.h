@@ -6,7 +6,7 @@ namespace kvxtest
 {
 
 /// A process locale that writes one half as "0,5", for as long as the object lives; afterwards the "C" locale again.
-/// The locale is built into a temporary folder, so that none has to be installed.
+/// It is one that the host has, or is built into a temporary folder.
 class CommaLocale
 {
 public:
@@ -19,7 +19,7 @@ public:
     const std::string& problem() const { return problem_; }
 
 private:
-    std::string folder_;
+    std::string folder_; ///< of a locale that had to be built
     std::string problem_;
 };
 

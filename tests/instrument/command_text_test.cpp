@@ -207,7 +207,7 @@ TEST(Argument, IsTheChannelsFirstName)
 
 TEST(Argument, WithoutAKeywordIsAnInvalidKey)
 {
-    for (const ViInt32 channel : {0, 7, -1, std::numeric_limits<ViInt32>::max()})
+    for (const ViInt32 channel : {ViInt32{0}, ViInt32{7}, ViInt32{-1}, std::numeric_limits<ViInt32>::max()})
         EXPECT_TRUE(throwsExactly<std::out_of_range>(kInvalidKey, [&] { argument(ChannelName{channel}); }));
     EXPECT_TRUE(throwsExactly<std::out_of_range>(kInvalidKey, [] { argument(static_cast<TSRO::SourceMode>(3)); }));
     EXPECT_TRUE(throwsExactly<std::out_of_range>(kInvalidKey, [] { argument(static_cast<TSRO::Pairing>(-1)); }));

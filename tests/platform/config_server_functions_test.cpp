@@ -389,7 +389,7 @@ TEST_F(EveryKind, ItemsAreNumberedFromOneToTheCount)
         for (ViInt32 index = 1; index <= items.expected; ++index)
             EXPECT_NE(static_cast<IviConfigHandle>(obtain(items.item, handle(items.kind), index)), nullptr);
         for (const ViInt32 index :
-             {0, -1, items.expected + 1, std::numeric_limits<ViInt32>::max(), std::numeric_limits<ViInt32>::min()})
+             {ViInt32{0}, ViInt32{-1}, items.expected + 1, std::numeric_limits<ViInt32>::max(), std::numeric_limits<ViInt32>::min()})
         {
             IviConfigHandle result = store_;
             EXPECT_EQ(pattern(items.item(handle(items.kind), index, &result)), kNotExist) << items.kind << index;
@@ -464,13 +464,13 @@ TEST_F(EveryKind, TextsFollowTheBufferRules)
             EXPECT_EQ(read(needed - 1), needed);
             EXPECT_EQ(text.data(), name.substr(0, name.size() - 1));
             EXPECT_EQ(text.at(name.size()), '#');
-            for (const ViInt32 size : {needed, needed + 1, -1, std::numeric_limits<ViInt32>::min()}) {
+            for (const ViInt32 size : {needed, needed + 1, ViInt32{-1}, std::numeric_limits<ViInt32>::min()}) {
                 EXPECT_EQ(read(size), VI_SUCCESS);
                 EXPECT_EQ(text.data(), name);
                 EXPECT_EQ(text.at(name.size() + 1), '#');
             }
             EXPECT_EQ(texts.get(object, 1, 0, nullptr), needed);
-            for (const ViInt32 size : {1, needed, -1})
+            for (const ViInt32 size : {ViInt32{1}, needed, ViInt32{-1}})
                 EXPECT_EQ(pattern(texts.get(object, 1, size, nullptr)), kNullPointer);
         }
     }

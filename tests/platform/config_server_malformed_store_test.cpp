@@ -1,5 +1,6 @@
 #include "example_store.h"
 #include "store_fixture.h"
+#include "utf8_path.h"
 #include "store_listing.h"
 
 #include <gmock/gmock.h>
@@ -231,7 +232,7 @@ TEST_F(MalformedStore, PlacesThatAreNoFilesAreRefused)
 {
     const std::string overlong = "/" + std::string(100000, 'x');
     for (const std::string& location :
-         std::vector<std::string>{"", "/", "/dev/zero", "/no/such/file", folder_.string(), overlong})
+         std::vector<std::string>{"", "/", "/dev/zero", "/no/such/file", kvxtest::toUtf8(folder_.path()), overlong})
         EXPECT_EQ(IviConfig_Deserialize(store_, location.c_str()), IVICONFIG_ERROR_DESERIALIZE_FAILED)
             << location.substr(0, 40);
 }

@@ -1,7 +1,9 @@
 #include "store_fixture.h"
 
+#include "utf8_path.h"
+
 #include <array>
-#include <cstdlib>
+#include <filesystem>
 #include <fstream>
 
 namespace kvxtest
@@ -20,30 +22,8 @@ std::string textOf(Read read)
 
 } // namespace
 
-EnvironmentVariable::EnvironmentVariable(const char* name, const char* value) : name_(name)
-{
-    const char* const before = std::getenv(name); // NOLINT(concurrency-mt-unsafe): tests with one thread
-    wasSet_ = before != nullptr;
-    before_ = wasSet_ ? before : "";
-    if (value == nullptr)
-        ::unsetenv(name); // NOLINT(concurrency-mt-unsafe): tests with one thread
-    else
-        ::setenv(name, value, 1); // NOLINT(concurrency-mt-unsafe): tests with one thread
-}
-
-EnvironmentVariable::~EnvironmentVariable()
-{
-    if (wasSet_)
-        ::setenv(name_.c_str(), before_.c_str(), 1); // NOLINT(concurrency-mt-unsafe): tests with one thread
-    else
-        ::unsetenv(name_.c_str()); // NOLINT(concurrency-mt-unsafe): tests with one thread
-}
-
 void StoreTest::SetUp()
 {
-    std::string pattern = std::filesystem::temp_directory_path() / "kvx-store-XXXXXX";
-    ASSERT_NE(::mkdtemp(pattern.data()), nullptr);
-    folder_ = pattern;
     IviConfig_ClearError();
     ASSERT_EQ(IviConfig_Initialize(&store_), VI_SUCCESS);
 }
@@ -52,15 +32,14 @@ void StoreTest::TearDown()
 {
     IviConfig_Close(store_);
     IviConfig_ClearError();
-    std::filesystem::remove_all(folder_);
 }
 
 std::string StoreTest::writeFile(const std::string& name, const std::string& text) const
 {
-    const std::filesystem::path path = folder_ / name;
+    const std::filesystem::path path = fromUtf8(folder_ / name);
     std::filesystem::create_directories(path.parent_path());
     std::ofstream(path, std::ios::binary) << text;
-    return path;
+    return toUtf8(path);
 }
 
 ViStatus StoreTest::load(const std::string& text)

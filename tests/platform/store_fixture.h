@@ -1,32 +1,17 @@
 #pragma once
 
+#include "environment.h"
+#include "temporary_folder.h"
+
 #include <IviCShared.h>
 #include <IviConfigServer.h>
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
 #include <string>
 
 namespace kvxtest
 {
-
-/// Sets an environment variable, or removes it, and puts it back at the end. For tests with one thread.
-class EnvironmentVariable
-{
-public:
-    EnvironmentVariable(const char* name, const char* value);
-    ~EnvironmentVariable();
-    EnvironmentVariable(const EnvironmentVariable&) = delete;
-    EnvironmentVariable& operator=(const EnvironmentVariable&) = delete;
-    EnvironmentVariable(EnvironmentVariable&&) = delete;
-    EnvironmentVariable& operator=(EnvironmentVariable&&) = delete;
-
-private:
-    std::string name_;
-    std::string before_;
-    bool wasSet_;
-};
 
 /// An empty configuration store, a folder for store files, and an environment that names no store.
 class StoreTest : public testing::Test
@@ -48,7 +33,7 @@ protected:
     /// The thread's error text, which is cleared.
     static std::string errorText();
 
-    std::filesystem::path folder_;
+    TemporaryFolder folder_;
     IviConfigStoreHandle store_ = nullptr;
 
 private:

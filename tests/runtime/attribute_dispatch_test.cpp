@@ -369,7 +369,7 @@ TEST_F(AttributeDispatch, ANegativeSizeIsOneOf4096)
 {
     nextText = std::string(4095, 'x');
     std::string buffer(4097, '\0');
-    for (const ViInt32 size : {-1, -2, std::numeric_limits<ViInt32>::min()}) {
+    for (const ViInt32 size : {ViInt32{-1}, ViInt32{-2}, std::numeric_limits<ViInt32>::min()}) {
         EXPECT_EQ(getString(50, size, buffer.data()), VI_SUCCESS);
         EXPECT_EQ(lastCall->bufferSize, 4096);
         EXPECT_STREQ(buffer.c_str(), nextText.c_str());
@@ -380,7 +380,7 @@ TEST_F(AttributeDispatch, ANegativeSizeIsOneOf4096)
 
 TEST_F(AttributeDispatch, ANullBufferOfAnySizeButZeroIsANullPointer)
 {
-    for (const ViInt32 size : {10, 1, -1, std::numeric_limits<ViInt32>::max()})
+    for (const ViInt32 size : {ViInt32{10}, ViInt32{1}, ViInt32{-1}, std::numeric_limits<ViInt32>::max()})
         expectRefused(getString(50, size, nullptr), kNullPointer,
                       "Null pointer passed for function 'GetAttributeViString', parameter 'AttributeValueBufferSize'.");
 }

@@ -501,7 +501,7 @@ class SimulatedQueryOfLimits : public SimulatedQuery
 
 TEST_P(SimulatedQueryOfLimits, OfAChannelWithoutLimitsIsAnInvalidKey)
 {
-    for (const ViInt32 channel : {0, 7, -1, std::numeric_limits<ViInt32>::max()}) {
+    for (const ViInt32 channel : {ViInt32{0}, ViInt32{7}, ViInt32{-1}, std::numeric_limits<ViInt32>::max()}) {
         kvxtest::Values values;
         EXPECT_TRUE(throwsExactly<std::out_of_range>("invalid map<K, T> key",
                                                      [&] { query.runFor(simulator, channel, values); }));
@@ -522,7 +522,7 @@ class SimulatedQueryWithoutLimits : public SimulatedQuery
 TEST_P(SimulatedQueryWithoutLimits, TakesAnyChannelOrGroup)
 {
     kvxtest::Values values;
-    for (const ViInt32 number : {0, 7, -1, std::numeric_limits<ViInt32>::max()})
+    for (const ViInt32 number : {ViInt32{0}, ViInt32{7}, ViInt32{-1}, std::numeric_limits<ViInt32>::max()})
         EXPECT_EQ(query.runFor(simulator, number, values), 0);
 }
 

@@ -1,6 +1,4 @@
-#include "store_access.h"
-#include "store_file.h"
-#include "store_tool_fixture.h"
+#include "store_access_fixture.h"
 
 #include <gmock/gmock.h>
 
@@ -9,7 +7,6 @@
 #include <sys/file.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
-#include <thread>
 #include <unistd.h>
 
 namespace
@@ -67,21 +64,6 @@ private:
     void (*handler_)(int);
 };
 
-class StoreAccess : public testing::Test
-{
-protected:
-    void SetUp() override { writeFile(path_, "old"); }
-
-    void replace(const std::string& text)
-    {
-        StoreChange change(path_, WhenMissing::Refuse);
-        change.replaceBy(text);
-    }
-
-    TemporaryFolder folder_;
-    std::string path_ = folder_ / "store.xml";
-};
-
 TEST_F(StoreAccess, ReplacesAFileAndKeepsItsRights)
 {
     ASSERT_EQ(::chmod(path_.c_str(), 0640), 0);
@@ -91,14 +73,6 @@ TEST_F(StoreAccess, ReplacesAFileAndKeepsItsRights)
     EXPECT_EQ(readFile(path_), "new");
     EXPECT_EQ(fs::status(path_).permissions(), fs::perms(0640));
     EXPECT_EQ(folder_.count(), 1U);
-}
-
-TEST_F(StoreAccess, NeverWritesIntoTheFileItself)
-{
-    const std::string reader = folder_ / "reader";
-    fs::create_hard_link(path_, reader);
-    replace("new");
-    EXPECT_EQ(readFile(reader), "old");
 }
 
 TEST_F(StoreAccess, ReplacesWhatALinkLeadsTo)
@@ -147,7 +121,7 @@ TEST_F(StoreAccess, SaysWhatCannotBeRead)
     EXPECT_EQ(complaint([this] { replace("new"); }), "cannot read " + path_ + ": Permission denied");
 }
 
-TEST_F(StoreAccess, RefusesWhatIsNoFile)
+TEST_F(StoreAccess, RefusesPipesDevicesAndLinksToNothing)
 {
     const std::string pipe = folder_ / "pipe";
     ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
@@ -155,63 +129,30 @@ TEST_F(StoreAccess, RefusesWhatIsNoFile)
     fs::create_symlink("nowhere", folder_ / "dangling");
     EXPECT_EQ(complaint([&] { readStoreFile(pipe); }), pipe + " is not a file");
     EXPECT_EQ(complaint([&] { StoreChange(pipe, WhenMissing::Create); }), pipe + " is not a file");
-    EXPECT_EQ(complaint([&] { readStoreFile(folder_.path()); }), folder_.path().string() + " is not a file");
     EXPECT_EQ(complaint([&] { readStoreFile("/dev/zero"); }), "/dev/zero is not a file");
     EXPECT_EQ(complaint([&] { StoreChange(folder_ / "loop", WhenMissing::Create); }),
               "cannot read " + (folder_ / "loop") + ": Too many levels of symbolic links");
     EXPECT_EQ(complaint([&] { StoreChange(folder_ / "dangling", WhenMissing::Create); }),
               (folder_ / "dangling") + " is a link to a missing file");
-    EXPECT_EQ(complaint([&] { StoreChange(folder_ / "none/store.xml", WhenMissing::Refuse); }),
-              "cannot open " + (folder_ / "none") + ": No such file or directory");
-    EXPECT_EQ(complaint([&] { StoreChange(folder_ / "none.xml", WhenMissing::Refuse); }),
-              "cannot read " + (folder_ / "none.xml") + ": No such file or directory");
 }
 
-TEST_F(StoreAccess, RefusesWhatIsTooLarge)
+TEST_F(StoreAccess, NewFilesHaveTheRightsThatTheMaskLeaves)
 {
-    constexpr std::size_t kLargest = config_server::kLargestFile;
-    fs::resize_file(path_, kLargest);
-    EXPECT_EQ(readStoreFile(path_).size(), kLargest);
-    fs::resize_file(path_, kLargest + 1);
-    EXPECT_EQ(complaint([this] { readStoreFile(path_); }),
-              path_ + " is larger than " + std::to_string(kLargest) + " bytes");
-}
-
-TEST_F(StoreAccess, CreatesAFileWithItsFolder)
-{
-    const std::string path = folder_ / "a/b/store.xml";
+    const std::string path = folder_ / "new.xml";
     const mode_t mask = ::umask(027);
-    {
-        StoreChange change(path, WhenMissing::Create);
-        EXPECT_EQ(change.text(), std::nullopt);
-        change.replaceBy("new");
-    }
+    StoreChange(path, WhenMissing::Create).replaceBy("new");
     ::umask(mask);
-    EXPECT_EQ(readFile(path), "new");
     EXPECT_EQ(fs::status(path).permissions(), fs::perms(0640));
 }
 
-TEST_F(StoreAccess, LeavesOnlyFoldersThatWereThereWhenNothingIsWritten)
+TEST_F(StoreAccess, LeavesNoFolderBehindOnAFullDisk)
 {
-    fs::create_directory(folder_ / "kept");
-    const std::string path = folder_ / "kept/a/b/store.xml";
     {
-        const StoreChange change(path, WhenMissing::Create);
-        EXPECT_EQ(change.text(), std::nullopt);
-    }
-    EXPECT_TRUE(fs::is_empty(folder_ / "kept"));
-    {
-        StoreChange change(path, WhenMissing::Create);
+        StoreChange change(folder_ / "a/b/store.xml", WhenMissing::Create);
         const FullDisk disk(2);
         EXPECT_THAT(complaint([&change] { change.replaceBy("new text"); }), StartsWith("cannot write "));
     }
-    EXPECT_TRUE(fs::is_empty(folder_ / "kept"));
-    {
-        const StoreChange change(path, WhenMissing::Create);
-        writeFile(folder_ / "kept/a/other", "other");
-    }
-    EXPECT_EQ(readFile(folder_ / "kept/a/other"), "other");
-    EXPECT_FALSE(fs::exists(folder_ / "kept/a/b"));
+    EXPECT_FALSE(fs::exists(folder_ / "a"));
 }
 
 TEST_F(StoreAccess, LeavesOutRightsOfAGroupThatItCannotKeep)
@@ -236,65 +177,6 @@ TEST_F(StoreAccess, LeavesOutRightsOfAGroupThatItCannotKeep)
     }
     EXPECT_EQ(readFile(path_), "newer");
     EXPECT_EQ(fs::status(path_).permissions(), fs::perms(02664));
-}
-
-TEST_F(StoreAccess, GivesUpOnALockThatSomethingElseKeeps)
-{
-    const int folder = ::open(folder_.path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    ASSERT_GE(folder, 0);
-    ASSERT_EQ(::flock(folder, LOCK_EX), 0);
-    const auto change = [this] { StoreChange(path_, WhenMissing::Refuse, std::chrono::milliseconds(0)); };
-    EXPECT_EQ(complaint(change), folder_.path().string() + " is locked by something else");
-    ::close(folder);
-    EXPECT_EQ(complaint(change), "");
-}
-
-TEST_F(StoreAccess, NoticesChangesBySomethingElse)
-{
-    const std::string refusal = path_ + " has been changed by something else; nothing is written";
-    const auto refused = [&](const auto& disturb) {
-        writeFile(path_, "old");
-        StoreChange change(path_, WhenMissing::Refuse);
-        disturb();
-        return complaint([&change] { change.replaceBy("new"); });
-    };
-    EXPECT_EQ(refused([this] { writeFile(path_, "other"); }), refusal);
-    EXPECT_EQ(readFile(path_), "other");
-    EXPECT_EQ(refused([this] { fs::remove(path_); }), refusal);
-    EXPECT_FALSE(fs::exists(path_));
-    EXPECT_EQ(refused([this] {
-                  writeFile(folder_ / "copy", "old");
-                  fs::rename(folder_ / "copy", path_);
-              }),
-              refusal);
-    EXPECT_EQ(readFile(path_), "old");
-    EXPECT_EQ(folder_.count(), 1U);
-}
-
-TEST_F(StoreAccess, NeverCreatesOverAFile)
-{
-    const std::string path = folder_ / "new.xml";
-    StoreChange change(path, WhenMissing::Create);
-    writeFile(path, "other");
-    EXPECT_EQ(complaint([&change] { change.replaceBy("new"); }), "cannot create " + path + ": File exists");
-    EXPECT_EQ(readFile(path), "other");
-    EXPECT_EQ(folder_.count(), 2U);
-}
-
-TEST_F(StoreAccess, ChangesAtTheSameTimeWaitForEachOther)
-{
-    constexpr std::size_t kChanges = 25;
-    const auto grow = [this] {
-        for (std::size_t i = 0; i < kChanges; ++i) {
-            StoreChange change(path_, WhenMissing::Refuse);
-            change.replaceBy(*change.text() + "x");
-        }
-    };
-    std::thread one(grow);
-    std::thread other(grow);
-    one.join();
-    other.join();
-    EXPECT_EQ(readFile(path_), "old" + repeated("x", 2 * kChanges));
 }
 
 } // namespace

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <fstream>
-#include <random>
 #include <sstream>
 
 namespace kvxtest
@@ -56,27 +55,6 @@ void writeFile(const std::filesystem::path& path, const std::string& text)
     std::ofstream file(path, std::ios::binary);
     file << text;
     EXPECT_TRUE(file.flush()) << path;
-}
-
-TemporaryFolder::TemporaryFolder()
-{
-    const auto parent = std::filesystem::canonical(std::filesystem::temp_directory_path());
-    std::random_device random;
-    do {
-        path_ = parent / ("kvx-store-tool-" + std::to_string(random()));
-    } while (!std::filesystem::create_directory(path_));
-}
-
-TemporaryFolder::~TemporaryFolder()
-{
-    std::error_code ignored;
-    std::filesystem::remove_all(path_, ignored);
-}
-
-std::size_t TemporaryFolder::count() const
-{
-    const std::filesystem::directory_iterator entries(path_);
-    return static_cast<std::size_t>(std::distance(begin(entries), end(entries)));
 }
 
 } // namespace kvxtest

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "store_error.h"
+#include "temporary_folder.h"
 
 #include <filesystem>
 #include <string>
@@ -34,26 +35,5 @@ std::string complaint(Action action)
 
 std::string readFile(const std::filesystem::path& path);
 void writeFile(const std::filesystem::path& path, const std::string& text);
-
-/// A folder of the test's own, removed with all that is in it.
-class TemporaryFolder
-{
-public:
-    TemporaryFolder();
-    ~TemporaryFolder();
-    TemporaryFolder(const TemporaryFolder&) = delete;
-    TemporaryFolder(TemporaryFolder&&) = delete;
-    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-    TemporaryFolder& operator=(TemporaryFolder&&) = delete;
-
-    const std::filesystem::path& path() const { return path_; }
-    std::string operator/(const std::string& name) const { return path_ / name; }
-
-    /// How many files and folders are in it.
-    std::size_t count() const;
-
-private:
-    std::filesystem::path path_;
-};
 
 } // namespace kvxtest

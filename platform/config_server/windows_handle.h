@@ -1,0 +1,39 @@
+#pragma once
+
+// For sources of Windows only.
+#include <windows.h>
+
+#include <memory>
+#include <string>
+
+namespace config_server
+{
+
+struct HandleCloser
+{
+    void operator()(HANDLE handle) const { CloseHandle(handle); }
+};
+
+/// A handle of a file; null where Windows has INVALID_HANDLE_VALUE.
+using Handle = std::unique_ptr<void, HandleCloser>;
+
+inline constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+
+/// What CreateFileW is asked for.
+struct Opening
+{
+    DWORD access;
+    DWORD sharing;
+    DWORD disposition;
+    DWORD flags;
+};
+
+/// Null on a failure, which GetLastError tells.
+inline Handle open(const std::wstring& path, const Opening& opening)
+{
+    const HANDLE handle = CreateFileW(path.c_str(), opening.access, opening.sharing, nullptr, opening.disposition,
+                                      opening.flags, nullptr);
+    return Handle(handle == INVALID_HANDLE_VALUE ? nullptr : handle);
+}
+
+} // namespace config_server
