@@ -12,6 +12,7 @@ else()
     set(other_config_server IviConfigServerCAPI.dll)
 endif()
 target_compile_definitions(driver_dll_test PRIVATE
+    KVX_FOLDER="${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/alone"
     KVX_DRIVER_FILE="$<TARGET_FILE:KVX2800T>"
     KVX_SESSION_SERVICE="$<TARGET_FILE:IviCShared>"
     KVX_CONFIG_SERVER="$<TARGET_FILE:IviConfigServer>"

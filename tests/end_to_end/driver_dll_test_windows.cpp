@@ -11,7 +11,11 @@
 
 #include <windows.h>
 
+#include <array>
+#include <cstddef>
 #include <filesystem>
+#include <string>
+#include <vector>
 
 // What is peculiar to the driver as a DLL: loading and unloading, the search for the platform's libraries, the version
 // resource. The folder of this program has the driver and none of the platform's libraries.
@@ -25,23 +29,16 @@ namespace fs = std::filesystem;
 
 constexpr ViStatus kLibraryMissing = status(0xBFFF009E);
 
-/// A folder of this test with a copy of the driver, to which libraries of the platform are added.
+/// A folder with a copy of the driver, to which libraries of the platform are added. It is emptied first: libraries in
+/// use outlast the program that has loaded them.
 class DriverFolder
 {
 public:
     DriverFolder()
-        : folder_(fs::temp_directory_path() / (L"kvx \u03A9\u65E5 " + std::to_wstring(GetCurrentProcessId())))
     {
+        fs::remove_all(folder_);
         fs::create_directory(folder_);
         fs::copy_file(KVX_DRIVER_FILE, driver());
-    }
-    DriverFolder(const DriverFolder&) = delete;
-    DriverFolder& operator=(const DriverFolder&) = delete;
-    /// The libraries in use stay until the program has ended.
-    ~DriverFolder()
-    {
-        std::error_code ignored;
-        fs::remove_all(folder_, ignored);
     }
 
     fs::path driver() const { return folder_ / fs::path(KVX_DRIVER_FILE).filename(); }
@@ -52,7 +49,7 @@ public:
     }
 
 private:
-    fs::path folder_;
+    const fs::path folder_ = fs::path(KVX_FOLDER) / L"libraries \u03A9\u65E5";
 };
 
 std::string utf8(const fs::path& path)
@@ -84,7 +81,7 @@ TEST(DriverDll, LooksForThePlatformsLibrariesBesideItselfAndOnEachCallThatNeedsT
     EXPECT_EQ(code, kLibraryMissing);
 
     folder.add(KVX_CONFIG_SERVER, KVX_OTHER_CONFIG_SERVER_NAME);
-    EXPECT_EQ(init(resource.data(), VI_FALSE, VI_FALSE, "", &vi), kLibraryMissing);
+    EXPECT_EQ(init(resource.data(), VI_FALSE, VI_FALSE, "", &vi), KVX2800T_ERROR_IO);
     EXPECT_EQ(vi, ViSession{VI_NULL});
     ASSERT_EQ(init(resource.data(), VI_FALSE, VI_FALSE, "Simulate=1", &vi), VI_SUCCESS);
     EXPECT_EQ(close(vi), VI_SUCCESS);

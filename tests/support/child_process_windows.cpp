@@ -126,7 +126,7 @@ class LocalProcess : public ChildProcess::Host
 public:
     LocalProcess(const std::string& path, const std::vector<std::string>& arguments) : errors_(temporaryFile())
     {
-        std::wstring commandLine = quoted(wide(path));
+        std::wstring commandLine = quoted(std::filesystem::path(wide(path)).make_preferred().wstring());
         for (const std::string& argument : arguments)
             commandLine += L' ' + quoted(wide(argument));
         Pipe input;
@@ -307,8 +307,7 @@ unsigned short helperPort()
 
 std::unique_ptr<ChildProcess::Host> start(const std::string& path, const std::vector<std::string>& arguments)
 {
-    // No path of Windows begins so.
-    if (path.starts_with('/'))
+    if (helperPort() != 0 && !path.ends_with(".exe"))
         return std::make_unique<BesideWine>(helperPort(), path, arguments);
     return std::make_unique<LocalProcess>(path, arguments);
 }

@@ -63,6 +63,26 @@ std::string rowsOfAllChannels()
            channelRows("OutputChannel5", "72.600") + channelRows("OutputChannel6", "36.300");
 }
 
+TEST(FirstSession, PrintsWhatItConfiguredAndTheRecordedError)
+{
+    const VirtualInstrumentProcess instrument;
+    EXPECT_EQ(runProgram(KVX_FIRST_SESSION, {instrument.resource()}),
+              (FinishedProgram{0,
+                               "driver 1.0.0.0, firmware V1.00\n"
+                               "OutputChannel1: 5.000 V, 1.000 A, output on\n"
+                               "OutputChannel3: 3.300 V, 0.500 A, output on\n"
+                               "16.5 V on OutputChannel3: 0xBFFA4217 Attribute or function parameter value is invalid "
+                               "(out of range or not supported).\n"
+                               "closed\n",
+                               ""}));
+}
+
+TEST(FirstSession, SaysWhyItCouldNotOpen)
+{
+    EXPECT_EQ(runProgram(KVX_FIRST_SESSION, {"BANANA"}),
+              (FinishedProgram{1, "", std::string("InitWithOptions: ") + kNoInstrument}));
+}
+
 TEST(FirstSession, WantsOneResource)
 {
     EXPECT_EQ(runProgram(KVX_FIRST_SESSION, {}), (FinishedProgram{1, "", "usage: first_session RESOURCE\n"}));

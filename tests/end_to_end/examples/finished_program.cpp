@@ -1,7 +1,9 @@
 #include "finished_program.h"
 
 #include "support/child_process.h"
+#include "support/environment.h"
 
+#include <list>
 #include <ostream>
 
 namespace kvxtest
@@ -15,14 +17,15 @@ void PrintTo(const FinishedProgram& program, std::ostream* stream)
 }
 
 FinishedProgram runProgram(const std::string& path, const std::vector<std::string>& arguments,
-                           const std::vector<std::string>& environment)
+                           const std::vector<Variable>& environment)
 {
-    std::vector<std::string> words{"-u", "IVICONFIGSERVERDEFAULT", "-u", "IVI_MASTER_STORE",
-                                   "XDG_CONFIG_HOME=/no-such-folder"};
-    words.insert(words.end(), environment.begin(), environment.end());
-    words.push_back(path);
-    words.insert(words.end(), arguments.begin(), arguments.end());
-    ChildProcess process("/usr/bin/env", words);
+    std::list<EnvironmentVariable> variables;
+    variables.emplace_back("IVICONFIGSERVERDEFAULT", nullptr);
+    variables.emplace_back("IVI_MASTER_STORE", nullptr);
+    variables.emplace_back("XDG_CONFIG_HOME", "/no-such-folder");
+    for (const Variable& variable : environment)
+        variables.emplace_back(variable.name, variable.value.c_str());
+    ChildProcess process(path, arguments);
     FinishedProgram program;
     while (const auto line = process.readLine())
         program.output += *line + "\n";

@@ -20,9 +20,15 @@ struct FinishedProgram
 /// For messages of failed assertions.
 void PrintTo(const FinishedProgram& program, std::ostream* stream);
 
-/// Runs a program to its end, with no configuration store but the one that `environment` may name; that holds further
-/// variables as "NAME=value".
+/// A variable of the environment.
+struct Variable
+{
+    const char* name;
+    std::string value;
+};
+
+/// Runs a program to its end, with no configuration store but the one that `environment` may name.
 FinishedProgram runProgram(const std::string& path, const std::vector<std::string>& arguments,
-                           const std::vector<std::string>& environment = {});
+                           const std::vector<Variable>& environment = {});
 
 } // namespace kvxtest

@@ -13,11 +13,11 @@ namespace kvxtest
 namespace
 {
 
-FinishedProgram runDemonstration(std::vector<std::string> arguments, std::vector<std::string> environment = {})
+FinishedProgram runDemonstration(std::vector<std::string> arguments, std::vector<Variable> environment = {})
 {
     // -B: nothing is written beside the example.
     arguments.insert(arguments.begin(), {"-B", KVX_PYTHON_EXAMPLE});
-    environment.emplace_back("KVX2800T_LIBRARY=" KVX_DRIVER_FILE);
+    environment.push_back({"KVX2800T_LIBRARY", KVX_DRIVER_FILE});
     return runProgram(KVX_PYTHON, arguments, environment);
 }
 
@@ -44,7 +44,8 @@ TEST(PythonDemonstration, TakesALogicalNameAndAVirtualOne)
 {
     VirtualInstrumentProcess instrument;
     const StoreFile store(instrument.resource());
-    EXPECT_EQ(runDemonstration({"BenchSupply", "--channel", "Core"}, {store.variable()}), demonstrationOn("Core"));
+    EXPECT_EQ(runDemonstration({"BenchSupply", "--channel", "Core"}, {{"IVI_MASTER_STORE", store.path()}}),
+              demonstrationOn("Core"));
     const std::vector<std::string> lines = instrument.receivedLines();
     EXPECT_EQ((std::vector<std::string>(lines.begin(), lines.begin() + 5)),
               (std::vector<std::string>{"*IDN?", "*CLS", "*ESR?", ":SOUR4:VOLT 3.300000", "*ESR?"}));

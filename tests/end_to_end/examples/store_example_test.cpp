@@ -16,7 +16,8 @@ TEST(StoreExample, OpensByItsLogicalName)
 {
     const VirtualInstrumentProcess instrument;
     const StoreFile store(instrument.resource());
-    const FinishedProgram program = runProgram(KVX_ALL_ATTRIBUTES, {"BenchSupply"}, {store.variable()});
+    const FinishedProgram program =
+        runProgram(KVX_ALL_ATTRIBUTES, {"BenchSupply"}, {{"IVI_MASTER_STORE", store.path()}});
     EXPECT_EQ(program.exitCode, 0);
     EXPECT_EQ(program.errorOutput, "");
     const std::string session = "\nQUERY_INSTRUMENT_STATUS                  true\n"
@@ -34,7 +35,7 @@ TEST(StoreExample, AnotherNameIsNoInstrument)
 {
     const VirtualInstrumentProcess instrument;
     const StoreFile store(instrument.resource());
-    EXPECT_EQ(runProgram(KVX_ALL_ATTRIBUTES, {"Banana"}, {store.variable()}),
+    EXPECT_EQ(runProgram(KVX_ALL_ATTRIBUTES, {"Banana"}, {{"IVI_MASTER_STORE", store.path()}}),
               (FinishedProgram{1, "",
                                "all_attributes: 0xBFFA4214 I/O error.  Insufficient location information or resource "
                                "not present in the system\n"}));

@@ -1,23 +1,13 @@
 #include "store_file.h"
 
-#include <cstdlib>
 #include <fstream>
 #include <sstream>
 #include <stdexcept>
-#include <system_error>
 
 namespace kvxtest
 {
 namespace
 {
-
-std::filesystem::path makeFolder()
-{
-    std::string folder = (std::filesystem::temp_directory_path() / "kvx-store-XXXXXX").string();
-    if (mkdtemp(folder.data()) == nullptr)
-        throw std::runtime_error("no temporary folder");
-    return folder;
-}
 
 std::string exampleFor(const std::string& resource)
 {
@@ -33,15 +23,9 @@ std::string exampleFor(const std::string& resource)
 
 } // namespace
 
-StoreFile::StoreFile(const std::string& resource) : folder_(makeFolder())
+StoreFile::StoreFile(const std::string& resource)
 {
-    std::ofstream(folder_ / "IviConfigurationStore.xml") << exampleFor(resource);
-}
-
-StoreFile::~StoreFile()
-{
-    std::error_code ignored;
-    std::filesystem::remove_all(folder_, ignored);
+    std::ofstream(path()) << exampleFor(resource);
 }
 
 } // namespace kvxtest

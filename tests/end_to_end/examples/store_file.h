@@ -1,6 +1,7 @@
 #pragma once
 
-#include <filesystem>
+#include "support/temporary_folder.h"
+
 #include <string>
 
 namespace kvxtest
@@ -12,18 +13,11 @@ class StoreFile
 public:
     /// Throws std::runtime_error when the example does not name the virtual instrument's usual port.
     explicit StoreFile(const std::string& resource);
-    ~StoreFile();
 
-    StoreFile(const StoreFile&) = delete;
-    StoreFile(StoreFile&&) = delete;
-    StoreFile& operator=(const StoreFile&) = delete;
-    StoreFile& operator=(StoreFile&&) = delete;
-
-    /// The variable that makes it the store of a program.
-    std::string variable() const { return "IVI_MASTER_STORE=" + (folder_ / "IviConfigurationStore.xml").string(); }
+    std::string path() const { return folder_ / "IviConfigurationStore.xml"; }
 
 private:
-    std::filesystem::path folder_;
+    TemporaryFolder folder_;
 };
 
 } // namespace kvxtest
