@@ -119,6 +119,13 @@ std::wstring wide(const std::string& text)
     return std::filesystem::path(std::u8string(text.begin(), text.end())).wstring();
 }
 
+/// The C runtime ends lines of text in two characters.
+std::string withoutCarriageReturns(std::string text)
+{
+    std::erase(text, '\r');
+    return text;
+}
+
 /// A Windows program. It is asked to end by the end of its input and by Ctrl-Break, the only signal that Windows sends
 /// to one process and its children.
 class LocalProcess : public ChildProcess::Host
@@ -166,7 +173,7 @@ public:
         if (ReadFile(errors_.get(), text.data(), static_cast<DWORD>(text.size()), &count, &start) == 0)
             count = 0;
         text.resize(count);
-        return text;
+        return withoutCarriageReturns(std::move(text));
     }
 
     void interrupt() override { GenerateConsoleCtrlEvent(CTRL_BREAK_EVENT, processId_); }
@@ -230,10 +237,7 @@ private:
     {
         std::string line = received_.substr(0, end);
         received_.erase(0, end + 1);
-        // Text output of the C runtime ends lines in two characters.
-        if (line.ends_with('\r'))
-            line.pop_back();
-        return line;
+        return withoutCarriageReturns(std::move(line));
     }
 
     /// Takes what has come, or waits a moment. False at the end of the output.
