@@ -26,6 +26,7 @@ TransferEnd endOf(DWORD error)
     case ERROR_DEVICE_REMOVED:
     case ERROR_GEN_FAILURE:
     case ERROR_HANDLE_EOF:
+    case ERROR_NOT_READY:
     case ERROR_OPERATION_ABORTED:
         return TransferEnd::ConnectionLost;
     default:

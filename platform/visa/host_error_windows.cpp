@@ -27,8 +27,14 @@ bool isOneOf(const std::error_code& error, const Numbers& numbers)
 bool isExhaustion(const std::error_code& error)
 {
     constexpr std::array<int, 8> kNumbers{
-        WSAEMFILE,           WSAENOBUFS,          ERROR_TOO_MANY_OPEN_FILES, ERROR_NOT_ENOUGH_MEMORY,
-        ERROR_OUTOFMEMORY,   ERROR_COMMITMENT_LIMIT, ERROR_NO_SYSTEM_RESOURCES, ERROR_NOT_ENOUGH_QUOTA,
+        WSAEMFILE,
+        WSAENOBUFS,
+        ERROR_TOO_MANY_OPEN_FILES,
+        ERROR_NOT_ENOUGH_MEMORY,
+        ERROR_OUTOFMEMORY,
+        ERROR_COMMITMENT_LIMIT,
+        ERROR_NO_SYSTEM_RESOURCES,
+        ERROR_NOT_ENOUGH_QUOTA,
     };
     return isOneOf(error, kNumbers);
 }

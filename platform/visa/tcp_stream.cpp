@@ -74,7 +74,10 @@ ViStatus openTcpStream(const ResourceName& name, const Deadline& deadline, std::
     return status;
 }
 
-TcpStream::TcpStream(tcp::socket socket) : socket_(std::move(socket)), transfer_(static_cast<NativeHandle>(socket_.native_handle())) {}
+TcpStream::TcpStream(tcp::socket socket)
+    : socket_(std::move(socket)), transfer_(static_cast<NativeHandle>(socket_.native_handle()))
+{
+}
 
 /// Runs one transfer until it has moved bytes, and tells how it ended.
 template <class Transfer>

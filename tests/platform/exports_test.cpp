@@ -1,14 +1,10 @@
+#include "library_exports.h"
+
 #include <visatype.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <dlfcn.h>
-
-#include <array>
-#include <cstdio>
-#include <memory>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -17,21 +13,8 @@ extern "C" ViStatus kvxTimeoutStatusSeenFromC();
 namespace
 {
 
+using kvxtest::exportsOf;
 using testing::UnorderedElementsAre;
-
-std::vector<std::string> exportsOf(const std::string& library)
-{
-    const std::string command = std::string(NM_PROGRAM) + " -D --defined-only --format=posix '" + library + "'";
-    const std::unique_ptr<FILE, int (*)(FILE*)> output(popen(command.c_str(), "r"), pclose);
-    std::vector<std::string> names;
-    std::array<char, 1024> line{};
-    while (output != nullptr && std::fgets(line.data(), line.size(), output.get()) != nullptr) {
-        std::string name;
-        std::istringstream(line.data()) >> name;
-        names.push_back(name);
-    }
-    return names;
-}
 
 TEST(PlatformExports, SessionServiceExportsItsNineFunctionsAndNothingElse)
 {
@@ -87,16 +70,6 @@ TEST(PlatformExports, ConfigServerExportsItsThirtySixFunctionsAndNothingElse)
                                             "IviConfig_GetDataComponentPropertyViReal64",
                                             "IviConfig_GetDataComponentPropertyViBoolean"};
     EXPECT_THAT(exportsOf(CONFIG_SERVER_LIBRARY), testing::UnorderedElementsAreArray(expected));
-}
-
-TEST(PlatformUnloading, LibrariesStayLoadedWithTheirSessions)
-{
-    for (const char* const library : {SESSION_SERVICE_LIBRARY, VISA_LIBRARY, CONFIG_SERVER_LIBRARY}) {
-        void* const loaded = ::dlopen(library, RTLD_NOW | RTLD_LOCAL);
-        ASSERT_NE(loaded, nullptr) << library;
-        EXPECT_EQ(::dlclose(loaded), 0);
-        EXPECT_NE(::dlopen(library, RTLD_NOW | RTLD_NOLOAD), nullptr) << library;
-    }
 }
 
 TEST(PlatformHeaders, StatusCodesAreTheSameNumberInCAndInCpp)

@@ -1,11 +1,13 @@
 #pragma once
 
+#include <memory>
 #include <string>
 
 namespace kvxtest
 {
 
-/// The other end of a serial line: the master of a pseudo terminal.
+/// The other end of a serial line: the master of a pseudo terminal. Under Wine it is one of the machine that Wine runs
+/// on, with the name of a port of Windows (serial_line.py).
 class SerialPeer
 {
 public:
@@ -16,9 +18,14 @@ public:
     SerialPeer(SerialPeer&&) = delete;
     SerialPeer& operator=(SerialPeer&&) = delete;
 
-    /// The device that a session opens, such as /dev/pts/3.
-    const std::string& path() const { return path_; }
-    std::string resource() const { return "ASRL" + path_ + "::INSTR"; }
+    /// The name by which a session opens the line.
+    std::string resource() const;
+
+    /// The number in the resource's name; 0 without one.
+    unsigned short board() const;
+
+    /// Names the device in an environment variable, for the life of the peer. For tests with one thread.
+    void publishAs(const std::string& variable);
 
     void send(const std::string& bytes) const;
 
@@ -28,8 +35,8 @@ public:
     void hangUp();
 
 private:
-    int master_ = -1;
-    std::string path_;
+    struct Line;
+    std::unique_ptr<Line> line_;
 };
 
 } // namespace kvxtest

@@ -1,13 +1,8 @@
-#include "allocation_failure.h"
-
-#include <IviCShared.h>
-
-#include <gtest/gtest.h>
+#include "session_service_fixture.h"
 
 #include <array>
 #include <atomic>
 #include <chrono>
-#include <cstdlib>
 #include <string>
 #include <thread>
 #include <vector>
@@ -15,45 +10,11 @@
 namespace
 {
 
+using kvxtest::Record;
+using kvxtest::SessionService;
+using kvxtest::take;
+
 constexpr ViSession kUnknown = 0xFFFFFFF0;
-
-class SessionService : public testing::Test
-{
-protected:
-    void SetUp() override
-    {
-        IviSession_ClearError(VI_NULL);
-        ASSERT_EQ(IviSession_New(&session_), IVI_SUCCESS);
-    }
-
-    void TearDown() override
-    {
-        IviSession_Dispose(session_);
-        IviSession_ClearError(VI_NULL);
-    }
-
-    ViSession session_ = 0;
-};
-
-struct Record
-{
-    ViStatus code;
-    std::string text;
-    bool operator==(const Record&) const = default;
-};
-
-void PrintTo(const Record& record, std::ostream* out)
-{
-    *out << record.code << " \"" << record.text << '"';
-}
-
-Record take(ViSession handle)
-{
-    std::array<ViChar, 256> text{};
-    ViStatus code = 0;
-    EXPECT_EQ(IviSession_GetError(handle, text.size(), &code, text.data()), IVI_SUCCESS);
-    return {code, text.data()};
-}
 
 /// Whether another thread can take the lock now; it gives it back at once.
 bool isFree(ViSession session)
@@ -489,55 +450,6 @@ TEST_F(SessionService, LongTextsAreKeptWhole)
     std::vector<ViChar> text(longText.size() + 1);
     EXPECT_EQ(IviSession_GetError(session_, static_cast<ViInt32>(text.size()), nullptr, text.data()), IVI_SUCCESS);
     EXPECT_EQ(text.data(), longText);
-}
-
-TEST_F(SessionService, WithoutMemoryForTheTextTheCodeIsKept)
-{
-    const std::string longText(1000, 'x');
-    // A thread of its own, whose record has no room left over from an earlier text.
-    std::thread other([&] {
-        {
-            const kvxtest::AllocationFailure failing(500);
-            EXPECT_EQ(IviSession_SetError(session_, -3, longText.c_str()), IVI_ERROR_OUT_OF_MEMORY);
-        }
-        EXPECT_EQ(take(session_), (Record{-3, ""}));
-        EXPECT_EQ(take(VI_NULL), (Record{-3, ""}));
-    });
-    other.join();
-    EXPECT_EQ(static_cast<ViUInt32>(IVI_ERROR_OUT_OF_MEMORY), 0xBFFA0056U);
-}
-
-TEST_F(SessionService, WithoutMemoryThereIsNoNewSession)
-{
-    ViSession session = 17;
-    {
-        const kvxtest::AllocationFailure failing(1);
-        EXPECT_EQ(IviSession_New(&session), IVI_ERROR_OUT_OF_MEMORY);
-    }
-    EXPECT_EQ(session, 17U);
-    ASSERT_EQ(IviSession_New(&session), IVI_SUCCESS);
-    EXPECT_EQ(IviSession_Dispose(session), IVI_SUCCESS);
-}
-
-/// Runs as the static clean-up of a driver, which is after the thread-local one of the main thread.
-void useThreadErrorAtExit()
-{
-    const bool accepted = IviSession_SetError(VI_NULL, -4, "set too late to be kept") == IVI_SUCCESS;
-    const bool isEmpty = take(VI_NULL) == Record{IVI_SUCCESS, ""};
-    const bool cleared = IviSession_ClearError(VI_NULL) == IVI_SUCCESS;
-    std::_Exit(accepted && isEmpty && cleared ? 0 : 1);
-}
-
-void exitWithAThreadError()
-{
-    IviSession_SetError(VI_NULL, -3, "long enough to be kept outside of the string object itself");
-    if (std::atexit(useThreadErrorAtExit) == 0)
-        std::exit(2); // NOLINT(concurrency-mt-unsafe): the process has this one thread
-}
-
-TEST(SessionServiceDeathTest, CleanUpAtExitFindsNoThreadErrorAndKeepsNone)
-{
-    EXPECT_EXIT(exitWithAThreadError(), testing::ExitedWithCode(0), "");
 }
 
 } // namespace

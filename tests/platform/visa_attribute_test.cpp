@@ -39,7 +39,6 @@ TEST_F(VisaAttributes, DefaultsOfEverySession)
         EXPECT_EQ(attribute<ViBoolean>(session, VI_ATTR_SEND_END_EN), VI_TRUE);
         EXPECT_EQ(attribute<ViUInt16>(session, VI_ATTR_IO_PROT), VI_PROT_NORMAL);
         EXPECT_EQ(attribute<ViSession>(session, VI_ATTR_RM_SESSION), manager_);
-        EXPECT_EQ(attribute<ViUInt16>(session, VI_ATTR_INTF_NUM), 0);
     }
 }
 
@@ -53,6 +52,7 @@ TEST_F(VisaAttributes, DefaultsAndFactsOfASocket)
     EXPECT_EQ(textAttribute(socket_, VI_ATTR_RSRC_CLASS), "SOCKET");
     EXPECT_EQ(textAttribute(socket_, VI_ATTR_RSRC_NAME), tcp_.resource());
     EXPECT_EQ(attribute<ViUInt16>(socket_, VI_ATTR_INTF_TYPE), VI_INTF_TCPIP);
+    EXPECT_EQ(attribute<ViUInt16>(socket_, VI_ATTR_INTF_NUM), 0);
 }
 
 TEST_F(VisaAttributes, DefaultsAndFactsOfASerialPort)
@@ -69,6 +69,7 @@ TEST_F(VisaAttributes, DefaultsAndFactsOfASerialPort)
     EXPECT_EQ(textAttribute(serial_, VI_ATTR_RSRC_CLASS), "INSTR");
     EXPECT_EQ(textAttribute(serial_, VI_ATTR_RSRC_NAME), line_.resource());
     EXPECT_EQ(attribute<ViUInt16>(serial_, VI_ATTR_INTF_TYPE), VI_INTF_ASRL);
+    EXPECT_EQ(attribute<ViUInt16>(serial_, VI_ATTR_INTF_NUM), line_.board());
 }
 
 TEST_F(VisaAttributes, ResourceManagerHasItsOwn)
