@@ -40,8 +40,8 @@ std::wstring registeredFolder()
 {
     std::wstring value(kLongestPath, L'\0');
     auto bytes = static_cast<DWORD>(value.size() * sizeof(wchar_t));
-    const LSTATUS status = RegGetValueW(HKEY_LOCAL_MACHINE, L"SOFTWARE\\IVI", L"IviDataDir", RRF_RT_REG_SZ, nullptr,
-                                        value.data(), &bytes);
+    const LSTATUS status =
+        RegGetValueW(HKEY_LOCAL_MACHINE, L"SOFTWARE\\IVI", L"IviDataDir", RRF_RT_REG_SZ, nullptr, value.data(), &bytes);
     if (status != ERROR_SUCCESS)
         return {};
     value.resize(std::wcslen(value.c_str()));

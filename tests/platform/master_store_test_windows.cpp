@@ -43,9 +43,9 @@ public:
         ASSERT_EQ(RegCreateKeyExW(HKEY_LOCAL_MACHINE, L"SOFTWARE\\IVI", 0, nullptr, REG_OPTION_VOLATILE, KEY_SET_VALUE,
                                   nullptr, &key, nullptr),
                   ERROR_SUCCESS);
-        EXPECT_EQ(RegSetValueExW(key, L"IviDataDir", 0, type, static_cast<const BYTE*>(value),
-                                 static_cast<DWORD>(bytes)),
-                  ERROR_SUCCESS);
+        EXPECT_EQ(
+            RegSetValueExW(key, L"IviDataDir", 0, type, static_cast<const BYTE*>(value), static_cast<DWORD>(bytes)),
+            ERROR_SUCCESS);
         RegCloseKey(key);
     }
 

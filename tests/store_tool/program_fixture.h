@@ -46,8 +46,9 @@ private:
 };
 
 /// Commands that add a session.
-inline const std::vector<std::string> kRack{"add",       "Rack",       "--resource",      "TCPIP0::10.0.0.5::5025::SOCKET",
-                                     "--logical", "RackSupply", "--virtual-range", "Rail=OutputChannel:1-3@2"};
+inline const std::vector<std::string> kRack{
+    "add",       "Rack",       "--resource",      "TCPIP0::10.0.0.5::5025::SOCKET",
+    "--logical", "RackSupply", "--virtual-range", "Rail=OutputChannel:1-3@2"};
 
 inline const std::vector<std::string> kRackToCreate{"add", "Rack", "--create", "--resource", "x"};
 

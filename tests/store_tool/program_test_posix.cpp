@@ -17,6 +17,11 @@ TEST_F(Program, SaysWhereNoFileCanBeMade)
     EXPECT_THAT(outcome.errors, StartsWith("kvx2800t-store: cannot create a file in /proc/"));
 }
 
+TEST_F(Program, RefusesTextsThatAreNotUtf8)
+{
+    expectRefusal({"add", "Rack", "--resource", "\xFF"}, 2, "'\\xFF'");
+}
+
 TEST_F(Program, FindsTheUsersStore)
 {
     std::filesystem::create_directory(folder_ / "ivi");

@@ -3,7 +3,8 @@
 
 #include <gtest/gtest.h>
 
-#include <optional>
+#include <windows.h>
+
 #include <string>
 #include <vector>
 
@@ -66,6 +67,8 @@ TEST(WindowsProgram, EndsWithItsStandardInputWhenAsked)
 
 TEST(WindowsProgram, EndsCleanlyWhenTheConsoleAsksItTo)
 {
+    if (GetConsoleCP() == 0)
+        GTEST_SKIP() << "there is no console";
     WindowsProgram program({"--port", "0"});
     program.next(kListening);
     program.process().interrupt();
