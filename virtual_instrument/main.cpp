@@ -1,3 +1,5 @@
+#include "console.h"
+#include "error_text.h"
 #include "journal.h"
 #include "options.h"
 #include "server.h"
@@ -6,7 +8,6 @@
 
 #include <asio.hpp>
 #include <chrono>
-#include <csignal>
 #include <exception>
 #include <iostream>
 #include <string>
@@ -28,7 +29,7 @@ auto startOrExplain(const std::string& what, Start start)
     try {
         return start();
     } catch (const std::system_error& error) {
-        throw std::runtime_error("cannot " + what + ": " + error.code().message());
+        throw std::runtime_error("cannot " + what + ": " + messageOf(error.code()));
     }
 }
 
@@ -63,7 +64,9 @@ void run(const Options& options)
     Journal journal(std::cerr, options.trace);
     Server server(context, instrument, journal);
 
-    asio::signal_set signals(context, SIGINT, SIGTERM);
+    asio::signal_set signals(context);
+    for (const int signal : stopSignals())
+        signals.add(signal);
     signals.async_wait([&context](asio::error_code, int) { context.stop(); });
     if (options.untilStdinCloses)
         startOrExplain("watch the standard input",
@@ -76,6 +79,7 @@ void run(const Options& options)
 
 int main(int argumentCount, char** arguments)
 {
+    writePlainLineFeeds();
     try {
         const auto commandLine = parseCommandLine(argumentCount, arguments);
         if (!commandLine.options)

@@ -53,6 +53,8 @@ CommandLine parseCommandLine(int argumentCount, const char* const* arguments)
     CLI::App app("A stateful KVX2833T power supply in software, for tests, demos and users without hardware.",
                  "kvx2800t-virtual");
     app.set_version_flag("--version", "kvx2800t-virtual " KVX_VIRTUAL_INSTRUMENT_VERSION);
+    // Texts may begin with a slash on every host.
+    app.allow_windows_style_options(false);
     app.add_option("--port", options.port, "TCP port of the raw socket, 0 for any free one")->capture_default_str();
     app.add_option("--bind", options.bindAddress, "address of the raw socket")
         ->check(CLI::ValidIPV4)

@@ -18,7 +18,7 @@ struct SerialLine
 };
 
 /// Opens a raw serial line (bytes pass unchanged both ways, no echo) and starts serving it. Throws std::system_error
-/// when this host has none to give.
+/// when this host has none to give at the moment, and std::runtime_error with the whole complaint when it never has.
 SerialLine openSerialLine(asio::io_context& context, VirtualInstrument& instrument, Journal& journal);
 
 } // namespace kvxvirtual

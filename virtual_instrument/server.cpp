@@ -56,17 +56,14 @@ std::string Server::listenControl(unsigned short port)
 std::string Server::listenOn(const std::string& address, unsigned short port, Accepted accepted)
 {
     const asio::ip::tcp::endpoint endpoint(asio::ip::make_address(address), port);
-    auto& listener = listeners_.emplace_back(Listener{Acceptor(context_, endpoint), std::move(accepted)});
-    listener.acceptor.non_blocking(true);
-    // Without this a client that has given up would be followed by a wait for the next one.
-    listener.acceptor.set_option(asio::socket_base::enable_connection_aborted(true));
+    auto& listener = listeners_.emplace_back(context_, endpoint, std::move(accepted));
     waitForClients(listener);
-    return textOf(listener.acceptor.local_endpoint());
+    return textOf(listener.socket.endpoint());
 }
 
 void Server::waitForClients(Listener& listener)
 {
-    listener.acceptor.async_wait(Acceptor::wait_read, [this, &listener](asio::error_code error) {
+    listener.socket.wait([this, &listener](asio::error_code error) {
         if (error == asio::error::operation_aborted)
             return;
         if (!error && acceptWaiting(listener))
@@ -85,9 +82,7 @@ bool Server::acceptWaiting(Listener& listener)
 {
     while (true) {
         Socket socket(context_);
-        asio::error_code error;
-        listener.acceptor.accept(socket, error);
-        if (error)
+        if (const asio::error_code error = listener.socket.accept(socket))
             return error == asio::error::would_block;
         // A reply is one small write; it must not wait for the acknowledgement of the one before.
         asio::error_code ignored;

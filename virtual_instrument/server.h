@@ -2,6 +2,7 @@
 
 #include "control_connection.h"
 #include "journal.h"
+#include "listening_socket.h"
 #include "message_connection.h"
 #include "test_control.h"
 #include "virtual_instrument.h"
@@ -12,6 +13,7 @@
 #include <memory>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace kvxvirtual
@@ -36,12 +38,16 @@ public:
 
 private:
     using Socket = asio::ip::tcp::socket;
-    using Acceptor = asio::ip::tcp::acceptor;
     using Accepted = std::function<void(Socket)>;
 
     struct Listener
     {
-        Acceptor acceptor;
+        Listener(asio::io_context& context, const ListeningSocket::Endpoint& endpoint, Accepted then)
+            : socket(context, endpoint), accepted(std::move(then))
+        {
+        }
+
+        ListeningSocket socket;
         Accepted accepted;
     };
 

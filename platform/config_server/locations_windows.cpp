@@ -22,7 +22,7 @@ constexpr auto kFileName = L"\\IviConfigurationStore.xml";
 
 /// The variable's value; empty when it is not set. Asked of the system: each C library in the process keeps its own
 /// copy of the environment, which later changes do not reach.
-std::string environment(const wchar_t* name)
+std::wstring environment(const wchar_t* name)
 {
     std::wstring value;
     DWORD size = GetEnvironmentVariableW(name, nullptr, 0);
@@ -31,7 +31,8 @@ std::string environment(const wchar_t* name)
         value.resize(size);
         size = GetEnvironmentVariableW(name, value.data(), size);
     }
-    return utf8Text(std::wstring_view(value).substr(0, size));
+    value.resize(size);
+    return value;
 }
 
 /// The folder that the standard's installers register; empty when none is. A 32-bit process is shown its own view.
@@ -39,8 +40,8 @@ std::wstring registeredFolder()
 {
     std::wstring value(kLongestPath, L'\0');
     auto bytes = static_cast<DWORD>(value.size() * sizeof(wchar_t));
-    const LSTATUS status = RegGetValueW(HKEY_LOCAL_MACHINE, L"SOFTWARE\\IVI", L"IviDataDir", RRF_RT_REG_SZ, nullptr,
-                                        value.data(), &bytes);
+    const LSTATUS status =
+        RegGetValueW(HKEY_LOCAL_MACHINE, L"SOFTWARE\\IVI", L"IviDataDir", RRF_RT_REG_SZ, nullptr, value.data(), &bytes);
     if (status != ERROR_SUCCESS)
         return {};
     value.resize(std::wcslen(value.c_str()));
@@ -54,25 +55,25 @@ struct TaskMemoryReleaser
     void operator()(wchar_t* text) const { CoTaskMemFree(text); }
 };
 
-/// %ProgramData%; empty when the system does not tell it.
+/// The common folder for data.
 std::wstring programData()
 {
     wchar_t* path = nullptr;
     const HRESULT result = SHGetKnownFolderPath(FOLDERID_ProgramData, KF_FLAG_DEFAULT, nullptr, &path);
     const std::unique_ptr<wchar_t, TaskMemoryReleaser> owner(path);
-    return SUCCEEDED(result) ? std::wstring(path) : std::wstring();
+    return SUCCEEDED(result) ? std::wstring(path) : environment(L"ProgramData");
 }
 
 } // namespace
 
 std::string processDefaultLocation()
 {
-    return environment(L"IVICONFIGSERVERDEFAULT");
+    return utf8Text(environment(L"IVICONFIGSERVERDEFAULT"));
 }
 
 std::optional<std::string> masterLocation()
 {
-    std::string registered = environment(L"IVI_MASTER_STORE");
+    std::string registered = utf8Text(environment(L"IVI_MASTER_STORE"));
     if (registered.empty())
         return systemLocation();
     return isFile(registered) ? std::optional(std::move(registered)) : std::nullopt;
@@ -80,7 +81,7 @@ std::optional<std::string> masterLocation()
 
 std::string locationForNewStore()
 {
-    std::string registered = environment(L"IVI_MASTER_STORE");
+    std::string registered = utf8Text(environment(L"IVI_MASTER_STORE"));
     return registered.empty() ? systemLocation() : registered;
 }
 

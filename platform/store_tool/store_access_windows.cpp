@@ -52,7 +52,8 @@ constexpr std::array kKnownErrors{
 std::string systemMessage(DWORD error)
 {
     std::array<wchar_t, 512> text{};
-    constexpr DWORD kSource = FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS | FORMAT_MESSAGE_MAX_WIDTH_MASK;
+    constexpr DWORD kSource =
+        FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS | FORMAT_MESSAGE_MAX_WIDTH_MASK;
     const DWORD size =
         FormatMessageW(kSource, nullptr, error, 0, text.data(), static_cast<DWORD>(text.size()), nullptr);
     std::wstring_view message(text.data(), size);
@@ -64,8 +65,7 @@ std::string systemMessage(DWORD error)
 std::string messageOf(DWORD error)
 {
     const auto* const known = std::ranges::find(kKnownErrors, error, &KnownError::code);
-    return known == kKnownErrors.end() ? systemMessage(error)
-                                       : std::make_error_code(known->meaning).message();
+    return known == kKnownErrors.end() ? systemMessage(error) : std::make_error_code(known->meaning).message();
 }
 
 [[noreturn]] void fail(const std::string& what, DWORD error)
@@ -148,8 +148,7 @@ std::string readUpToLimit(HANDLE file, const std::string& path)
 std::optional<FileContent> readIfThere(const std::string& path)
 {
     // Backup semantics open folders as well, which are told from files below.
-    const Handle file =
-        open(systemPath(path), {GENERIC_READ, kShareAll, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS});
+    const Handle file = open(systemPath(path), {GENERIC_READ, kShareAll, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS});
     const DWORD error = file == nullptr ? GetLastError() : DWORD{ERROR_SUCCESS};
     if (error == ERROR_FILE_NOT_FOUND)
         return std::nullopt;
@@ -322,8 +321,8 @@ public:
     {
         if (const DWORD error = other.rights.giveTo(file_.get()); error != ERROR_SUCCESS)
             failToWrite(error);
-        constexpr DWORD kMarks = FILE_ATTRIBUTE_ARCHIVE | FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM |
-                                 FILE_ATTRIBUTE_NOT_CONTENT_INDEXED;
+        constexpr DWORD kMarks =
+            FILE_ATTRIBUTE_ARCHIVE | FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM | FILE_ATTRIBUTE_NOT_CONTENT_INDEXED;
         FILE_BASIC_INFO marks{}; // times of zero stay as they are
         const DWORD kept = other.status.dwFileAttributes & kMarks;
         marks.FileAttributes = kept == 0 ? DWORD{FILE_ATTRIBUTE_NORMAL} : kept;

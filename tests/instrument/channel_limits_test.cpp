@@ -44,7 +44,8 @@ INSTANTIATE_TEST_SUITE_P(Channels, ChannelLimitsOf,
 
 TEST(ChannelWithoutLimits, IsAnInvalidKey)
 {
-    for (const ViInt32 channel : {ViInt32{0}, ViInt32{7}, ViInt32{-1}, std::numeric_limits<ViInt32>::min(), std::numeric_limits<ViInt32>::max()})
+    for (const ViInt32 channel : {ViInt32{0}, ViInt32{7}, ViInt32{-1}, std::numeric_limits<ViInt32>::min(),
+                                  std::numeric_limits<ViInt32>::max()})
         EXPECT_TRUE(throwsExactly<std::out_of_range>(kInvalidKey, [=] { channelLimitsOf(channel); })) << channel;
 }
 

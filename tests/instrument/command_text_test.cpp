@@ -225,6 +225,9 @@ TEST(Arguments, FollowABlankAndAreJoinedByCommas)
 
 std::string printed(double value)
 {
+    // C libraries differ in whether this has a sign.
+    if (std::isnan(value))
+        return std::signbit(value) ? "-nan" : "nan";
     char digits[512];
     std::snprintf(digits, sizeof digits, "%f", value);
     return digits;

@@ -133,7 +133,9 @@ TEST(LevelsOfUnknownChannels, AreInvalidKeysAndNothingIsSent)
 {
     const auto connection = std::make_shared<ScriptedConnection>();
     KVX2800T instrument(portOn(connection));
-    for (const ViInt32 channel : {ViInt32{0}, ViInt32{7}, ViInt32{-1}, std::numeric_limits<ViInt32>::min(), std::numeric_limits<ViInt32>::max()}) {
+    for (const ViInt32 channel : {ViInt32{0}, ViInt32{7}, ViInt32{-1}, std::numeric_limits<ViInt32>::min(),
+                                  std::numeric_limits<ViInt32>::max()})
+    {
         SCOPED_TRACE(channel);
         EXPECT_TRUE(throwsExactly<std::out_of_range>(kInvalidKey, [&] { instrument.setVoltageLevel(channel, 1.0); }));
         EXPECT_TRUE(throwsExactly<std::out_of_range>(kInvalidKey, [&] { instrument.setCurrentLevel(channel, 1.0); }));

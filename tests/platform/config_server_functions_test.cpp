@@ -388,8 +388,8 @@ TEST_F(EveryKind, ItemsAreNumberedFromOneToTheCount)
     for (const Items& items : kItems) {
         for (ViInt32 index = 1; index <= items.expected; ++index)
             EXPECT_NE(static_cast<IviConfigHandle>(obtain(items.item, handle(items.kind), index)), nullptr);
-        for (const ViInt32 index :
-             {ViInt32{0}, ViInt32{-1}, items.expected + 1, std::numeric_limits<ViInt32>::max(), std::numeric_limits<ViInt32>::min()})
+        for (const ViInt32 index : {ViInt32{0}, ViInt32{-1}, items.expected + 1, std::numeric_limits<ViInt32>::max(),
+                                    std::numeric_limits<ViInt32>::min()})
         {
             IviConfigHandle result = store_;
             EXPECT_EQ(pattern(items.item(handle(items.kind), index, &result)), kNotExist) << items.kind << index;

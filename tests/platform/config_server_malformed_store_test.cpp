@@ -1,7 +1,7 @@
 #include "example_store.h"
 #include "store_fixture.h"
-#include "utf8_path.h"
 #include "store_listing.h"
+#include "utf8_path.h"
 
 #include <gmock/gmock.h>
 

@@ -43,9 +43,9 @@ public:
         ASSERT_EQ(RegCreateKeyExW(HKEY_LOCAL_MACHINE, L"SOFTWARE\\IVI", 0, nullptr, REG_OPTION_VOLATILE, KEY_SET_VALUE,
                                   nullptr, &key, nullptr),
                   ERROR_SUCCESS);
-        EXPECT_EQ(RegSetValueExW(key, L"IviDataDir", 0, type, static_cast<const BYTE*>(value),
-                                 static_cast<DWORD>(bytes)),
-                  ERROR_SUCCESS);
+        EXPECT_EQ(
+            RegSetValueExW(key, L"IviDataDir", 0, type, static_cast<const BYTE*>(value), static_cast<DWORD>(bytes)),
+            ERROR_SUCCESS);
         RegCloseKey(key);
     }
 
@@ -70,7 +70,7 @@ protected:
 
 TEST_F(MasterStore, IsInTheRegisteredFolder)
 {
-    const std::string path = writeFile("ivi/IviConfigurationStore.xml", kBenchStore);
+    const std::string path = writeFile("ivi\\IviConfigurationStore.xml", kBenchStore);
     OwnRegistry::setFolder(folder("ivi"));
     EXPECT_EQ(masterLocation(), path);
     EXPECT_EQ(IviConfig_Deserialize(store_, masterLocation().c_str()), VI_SUCCESS);
@@ -80,7 +80,7 @@ TEST_F(MasterStore, IsInTheRegisteredFolder)
 TEST_F(MasterStore, IsFoundInAFolderWithLettersOfAnyScript)
 {
     const std::string name = "\xCE\xA4\xCF\x81\xCE\xBF\xCF\x86\xCE\xAE \xE9\x9B\xBB\xE6\xBA\x90";
-    const std::string path = writeFile(name + "/IviConfigurationStore.xml", kBenchStore);
+    const std::string path = writeFile(name + "\\IviConfigurationStore.xml", kBenchStore);
     OwnRegistry::setFolder(folder(name));
     EXPECT_EQ(masterLocation(), path);
     EXPECT_EQ(IviConfig_Deserialize(store_, path.c_str()), VI_SUCCESS);
@@ -99,7 +99,7 @@ TEST_F(MasterStore, IsServedEmptyWhenTheRegisteredFolderHasNone)
 
 TEST_F(MasterStore, NameInTheEnvironmentComesFirst)
 {
-    writeFile("ivi/IviConfigurationStore.xml", kBenchStore);
+    writeFile("ivi\\IviConfigurationStore.xml", kBenchStore);
     OwnRegistry::setFolder(folder("ivi"));
     const std::string own = writeFile("\xE5\x80\x89\xE5\xBA\xAB/own.xml", kBenchStore);
     {

@@ -80,7 +80,8 @@ TEST_F(StorePath, MayBeOfAnyLength)
 
 TEST_F(StorePath, OfADeviceIsRefused)
 {
-    for (const char* const name : {"NUL", "CON", "COM1", R"(\\.\NUL)", R"(\\.\pipe\none)", R"(\\?\)", R"(\\)", "C:", "*"})
+    for (const char* const name :
+         {"NUL", "CON", "COM1", R"(\\.\NUL)", R"(\\.\pipe\none)", R"(\\?\)", R"(\\)", "C:", "*"})
         EXPECT_EQ(load(name), IVICONFIG_ERROR_DESERIALIZE_FAILED) << name;
 }
 

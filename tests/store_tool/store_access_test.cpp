@@ -74,7 +74,8 @@ TEST_F(StoreAccess, CreatesAFileWithItsFolder)
 TEST_F(StoreAccess, TakesPathsWithLettersOfAnyScript)
 {
     const std::string path =
-        folder_ / "\xCF\x84\xCF\x81\xCE\xBF\xCF\x86\xCE\xBF\xCE\xB4\xCE\xBF\xCF\x83\xCE\xAF\xCE\xB1/\xE9\x9B\xBB\xE6\xBA\x90.xml";
+        folder_ /
+        "\xCF\x84\xCF\x81\xCE\xBF\xCF\x86\xCE\xBF\xCE\xB4\xCE\xBF\xCF\x83\xCE\xAF\xCE\xB1/\xE9\x9B\xBB\xE6\xBA\x90.xml";
     StoreChange(path, WhenMissing::Create).replaceBy("old");
     {
         StoreChange change(path, WhenMissing::Refuse);

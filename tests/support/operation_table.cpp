@@ -99,7 +99,7 @@ Field fieldOf(const Argument& /*argument*/)
         return {FieldKind::Number};
     else if constexpr (std::is_same_v<Argument, Long>)
         return {FieldKind::Long};
-    else if constexpr (std::is_same_v<Argument, ViInt32>)
+    else if constexpr (std::is_integral_v<Argument>)
         return {FieldKind::Integer};
     else
         return {FieldKind::Text};
@@ -203,7 +203,7 @@ Run runOf(const Call<Parameters...>& call)
 template <class First, class... Rest>
 decltype(Operation::runFor) runForOf(const Call<First, Rest...>& call)
 {
-    if constexpr (std::is_same_v<First, ViInt32>)
+    if constexpr (std::is_integral_v<First> && !std::is_same_v<First, bool>)
         return [call](InstBase& instrument, ViInt32 number, Values& outputs) {
             return runOf(call.template with<0>(number))(instrument, outputs);
         };

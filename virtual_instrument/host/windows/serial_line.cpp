@@ -1,13 +1,13 @@
 #include "serial_line.h"
 
-#include <system_error>
+#include <stdexcept>
 
 namespace kvxvirtual
 {
 
 SerialLine openSerialLine(asio::io_context&, VirtualInstrument&, Journal&)
 {
-    throw std::system_error(std::make_error_code(std::errc::not_supported), "Windows has no pseudo serial lines");
+    throw std::runtime_error("cannot offer a serial line: Windows has no pseudo terminals");
 }
 
 } // namespace kvxvirtual

@@ -1,0 +1,24 @@
+#include "console.h"
+
+#include <fcntl.h>
+#include <io.h>
+
+#include <csignal>
+#include <cstdio>
+
+namespace kvxvirtual
+{
+
+std::vector<int> stopSignals()
+{
+    // The last is Ctrl-Break and the closing of the console.
+    return {SIGINT, SIGTERM, SIGBREAK};
+}
+
+void writePlainLineFeeds()
+{
+    _setmode(_fileno(stdout), _O_BINARY);
+    _setmode(_fileno(stderr), _O_BINARY);
+}
+
+} // namespace kvxvirtual
