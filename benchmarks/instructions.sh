@@ -14,7 +14,7 @@ folder=$(mktemp -d)
 instrument=
 
 finish() {
-    [ -z "$instrument" ] || kill "$instrument"
+    [ -z "$instrument" ] || kill "$instrument" 2>/dev/null || true
     rm -rf "$folder"
 }
 trap finish EXIT
@@ -42,6 +42,7 @@ show() {
     printf '%-34s %6d\n' "$title" $(((most - least) / (many - few)))
 }
 
+: >"$folder/started"
 "$build/bin/kvx2800t-virtual" --port 0 >"$folder/started" 2>/dev/null </dev/null &
 instrument=$!
 until grep -q listening "$folder/started"; do
