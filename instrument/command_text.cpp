@@ -50,6 +50,16 @@ void appendNode(std::string& line, std::string_view node)
     line += node;
 }
 
+/// Without the empty ones: a colon in front of another one, or of nothing, begins no node.
+void appendNodes(std::string& line, std::string_view nodes)
+{
+    for (std::size_t at = 0; at < nodes.size(); ++at) {
+        const bool beginsNoNode = nodes[at] == ':' && (at + 1 == nodes.size() || nodes[at + 1] == ':');
+        if (!beginsNoNode)
+            line += nodes[at];
+    }
+}
+
 } // namespace
 
 void Header::appendTo(std::string& line) const
@@ -84,13 +94,7 @@ void Header::appendSource(std::string& line) const
     appendChannel(line, channel_);
     if (!first.starts_with(kSourceNode))
         appendNode(line, first);
-    const bool hasEmptyNodes = rest.ends_with(':') || rest.find("::") != std::string_view::npos;
-    if (!hasEmptyNodes) {
-        line += rest;
-        return;
-    }
-    for (std::string_view node = takeNode(rest); !node.empty(); node = takeNode(rest))
-        appendNode(line, node);
+    appendNodes(line, rest);
 }
 
 void Header::appendSuffixed(std::string& line) const
