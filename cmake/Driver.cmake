@@ -12,6 +12,7 @@ kvx_add_layer(instrument
     instrument/channel_limits.cpp
     instrument/command_port.cpp
     instrument/command_text.cpp
+    instrument/fixed_point.cpp
     instrument/keyword_tables.cpp
     instrument/kvx2800t.cpp
     instrument/kvx2800t_delay.cpp

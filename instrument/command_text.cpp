@@ -1,5 +1,7 @@
 #include "instrument/command_text.h"
 
+#include "instrument/fixed_point.h"
+
 #include <array>
 #include <charconv>
 #include <limits>
@@ -11,7 +13,6 @@ namespace
 
 constexpr std::string_view kSourceNode = "SOUR";
 constexpr std::string_view kSuffixPlace = "{}";
-constexpr int kDecimals = 6;
 // Sign, integral digits of the largest double, point, decimals.
 constexpr std::size_t kLongestNumber = 1 + std::numeric_limits<double>::max_exponent10 + 1 + 1 + kDecimals;
 
@@ -21,6 +22,14 @@ void appendNumber(std::string& line, Number number, Format... format)
     std::array<char, kLongestNumber> digits; // NOLINT(cppcoreguidelines-pro-type-member-init): written by to_chars
     const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), number, format...).ptr;
     line.append(digits.data(), end);
+}
+
+void appendChannel(std::string& line, ViInt32 channel)
+{
+    if (channel >= 0 && channel <= 9)
+        line += static_cast<char>('0' + channel);
+    else
+        appendNumber(line, channel);
 }
 
 /// Takes the next non-empty node off `header`; empty when there is none left.
@@ -39,6 +48,16 @@ void appendNode(std::string& line, std::string_view node)
 {
     line += ':';
     line += node;
+}
+
+/// Without the empty ones: a colon in front of another one, or of nothing, begins no node.
+void appendNodes(std::string& line, std::string_view nodes)
+{
+    for (std::size_t at = 0; at < nodes.size(); ++at) {
+        const bool beginsNoNode = nodes[at] == ':' && (at + 1 == nodes.size() || nodes[at + 1] == ':');
+        if (!beginsNoNode)
+            line += nodes[at];
+    }
 }
 
 } // namespace
@@ -72,16 +91,10 @@ void Header::appendSource(std::string& line) const
     if (first.empty())
         return;
     appendNode(line, kSourceNode);
-    appendNumber(line, channel_);
+    appendChannel(line, channel_);
     if (!first.starts_with(kSourceNode))
         appendNode(line, first);
-    const bool hasEmptyNodes = rest.ends_with(':') || rest.find("::") != std::string_view::npos;
-    if (!hasEmptyNodes) {
-        line += rest;
-        return;
-    }
-    for (std::string_view node = takeNode(rest); !node.empty(); node = takeNode(rest))
-        appendNode(line, node);
+    appendNodes(line, rest);
 }
 
 void Header::appendSuffixed(std::string& line) const
@@ -90,7 +103,7 @@ void Header::appendSuffixed(std::string& line) const
     line += text_.substr(0, place);
     if (place == std::string_view::npos)
         return;
-    appendNumber(line, channel_);
+    appendChannel(line, channel_);
     line += text_.substr(place + kSuffixPlace.size());
 }
 
@@ -101,7 +114,10 @@ void appendArgument(std::string& line, std::string_view text)
 
 void appendArgument(std::string& line, double number)
 {
-    appendNumber(line, number, std::chars_format::fixed, kDecimals);
+    if (isFixedPoint(number))
+        appendFixedPoint(line, number);
+    else
+        appendNumber(line, number, std::chars_format::fixed, kDecimals);
 }
 
 void appendArgument(std::string& line, ViInt32 number)

@@ -4,8 +4,11 @@
 #include "instrument/failures.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <cmath>
+#include <cstdint>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <system_error>
@@ -14,6 +17,11 @@ namespace TSRO
 {
 namespace
 {
+
+/// So many digits are less than 2^53.
+constexpr std::size_t kExactDigits = 15;
+constexpr std::array<double, kExactDigits + 1> kPowersOfTen = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                                               1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
 
 /// A number's sign and what follows it.
 struct SignedText
@@ -72,6 +80,30 @@ std::string_view hexadecimalNumber(std::string_view text)
     return digits == 0 ? std::string_view() : text.substr(0, endOfExponent(text, end));
 }
 
+/// Puts the digits that stand at `at` behind those of `number`, and returns the place behind them.
+std::size_t takeDigits(std::string_view text, std::size_t at, std::uint64_t& number)
+{
+    for (; at < text.size() && ascii::isDigit(text[at]); ++at)
+        number = number * 10 + static_cast<std::uint64_t>(text[at] - '0');
+    return at;
+}
+
+/// The number at the front of a text, if it is of the kind that instruments send: few digits and no exponent. Both the
+/// digits and the power of ten are exact as doubles then, and so their quotient is rounded as the number itself.
+std::optional<double> shortDecimal(std::string_view text)
+{
+    std::uint64_t number = 0;
+    const std::size_t whole = takeDigits(text, 0, number);
+    const bool hasPoint = whole < text.size() && text[whole] == '.';
+    const std::size_t end = hasPoint ? takeDigits(text, whole + 1, number) : whole;
+    const std::size_t decimals = hasPoint ? end - whole - 1 : 0;
+    const std::size_t count = whole + decimals;
+    const char next = end < text.size() ? ascii::toLower(text[end]) : ' ';
+    if (count == 0 || count > kExactDigits || next == 'e' || next == 'x')
+        return std::nullopt;
+    return static_cast<double>(number) / kPowersOfTen[decimals];
+}
+
 std::from_chars_result convertMagnitude(std::string_view magnitude, double& value)
 {
     // std::from_chars takes a minus sign, which stands in front of the magnitude or nowhere.
@@ -118,6 +150,8 @@ bool parseBoolean(std::string_view reply)
 double parseDouble(std::string_view reply)
 {
     const SignedText text = splitSign(reply);
+    if (const auto value = shortDecimal(text.magnitude))
+        return text.negative ? -*value : *value;
     double value = 0.0;
     const auto result = convertMagnitude(text.magnitude, value);
     if (result.ec == std::errc::invalid_argument)

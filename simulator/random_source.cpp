@@ -1,7 +1,10 @@
 #include "simulator/random_source.h"
 
+#include <algorithm>
+#include <array>
 #include <mutex>
 #include <random>
+#include <span>
 
 namespace TSRO::random
 {
@@ -12,36 +15,15 @@ namespace
 class SharedGenerator
 {
 public:
-    std::uint32_t draw()
+    void draw(std::span<std::uint32_t> draws)
     {
         const std::lock_guard lock(mutex_);
-        return next();
-    }
-
-    std::uint64_t drawTwo()
-    {
-        const std::lock_guard lock(mutex_);
-        const std::uint64_t low = next();
-        const std::uint64_t high = next();
-        return high << 32U | low;
-    }
-
-    std::uint64_t count()
-    {
-        const std::lock_guard lock(mutex_);
-        return count_;
+        std::generate(draws.begin(), draws.end(), [this] { return static_cast<std::uint32_t>(generator_()); });
     }
 
 private:
-    std::uint32_t next()
-    {
-        ++count_;
-        return static_cast<std::uint32_t>(generator_());
-    }
-
     std::mutex mutex_;
     std::mt19937 generator_{std::random_device{}()};
-    std::uint64_t count_ = 0;
 };
 
 SharedGenerator& generator()
@@ -50,12 +32,47 @@ SharedGenerator& generator()
     return instance;
 }
 
+/// Draws that a thread has fetched from the generator and not used yet. Threads that meet at the generator for every
+/// draw would spend more time waiting for each other than simulating.
+class Supply
+{
+public:
+    std::uint32_t draw()
+    {
+        if (used_ == draws_.size()) {
+            generator().draw(draws_);
+            used_ = 0;
+        }
+        ++count_;
+        return draws_[used_++];
+    }
+
+    std::uint64_t drawTwo()
+    {
+        const std::uint64_t low = draw();
+        const std::uint64_t high = draw();
+        return high << 32U | low;
+    }
+
+    std::uint64_t count() const { return count_; }
+
+private:
+    static constexpr std::size_t kFetched = 512;
+
+    std::array<std::uint32_t, kFetched> draws_{};
+    std::size_t used_ = kFetched;
+    std::uint64_t count_ = 0;
+};
+
+// Nothing to construct or to destroy, so that any thread may end, and the library be unloaded, at any time.
+constinit thread_local Supply supply;
+
 } // namespace
 
 double uniformReal()
 {
     constexpr double kScale = 1.0 / 9007199254740992.0; // 2^-53: never rounds up to 1
-    return static_cast<double>(generator().drawTwo() >> 11U) * kScale;
+    return static_cast<double>(supply.drawTwo() >> 11U) * kScale;
 }
 
 double uniformReal(double minimum, double maximum)
@@ -69,7 +86,7 @@ std::uint32_t uniformInteger(std::uint32_t count)
     const std::uint32_t rejected = (0U - count) % count;
     std::uint64_t product = 0;
     do
-        product = std::uint64_t{generator().draw()} * count;
+        product = std::uint64_t{supply.draw()} * count;
     while (static_cast<std::uint32_t>(product) < rejected);
     return static_cast<std::uint32_t>(product >> 32U);
 }
@@ -81,12 +98,12 @@ bool boolean()
 
 void discard()
 {
-    generator().draw();
+    supply.draw();
 }
 
 std::uint64_t drawCount()
 {
-    return generator().count();
+    return supply.count();
 }
 
 } // namespace TSRO::random

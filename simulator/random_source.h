@@ -6,7 +6,7 @@ namespace TSRO::random
 {
 
 /// Draws from the one generator of the process, a 32-bit Mersenne Twister that is seeded once from the system's random
-/// device. Any thread may draw at any time.
+/// device. Any thread may draw at any time; no two get the same draw.
 
 /// Uniform in [0, 1), with 53 bits.
 double uniformReal();
@@ -23,7 +23,7 @@ bool boolean();
 /// A draw that nobody gets.
 void discard();
 
-/// How many 32-bit draws the generator has made; a real draw takes two.
+/// How many 32-bit draws the calling thread has used; a real draw takes two.
 std::uint64_t drawCount();
 
 } // namespace TSRO::random

@@ -24,6 +24,7 @@ ViStatus SessionTable::create(ViSession& handle)
     Shard& shard = shardOf(fresh);
     const std::lock_guard guard(shard.mutex);
     shard.sessions.emplace(fresh, std::move(session));
+    dataCache_.add(fresh);
     handle = fresh;
     return IVI_SUCCESS;
 }
@@ -35,6 +36,7 @@ ViStatus SessionTable::dispose(ViSession handle)
     const auto found = shard.sessions.find(handle);
     if (found == shard.sessions.end())
         return IVI_ERROR_INVALID_SESSION_HANDLE;
+    dataCache_.remove(handle);
     found->second->disposed = true;
     found->second->changed.notify_all();
     shard.sessions.erase(found);
@@ -43,14 +45,17 @@ ViStatus SessionTable::dispose(ViSession handle)
 
 ViStatus SessionTable::setData(ViSession handle, ViAddr data)
 {
-    return withSession(handle, [data](Session& session) {
+    return withSession(handle, [this, handle, data](Session& session) {
         session.data = data;
+        dataCache_.set(handle, data);
         return IVI_SUCCESS;
     });
 }
 
 ViStatus SessionTable::getData(ViSession handle, ViAddr& data)
 {
+    if (dataCache_.find(handle, data))
+        return IVI_SUCCESS;
     return withSession(handle, [&data](const Session& session) {
         data = session.data;
         return IVI_SUCCESS;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "data_cache.h"
 #include "error_record.h"
 
 #include <IviCShared.h>
@@ -19,7 +20,8 @@ namespace ivi_c_shared
 /// All sessions of the process by handle. Handles count up from 1 and are never handed out twice.
 ///
 /// Sessions are spread over shards by handle. A shard's mutex guards its table and the state of its sessions, is held
-/// for the length of one look-up and never while a thread waits for a session's lock. Any thread may call any function;
+/// for the length of one look-up and never while a thread waits for a session's lock. Data pointers are mostly read
+/// without it. Any thread may call any function;
 /// an unknown handle gives IVI_ERROR_INVALID_SESSION_HANDLE. Standard exceptions report lack of memory or of locks.
 class SessionTable
 {
@@ -72,7 +74,11 @@ private:
 
     static ViStatus waitForLock(std::unique_lock<std::mutex>& guard, const std::shared_ptr<Session>& session);
 
+    // Sessions that share a place there share a shard here, whose mutex keeps their changes apart.
+    static_assert(DataCache::kPlaces % kShardCount == 0);
+
     std::array<Shard, kShardCount> shards_;
+    DataCache dataCache_;
     std::atomic<std::uint64_t> lastHandle_{0};
 };
 

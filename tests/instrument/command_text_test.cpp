@@ -286,4 +286,37 @@ TEST(ANumber, IsSpelledAsTheCLibrarySpellsLevels)
     }
 }
 
+TEST(ANumber, IsSpelledAsTheCLibrarySpellsNumbersOfEverySize)
+{
+    std::mt19937_64 random(20240613);
+    std::uniform_real_distribution<double> mantissa(1.0, 2.0);
+    for (int exponent = -30; exponent <= 40; ++exponent)
+        for (int i = 0; i < 1000; ++i) {
+            const double value = std::ldexp(mantissa(random), exponent);
+            ASSERT_EQ(argument(value), printed(value));
+            ASSERT_EQ(argument(-value), printed(-value));
+        }
+}
+
+TEST(ANumber, IsSpelledAsTheCLibrarySpellsEveryTie)
+{
+    // Halves of a millionth are exact only in multiples of 1/128.
+    for (const double whole : {0.0, 1.0, 32.0, 999.0, 4294967295.0})
+        for (int i = 1; i < 128; i += 2)
+            for (const double away : {0.0, 1e9}) {
+                const double tie = whole + i / 128.0;
+                ASSERT_EQ(argument(tie), printed(tie));
+                ASSERT_EQ(argument(std::nextafter(tie, away)), printed(std::nextafter(tie, away)));
+            }
+}
+
+TEST(ANumber, IsSpelledAsTheCLibrarySpellsTheNeighboursOfPowers)
+{
+    for (int exponent = -20; exponent <= 53; ++exponent)
+        for (const double power : {std::ldexp(1.0, exponent), std::pow(10.0, exponent / 3)})
+            for (const double value : {std::nextafter(power, 0.0), power, std::nextafter(power, 1e300)})
+                ASSERT_EQ(argument(value), printed(value));
+    EXPECT_EQ(argument(std::nextafter(4294967296.0, 0.0)), "4294967296.000000");
+}
+
 } // namespace

@@ -407,6 +407,19 @@ TEST(ParseNumbers, AgreeWithTheCLibraryOnRandomDoubles)
         expectAsTheCLibrary(texts.spelled(texts.anyDouble()));
 }
 
+TEST(ParseNumbers, AgreeWithTheCLibraryOnDecimalsOfEveryLength)
+{
+    Texts texts(20240614);
+    for (std::size_t count = 1; count <= 20; ++count)
+        for (int i = 0; i < 2000 && !testing::Test::HasFatalFailure(); ++i) {
+            std::string text;
+            for (std::size_t digit = 0; digit < count; ++digit)
+                text += static_cast<char>('0' + texts.below(10));
+            text.insert(texts.below(count + 1), 1, '.');
+            expectAsTheCLibrary(text);
+        }
+}
+
 TEST(ParseNumbers, AgreeWithTheCLibraryOnMutatedDoubles)
 {
     Texts texts(20240613);

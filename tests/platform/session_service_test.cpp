@@ -3,6 +3,7 @@
 #include <array>
 #include <atomic>
 #include <chrono>
+#include <cstdint>
 #include <string>
 #include <thread>
 #include <vector>
@@ -68,6 +69,65 @@ TEST_F(SessionService, DataPointerIsKeptAndReplaced)
     EXPECT_EQ(IviSession_SetDataPtr(session_, nullptr), IVI_SUCCESS);
     EXPECT_EQ(IviSession_GetDataPtr(session_, &data), IVI_SUCCESS);
     EXPECT_EQ(data, nullptr);
+}
+
+/// A data pointer that tells whose it is.
+ViAddr dataOf(ViSession session)
+{
+    return reinterpret_cast<ViAddr>(static_cast<std::uintptr_t>(session));
+}
+
+ViAddr readData(ViSession session)
+{
+    ViAddr data = nullptr;
+    EXPECT_EQ(IviSession_GetDataPtr(session, &data), IVI_SUCCESS);
+    return data;
+}
+
+TEST_F(SessionService, ThousandsOfSessionsHaveADataPointerEach)
+{
+    std::vector<ViSession> sessions(5000);
+    for (ViSession& session : sessions) {
+        ASSERT_EQ(IviSession_New(&session), IVI_SUCCESS);
+        EXPECT_EQ(readData(session), nullptr);
+        ASSERT_EQ(IviSession_SetDataPtr(session, dataOf(session)), IVI_SUCCESS);
+    }
+    for (std::size_t i = 0; i < sessions.size(); i += 2)
+        EXPECT_EQ(IviSession_Dispose(sessions[i]), IVI_SUCCESS);
+    for (std::size_t i = 0; i < sessions.size(); i += 2) {
+        ViAddr data = nullptr;
+        EXPECT_EQ(IviSession_GetDataPtr(sessions[i], &data), IVI_ERROR_INVALID_SESSION_HANDLE);
+    }
+    for (std::size_t i = 1; i < sessions.size(); i += 2) {
+        EXPECT_EQ(readData(sessions[i]), dataOf(sessions[i]));
+        EXPECT_EQ(IviSession_SetDataPtr(sessions[i], nullptr), IVI_SUCCESS);
+        EXPECT_EQ(readData(sessions[i]), nullptr);
+        EXPECT_EQ(IviSession_Dispose(sessions[i]), IVI_SUCCESS);
+    }
+}
+
+TEST_F(SessionService, ADataPointerIsNeverThatOfAnotherSession)
+{
+    constexpr int kRounds = 20'000;
+    std::atomic<ViSession> current{session_};
+    std::atomic<bool> isDone{false};
+    std::thread other([&] {
+        for (int round = 0; round < kRounds; ++round) {
+            ViSession session = VI_NULL;
+            EXPECT_EQ(IviSession_New(&session), IVI_SUCCESS);
+            current = session;
+            EXPECT_EQ(IviSession_SetDataPtr(session, dataOf(session)), IVI_SUCCESS);
+            EXPECT_EQ(IviSession_Dispose(session), IVI_SUCCESS);
+        }
+        isDone = true;
+    });
+    while (!isDone) {
+        const ViSession session = current;
+        ViAddr data = nullptr;
+        const bool isKnown = IviSession_GetDataPtr(session, &data) == IVI_SUCCESS;
+        EXPECT_TRUE(!isKnown || data == nullptr || data == dataOf(session));
+    }
+    other.join();
 }
 
 TEST_F(SessionService, NullOutputPointersAreRefused)
