@@ -1,5 +1,7 @@
 #include "runtime/close_listeners.h"
 
+#include "instrument/spin_lock.h"
+
 #include <exception>
 #include <mutex>
 #include <utility>
@@ -16,37 +18,33 @@ class CloseListeners
 public:
     void add(CloseListener listener)
     {
-        const std::lock_guard lock(mutex_);
+        const std::lock_guard guard(lock_);
         listeners_.push_back(std::move(listener));
     }
 
     std::vector<CloseListener> all()
     {
-        const std::lock_guard lock(mutex_);
+        const std::lock_guard guard(lock_);
         return listeners_;
     }
 
 private:
-    std::mutex mutex_;
+    TSRO::SpinLock lock_;
     std::vector<CloseListener> listeners_;
 };
 
-CloseListeners& closeListeners()
-{
-    static CloseListeners instance;
-    return instance;
-}
+constinit CloseListeners closeListeners;
 
 } // namespace
 
 void addCloseListener(CloseListener listener)
 {
-    closeListeners().add(std::move(listener));
+    closeListeners.add(std::move(listener));
 }
 
 void notifyCloseListeners(ViSession vi)
 {
-    for (const CloseListener& listener : closeListeners().all()) {
+    for (const CloseListener& listener : closeListeners.all()) {
         if (!listener)
             std::terminate();
         listener(vi);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "instrument/inst_base.h"
+#include "simulator/simulated_values.h"
 
 namespace TSRO
 {
@@ -176,8 +177,12 @@ public:
     /// Leaves the state as it was.
     ViStatus triggerInputEnabled(ViInt32, bool&) override { return VI_SUCCESS; }
 
+    /// How many 32-bit draws its answers have used.
+    std::uint64_t drawCount() const { return values_.drawCount(); }
+
 private:
     bool connected_ = false;
+    SimulatedValues values_;
 };
 
 } // namespace TSRO

@@ -1,64 +1,61 @@
 #include "simulator/kvx2800t_simulator.h"
 
-#include "simulator/random_source.h"
-#include "simulator/simulated_values.h"
-
 namespace TSRO
 {
 
 ViStatus KVX2800TSimulator::listEnabled(bool& enabled)
 {
-    enabled = random::boolean();
+    enabled = values_.boolean();
     return VI_SUCCESS;
 }
 
 ViStatus KVX2800TSimulator::listStatus(ListRunState& state, double& remainingSeconds, ViInt32& group,
                                        ViInt32& remainingCycles)
 {
-    state = simulated::oneOf<ListRunState>(4);
-    remainingSeconds = simulated::seconds();
-    group = simulated::groups();
-    remainingCycles = simulated::cycles();
+    state = values_.oneOf<ListRunState>(4);
+    remainingSeconds = values_.seconds();
+    group = values_.groups();
+    remainingCycles = values_.cycles();
     return VI_SUCCESS;
 }
 
 ViStatus KVX2800TSimulator::listCycles(ViInt32& cycles)
 {
-    cycles = simulated::cycles();
+    cycles = values_.cycles();
     return VI_SUCCESS;
 }
 
 ViStatus KVX2800TSimulator::listEndState(ListEndState& state)
 {
-    state = simulated::oneOf<ListEndState>(2);
+    state = values_.oneOf<ListEndState>(2);
     return VI_SUCCESS;
 }
 
 ViStatus KVX2800TSimulator::listGroupCount(ViInt32& count)
 {
-    count = simulated::groups();
+    count = values_.groups();
     return VI_SUCCESS;
 }
 
 ViStatus KVX2800TSimulator::listGroup(ViInt32 /*group*/, double& volts, double& amperes, double& seconds)
 {
     const ChannelLimits& limits = channelLimits(1);
-    volts = simulated::voltage(limits);
-    amperes = simulated::current(limits);
-    seconds = simulated::seconds();
+    volts = values_.voltage(limits);
+    amperes = values_.current(limits);
+    seconds = values_.seconds();
     return VI_SUCCESS;
 }
 
 ViStatus KVX2800TSimulator::listTemplateWaveform(ListWaveform& waveform)
 {
-    waveform = simulated::oneOf<ListWaveform>(8);
+    waveform = values_.oneOf<ListWaveform>(8);
     return VI_SUCCESS;
 }
 
 ViStatus KVX2800TSimulator::listTemplateObject(ListTemplateObject& object, double& level)
 {
-    object = simulated::oneOf<ListTemplateObject>(2);
-    level = random::uniformReal();
+    object = values_.oneOf<ListTemplateObject>(2);
+    level = values_.uniformReal();
     return VI_SUCCESS;
 }
 
@@ -76,61 +73,61 @@ ViStatus KVX2800TSimulator::listTemplateMinimum(double& level)
 
 ViStatus KVX2800TSimulator::listTemplateInterval(double& seconds)
 {
-    seconds = simulated::seconds();
+    seconds = values_.seconds();
     return VI_SUCCESS;
 }
 
 ViStatus KVX2800TSimulator::listTemplateCycles(ViInt32& cycles)
 {
-    cycles = simulated::cycles();
+    cycles = values_.cycles();
     return VI_SUCCESS;
 }
 
 ViStatus KVX2800TSimulator::listTemplateInverted(bool& inverted)
 {
-    inverted = random::boolean();
+    inverted = values_.boolean();
     return VI_SUCCESS;
 }
 
 ViStatus KVX2800TSimulator::listTemplatePulseWidth(double& seconds)
 {
-    seconds = simulated::seconds();
+    seconds = values_.seconds();
     return VI_SUCCESS;
 }
 
 ViStatus KVX2800TSimulator::listTemplatePulseCount(ViInt32& count)
 {
-    count = simulated::integer(1, 256);
+    count = values_.integer(1, 256);
     return VI_SUCCESS;
 }
 
 ViStatus KVX2800TSimulator::listTemplateSymmetry(ViInt32& percent)
 {
-    percent = simulated::integer(0, 100);
+    percent = values_.integer(0, 100);
     return VI_SUCCESS;
 }
 
 ViStatus KVX2800TSimulator::listTemplateStart(ViInt32& start)
 {
-    start = simulated::integer(1, 512);
+    start = values_.integer(1, 512);
     return VI_SUCCESS;
 }
 
 ViStatus KVX2800TSimulator::listTemplateExpp(ViInt32& exponent)
 {
-    exponent = simulated::integer(1, 512);
+    exponent = values_.integer(1, 512);
     return VI_SUCCESS;
 }
 
 ViStatus KVX2800TSimulator::listTemplateExpr(ViInt32& exponent)
 {
-    exponent = simulated::integer(0, 10);
+    exponent = values_.integer(0, 10);
     return VI_SUCCESS;
 }
 
 ViStatus KVX2800TSimulator::listTemplatePoints(ViInt32& points)
 {
-    points = simulated::groups();
+    points = values_.groups();
     return VI_SUCCESS;
 }
 

@@ -1,80 +1,77 @@
 #include "simulator/kvx2800t_simulator.h"
 
-#include "simulator/random_source.h"
-#include "simulator/simulated_values.h"
-
 namespace TSRO
 {
 
 ViStatus KVX2800TSimulator::selectedChannel(ViInt32& channel)
 {
-    channel = simulated::integer(1, 6);
+    channel = values_.integer(1, 6);
     return VI_SUCCESS;
 }
 
 ViStatus KVX2800TSimulator::sourceMode(SourceMode& mode)
 {
-    mode = simulated::oneOf<SourceMode>(3);
+    mode = values_.oneOf<SourceMode>(3);
     return VI_SUCCESS;
 }
 
 ViStatus KVX2800TSimulator::bleEnabled(bool& enabled)
 {
-    enabled = random::boolean();
+    enabled = values_.boolean();
     return VI_SUCCESS;
 }
 
 ViStatus KVX2800TSimulator::voltageLevel(ViInt32 channel, double& volts)
 {
-    volts = simulated::voltage(channelLimits(channel));
+    volts = values_.voltage(channelLimits(channel));
     return VI_SUCCESS;
 }
 
 ViStatus KVX2800TSimulator::voltageProtectionLevel(ViInt32 channel, double& volts)
 {
-    volts = simulated::voltage(channelLimits(channel));
+    volts = values_.voltage(channelLimits(channel));
     return VI_SUCCESS;
 }
 
 ViStatus KVX2800TSimulator::voltageProtectionEnabled(ViInt32 /*channel*/, bool& enabled)
 {
-    enabled = random::boolean();
+    enabled = values_.boolean();
     return VI_SUCCESS;
 }
 
 ViStatus KVX2800TSimulator::remoteSenseEnabled(ViInt32 /*channel*/, bool& enabled)
 {
-    enabled = random::boolean();
+    enabled = values_.boolean();
     return VI_SUCCESS;
 }
 
 ViStatus KVX2800TSimulator::currentLevel(ViInt32 channel, double& amperes)
 {
-    amperes = simulated::voltage(channelLimits(channel));
+    amperes = values_.voltage(channelLimits(channel));
     return VI_SUCCESS;
 }
 
 ViStatus KVX2800TSimulator::currentProtectionLevel(ViInt32 channel, double& amperes)
 {
-    amperes = simulated::voltage(channelLimits(channel));
+    amperes = values_.voltage(channelLimits(channel));
     return VI_SUCCESS;
 }
 
 ViStatus KVX2800TSimulator::currentProtectionEnabled(ViInt32 /*channel*/, bool& enabled)
 {
-    enabled = random::boolean();
+    enabled = values_.boolean();
     return VI_SUCCESS;
 }
 
 ViStatus KVX2800TSimulator::currentProtectionDelay(ViInt32 /*channel*/, double& seconds)
 {
-    seconds = random::uniformReal();
+    seconds = values_.uniformReal();
     return VI_SUCCESS;
 }
 
 ViStatus KVX2800TSimulator::currentProtectionDelayMode(ViInt32 /*channel*/, ProtectionDelayMode& mode)
 {
-    mode = simulated::oneOf<ProtectionDelayMode>(2);
+    mode = values_.oneOf<ProtectionDelayMode>(2);
     return VI_SUCCESS;
 }
 

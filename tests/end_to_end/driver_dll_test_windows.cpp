@@ -29,12 +29,12 @@ namespace fs = std::filesystem;
 
 constexpr ViStatus kLibraryMissing = status(0xBFFF009E);
 
-/// A folder with a copy of the driver, to which libraries of the platform are added. It is emptied first: libraries in
-/// use outlast the program that has loaded them.
+/// A folder with a copy of the driver, to which libraries of the platform are added. It is emptied first and not at the
+/// end: libraries in use cannot be removed.
 class DriverFolder
 {
 public:
-    DriverFolder()
+    explicit DriverFolder(const wchar_t* name) : folder_(fs::path(KVX_FOLDER) / name)
     {
         fs::remove_all(folder_);
         fs::create_directory(folder_);
@@ -49,7 +49,7 @@ public:
     }
 
 private:
-    const fs::path folder_ = fs::path(KVX_FOLDER) / L"libraries \u03A9\u65E5";
+    const fs::path folder_;
 };
 
 std::string utf8(const fs::path& path)
@@ -61,7 +61,7 @@ std::string utf8(const fs::path& path)
 TEST(DriverDll, LooksForThePlatformsLibrariesBesideItselfAndOnEachCallThatNeedsThem)
 {
     const VirtualInstrumentProcess instrument;
-    const DriverFolder folder;
+    const DriverFolder folder(L"from none to all \u03A9\u65E5");
     const SharedLibrary library(utf8(folder.driver()));
     auto* const init = library.find<decltype(KVX2800T_InitWithOptions)>("KVX2800T_InitWithOptions");
     auto* const close = library.find<decltype(KVX2800T_close)>("KVX2800T_close");
@@ -109,6 +109,35 @@ TEST(DriverDll, LoadingItAHundredTimesLeavesNothingBehind)
     TlsFree(nextThreadLocal);
     EXPECT_EQ(nextThreadLocal, threadLocal);
     EXPECT_EQ(GetModuleHandleW(fs::path(KVX_DRIVER_FILE).filename().c_str()), nullptr);
+}
+
+TEST(DriverDll, SimulatingWithItLeavesNothingBehindEither)
+{
+    const DriverFolder folder(L"without VISA");
+    folder.add(KVX_SESSION_SERVICE);
+    folder.add(KVX_CONFIG_SERVER);
+    const auto simulateMany = [&folder](int count) {
+        for (int i = 0; i < count; ++i) {
+            const SharedLibrary library(utf8(folder.driver()));
+            ViSession vi = VI_NULL;
+            ViReal64 volts = 0.0;
+            char resource[] = "";
+            EXPECT_EQ(library.find<decltype(KVX2800T_InitWithOptions)>("KVX2800T_InitWithOptions")(
+                          resource, VI_FALSE, VI_FALSE, "Simulate=1", &vi),
+                      VI_SUCCESS);
+            EXPECT_EQ(library.find<decltype(KVX2800T_Measure)>("KVX2800T_Measure")(
+                          vi, "OutputChannel3", KVX2800T_VAL_MEASURE_VOLTAGE, &volts),
+                      VI_SUCCESS);
+            EXPECT_EQ(library.find<decltype(KVX2800T_close)>("KVX2800T_close")(vi), VI_SUCCESS);
+        }
+    };
+    // The session service makes a table for each of the first sessions.
+    simulateMany(100);
+    const std::size_t descriptors = openDescriptors();
+    const std::size_t allocations = heldAllocations();
+    simulateMany(100);
+    EXPECT_EQ(openDescriptors(), descriptors);
+    EXPECT_EQ(heldAllocations(), allocations);
 }
 
 /// A text of the version resource of the driver's file.

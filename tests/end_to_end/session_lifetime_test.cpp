@@ -1,7 +1,6 @@
 #include "driver_end_to_end.h"
 #include "held_allocations.h"
 #include "open_descriptors.h"
-#include "session_memory.h"
 
 #include <atomic>
 #include <thread>
@@ -99,19 +98,6 @@ TEST(SessionLifetime, RefusedCallsLeaveNothingBehind)
     refuseMany(500);
     EXPECT_EQ(Holdings(), before);
     EXPECT_EQ(KVX2800T_close(vi), VI_SUCCESS);
-}
-
-constexpr std::size_t kMostBytes = 16UL * 1024;
-
-TEST(SessionMemory, ASimulatedSessionHoldsLessThanSixteenKibibytes)
-{
-    EXPECT_LT(bytesOfSimulatedSession(), kMostBytes);
-}
-
-TEST(SessionMemory, AConnectedSessionHoldsLessThanSixteenKibibytesBeyondVisasOwn)
-{
-    const VirtualInstrumentProcess instrument;
-    EXPECT_LT(bytesOfConnectedSession(instrument), kMostBytes);
 }
 
 TEST(SessionLifetime, SessionsComeAndGoInOneThreadWhileOthersWork)

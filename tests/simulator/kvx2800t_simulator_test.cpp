@@ -1,7 +1,6 @@
 // Statistical bounds are so wide that a uniform source misses one of them less than once in 10^14 runs.
 
 #include "simulator/kvx2800t_simulator.h"
-#include "simulator/random_source.h"
 
 #include "instrument/thrown.h"
 #include "support/operation_table.h"
@@ -539,12 +538,12 @@ TEST_F(Simulator, ADelayGroupCostsADrawThatNobodyGets)
     KVX2800TSimulator instrument;
     bool on = false;
     double seconds = 0.0;
-    const std::uint64_t before = TSRO::random::drawCount();
+    const std::uint64_t before = instrument.drawCount();
     instrument.delayGroup(1, on, seconds);
-    const std::uint64_t between = TSRO::random::drawCount();
+    const std::uint64_t between = instrument.drawCount();
     instrument.delayOnTime(seconds);
     EXPECT_EQ(between - before, 1U + 2U + 2U);
-    EXPECT_EQ(TSRO::random::drawCount() - between, 2U);
+    EXPECT_EQ(instrument.drawCount() - between, 2U);
 }
 
 TEST_F(Simulator, SimulatedSessionsOfEightThreadsWorkAtOnce)

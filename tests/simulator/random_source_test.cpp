@@ -16,14 +16,13 @@
 namespace
 {
 
-using namespace TSRO::random;
-
 constexpr int kDraws = 10000;
 
 TEST(UniformReal, LiesBetweenZeroAndOneWithoutOne)
 {
+    TSRO::RandomSource source;
     for (int i = 0; i < kDraws; ++i) {
-        const double value = uniformReal();
+        const double value = source.uniformReal();
         ASSERT_GE(value, 0.0);
         ASSERT_LT(value, 1.0);
     }
@@ -31,9 +30,10 @@ TEST(UniformReal, LiesBetweenZeroAndOneWithoutOne)
 
 TEST(UniformReal, FillsEveryTenthAlike)
 {
+    TSRO::RandomSource source;
     std::array<int, 10> counts{};
     for (int i = 0; i < kDraws; ++i)
-        ++counts[static_cast<std::size_t>(uniformReal() * 10.0)];
+        ++counts[static_cast<std::size_t>(source.uniformReal() * 10.0)];
     for (const int count : counts) {
         EXPECT_GT(count, 700);
         EXPECT_LT(count, 1300);
@@ -42,10 +42,11 @@ TEST(UniformReal, FillsEveryTenthAlike)
 
 TEST(UniformReal, HasMoreThanThirtyTwoBits)
 {
+    TSRO::RandomSource source;
     // A multiple of 2^-32 in every one of the draws would be a source of 32 bits.
     int finer = 0;
     for (int i = 0; i < kDraws; ++i) {
-        const double scaled = uniformReal() * 4294967296.0;
+        const double scaled = source.uniformReal() * 4294967296.0;
         finer += scaled != static_cast<double>(static_cast<std::uint64_t>(scaled)) ? 1 : 0;
     }
     EXPECT_GT(finer, kDraws / 2);
@@ -53,9 +54,10 @@ TEST(UniformReal, HasMoreThanThirtyTwoBits)
 
 TEST(UniformRealBetween, LiesBetweenItsEndsAndReachesBothOuterTenths)
 {
+    TSRO::RandomSource source;
     std::array<int, 10> counts{};
     for (int i = 0; i < kDraws; ++i) {
-        const double value = uniformReal(-2.0, 3.0);
+        const double value = source.uniformReal(-2.0, 3.0);
         ASSERT_GE(value, -2.0);
         ASSERT_LE(value, 3.0);
         ++counts[std::min<std::size_t>(9, static_cast<std::size_t>((value + 2.0) * 2.0))];
@@ -68,7 +70,8 @@ TEST(UniformRealBetween, LiesBetweenItsEndsAndReachesBothOuterTenths)
 
 TEST(UniformRealBetween, IsTheEndWhenBothEndsAreEqual)
 {
-    EXPECT_EQ(uniformReal(5.0, 5.0), 5.0);
+    TSRO::RandomSource source;
+    EXPECT_EQ(source.uniformReal(5.0, 5.0), 5.0);
 }
 
 class UniformInteger : public testing::TestWithParam<std::uint32_t>
@@ -77,10 +80,11 @@ class UniformInteger : public testing::TestWithParam<std::uint32_t>
 
 TEST_P(UniformInteger, ReachesEveryNumberBelowTheCountAlikeOften)
 {
+    TSRO::RandomSource source;
     const std::uint32_t count = GetParam();
     std::vector<int> counts(count);
     for (int i = 0; i < kDraws; ++i) {
-        const std::uint32_t value = uniformInteger(count);
+        const std::uint32_t value = source.uniformInteger(count);
         ASSERT_LT(value, count);
         ++counts[value];
     }
@@ -96,11 +100,12 @@ INSTANTIATE_TEST_SUITE_P(Counts, UniformInteger, testing::Values(1U, 2U, 3U, 4U,
 
 TEST(LargeUniformInteger, IsRejectedWhereItWouldBeMoreLikelyThanOthers)
 {
+    TSRO::RandomSource source;
     // With 3 * 2^30 numbers a plain high word of the product would favour every third one by two to one.
     constexpr std::uint32_t kCount = 3U << 30U;
     std::array<int, 3> counts{};
     for (int i = 0; i < kDraws; ++i) {
-        const std::uint32_t value = uniformInteger(kCount);
+        const std::uint32_t value = source.uniformInteger(kCount);
         ASSERT_LT(value, kCount);
         ++counts[value % 3];
     }
@@ -112,9 +117,10 @@ TEST(LargeUniformInteger, IsRejectedWhereItWouldBeMoreLikelyThanOthers)
 
 TEST(Boolean, IsTrueAndFalseAlikeOften)
 {
+    TSRO::RandomSource source;
     int trues = 0;
     for (int i = 0; i < kDraws; ++i)
-        trues += boolean() ? 1 : 0;
+        trues += source.boolean() ? 1 : 0;
     EXPECT_GT(trues, 4500);
     EXPECT_LT(trues, 5500);
 }
@@ -128,10 +134,11 @@ TEST(RandomSource, GivesThreadsDifferentDraws)
     threads.reserve(kThreads);
     for (auto& own : draws)
         threads.emplace_back([&own] {
+            TSRO::RandomSource source;
             for (std::size_t i = 0; i < kDrawsOfAThread; ++i) {
-                own.push_back(uniformReal());
-                static_cast<void>(uniformInteger(6));
-                static_cast<void>(boolean());
+                own.push_back(source.uniformReal());
+                static_cast<void>(source.uniformInteger(6));
+                static_cast<void>(source.boolean());
             }
         });
     for (std::thread& thread : threads)

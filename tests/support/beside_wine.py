@@ -48,7 +48,8 @@ class Companion(socketserver.StreamRequestHandler):
                 pass
             finally:
                 self.process.kill()
-                self.process.communicate()
+                self.process.wait()
+                self.process.stdout.close()
 
     def answer(self, text):
         self.wfile.write(text.encode() + b"\n")

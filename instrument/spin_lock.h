@@ -1,0 +1,30 @@
+#pragma once
+
+#include <atomic>
+#include <thread>
+
+namespace TSRO
+{
+
+/// A lock for a few instructions, to be used by std::lock_guard. It owns nothing, so that it may be a
+/// constant-initialised global, and nothing is left behind when the library is unloaded; a mutex of the host's thread
+/// library may leave memory and handles.
+class SpinLock
+{
+public:
+    constexpr SpinLock() = default;
+    SpinLock(const SpinLock&) = delete;
+    SpinLock& operator=(const SpinLock&) = delete;
+
+    void lock()
+    {
+        while (isTaken_.test_and_set(std::memory_order_acquire))
+            std::this_thread::yield();
+    }
+    void unlock() { isTaken_.clear(std::memory_order_release); }
+
+private:
+    std::atomic_flag isTaken_;
+};
+
+} // namespace TSRO
