@@ -17,6 +17,7 @@ each request when it is done:
 import fcntl
 import os
 import pty
+import select
 import signal
 import socketserver
 import sys
@@ -79,13 +80,25 @@ class Peer(socketserver.StreamRequestHandler):
         self.wfile.write(b"ok\n")
 
 
+class End:
+    """The end of the standard input, or SIGTERM, which could come just before a plain read that then waits for ever."""
+
+    def __init__(self):
+        self.woken, waker = os.pipe2(os.O_NONBLOCK | os.O_CLOEXEC)
+        signal.set_wakeup_fd(waker)
+        signal.signal(signal.SIGTERM, lambda *arguments: None)
+
+    def wait(self):
+        select.select([sys.stdin, self.woken], [], [])
+
+
 def main():
-    signal.signal(signal.SIGTERM, lambda *arguments: sys.exit())
+    end = End()
     prefix, *devices = sys.argv[1:]
     if devices:
         with Port(prefix, devices[0]) as number:
             print(number, flush=True)
-            sys.stdin.read()
+            end.wait()
         return
     master, slave = pty.openpty()
     tty.setraw(slave)
@@ -95,7 +108,7 @@ def main():
     threading.Thread(target=server.handle_request, daemon=True).start()
     with Port(prefix, device) as number:
         print(number, server.server_address[1], flush=True)
-        sys.stdin.read()
+        end.wait()
 
 
 if __name__ == "__main__":

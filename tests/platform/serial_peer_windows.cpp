@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <sstream>
 #include <stdexcept>
+#include <system_error>
 
 namespace kvxtest
 {
@@ -41,8 +42,12 @@ struct SerialPeer::Line
     /// Lets the script take the port's name back.
     ~Line()
     {
-        process.terminate();
-        process.wait();
+        try {
+            process.terminate();
+            process.wait();
+        } catch (const std::system_error&) {
+            // Whoever started the script has gone, and takes it along.
+        }
         if (!variable.empty())
             SetEnvironmentVariableA(variable.c_str(), nullptr);
     }
