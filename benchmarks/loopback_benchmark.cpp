@@ -125,23 +125,26 @@ double median(std::vector<double> values)
 /// something else took the processor during one of the two.
 void setAndQueryOverLoopback(benchmark::State& state)
 {
-    constexpr int kExchanges = 100;
+    constexpr int kExchanges = 20;
     HandWrittenClient handWritten;
     DriverClient driver;
     double handWrittenSeconds = 0.0;
     double driverSeconds = 0.0;
     std::vector<double> ratios;
+    std::vector<double> added;
     for (auto _ : state) {
         const double others = secondsFor(handWritten, kExchanges);
         const double own = secondsFor(driver, kExchanges);
         handWrittenSeconds += others;
         driverSeconds += own;
         ratios.push_back(others / own);
+        added.push_back((own - others) / kExchanges);
         state.SetIterationTime(own);
     }
     const double exchanges = static_cast<double>(state.iterations()) * kExchanges;
     state.counters["driver_per_s"] = exchanges / driverSeconds;
     state.counters["hand_written_per_s"] = exchanges / handWrittenSeconds;
+    state.counters["added_s"] = median(added);
     state.counters["ratio"] = median(ratios);
 }
 BENCHMARK(setAndQueryOverLoopback)->UseManualTime()->MinTime(3.0);
