@@ -34,7 +34,7 @@ CONTENTS = {"windows-x64": COMMON | X64, "windows-x86": COMMON | X86, "windows":
 
 def main():
     packages = sorted(pathlib.Path(sys.argv[1]).glob("*.zip"))
-    if [package.stem.split("-", 2)[2] for package in packages] != sorted(CONTENTS):
+    if {package.stem.split("-", 2)[2] for package in packages} != set(CONTENTS):
         sys.exit(f"other packages than expected: {packages}")
     for package in packages:
         entries = {entry.filename: entry for entry in zipfile.ZipFile(package).infolist() if not entry.is_dir()}
