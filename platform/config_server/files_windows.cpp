@@ -17,7 +17,7 @@ bool readInto(HANDLE file, char* place, std::size_t count)
     constexpr std::size_t kMost = std::size_t{1} << 30;
     while (count > 0) {
         DWORD read = 0;
-        const DWORD part = static_cast<DWORD>(std::min(count, kMost));
+        const auto part = static_cast<DWORD>(std::min(count, kMost));
         if (ReadFile(file, place, part, &read, nullptr) == 0 || read == 0)
             return false;
         place += read;

@@ -61,7 +61,7 @@ std::wstring systemPath(std::string_view utf8)
     // A terminator inside would cut the path short.
     if (!wide || wide->empty() || wide->find(L'\0') != std::wstring::npos)
         return {};
-    const std::wstring full = fullPath(*wide);
+    std::wstring full = fullPath(*wide);
     const bool isPlain = full.starts_with(LR"(\\?\)") || full.starts_with(LR"(\\.\)");
     if (full.size() > kLongestPath)
         return {};

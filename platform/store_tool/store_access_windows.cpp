@@ -309,7 +309,7 @@ public:
         while (!text.empty()) {
             constexpr std::size_t kMost = std::size_t{1} << 20;
             DWORD count = 0;
-            const DWORD part = static_cast<DWORD>(std::min(text.size(), kMost));
+            const auto part = static_cast<DWORD>(std::min(text.size(), kMost));
             if (WriteFile(file_.get(), text.data(), part, &count, nullptr) == 0)
                 failToWrite(GetLastError());
             text.remove_prefix(count);
