@@ -125,7 +125,7 @@ double median(std::vector<double> values)
 /// something else took the processor during one of the two.
 void setAndQueryOverLoopback(benchmark::State& state)
 {
-    constexpr int kExchanges = 20;
+    constexpr int kExchanges = 100;
     HandWrittenClient handWritten;
     DriverClient driver;
     double handWrittenSeconds = 0.0;
