@@ -7,10 +7,13 @@
 namespace TSRO
 {
 
+/// The bytes that processors pass to each other at once.
+inline constexpr std::size_t kCacheLine = 64;
+
 /// Draws from the one generator of the process, a 32-bit Mersenne Twister that is seeded once from the system's random
 /// device. No two sources get the same draw. A source is used by one thread at a time; those of several threads do not
-/// wait for each other but when they fetch draws, many at once.
-class RandomSource
+/// wait for each other but when they fetch draws, many at once, and share no cache line.
+class alignas(kCacheLine) RandomSource
 {
 public:
     /// Uniform in [0, 1), with 53 bits.
@@ -32,7 +35,7 @@ public:
     std::uint64_t drawCount() const { return used_; }
 
 private:
-    static constexpr std::size_t kFetched = 256;
+    static constexpr std::size_t kFetched = 1024;
 
     std::uint32_t draw();
     std::uint64_t drawTwo();
