@@ -31,7 +31,7 @@ check_format() {
 
 check_tidy() {
     step "Checking with clang-tidy"
-    sources | grep '\.cpp$' | grep -v -e '^fuzz/' -e '^benchmarks/' -e windows | xargs -P "$(nproc)" -n 4 clang-tidy --quiet --extra-arg=-Wno-unknown-warning-option -p build/release 2>/dev/null
+    sources | grep '\.cpp$' | grep -v -e '^fuzz/' -e '^benchmarks/' -e windows -e mingw | xargs -P "$(nproc)" -n 4 clang-tidy --quiet --extra-arg=-Wno-unknown-warning-option -p build/release 2>/dev/null
 }
 
 check_manual() {

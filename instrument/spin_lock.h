@@ -15,6 +15,7 @@ public:
     constexpr SpinLock() = default;
     SpinLock(const SpinLock&) = delete;
     SpinLock& operator=(const SpinLock&) = delete;
+    ~SpinLock() = default;
 
     void lock()
     {

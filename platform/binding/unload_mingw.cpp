@@ -1,5 +1,5 @@
-/// MinGW's C++ library is linked into the driver, and keeps memory for exceptions that are thrown when there is no other.
-/// A program that loads and unloads the driver again and again would lose that memory each time.
+/// MinGW's C++ library is linked into the driver, and keeps memory for exceptions that are thrown when there is no
+/// other. A program that loads and unloads the driver again and again would lose that memory each time.
 
 namespace __gnu_cxx // NOLINT(bugprone-reserved-identifier, cert-dcl37-c, cert-dcl51-cpp): the library's own
 {
