@@ -1,6 +1,7 @@
 #include "driver_end_to_end.h"
+#include "serial_device.h"
 
-#include <cstdlib>
+#include "support/environment.h"
 
 namespace kvxtest
 {
@@ -10,7 +11,7 @@ namespace
 class Serial : public DriverEndToEnd
 {
 protected:
-    Serial() : DriverEndToEnd({"--serial"}) {}
+    Serial() : DriverEndToEnd({"--serial"}), device(instrument.serialPath()) {}
 
     /// Opens, works and closes over a resource, and expects what goes over the line.
     void expectSessionOver(std::string resource)
@@ -24,23 +25,24 @@ protected:
         vi = VI_NULL;
         EXPECT_EQ(newLines(), (Lines{"*IDN?", ":SOUR4:VOLT 3.250000", ":SOUR4:VOLT?"}));
     }
+
+    const SerialDevice device;
 };
 
-TEST_F(Serial, SessionOverADeviceNamedInTheResource)
+TEST_F(Serial, SessionOverTheLineOfTheResource)
 {
-    expectSessionOver("ASRL" + instrument.serialPath() + "::INSTR");
+    expectSessionOver(device.resource());
 }
 
-TEST_F(Serial, SessionOverANumberedLine)
+TEST_F(Serial, SessionOverALineThatAVariableNames)
 {
-    ASSERT_EQ(setenv("VISA_ASRL7", instrument.serialPath().c_str(), 1), 0);
+    const EnvironmentVariable variable("VISA_ASRL7", device.name().c_str());
     expectSessionOver("asrl7::INSTR");
-    unsetenv("VISA_ASRL7");
 }
 
 TEST_F(Serial, ReplyThatNeverComesIsAnIoError)
 {
-    std::string resource = "ASRL" + instrument.serialPath() + "::INSTR";
+    std::string resource = device.resource();
     ASSERT_EQ(KVX2800T_init(resource.data(), VI_FALSE, VI_FALSE, &vi), VI_SUCCESS);
     instrument.control("swallow 1");
     ViReal64 volts = -1.0;
