@@ -26,6 +26,7 @@ sources() { git ls-files '*.h' '*.hpp' '*.c' '*.cpp'; }
 
 check_format() {
     step "Checking the format"
+    [ -n "$(sources)" ] || fail "git lists no sources"
     sources | xargs clang-format --dry-run --Werror
 }
 
@@ -44,6 +45,8 @@ check_manual() {
 test_windows() {
     WINEPREFIX=$(mktemp -d)
     export WINEPREFIX
+    trap 'exit 130' INT
+    trap 'exit 143' TERM
     trap 'wineserver --kill >/dev/null 2>&1 || true; rm -rf "$WINEPREFIX"' EXIT
     run_tests windows-x64
     # Of the 32-bit build the files are checked; its programs run where there is a 32-bit Wine.

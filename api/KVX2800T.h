@@ -81,13 +81,13 @@ extern "C" {
 /** The attribute ID is unknown. */
 #define IVI_ERROR_INVALID_ATTRIBUTE ((ViStatus)0xBFFA000CUL)
 #endif
-#ifndef IVI_ERROR_ATTR_NOT_WRITEABLE
+#ifndef IVI_ERROR_IVI_ATTR_NOT_WRITABLE
 /** The attribute is read-only. */
-#define IVI_ERROR_ATTR_NOT_WRITEABLE ((ViStatus)0xBFFA000DUL)
+#define IVI_ERROR_IVI_ATTR_NOT_WRITABLE ((ViStatus)0xBFFA000DUL)
 #endif
-#ifndef IVI_ERROR_ATTR_NOT_READABLE
+#ifndef IVI_ERROR_IVI_ATTR_NOT_READABLE
 /** The attribute is write-only. */
-#define IVI_ERROR_ATTR_NOT_READABLE ((ViStatus)0xBFFA000EUL)
+#define IVI_ERROR_IVI_ATTR_NOT_READABLE ((ViStatus)0xBFFA000EUL)
 #endif
 #ifndef IVI_ERROR_INVALID_VALUE
 /** A parameter has an invalid value. */
@@ -236,9 +236,9 @@ extern "C" {
 /** A selector names something unknown. */
 #define IVI_ERROR_UNKNOWN_NAME_IN_SELECTOR ((ViStatus)0xBFFA0065UL)
 #endif
-#ifndef IVIDCPWR_ERROR_TRIGGER_NOT_SOFTWARE
+#ifndef IVI_ERROR_TRIGGER_NOT_SOFTWARE
 /** The trigger source is not the software trigger. */
-#define IVIDCPWR_ERROR_TRIGGER_NOT_SOFTWARE ((ViStatus)0xBFFA1001UL)
+#define IVI_ERROR_TRIGGER_NOT_SOFTWARE ((ViStatus)0xBFFA1001UL)
 #endif
 #ifndef IVI_WARN_NSUP_ID_QUERY
 /** The instrument cannot be identified. */

@@ -6,7 +6,7 @@
 namespace TSRO
 {
 
-/// A lock for a few instructions, to be used by std::lock_guard. It owns nothing, so that it may be a
+/// A lock for work that never waits, to be used by std::lock_guard. It owns nothing, so that it may be a
 /// constant-initialised global, and nothing is left behind when the library is unloaded; a mutex of the host's thread
 /// library may leave memory and handles.
 class SpinLock

@@ -16,6 +16,11 @@ inline constexpr std::size_t kCacheLine = 64;
 class alignas(kCacheLine) RandomSource
 {
 public:
+    RandomSource() = default;
+    RandomSource(const RandomSource&) = delete;
+    RandomSource& operator=(const RandomSource&) = delete;
+    ~RandomSource() = default;
+
     /// Uniform in [0, 1), with 53 bits.
     double uniformReal();
 

@@ -3,7 +3,7 @@
 #   IMPORTS         to be written: the same with the names that callers use, which __stdcall decorates on x86
 #   LIBRARY         the DLL, with its symbol table
 #   IMPORT_LIBRARY  to be written, in the format of GNU's linker
-#   MSC_LIBRARY     to be written in that of Microsoft's, for MACHINE, if there is an LLVM_DLLTOOL
+#   MSC_LIBRARY     to be written in that of Microsoft's, for MACHINE
 execute_process(COMMAND ${NM} --defined-only ${LIBRARY} OUTPUT_VARIABLE symbols COMMAND_ERROR_IS_FATAL ANY)
 file(STRINGS ${EXPORTS} lines)
 set(definitions "")
@@ -20,6 +20,4 @@ foreach(line IN LISTS lines)
 endforeach()
 file(WRITE ${IMPORTS} "${definitions}")
 execute_process(COMMAND ${DLLTOOL} --kill-at --input-def ${IMPORTS} --output-lib ${IMPORT_LIBRARY} COMMAND_ERROR_IS_FATAL ANY)
-if(LLVM_DLLTOOL)
-    execute_process(COMMAND ${LLVM_DLLTOOL} -m ${MACHINE} -k -d ${IMPORTS} -l ${MSC_LIBRARY} COMMAND_ERROR_IS_FATAL ANY)
-endif()
+execute_process(COMMAND ${LLVM_DLLTOOL} -m ${MACHINE} -k -d ${IMPORTS} -l ${MSC_LIBRARY} COMMAND_ERROR_IS_FATAL ANY)

@@ -1,5 +1,5 @@
 # Shared libraries on Windows.
-find_program(KVX_LLVM_DLLTOOL llvm-dlltool)
+find_program(KVX_LLVM_DLLTOOL llvm-dlltool REQUIRED)
 if(CMAKE_SIZEOF_VOID_P EQUAL 4)
     set(KVX_MACHINE i386)
 else()
@@ -23,13 +23,14 @@ function(kvx_export_only target file)
     if(CMAKE_SIZEOF_VOID_P EQUAL 4)
         target_link_options(${target} PRIVATE LINKER:--enable-stdcall-fixup)
     endif()
-    set(folder $<TARGET_LINKER_FILE_DIR:${target}>)
+    set(imports ${CMAKE_ARCHIVE_OUTPUT_DIRECTORY}/${target})
     add_custom_command(TARGET ${target} POST_BUILD VERBATIM
+        BYPRODUCTS ${imports}.def ${imports}.lib
         COMMAND ${CMAKE_COMMAND} -D NM=${CMAKE_NM} -D DLLTOOL=${CMAKE_DLLTOOL} -D LIBRARY=$<TARGET_FILE:${target}>
-                -D EXPORTS=${definitions} -D IMPORTS=${folder}/${target}.def
+                -D EXPORTS=${definitions} -D IMPORTS=${imports}.def
                 -D IMPORT_LIBRARY=$<TARGET_LINKER_FILE:${target}>
-                -D LLVM_DLLTOOL=$<$<BOOL:${KVX_LLVM_DLLTOOL}>:${KVX_LLVM_DLLTOOL}> -D MACHINE=${KVX_MACHINE}
-                -D MSC_LIBRARY=${folder}/${target}.lib
+                -D LLVM_DLLTOOL=${KVX_LLVM_DLLTOOL} -D MACHINE=${KVX_MACHINE}
+                -D MSC_LIBRARY=${imports}.lib
                 -P ${PROJECT_SOURCE_DIR}/cmake/host/import_library.cmake)
 endfunction()
 

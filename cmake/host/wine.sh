@@ -6,11 +6,14 @@
 export WINEPREFIX
 export WINEDEBUG="${WINEDEBUG--all}"
 export WINEDLLOVERRIDES="mscoree,mshtml=;winemenubuilder.exe=d"
+# File names of any script.
+export LC_ALL=C.UTF-8
 unset DISPLAY WAYLAND_DISPLAY
 
 # The first program makes the prefix; others wait for it.
-if [ ! -e "$WINEPREFIX/system.reg" ]; then
+if [ ! -e "$WINEPREFIX/.made" ]; then
     mkdir -p "$WINEPREFIX"
-    flock "$WINEPREFIX/.making" sh -c '[ -e "$WINEPREFIX/system.reg" ] || { wineboot --init && wineserver --wait; }' >/dev/null 2>&1
+    flock "$WINEPREFIX/.making" \
+        sh -c '[ -e "$WINEPREFIX/.made" ] || { wineboot --init && wineserver --wait && touch "$WINEPREFIX/.made"; }' >/dev/null 2>&1
 fi
 exec wine "$@"

@@ -6,7 +6,7 @@ import sys
 import zipfile
 
 OWN = "Drivers/KVX2800T/"
-EXAMPLES = {path.name for path in pathlib.Path("examples").iterdir()} - {"CMakeLists.txt"}
+EXAMPLES = {path.name for path in pathlib.Path("examples").iterdir() if path.is_file()} - {"CMakeLists.txt"}
 HEADERS = {path.name for path in pathlib.Path("platform/include").iterdir()}
 
 COMMON = (

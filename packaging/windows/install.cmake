@@ -6,7 +6,7 @@ else()
     set(width x86)
     set(libraries Lib)
 endif()
-set(import_libraries $<TARGET_LINKER_FILE_DIR:KVX2800T>)
+set(import_libraries ${CMAKE_ARCHIVE_OUTPUT_DIRECTORY})
 set(own_folder Drivers/KVX2800T)
 
 install(TARGETS KVX2800T RUNTIME DESTINATION Bin)
@@ -18,7 +18,8 @@ configure_file(windows/readme.txt.in ${CMAKE_CURRENT_BINARY_DIR}/readme.txt @ONL
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/readme.txt DESTINATION ${own_folder})
 configure_file(${PROJECT_SOURCE_DIR}/LICENSE ${CMAKE_CURRENT_BINARY_DIR}/license.txt COPYONLY)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/license.txt DESTINATION ${own_folder})
-install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples/ DESTINATION ${own_folder}/Examples PATTERN CMakeLists.txt EXCLUDE)
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples/ DESTINATION ${own_folder}/Examples 
+    PATTERN CMakeLists.txt EXCLUDE PATTERN __pycache__ EXCLUDE)
 
 # For a machine without the IVI components or VISA.
 if(NOT KVX_VENDOR_PLATFORM)

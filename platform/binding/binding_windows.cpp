@@ -70,13 +70,20 @@ public:
     }
 
 private:
+    /// What a library in a folder of ours needs may be there, too.
+    static HMODULE load(const std::wstring& folder, const wchar_t* name)
+    {
+        return folder.empty() ? LoadLibraryW(name)
+                              : LoadLibraryExW((folder + name).c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);
+    }
+
     HMODULE load() const
     {
         const QuietErrors quiet;
         for (const std::wstring& folder : {std::wstring(), ownFolder()})
             for (const wchar_t* const name : names_)
                 if (name != nullptr)
-                    if (HMODULE const module = LoadLibraryW((folder + name).c_str()); module != nullptr)
+                    if (HMODULE const module = load(folder, name); module != nullptr)
                         return module;
         return nullptr;
     }

@@ -18,7 +18,7 @@
 #include <vector>
 
 // What is peculiar to the driver as a DLL: loading and unloading, the search for the platform's libraries, the version
-// resource. The folder of this program has the driver and none of the platform's libraries.
+// resource. The folder of this program has none of the platform's libraries.
 
 namespace kvxtest
 {
@@ -70,6 +70,7 @@ TEST(DriverDll, LooksForThePlatformsLibrariesBesideItselfAndOnEachCallThatNeedsT
     ViSession vi = 4711;
 
     EXPECT_EQ(init(resource.data(), VI_FALSE, VI_FALSE, "Simulate=1", &vi), kLibraryMissing);
+    EXPECT_EQ(vi, ViSession{VI_NULL});
     EXPECT_EQ(close(vi), status(0xBFFA1190));
     EXPECT_EQ(getError(VI_NULL, nullptr, 0, nullptr), kLibraryMissing);
 
@@ -113,7 +114,7 @@ TEST(DriverDll, LoadingItAHundredTimesLeavesNothingBehind)
 
 TEST(DriverDll, SimulatingWithItLeavesNothingBehindEither)
 {
-    const DriverFolder folder(L"without VISA");
+    const DriverFolder folder(L"simulating");
     folder.add(KVX_SESSION_SERVICE);
     folder.add(KVX_CONFIG_SERVER);
     const auto simulateMany = [&folder](int count) {

@@ -91,7 +91,7 @@ TEST_F(LoadedAttributes, EachIsReadAndSetByTheFunctionsOfItsTypeOnly)
             if (function.takes(row))
                 EXPECT_EQ(returned, VI_SUCCESS);
             else if (row.type == function.type)
-                expectRefused(returned, IVI_ERROR_ATTR_NOT_WRITEABLE,
+                expectRefused(returned, IVI_ERROR_IVI_ATTR_NOT_WRITABLE,
                               "Attribute '" + row.constant() + "' is read-only.");
             else
                 expectRefused(returned, IVI_ERROR_TYPES_DO_NOT_MATCH,

@@ -7,13 +7,13 @@ target_link_libraries(platform_fakes_shared PUBLIC platform_headers PRIVATE kvx_
 set_target_properties(platform_fakes_shared PROPERTIES
     PREFIX "" RUNTIME_OUTPUT_DIRECTORY ${fakes_folder})
 # Everything of its own, and nothing of the compiler's libraries.
-target_link_options(platform_fakes_shared PRIVATE 
+target_link_options(platform_fakes_shared PRIVATE
     LINKER:--export-all-symbols,--exclude-libs,ALL $<$<EQUAL:${CMAKE_SIZEOF_VOID_P},4>:LINKER:--add-stdcall-alias>)
 
 file(WRITE ${CMAKE_CURRENT_BINARY_DIR}/no_code.c "typedef int NoCode;\n")
 function(add_fake_library target folder)
     file(STRINGS ${PROJECT_SOURCE_DIR}/platform/${folder}/exports.txt functions)
-    list(TRANSFORM functions REPLACE "^([A-Za-z_]+).*" "    \\1 = platform_fakes_shared.\\1")
+    list(TRANSFORM functions REPLACE "^([A-Za-z0-9_]+).*" "    \\1 = platform_fakes_shared.\\1")
     list(JOIN functions "\n" functions)
     set(definitions ${CMAKE_CURRENT_BINARY_DIR}/${target}.def)
     file(CONFIGURE OUTPUT ${definitions} CONTENT "EXPORTS\n@functions@\n" @ONLY)
