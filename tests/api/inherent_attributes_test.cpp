@@ -150,6 +150,21 @@ TEST_F(InherentAttributes, AnEntryOfTheStoreGivesNameAndDescriptor)
     EXPECT_EQ(text(KVX2800T_ATTR_DRIVER_SETUP), "Model:KVX2833T");
 }
 
+TEST_F(InherentAttributes, AnEntryOfTheStoreMayHaveRangesAndSettingsOfEveryType)
+{
+    StoredDriverSession& bench = configurationStore().furtherSessions.emplace_back();
+    bench.name = "BenchSupply";
+    bench.ioResourceDescriptor = "ASRL2::INSTR";
+    bench.virtualNames = {{"Rail", "OutputChannel", {{11, 14, 1}}}};
+    bench.settings() = {integerComponent("Integer", 1), realComponent("Real", 1.5), booleanComponent("Switch", VI_TRUE),
+                        stringComponent("Model", "KVX2833T")};
+    openOn("BenchSupply");
+    ViReal64 volts = 0.0;
+    answer(":SOUR3:VOLT?", "1.5");
+    EXPECT_EQ(KVX2800T_GetAttributeViReal64(vi, "Rail13", KVX2800T_ATTR_VOLTAGE_LEVEL, &volts), VI_SUCCESS);
+    EXPECT_EQ(volts, 1.5);
+}
+
 TEST_F(InherentAttributes, ALogicalNameIsToldAsItWasGiven)
 {
     StoredDriverSession& bench = configurationStore().furtherSessions.emplace_back();
