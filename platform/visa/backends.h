@@ -1,9 +1,8 @@
 #pragma once
 
+#include "network.h"
 #include "resource_name.h"
 #include "stream.h"
-
-#include <asio/io_context.hpp>
 
 #include <memory>
 

@@ -64,6 +64,7 @@ bool makeRaw(HANDLE port) noexcept
 {
     constexpr char kXon = 0x11;
     constexpr char kXoff = 0x13;
+    constexpr BYTE kDataBits = 8;
     DCB line{};
     if (!getLine(port, line))
         return false;
@@ -76,6 +77,12 @@ bool makeRaw(HANDLE port) noexcept
     line.fTXContinueOnXoff = 1;
     line.XonChar = kXon;
     line.XoffChar = kXoff;
+    // All at once: of what the last user has left, some cannot be changed one by one (8 data bits with 1.5 stop bits).
+    line.BaudRate = CBR_9600;
+    line.ByteSize = kDataBits;
+    setParity(line, VI_ASRL_PAR_NONE);
+    setStopBits(line, VI_ASRL_STOP_ONE);
+    setFlowControl(line, VI_ASRL_FLOW_NONE);
     COMMTIMEOUTS unlimited{};
     return SetCommState(port, &line) != 0 && SetCommTimeouts(port, &unlimited) != 0;
 }

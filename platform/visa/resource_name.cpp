@@ -1,6 +1,6 @@
 #include "resource_name.h"
 
-#include <asio/ip/address_v6.hpp>
+#include "network.h"
 
 #include <algorithm>
 #include <array>

@@ -1,8 +1,7 @@
 #pragma once
 
 #include "deadline.h"
-
-#include <asio/ip/tcp.hpp>
+#include "network.h"
 
 #include <optional>
 

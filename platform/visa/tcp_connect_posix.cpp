@@ -1,8 +1,6 @@
 #include "close_on_exec_posix.h"
 #include "tcp_connect.h"
 
-#include <asio/io_context.hpp>
-
 #include <limits>
 
 namespace visa

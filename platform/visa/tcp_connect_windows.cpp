@@ -33,25 +33,7 @@ asio::error_code openPrivately(tcp::socket& socket, const tcp& protocol)
     return error;
 }
 
-/// Waits for the end of a connection attempt. With select, because WSAPoll is not told of failed attempts before
-/// Windows 10 version 2004.
-/// @return false when the deadline passed
-bool waitForOutcome(SOCKET handle, const Deadline& deadline)
-{
-    constexpr int kLongestWaitMs = 1000000;
-    for (;;) {
-        const long waitMs = deadline.remainingMs(kLongestWaitMs);
-        fd_set connected{1, {handle}};
-        fd_set failed{1, {handle}};
-        timeval limit{waitMs / 1000, waitMs % 1000 * 1000};
-        if (select(0, nullptr, &connected, &failed, &limit) != 0)
-            return true;
-        if (deadline.remainingMs(1) == 0)
-            return false;
-    }
-}
-
-/// What became of the attempt.
+/// What became of an attempt that has ended.
 asio::error_code outcomeOf(SOCKET handle)
 {
     int number = 0;
@@ -59,6 +41,27 @@ asio::error_code outcomeOf(SOCKET handle)
     if (getsockopt(handle, SOL_SOCKET, SO_ERROR, reinterpret_cast<char*>(&number), &size) != 0)
         return lastError();
     return {number, asio::error::get_system_category()};
+}
+
+/// Waits for the end of a connection attempt. With select, because WSAPoll is not told of failed attempts before
+/// Windows 10 version 2004.
+/// @return nothing when the deadline passed
+std::optional<asio::error_code> awaitOutcome(SOCKET handle, const Deadline& deadline)
+{
+    constexpr int kLongestWaitMs = 1000000;
+    for (;;) {
+        const long waitMs = deadline.remainingMs(kLongestWaitMs);
+        fd_set connected{1, {handle}};
+        fd_set failed{1, {handle}};
+        timeval limit{waitMs / 1000, waitMs % 1000 * 1000};
+        const int ended = select(0, nullptr, &connected, &failed, &limit);
+        if (ended == SOCKET_ERROR)
+            return lastError();
+        if (ended > 0)
+            return outcomeOf(handle);
+        if (deadline.remainingMs(1) == 0)
+            return std::nullopt;
+    }
 }
 
 } // namespace
@@ -73,15 +76,10 @@ std::optional<asio::error_code> connectTo(tcp::socket& socket, const tcp::endpoi
     if (error)
         return error;
     const SOCKET handle = socket.native_handle();
-    if (::connect(handle, endpoint.data(), static_cast<int>(endpoint.size())) != 0) {
-        error = lastError();
-        if (error != asio::error::would_block)
-            return error;
-        if (!waitForOutcome(handle, deadline))
-            return std::nullopt;
-        error = outcomeOf(handle);
-    }
-    return error;
+    if (::connect(handle, endpoint.data(), static_cast<int>(endpoint.size())) == 0)
+        return asio::error_code();
+    error = lastError();
+    return error == asio::error::would_block ? awaitOutcome(handle, deadline) : error;
 }
 
 } // namespace visa

@@ -1,9 +1,8 @@
 #pragma once
 
+#include "network.h"
 #include "stream.h"
 #include "tcp_transfer.h"
-
-#include <asio/ip/tcp.hpp>
 
 #include <string>
 

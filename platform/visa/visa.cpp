@@ -3,6 +3,7 @@
 #include "host_error.h"
 #include "instrument_session.h"
 #include "manager_session.h"
+#include "network.h"
 #include "session_registry.h"
 #include "status_texts.h"
 
@@ -98,6 +99,8 @@ ViStatus _VI_FUNC viOpenDefaultRM(ViPSession sesn)
         const ViSession handle = registry().reserveHandle();
         if (handle == VI_NULL)
             return VI_ERROR_ALLOC;
+        // Every use of the network, the reading of addresses as well, comes through a manager.
+        visa::startNetwork();
         registry().add(handle, std::make_shared<ManagerSession>());
         *sesn = handle;
         return VI_SUCCESS;

@@ -143,6 +143,18 @@ INSTANTIATE_TEST_SUITE_P(Modes, VisaSerialEndOut,
                                                     "c"}),
                          [](const auto& instance) { return std::string(instance.param.name); });
 
+TEST_F(VisaSerial, BreakOnASlowLineStaysWithinTheUsualTimeout)
+{
+    constexpr ViUInt32 kUsualMs = 2000;
+    set(VI_ATTR_TMO_VALUE, kUsualMs);
+    set(VI_ATTR_ASRL_BAUD, 300);
+    set(VI_ATTR_ASRL_END_OUT, VI_ASRL_END_BREAK);
+    ViUInt32 written = 0;
+    EXPECT_EQ(write(session_, "abc", &written), VI_SUCCESS);
+    EXPECT_EQ(written, 3U);
+    EXPECT_EQ(peer_.receive(3), "abc");
+}
+
 TEST_F(VisaSerial, LastBitMarksTheLastOfManyBytes)
 {
     set(VI_ATTR_ASRL_END_OUT, VI_ASRL_END_LAST_BIT);
@@ -169,6 +181,17 @@ TEST_F(VisaSerial, ReadWithoutInputEndsWithATimeout)
     set(VI_ATTR_TMO_VALUE, kShortMs);
     EXPECT_EQ(read(session_, 100), (ReadResult{VI_ERROR_TMO, ""}));
     set(VI_ATTR_TMO_VALUE, VI_TMO_IMMEDIATE);
+    EXPECT_EQ(read(session_, 100), (ReadResult{VI_ERROR_TMO, ""}));
+}
+
+TEST_F(VisaSerial, ReadThatNeverWaitsTakesWhatHasArrived)
+{
+    peer_.send("one\ntwo\n");
+    while (attribute<ViUInt32>(session_, VI_ATTR_ASRL_AVAIL_NUM) < 8)
+        std::this_thread::yield();
+    set(VI_ATTR_TMO_VALUE, VI_TMO_IMMEDIATE);
+    EXPECT_EQ(read(session_, 100), (ReadResult{VI_SUCCESS, "one\n"}));
+    EXPECT_EQ(read(session_, 100), (ReadResult{VI_SUCCESS, "two\n"}));
     EXPECT_EQ(read(session_, 100), (ReadResult{VI_ERROR_TMO, ""}));
 }
 

@@ -11,7 +11,7 @@ namespace kvxvirtual
 
 std::vector<int> stopSignals()
 {
-    // The last is Ctrl-Break and the closing of the console.
+    // The last is Ctrl-Break. It tells of the closing of the console as well, after which Windows does not wait.
     return {SIGINT, SIGTERM, SIGBREAK};
 }
 

@@ -1,5 +1,6 @@
 #include "listening_socket.h"
 
+#include <cstddef>
 #include <system_error>
 #include <utility>
 
@@ -9,8 +10,38 @@ namespace kvxvirtual
 namespace
 {
 
-/// What Asio does not offer: no two programs at one port, which Windows allows unless it is told otherwise.
-using ExclusiveAddress = asio::detail::socket_option::boolean<SOL_SOCKET, SO_EXCLUSIVEADDRUSE>;
+/// An option that Asio does not offer, in the form that it takes: no two programs at one port, which Windows allows
+/// unless it is told otherwise.
+class ExclusiveAddress
+{
+public:
+    template <typename Protocol>
+    int level(const Protocol&) const
+    {
+        return SOL_SOCKET;
+    }
+
+    template <typename Protocol>
+    int name(const Protocol&) const
+    {
+        return SO_EXCLUSIVEADDRUSE;
+    }
+
+    template <typename Protocol>
+    const void* data(const Protocol&) const
+    {
+        return &value_;
+    }
+
+    template <typename Protocol>
+    std::size_t size(const Protocol&) const
+    {
+        return sizeof value_;
+    }
+
+private:
+    BOOL value_ = TRUE;
+};
 
 /// Set by the system when clients wait at a socket; unset by looking. Throws std::system_error.
 class ClientsEvent
@@ -65,7 +96,7 @@ struct ListeningSocket::Host
     static asio::ip::tcp::acceptor listenOn(asio::io_context& context, const Endpoint& endpoint)
     {
         asio::ip::tcp::acceptor acceptor(context, endpoint.protocol());
-        acceptor.set_option(ExclusiveAddress(true));
+        acceptor.set_option(ExclusiveAddress());
         acceptor.set_option(asio::socket_base::enable_connection_aborted(true));
         acceptor.bind(endpoint);
         acceptor.listen();
