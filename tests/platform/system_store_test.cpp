@@ -21,9 +21,9 @@ std::string processDefaultLocation()
     return {};
 }
 
-std::optional<std::string> masterLocation()
+MasterLocation masterLocation()
 {
-    return systemPlace;
+    return {systemPlace};
 }
 
 std::string systemLocation()
