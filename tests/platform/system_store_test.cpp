@@ -59,6 +59,11 @@ TEST_F(SystemStore, FileThatCannotBeLookedAtIsAnError)
     EXPECT_EQ(loadFrom(kvxtest::placeThatCannotBeLookedAt(folder_)), IVICONFIG_ERROR_DESERIALIZE_FAILED);
 }
 
+TEST_F(SystemStore, PathThatNoFileCanHaveIsAnError)
+{
+    EXPECT_EQ(loadFrom(std::string(100'000, 'x')), IVICONFIG_ERROR_DESERIALIZE_FAILED);
+}
+
 TEST_F(SystemStore, PlaceThatIsNoFileIsAnError)
 {
     EXPECT_EQ(loadFrom(kvxtest::toUtf8(folder_.path())), IVICONFIG_ERROR_DESERIALIZE_FAILED);
