@@ -2,8 +2,10 @@
 
 #include <windows.h>
 
+#include <cstddef>
 #include <memory>
 #include <string>
+#include <type_traits>
 
 namespace kvxtest
 {

@@ -4,6 +4,8 @@
 
 #include <windows.h>
 
+#include <cstddef>
+#include <filesystem>
 #include <string>
 
 namespace kvxtest
