@@ -38,6 +38,8 @@ constexpr std::array kMeanings{
     Meaning{IVICONFIG_ERROR_NOT_EXIST, "the collection has no such item"},
     Meaning{IVICONFIG_ERROR_INVALID_HANDLE, "the handle is not valid here"},
     Meaning{IVICONFIG_ERROR_INVALID_PROPERTY_ID, "the object has no such property of this type"},
+    Meaning{IVICONFIG_ERROR_MASTER_REGISTRY_CONFLICT,
+            "the registry names different master configuration stores for programs of 32 and 64 bits"},
     Meaning{IVI_ERROR_NULL_POINTER, "a pointer is null"},
     Meaning{IVI_ERROR_OUT_OF_MEMORY, "there is not enough memory"},
 };

@@ -30,14 +30,15 @@ bool readInto(HANDLE file, char* place, std::size_t count)
 
 bool isFile(const std::string& path)
 {
-    // Devices have no attributes, so they are never opened.
+    // Most devices have no attributes and so are never opened; readFile() refuses the others, such as a pipe in use.
     const DWORD attributes = GetFileAttributesW(systemPath(path).c_str());
     return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
 }
 
 bool isMissing(const std::string& path)
 {
-    if (GetFileAttributesW(systemPath(path).c_str()) != INVALID_FILE_ATTRIBUTES)
+    const std::wstring place = systemPath(path);
+    if (place.empty() || GetFileAttributesW(place.c_str()) != INVALID_FILE_ATTRIBUTES)
         return false;
     const DWORD error = GetLastError();
     return error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND;

@@ -11,6 +11,8 @@ namespace config_server
 namespace
 {
 
+constexpr auto kMasterVariable = "IVI_MASTER_STORE";
+
 /// The variable's value; empty when it is not set.
 std::string environment(const char* name)
 {
@@ -37,25 +39,25 @@ std::string processDefaultLocation()
     return environment("IVICONFIGSERVERDEFAULT");
 }
 
-std::optional<std::string> masterLocation()
+MasterLocation masterLocation()
 {
-    std::string registered = environment("IVI_MASTER_STORE");
+    std::string registered = environment(kMasterVariable);
+    if (!registered.empty() && !isFile(registered))
+        return {{}, IVICONFIG_ERROR_MASTER_NOT_FOUND, kMasterVariable};
     if (!registered.empty())
-        return isFile(registered) ? std::optional(std::move(registered)) : std::nullopt;
+        return {std::move(registered), VI_SUCCESS, kMasterVariable};
     std::string user = userLocation();
-    if (isFile(user))
-        return user;
-    return systemLocation();
+    return {isFile(user) ? std::move(user) : systemLocation()};
 }
 
-std::string locationForNewStore()
+MasterLocation locationForNewStore()
 {
-    std::string registered = environment("IVI_MASTER_STORE");
+    std::string registered = environment(kMasterVariable);
     if (!registered.empty())
-        return registered;
-    const std::string user = userLocation();
+        return {std::move(registered), VI_SUCCESS, kMasterVariable};
+    std::string user = userLocation();
     const bool isForSystem = user.empty() || (!isFile(user) && isFile(systemLocation()));
-    return isForSystem ? systemLocation() : user;
+    return {isForSystem ? systemLocation() : std::move(user)};
 }
 
 std::string systemLocation()

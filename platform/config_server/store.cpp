@@ -6,6 +6,8 @@
 #include "properties.h"
 #include "store_file.h"
 
+#include <utility>
+
 namespace config_server
 {
 
@@ -86,9 +88,9 @@ Document Store::driverSession(std::string_view name) const
 ViStatus Store::text(ViInt32 propertyId, std::string& value) const
 {
     if (propertyId == IVICONFIG_VAL_CONFIG_STORE_MASTER_LOCATION) {
-        const auto location = masterLocation();
-        value = location.value_or("");
-        return location ? VI_SUCCESS : IVICONFIG_ERROR_MASTER_NOT_FOUND;
+        MasterLocation location = masterLocation();
+        value = std::move(location.path);
+        return location.status;
     }
     if (propertyId == IVICONFIG_VAL_CONFIG_STORE_PROC_DEFAULT_LOCATION) {
         value = processDefaultLocation();

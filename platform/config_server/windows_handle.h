@@ -28,11 +28,12 @@ struct Opening
     DWORD flags;
 };
 
-/// Null on a failure, which GetLastError tells.
+/// Null on a failure, which GetLastError tells. Should it be a pipe, its other end learns who opens it but cannot act
+/// in that name.
 inline Handle open(const std::wstring& path, const Opening& opening)
 {
     const HANDLE handle = CreateFileW(path.c_str(), opening.access, opening.sharing, nullptr, opening.disposition,
-                                      opening.flags, nullptr);
+                                      opening.flags | SECURITY_SQOS_PRESENT | SECURITY_IDENTIFICATION, nullptr);
     return Handle(handle == INVALID_HANDLE_VALUE ? nullptr : handle);
 }
 

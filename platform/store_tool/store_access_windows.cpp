@@ -10,7 +10,10 @@
 #include <algorithm>
 #include <array>
 #include <chrono>
+#include <cstddef>
+#include <cstring>
 #include <memory>
+#include <new>
 #include <random>
 #include <string_view>
 #include <system_error>
@@ -169,8 +172,11 @@ std::optional<FileContent> readIfThere(const std::string& path)
 std::string targetOf(const std::string& path)
 {
     const Handle file = open(systemPath(path), {0, kShareAll, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS});
-    if (file == nullptr)
+    const DWORD error = file == nullptr ? GetLastError() : DWORD{ERROR_SUCCESS};
+    if (error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND)
         throw StoreError(path + " is a link to a missing file");
+    if (file == nullptr)
+        fail("cannot read " + path, error);
     std::wstring target(32768, L'\0');
     const DWORD size =
         GetFinalPathNameByHandleW(file.get(), target.data(), static_cast<DWORD>(target.size()), FILE_NAME_NORMALIZED);
@@ -214,8 +220,10 @@ public:
     NewFolders() = default;
     ~NewFolders()
     {
-        while (!made_.empty() && RemoveDirectoryW(made_.back().c_str()) != 0)
-            made_.pop_back();
+        for (bool isEmpty = true; isEmpty && !made_.empty(); made_.pop_back()) {
+            path_.resize(made_.back());
+            isEmpty = RemoveDirectoryW(path_.c_str()) != 0;
+        }
     }
 
     NewFolders(const NewFolders&) = delete;
@@ -226,29 +234,46 @@ public:
     /// Makes the folder and those above it that are missing.
     void make(const std::wstring& folder)
     {
-        if (isFolder(folder))
-            return;
-        DWORD error = makeOne(folder);
-        if (error == ERROR_PATH_NOT_FOUND && folderOf(folder).size() < folder.size()) {
-            make(folderOf(folder));
-            error = makeOne(folder);
+        path_ = folder;
+        std::size_t size = folder.size();
+        std::vector<std::size_t> below; // A path can have more folders than a stack has room for calls.
+        DWORD error = makeOne(size);
+        while (error == ERROR_PATH_NOT_FOUND && sizeAbove(size) < size) {
+            below.push_back(size);
+            size = sizeAbove(size);
+            error = makeOne(size);
         }
-        if (error != ERROR_SUCCESS && !isFolder(folder))
-            fail("cannot create " + shown(folder), error);
+        for (; error == ERROR_SUCCESS && !below.empty(); below.pop_back()) {
+            size = below.back();
+            error = makeOne(size);
+        }
+        if (error != ERROR_SUCCESS)
+            fail("cannot create " + shown(folder.substr(0, size)), error);
     }
 
     void keep() { made_.clear(); }
 
 private:
-    DWORD makeOne(const std::wstring& folder)
+    /// Success when this part of the path is a folder now.
+    DWORD makeOne(std::size_t size)
     {
-        if (CreateDirectoryW(folder.c_str(), nullptr) == 0)
-            return GetLastError();
-        made_.push_back(folder);
+        const std::wstring folder = path_.substr(0, size);
+        if (isFolder(folder))
+            return ERROR_SUCCESS;
+        if (CreateDirectoryW(folder.c_str(), nullptr) == 0) {
+            const DWORD error = GetLastError();
+            // Something else may have made it by now.
+            return isFolder(folder) ? DWORD{ERROR_SUCCESS} : error;
+        }
+        made_.push_back(size);
         return ERROR_SUCCESS;
     }
 
-    std::vector<std::wstring> made_;
+    /// Of the folder that has the last part of this much of the path; no less when there is none.
+    std::size_t sizeAbove(std::size_t size) const { return std::min(size, path_.find_last_of(L'\\', size - 1)); }
+
+    std::wstring path_;
+    std::vector<std::size_t> made_; ///< how much of the path names them, from the highest
 };
 
 /// True for what something else that has the file open, or is about to delete it, causes.
@@ -267,14 +292,17 @@ Handle lockedFolder(const std::wstring& folder, std::chrono::milliseconds longes
     const std::wstring path = folder + L"\\.kvx2800t-store.lock";
     const auto end = std::chrono::steady_clock::now() + longestWait;
     // The file may go between a refusal and the look at it.
-    int refusalsLeft = 3;
-    constexpr DWORD kFlags = FILE_ATTRIBUTE_HIDDEN | FILE_FLAG_DELETE_ON_CLOSE;
+    constexpr int kMostRefusals = 3;
+    int refusals = 0;
+    // Of a link that somebody has put there, the link itself: what it leads to is not for us to delete.
+    constexpr DWORD kFlags = FILE_ATTRIBUTE_HIDDEN | FILE_FLAG_DELETE_ON_CLOSE | FILE_FLAG_OPEN_REPARSE_POINT;
     while (true) {
         Handle file = open(path, {GENERIC_WRITE, 0, OPEN_ALWAYS, kFlags});
         const DWORD error = GetLastError();
         if (file != nullptr)
             return file;
-        if (!isInUse(error, path) && --refusalsLeft == 0)
+        refusals = isInUse(error, path) ? 0 : refusals + 1;
+        if (refusals == kMostRefusals)
             fail("cannot create a file in " + shown(folder), error);
         if (std::chrono::steady_clock::now() >= end)
             throw StoreError(shown(folder) + " is locked by something else");
@@ -288,6 +316,13 @@ bool isSame(const BY_HANDLE_FILE_INFORMATION& one, const BY_HANDLE_FILE_INFORMAT
            one.nFileIndexLow == other.nFileIndexLow;
 }
 
+/// What a move does when there is a file already.
+enum class WhenTaken
+{
+    Refuse,
+    Replace
+};
+
 /// A file beside the store; removed unless it has taken the store's place.
 class TemporaryFile
 {
@@ -295,8 +330,10 @@ public:
     explicit TemporaryFile(const std::wstring& folder) : file_(openIn(folder)) {}
     ~TemporaryFile()
     {
-        file_.reset();
-        DeleteFileW(path_.c_str());
+        // By the handle, which has the right to delete even where the rights taken over give it to nobody.
+        FILE_DISPOSITION_INFO deletion{TRUE};
+        if (file_ != nullptr)
+            SetFileInformationByHandle(file_.get(), FileDispositionInfo, &deletion, sizeof deletion);
     }
 
     TemporaryFile(const TemporaryFile&) = delete;
@@ -335,24 +372,41 @@ public:
     {
         if (FlushFileBuffers(file_.get()) == 0)
             failToWrite(GetLastError());
-        file_.reset();
     }
 
-    /// Gives the file this place; the success or what GetLastError tells.
-    DWORD moveTo(const std::wstring& place, DWORD flags) const
+    /// Gives the file this place and closes it; the success or what GetLastError tells.
+    DWORD moveTo(const std::wstring& place, WhenTaken whenTaken)
     {
-        const BOOL moved = MoveFileExW(path_.c_str(), place.c_str(), flags | MOVEFILE_WRITE_THROUGH);
-        return moved == 0 ? GetLastError() : DWORD{ERROR_SUCCESS};
+        std::vector<std::byte> renaming = renamingTo(place, whenTaken);
+        const auto size = static_cast<DWORD>(renaming.size());
+        if (SetFileInformationByHandle(file_.get(), FileRenameInfo, renaming.data(), size) == 0)
+            return GetLastError();
+        file_.reset();
+        return ERROR_SUCCESS;
     }
 
 private:
+    /// What FileRenameInfo takes.
+    static std::vector<std::byte> renamingTo(const std::wstring& place, WhenTaken whenTaken)
+    {
+        const std::size_t bytes = place.size() * sizeof(wchar_t);
+        std::vector<std::byte> renaming(sizeof(FILE_RENAME_INFO) + bytes); // has room for the terminator
+        auto* const info = new (renaming.data()) FILE_RENAME_INFO{};
+        info->ReplaceIfExists = whenTaken == WhenTaken::Replace ? TRUE : FALSE;
+        info->FileNameLength = static_cast<DWORD>(bytes);
+        std::memcpy(renaming.data() + offsetof(FILE_RENAME_INFO, FileName), place.data(), bytes);
+        return renaming;
+    }
+
     /// Tries names until one is free.
     Handle openIn(const std::wstring& folder)
     {
+        constexpr DWORD kAccess = GENERIC_WRITE | WRITE_DAC | DELETE;
         std::random_device random;
         while (true) {
             path_ = folder + L"\\.kvx2800t-store-" + std::to_wstring(random());
-            Handle file = open(path_, {GENERIC_WRITE | WRITE_DAC, 0, CREATE_NEW, 0});
+            // Readers that come while it takes the store's place are not kept out.
+            Handle file = open(path_, {kAccess, FILE_SHARE_READ, CREATE_NEW, FILE_FLAG_WRITE_THROUGH});
             const DWORD error = GetLastError();
             if (file != nullptr)
                 return file;
@@ -393,27 +447,27 @@ struct StoreChange::Host
             throw StoreError(path + " has been changed by something else; nothing is written");
     }
 
-    void replace(const TemporaryFile& file) const
+    void replace(TemporaryFile& file) const
     {
         requireUnchanged();
         if (const DWORD error = replaceOnceClosed(file); error != ERROR_SUCCESS)
             fail("cannot replace " + path, error);
     }
 
-    void create(const TemporaryFile& file) const
+    void create(TemporaryFile& file) const
     {
-        if (const DWORD error = file.moveTo(systemPath(path), 0); error != ERROR_SUCCESS)
+        if (const DWORD error = file.moveTo(systemPath(path), WhenTaken::Refuse); error != ERROR_SUCCESS)
             fail("cannot create " + path, error);
     }
 
 private:
     /// Gives readers, such as a virus scanner, a moment to close the file, which otherwise stays as it is.
-    DWORD replaceOnceClosed(const TemporaryFile& file) const
+    DWORD replaceOnceClosed(TemporaryFile& file) const
     {
         constexpr std::chrono::milliseconds kLongestReading{1000};
         const auto end = std::chrono::steady_clock::now() + kLongestReading;
         while (true) {
-            const DWORD error = file.moveTo(systemPath(path), MOVEFILE_REPLACE_EXISTING);
+            const DWORD error = file.moveTo(systemPath(path), WhenTaken::Replace);
             const bool mayPass = error == ERROR_ACCESS_DENIED || error == ERROR_SHARING_VIOLATION;
             if (!mayPass || std::chrono::steady_clock::now() >= end)
                 return error;

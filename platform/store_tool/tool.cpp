@@ -18,6 +18,12 @@ namespace store_tool
 namespace
 {
 
+std::string reasonOf(ViStatus status)
+{
+    return status == IVICONFIG_ERROR_MASTER_REGISTRY_CONFLICT ? " names different stores for programs of 32 and 64 bits"
+                                                              : " names a file that is missing";
+}
+
 /// The given path, or that of the store which the configuration server would load in this environment, or would load
 /// once it is made.
 std::string pathOf(const Request& request)
@@ -27,12 +33,10 @@ std::string pathOf(const Request& request)
     std::string chosen = config_server::processDefaultLocation();
     if (!chosen.empty())
         return chosen;
-    if (request.creates)
-        return config_server::locationForNewStore();
-    auto master = config_server::masterLocation();
-    if (!master)
-        throw StoreError("IVI_MASTER_STORE names a file that is missing");
-    return *master;
+    auto master = request.creates ? config_server::locationForNewStore() : config_server::masterLocation();
+    if (master.status < 0)
+        throw StoreError(std::string(master.namedBy) + reasonOf(master.status));
+    return std::move(master.path);
 }
 
 /// Says which file a complaint about its text is about.

@@ -1,69 +1,35 @@
 // Where the master store is on Windows: the variable, the registry, the common folder for data.
 
 #include "host_places.h"
+#include "own_registry_windows.h"
 #include "store_fixture.h"
 #include "utf8_path.h"
 
-#include <windows.h>
-
-#include <memory>
+#include <array>
 
 namespace
 {
 
 using namespace kvxtest;
 
-/// Shows this process, and nobody else, a local machine's registry that is empty but for what the test writes.
-class OwnRegistry
-{
-public:
-    OwnRegistry()
-    {
-        HKEY key = nullptr;
-        EXPECT_EQ(RegCreateKeyExW(HKEY_CURRENT_USER, name_.c_str(), 0, nullptr, REG_OPTION_VOLATILE, KEY_ALL_ACCESS,
-                                  nullptr, &key, nullptr),
-                  ERROR_SUCCESS);
-        EXPECT_EQ(RegOverridePredefKey(HKEY_LOCAL_MACHINE, key), ERROR_SUCCESS);
-        RegCloseKey(key);
-    }
-    ~OwnRegistry()
-    {
-        EXPECT_EQ(RegOverridePredefKey(HKEY_LOCAL_MACHINE, nullptr), ERROR_SUCCESS);
-        EXPECT_EQ(RegDeleteTreeW(HKEY_CURRENT_USER, name_.c_str()), ERROR_SUCCESS);
-    }
-    OwnRegistry(const OwnRegistry&) = delete;
-    OwnRegistry(OwnRegistry&&) = delete;
-    OwnRegistry& operator=(const OwnRegistry&) = delete;
-    OwnRegistry& operator=(OwnRegistry&&) = delete;
-
-    /// The value that names the folder of the master store.
-    static void setFolder(DWORD type, const void* value, std::size_t bytes)
-    {
-        HKEY key = nullptr;
-        ASSERT_EQ(RegCreateKeyExW(HKEY_LOCAL_MACHINE, L"SOFTWARE\\IVI", 0, nullptr, REG_OPTION_VOLATILE, KEY_SET_VALUE,
-                                  nullptr, &key, nullptr),
-                  ERROR_SUCCESS);
-        EXPECT_EQ(
-            RegSetValueExW(key, L"IviDataDir", 0, type, static_cast<const BYTE*>(value), static_cast<DWORD>(bytes)),
-            ERROR_SUCCESS);
-        RegCloseKey(key);
-    }
-
-    static void setFolder(const std::wstring& folder, DWORD type = REG_SZ)
-    {
-        setFolder(type, folder.c_str(), (folder.size() + 1) * sizeof(wchar_t));
-    }
-
-private:
-    std::wstring name_ = L"Software\\kvx-test-" + std::to_wstring(GetCurrentProcessId());
-};
-
 class MasterStore : public StoreTest
 {
 protected:
     std::string masterLocation() const { return storeText(IVICONFIG_VAL_CONFIG_STORE_MASTER_LOCATION); }
 
-    std::wstring folder(const std::string& name) const { return fromUtf8(folder_ / name).wstring(); }
+    /// Expects that the master location cannot be told, for the reason that the thread's error text gives.
+    void expectNone(ViStatus status, const std::string& reason) const
+    {
+        std::array<ViChar, 8> text{"before"};
+        EXPECT_EQ(IviConfig_GetConfigStorePropertyViString(store_, IVICONFIG_VAL_CONFIG_STORE_MASTER_LOCATION, 8,
+                                                           text.data()),
+                  status);
+        EXPECT_STREQ(text.data(), "before");
+        EXPECT_EQ(errorText(), "IviConfigServer.IviConfigStore.1: GetConfigStorePropertyViString: " + reason);
+    }
+
+    /// The path of something in the test's folder, for the registry.
+    std::wstring wide(const std::string& name) const { return fromUtf8(folder_ / name).wstring(); }
 
     OwnRegistry registry_;
 };
@@ -71,7 +37,7 @@ protected:
 TEST_F(MasterStore, IsInTheRegisteredFolder)
 {
     const std::string path = writeFile("ivi\\IviConfigurationStore.xml", kBenchStore);
-    OwnRegistry::setFolder(folder("ivi"));
+    OwnRegistry::setFolder(wide("ivi"));
     EXPECT_EQ(masterLocation(), path);
     EXPECT_EQ(IviConfig_Deserialize(store_, masterLocation().c_str()), VI_SUCCESS);
     EXPECT_EQ(storeText(IVICONFIG_VAL_CONFIG_STORE_NAME), "Bench");
@@ -81,7 +47,7 @@ TEST_F(MasterStore, IsFoundInAFolderWithLettersOfAnyScript)
 {
     const std::string name = "\xCE\xA4\xCF\x81\xCE\xBF\xCF\x86\xCE\xAE \xE9\x9B\xBB\xE6\xBA\x90";
     const std::string path = writeFile(name + "\\IviConfigurationStore.xml", kBenchStore);
-    OwnRegistry::setFolder(folder(name));
+    OwnRegistry::setFolder(wide(name));
     EXPECT_EQ(masterLocation(), path);
     EXPECT_EQ(IviConfig_Deserialize(store_, path.c_str()), VI_SUCCESS);
     EXPECT_EQ(storeText(IVICONFIG_VAL_CONFIG_STORE_ACTUAL_LOCATION), path);
@@ -89,7 +55,7 @@ TEST_F(MasterStore, IsFoundInAFolderWithLettersOfAnyScript)
 
 TEST_F(MasterStore, IsServedEmptyWhenTheRegisteredFolderHasNone)
 {
-    OwnRegistry::setFolder(folder("none"));
+    OwnRegistry::setFolder(wide("none"));
     const std::string path = folder_ / "none\\IviConfigurationStore.xml";
     EXPECT_EQ(masterLocation(), path);
     EXPECT_EQ(IviConfig_Deserialize(store_, path.c_str()), VI_SUCCESS);
@@ -100,7 +66,7 @@ TEST_F(MasterStore, IsServedEmptyWhenTheRegisteredFolderHasNone)
 TEST_F(MasterStore, NameInTheEnvironmentComesFirst)
 {
     writeFile("ivi\\IviConfigurationStore.xml", kBenchStore);
-    OwnRegistry::setFolder(folder("ivi"));
+    OwnRegistry::setFolder(wide("ivi"));
     const std::string own = writeFile("\xE5\x80\x89\xE5\xBA\xAB/own.xml", kBenchStore);
     {
         const EnvironmentVariable registered("IVI_MASTER_STORE", own.c_str());
@@ -112,7 +78,7 @@ TEST_F(MasterStore, NameInTheEnvironmentComesFirst)
 
 TEST_F(MasterStore, SeparatorsAtTheEndOfTheRegisteredFolderDoNotCount)
 {
-    OwnRegistry::setFolder(folder("ivi") + L"\\/");
+    OwnRegistry::setFolder(wide("ivi") + L"\\/");
     EXPECT_EQ(masterLocation(), folder_ / "ivi\\IviConfigurationStore.xml");
 }
 
@@ -138,6 +104,84 @@ TEST_F(MasterStore, ProcessDefaultMayHaveLettersOfAnyScript)
     const std::string path = "C:\\\xCE\xA4\xCF\x81\xCE\xBF\xCF\x86\xCE\xAE\\\xE9\x9B\xBB\xE6\xBA\x90.xml";
     const EnvironmentVariable chosen("IVICONFIGSERVERDEFAULT", path.c_str());
     EXPECT_EQ(storeText(IVICONFIG_VAL_CONFIG_STORE_PROC_DEFAULT_LOCATION), path);
+}
+
+TEST_F(MasterStore, IsTheRegisteredFileOfEitherView)
+{
+    const std::string path = writeFile("ivi\\bench.xml", kBenchStore);
+    for (const View view : {View::Bits64, View::Bits32}) {
+        OwnRegistry::setStore(View::Bits32, L"");
+        OwnRegistry::setStore(View::Bits64, L"");
+        EXPECT_EQ(masterLocation(), usualMasterStore());
+        OwnRegistry::setStore(view, wide("ivi\\bench.xml"));
+        EXPECT_EQ(masterLocation(), path);
+    }
+    EXPECT_EQ(IviConfig_Deserialize(store_, path.c_str()), VI_SUCCESS);
+    EXPECT_EQ(storeText(IVICONFIG_VAL_CONFIG_STORE_NAME), "Bench");
+}
+
+TEST_F(MasterStore, IsTheRegisteredFileOfOneViewWhenTheOtherHasNoValue)
+{
+    const std::string path = writeFile("bench.xml", kBenchStore);
+    OwnRegistry::setStore(View::Bits32, wide("bench.xml"));
+    EXPECT_EQ(masterLocation(), path);
+}
+
+TEST_F(MasterStore, MayBeRegisteredInBothViews)
+{
+    const std::string path = writeFile("bench.xml", kBenchStore);
+    OwnRegistry::setStore(View::Bits32, wide("bench.xml"));
+    OwnRegistry::setStore(View::Bits64, wide("bench.xml"));
+    EXPECT_EQ(masterLocation(), path);
+    OwnRegistry::setStore(View::Bits32, wide("BENCH.XML"));
+    OwnRegistry::setStore(View::Bits64, wide("bench.xml"));
+    EXPECT_EQ(masterLocation(), path);
+}
+
+TEST_F(MasterStore, RegisteredDifferentlyInBothViewsIsAConflict)
+{
+    if (!OwnRegistry::hasTwoViews())
+        GTEST_SKIP() << "this host has one view of the test's registry";
+    OwnRegistry::setStore(View::Bits32, fromUtf8(writeFile("32.xml", kBenchStore)).wstring());
+    OwnRegistry::setStore(View::Bits64, fromUtf8(writeFile("64.xml", kBenchStore)).wstring());
+    expectNone(IVICONFIG_ERROR_MASTER_REGISTRY_CONFLICT,
+               "the registry names different master configuration stores for programs of 32 and 64 bits");
+    EXPECT_EQ(static_cast<ViUInt32>(IVICONFIG_ERROR_MASTER_REGISTRY_CONFLICT), 0xBFFA1223U);
+    const std::string own = writeFile("own.xml", kBenchStore);
+    const EnvironmentVariable chosen("IVI_MASTER_STORE", own.c_str());
+    EXPECT_EQ(masterLocation(), own);
+}
+
+TEST_F(MasterStore, RegisteredFileComesBeforeTheRegisteredFolder)
+{
+    writeFile("ivi\\IviConfigurationStore.xml", kBenchStore);
+    OwnRegistry::setFolder(wide("ivi"));
+    const std::string path = writeFile("bench.xml", kBenchStore);
+    OwnRegistry::setStore(View::Bits64, wide("bench.xml"));
+    EXPECT_EQ(masterLocation(), path);
+}
+
+TEST_F(MasterStore, RegisteredFileThatIsMissingIsAnError)
+{
+    OwnRegistry::setFolder(wide("ivi"));
+    OwnRegistry::setStore(View::Bits64, wide("missing.xml"));
+    expectNone(IVICONFIG_ERROR_MASTER_NOT_FOUND, "the master configuration store is missing");
+}
+
+TEST_F(MasterStore, VariablesInTheRegisteredFileAreReplaced)
+{
+    const std::string path = writeFile("bench.xml", kBenchStore);
+    const EnvironmentVariable place("KVX_TEST_PLACE", toUtf8(folder_.path()).c_str());
+    OwnRegistry::setStore(View::Bits32, L"%KVX_TEST_PLACE%\\bench.xml", REG_EXPAND_SZ);
+    EXPECT_EQ(masterLocation(), path);
+}
+
+TEST_F(MasterStore, RegisteredFileThatIsNoTextDoesNotCount)
+{
+    const DWORD number = 42;
+    OwnRegistry::setStore(View::Bits64, REG_DWORD, &number, sizeof number);
+    OwnRegistry::setFolder(wide("ivi"));
+    EXPECT_EQ(masterLocation(), folder_ / "ivi\\IviConfigurationStore.xml");
 }
 
 } // namespace

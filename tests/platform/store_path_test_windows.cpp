@@ -1,5 +1,6 @@
 // Texts that name a store file on Windows.
 
+#include "long_path_windows.h"
 #include "store_fixture.h"
 #include "utf8_path.h"
 
@@ -65,16 +66,12 @@ TEST_F(StorePath, MayBeRelativeOrHaveEitherSeparator)
 
 TEST_F(StorePath, MayBeOfAnyLength)
 {
-    std::string name;
-    for (int i = 0; i < 4; ++i)
-        name += std::string(100, static_cast<char>('a' + i)) + '\\';
-    const std::wstring marked = L"\\\\?\\" + folder_.path().wstring() + L'\\';
-    for (std::size_t end = name.find('\\'); end != std::string::npos; end = name.find('\\', end + 1))
-        ASSERT_NE(CreateDirectoryW((marked + fromUtf8(name.substr(0, end)).wstring()).c_str(), nullptr), 0);
-    const std::string path = writeFile("short.xml", kBenchStore);
-    ASSERT_NE(MoveFileW(fromUtf8(path).c_str(), (marked + fromUtf8(name + "store.xml").wstring()).c_str()), 0);
-    ASSERT_GT((folder_ / (name + "store.xml")).size(), std::size_t{MAX_PATH});
-    EXPECT_EQ(load(folder_ / (name + "store.xml")), VI_SUCCESS);
+    const LongPath path(folder_.path());
+    ASSERT_TRUE(path.makeFolders());
+    const std::string shortPath = writeFile("short.xml", kBenchStore);
+    ASSERT_NE(MoveFileW(fromUtf8(shortPath).c_str(), path.marked().c_str()), 0);
+    ASSERT_GT(path.text().size(), std::size_t{MAX_PATH});
+    EXPECT_EQ(load(path.text()), VI_SUCCESS);
     EXPECT_EQ(storeText(IVICONFIG_VAL_CONFIG_STORE_NAME), "Bench");
 }
 
@@ -83,6 +80,16 @@ TEST_F(StorePath, OfADeviceIsRefused)
     for (const char* const name :
          {"NUL", "CON", "COM1", R"(\\.\NUL)", R"(\\.\pipe\none)", R"(\\?\)", R"(\\)", "C:", "*"})
         EXPECT_EQ(load(name), IVICONFIG_ERROR_DESERIALIZE_FAILED) << name;
+}
+
+TEST_F(StorePath, OfAPipeThatAProgramServesIsRefused)
+{
+    const std::string name = R"(\\.\pipe\kvx-test-)" + std::to_string(GetCurrentProcessId());
+    const HANDLE server = CreateNamedPipeW(fromUtf8(name).c_str(), PIPE_ACCESS_DUPLEX | FILE_FLAG_FIRST_PIPE_INSTANCE,
+                                           0, PIPE_UNLIMITED_INSTANCES, 64, 64, 0, nullptr);
+    ASSERT_NE(server, INVALID_HANDLE_VALUE);
+    EXPECT_EQ(load(name), IVICONFIG_ERROR_DESERIALIZE_FAILED);
+    CloseHandle(server);
 }
 
 TEST_F(StorePath, OfAFileThatSomethingElseKeepsToItselfIsRefused)

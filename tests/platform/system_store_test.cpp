@@ -21,9 +21,9 @@ std::string processDefaultLocation()
     return {};
 }
 
-std::optional<std::string> masterLocation()
+MasterLocation masterLocation()
 {
-    return systemPlace;
+    return {systemPlace};
 }
 
 std::string systemLocation()
@@ -57,6 +57,11 @@ TEST_F(SystemStore, MissingFileStandsForAnEmptyStore)
 TEST_F(SystemStore, FileThatCannotBeLookedAtIsAnError)
 {
     EXPECT_EQ(loadFrom(kvxtest::placeThatCannotBeLookedAt(folder_)), IVICONFIG_ERROR_DESERIALIZE_FAILED);
+}
+
+TEST_F(SystemStore, PathThatNoFileCanHaveIsAnError)
+{
+    EXPECT_EQ(loadFrom(std::string(100'000, 'x')), IVICONFIG_ERROR_DESERIALIZE_FAILED);
 }
 
 TEST_F(SystemStore, PlaceThatIsNoFileIsAnError)

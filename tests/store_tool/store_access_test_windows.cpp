@@ -1,8 +1,12 @@
+#include "long_path_windows.h"
 #include "store_access_fixture.h"
 
 #include <gmock/gmock.h>
 
 #include <windows.h>
+
+#include <aclapi.h>
+#include <sddl.h>
 
 #include <memory>
 
@@ -14,10 +18,53 @@ using namespace store_tool;
 using testing::EndsWith;
 using testing::HasSubstr;
 
+constexpr auto kNoLinks = "this user or host makes no links";
+
 class StoreAccessOnWindows : public StoreAccess
 {
 protected:
     std::wstring place() const { return fromUtf8(path_).wstring(); }
+
+    /// Gives the file exactly these rights, none from its folder; a text of the security descriptor language.
+    void setRights(const wchar_t* text) const
+    {
+        PSECURITY_DESCRIPTOR descriptor = nullptr;
+        ASSERT_NE(ConvertStringSecurityDescriptorToSecurityDescriptorW(text, SDDL_REVISION_1, &descriptor, nullptr), 0);
+        const std::unique_ptr<void, decltype(&LocalFree)> owner(descriptor, LocalFree);
+        BOOL isPresent = FALSE;
+        BOOL isDefault = FALSE;
+        PACL list = nullptr;
+        ASSERT_NE(GetSecurityDescriptorDacl(descriptor, &isPresent, &list, &isDefault), 0);
+        ASSERT_EQ(SetNamedSecurityInfoW(place().data(), SE_FILE_OBJECT,
+                                        DACL_SECURITY_INFORMATION | PROTECTED_DACL_SECURITY_INFORMATION, nullptr,
+                                        nullptr, list, nullptr),
+                  DWORD{ERROR_SUCCESS});
+    }
+
+    /// The file's rights in that language, and whether they are protected from the folder's.
+    std::wstring rights() const
+    {
+        PSECURITY_DESCRIPTOR descriptor = nullptr;
+        EXPECT_EQ(GetNamedSecurityInfoW(place().c_str(), SE_FILE_OBJECT, DACL_SECURITY_INFORMATION, nullptr, nullptr,
+                                        nullptr, nullptr, &descriptor),
+                  DWORD{ERROR_SUCCESS});
+        const std::unique_ptr<void, decltype(&LocalFree)> owner(descriptor, LocalFree);
+        wchar_t* text = nullptr;
+        EXPECT_NE(ConvertSecurityDescriptorToStringSecurityDescriptorW(descriptor, SDDL_REVISION_1,
+                                                                       DACL_SECURITY_INFORMATION, &text, nullptr),
+                  0);
+        const std::unique_ptr<void, decltype(&LocalFree)> textOwner(text, LocalFree);
+        return text == nullptr ? L"" : text;
+    }
+
+    /// False when this user or host makes no links.
+    static bool makeLink(const std::string& link, const std::string& target)
+    {
+        const std::wstring place = fromUtf8(link).wstring();
+        CreateSymbolicLinkW(place.c_str(), fromUtf8(target).c_str(), SYMBOLIC_LINK_FLAG_ALLOW_UNPRIVILEGED_CREATE);
+        // Wine says that it has made one.
+        return GetFileAttributesW(place.c_str()) != INVALID_FILE_ATTRIBUTES;
+    }
 
     DWORD marks() const { return GetFileAttributesW(place().c_str()); }
 
@@ -37,6 +84,26 @@ TEST_F(StoreAccessOnWindows, AFileKeepsItsMarks)
     EXPECT_EQ(readFile(fromUtf8(path_)), "new");
     EXPECT_EQ(marks() & (FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM), FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM);
     EXPECT_EQ(folder_.count(), 1U);
+}
+
+TEST_F(StoreAccessOnWindows, AFileKeepsItsRights)
+{
+    const std::wstring usual = rights();
+    setRights(L"D:P(A;;FA;;;WD)");
+    const std::wstring given = rights();
+    ASSERT_NE(given, usual);
+    replace("new");
+    EXPECT_EQ(readFile(fromUtf8(path_)), "new");
+    EXPECT_EQ(rights(), given);
+}
+
+TEST_F(StoreAccessOnWindows, AFileKeepsItsProtectionFromTheRightsOfItsFolder)
+{
+    setRights(L"D:P(A;;FA;;;WD)");
+    if (!rights().starts_with(L"D:P"))
+        GTEST_SKIP() << "this host protects no rights";
+    replace("new");
+    EXPECT_TRUE(rights().starts_with(L"D:P"));
 }
 
 TEST_F(StoreAccessOnWindows, AReadOnlyFileStaysAsItIs)
@@ -65,19 +132,35 @@ TEST_F(StoreAccessOnWindows, SaysThatAFileIsInUse)
 
 TEST_F(StoreAccessOnWindows, TakesPathsOfAnyLength)
 {
-    std::string path = toUtf8(folder_.path());
-    for (int i = 0; i < 4; ++i)
-        path += "/" + std::string(100, static_cast<char>('a' + i));
-    path += "/store.xml";
+    const LongPath path(folder_.path());
     {
-        StoreChange change(path, WhenMissing::Create);
+        StoreChange change(path.text(), WhenMissing::Create);
         change.replaceBy("old");
     }
     {
-        StoreChange change(path, WhenMissing::Refuse);
+        StoreChange change(path.text(), WhenMissing::Refuse);
         change.replaceBy(*change.text() + " and new");
     }
-    EXPECT_EQ(readStoreFile(path), "old and new");
+    EXPECT_EQ(readStoreFile(path.text()), "old and new");
+}
+
+TEST_F(StoreAccessOnWindows, MakesFoldersOfAnyDepthAndTakesThemBack)
+{
+    const std::string deep = toUtf8(folder_.path()) + repeated("\\a", 200);
+    {
+        const StoreChange change(deep + "\\store.xml", WhenMissing::Create);
+        EXPECT_NE(GetFileAttributesW((LR"(\\?\)" + fromUtf8(deep).wstring()).c_str()) & FILE_ATTRIBUTE_DIRECTORY, 0U);
+        EXPECT_EQ(folder_.count(), 2U);
+    }
+    EXPECT_EQ(folder_.count(), 1U);
+}
+
+TEST_F(StoreAccessOnWindows, SaysWhichOfVeryManyFoldersCannotBeMade)
+{
+    const std::string deep = path_ + repeated("\\a", 12'000);
+    EXPECT_EQ(complaint([&deep] { StoreChange(deep + "\\b.xml", WhenMissing::Create); }),
+              "cannot create " + path_ + ": File exists");
+    EXPECT_EQ(folder_.count(), 1U);
 }
 
 TEST_F(StoreAccessOnWindows, RefusesDevicesAndPathsThatNoFileCanHave)
@@ -93,14 +176,33 @@ TEST_F(StoreAccessOnWindows, RefusesDevicesAndPathsThatNoFileCanHave)
 
 TEST_F(StoreAccessOnWindows, ReplacesWhatALinkLeadsTo)
 {
-    const std::wstring link = fromUtf8(folder_ / "link.xml").wstring();
-    CreateSymbolicLinkW(link.c_str(), place().c_str(), SYMBOLIC_LINK_FLAG_ALLOW_UNPRIVILEGED_CREATE);
-    // Wine says that it has made one.
-    if (GetFileAttributesW(link.c_str()) == INVALID_FILE_ATTRIBUTES)
-        GTEST_SKIP() << "this user or host makes no links";
-    StoreChange(folder_ / "link.xml", WhenMissing::Refuse).replaceBy("new");
-    EXPECT_NE(GetFileAttributesW(link.c_str()) & FILE_ATTRIBUTE_REPARSE_POINT, 0U);
+    const std::string link = folder_ / "link.xml";
+    if (!makeLink(link, path_))
+        GTEST_SKIP() << kNoLinks;
+    StoreChange(link, WhenMissing::Refuse).replaceBy("new");
+    EXPECT_NE(GetFileAttributesW(fromUtf8(link).c_str()) & FILE_ATTRIBUTE_REPARSE_POINT, 0U);
     EXPECT_EQ(readFile(fromUtf8(path_)), "new");
+}
+
+TEST_F(StoreAccessOnWindows, RefusesALinkToAMissingFile)
+{
+    const std::string link = folder_ / "link.xml";
+    if (!makeLink(link, folder_ / "missing.xml"))
+        GTEST_SKIP() << kNoLinks;
+    EXPECT_EQ(complaint([&link] { StoreChange(link, WhenMissing::Create); }), link + " is a link to a missing file");
+}
+
+TEST_F(StoreAccessOnWindows, ALinkInPlaceOfTheLockLosesNothingElse)
+{
+    const TemporaryFolder elsewhere;
+    const std::string target = elsewhere / "precious.txt";
+    writeFile(fromUtf8(target), "precious");
+    if (!makeLink(folder_ / ".kvx2800t-store.lock", target))
+        GTEST_SKIP() << kNoLinks;
+    replace("new");
+    EXPECT_EQ(readFile(fromUtf8(target)), "precious");
+    EXPECT_EQ(readFile(fromUtf8(path_)), "new");
+    EXPECT_EQ(folder_.count(), 1U);
 }
 
 } // namespace
