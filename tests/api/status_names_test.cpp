@@ -23,8 +23,7 @@ std::string headerText()
 /// The names that the public header gives to status codes.
 Names headerNames(const std::string& text)
 {
-    const std::regex definition(
-        R"(#define ((?:KVX2800T|IVI)_(?:ERROR|WARN)_\w+) \(\(ViStatus\)0x([0-9A-F]{8})UL\)\n)");
+    const std::regex definition(R"(#define ((?:KVX2800T|IVI)_(?:ERROR|WARN)_\w+) \(\(ViStatus\)0x([0-9A-F]{8})UL\)\n)");
     Names names;
     for (std::sregex_iterator found(text.begin(), text.end(), definition), end; found != end; ++found)
         names.emplace(static_cast<ViStatus>(std::stoul((*found)[2], nullptr, 16)), (*found)[1]);

@@ -11,7 +11,7 @@ namespace
 class Serial : public DriverEndToEnd
 {
 protected:
-    Serial() : DriverEndToEnd({"--serial"}), device(instrument.serialPath()) {}
+    Serial() : DriverEndToEnd({"--serial"}), device_(instrument.serialPath()) {}
 
     /// Opens, works and closes over a resource, and expects what goes over the line.
     void expectSessionOver(std::string resource)
@@ -26,23 +26,23 @@ protected:
         EXPECT_EQ(newLines(), (Lines{"*IDN?", ":SOUR4:VOLT 3.250000", ":SOUR4:VOLT?"}));
     }
 
-    const SerialDevice device;
+    const SerialDevice device_;
 };
 
 TEST_F(Serial, SessionOverTheLineOfTheResource)
 {
-    expectSessionOver(device.resource());
+    expectSessionOver(device_.resource());
 }
 
 TEST_F(Serial, SessionOverALineThatAVariableNames)
 {
-    const EnvironmentVariable variable("VISA_ASRL7", device.name().c_str());
+    const EnvironmentVariable variable("VISA_ASRL7", device_.name().c_str());
     expectSessionOver("asrl7::INSTR");
 }
 
 TEST_F(Serial, ReplyThatNeverComesIsAnIoError)
 {
-    std::string resource = device.resource();
+    std::string resource = device_.resource();
     ASSERT_EQ(KVX2800T_init(resource.data(), VI_FALSE, VI_FALSE, &vi), VI_SUCCESS);
     instrument.control("swallow 1");
     ViReal64 volts = -1.0;
