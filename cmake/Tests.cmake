@@ -1,7 +1,8 @@
 include(host/tests_${KVX_HOST})
 
 # kvx_add_test(<name> [THREADS] SOURCES <file>... [LIBRARIES <target>...] [PREFIX <text>])
-# One test program, which ctest runs under names that begin with the prefix. A case that hangs is ended. THREADS: its tests run code in several threads; under ThreadSanitizer only those programs are built and run.
+# One test program, which ctest runs under names that begin with the prefix. A case that hangs is ended.
+# THREADS: its tests run code in several threads; under ThreadSanitizer only those programs are built and run.
 function(kvx_add_test name)
     cmake_parse_arguments(ARG "THREADS" "PREFIX" "SOURCES;LIBRARIES" ${ARGN})
     add_executable(${name} ${ARG_SOURCES})

@@ -35,7 +35,7 @@ function(kvx_export_only target file)
 endfunction()
 
 # kvx_stays_loaded(<target>)
-# The driver keeps what it has bound loaded (platform/binding).
+# Nothing to do here: who binds such a library at run time, as the driver does, never frees it.
 function(kvx_stays_loaded target)
 endfunction()
 

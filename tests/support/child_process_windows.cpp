@@ -311,6 +311,7 @@ unsigned short helperPort()
 
 std::unique_ptr<ChildProcess::Host> start(const std::string& path, const std::vector<std::string>& arguments)
 {
+    // Of the programs that tests start, those of Windows have its ending.
     if (helperPort() != 0 && !path.ends_with(".exe"))
         return std::make_unique<BesideWine>(helperPort(), path, arguments);
     return std::make_unique<LocalProcess>(path, arguments);
