@@ -1,5 +1,5 @@
 #include "api/KVX2800T.h"
-#include "support/virtual_instrument_process.h"
+#include "tests/support/processes/virtual_instrument_process.h"
 
 #include <benchmark/benchmark.h>
 

@@ -1,4 +1,4 @@
-#include "end_to_end/session_memory.h"
+#include "tests/support/driver/session_memory.h"
 
 #include <benchmark/benchmark.h>
 

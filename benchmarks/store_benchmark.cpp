@@ -1,4 +1,4 @@
-#include "generated_store.h"
+#include "tests/support/platform/generated_store.h"
 
 #include <IviConfigServer.h>
 

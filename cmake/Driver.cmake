@@ -2,11 +2,11 @@
 # objects for the unit tests.
 function(kvx_add_layer name)
     add_library(kvx_${name} OBJECT ${ARGN})
-    target_include_directories(kvx_${name} PUBLIC ${PROJECT_SOURCE_DIR})
     target_link_libraries(kvx_${name} PUBLIC platform_headers PRIVATE kvx_options)
     set_target_properties(kvx_${name} PROPERTIES VISIBILITY_INLINES_HIDDEN ON)
 endfunction()
 
+kvx_add_layer(base base/option_grammar.cpp)
 kvx_add_layer(io io/connect.cpp io/visa_io.cpp)
 kvx_add_layer(instrument
     instrument/channel_limits.cpp
@@ -21,7 +21,6 @@ kvx_add_layer(instrument
     instrument/kvx2800t_output.cpp
     instrument/kvx2800t_source.cpp
     instrument/kvx2800t_status.cpp
-    instrument/option_grammar.cpp
     instrument/reply_parsing.cpp)
 kvx_add_layer(simulator
     simulator/kvx2800t_simulator.cpp
@@ -55,7 +54,7 @@ kvx_add_layer(api
     api/output_functions.cpp
     api/query_functions.cpp
     api/session_functions.cpp)
-set(KVX_LAYERS kvx_io kvx_instrument kvx_simulator kvx_runtime kvx_api)
+set(KVX_LAYERS kvx_base kvx_io kvx_instrument kvx_simulator kvx_runtime kvx_api)
 list(TRANSFORM KVX_LAYERS REPLACE "(.+)" "$<TARGET_OBJECTS:\\1>" OUTPUT_VARIABLE driver_objects)
 
 # What a host needs beyond these sources, and how its libraries are linked.
@@ -66,7 +65,6 @@ include(host/driver_${KVX_HOST})
 target_include_directories(KVX2800T INTERFACE ${PROJECT_SOURCE_DIR}/api)
 target_link_libraries(KVX2800T INTERFACE platform_headers)
 
-# The platform's functions are left to the program that links it: the libraries of platform/, or a test's own.
+# The platform's functions are left to the program that links it: the libraries of platform/ and visa/, or a test's own.
 add_library(kvx2800t_static STATIC ${driver_objects})
-target_include_directories(kvx2800t_static INTERFACE ${PROJECT_SOURCE_DIR})
 target_link_libraries(kvx2800t_static INTERFACE platform_headers)

@@ -1,5 +1,7 @@
-# The one place that says how strict the compiler is; every target of this project links kvx_options.
+# The one place that says how strict the compiler is and where headers are; every target of this project links kvx_options.
 add_library(kvx_options INTERFACE)
+# Includes are rooted at the project's folder.
+target_include_directories(kvx_options INTERFACE ${PROJECT_SOURCE_DIR})
 target_compile_features(kvx_options INTERFACE cxx_std_20)
 target_compile_options(kvx_options INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
 # g++ 12 takes any optimised operator+(const char*, std::string&&) for an overlapping copy (GCC bug 105651).

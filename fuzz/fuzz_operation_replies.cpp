@@ -1,8 +1,8 @@
 // Any bytes as the reply to every operation that asks: it succeeds, tells of an unexpected response, or leaves with one
 // of the documented exceptions; and what could not be read leaves its output unchanged.
 #include "instrument/kvx2800t.h"
-#include "tests/instrument/scripted_connection.h"
-#include "tests/support/operation_table.h"
+#include "tests/support/driver/operation_table.h"
+#include "tests/support/driver/scripted_connection.h"
 
 #include <cstdint>
 #include <cstdlib>

@@ -1,8 +1,8 @@
 // Any bytes as a store file: it is refused, or everything in it can be read and given back. Each input is tried twice:
 // as it is, and with its bytes from 0x80 on as the elements of a store, so that generated inputs get past the parser.
-#include "handle_table.h"
-#include "store_file.h"
-#include "store_listing.h"
+#include "platform/config_server/handle_table.h"
+#include "platform/config_server/store_file.h"
+#include "tests/support/platform/store_listing.h"
 
 #include <algorithm>
 #include <cstdint>

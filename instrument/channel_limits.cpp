@@ -1,6 +1,6 @@
 #include "instrument/channel_limits.h"
 
-#include "instrument/failures.h"
+#include "base/failures.h"
 
 #include <array>
 

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "base/status_codes.h"
 #include "instrument/command_text.h"
 #include "instrument/reply_parsing.h"
-#include "instrument/status_codes.h"
 #include "io/visa_io.h"
 
 #include <string>

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "base/option_grammar.h"
 #include "instrument/channel_limits.h"
 #include "instrument/enumerations.h"
 #include "instrument/identity.h"
-#include "instrument/option_grammar.h"
 
 #include <memory>
 #include <string>

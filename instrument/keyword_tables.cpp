@@ -1,6 +1,6 @@
 #include "instrument/keyword_tables.h"
 
-#include "instrument/failures.h"
+#include "base/failures.h"
 
 namespace TSRO
 {

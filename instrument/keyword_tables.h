@@ -1,6 +1,6 @@
 #pragma once
 
-#include "instrument/ascii.h"
+#include "base/ascii.h"
 #include "instrument/enumerations.h"
 
 #include <optional>

@@ -1,7 +1,7 @@
 #include "instrument/reply_parsing.h"
 
-#include "instrument/ascii.h"
-#include "instrument/failures.h"
+#include "base/ascii.h"
+#include "base/failures.h"
 
 #include <algorithm>
 #include <array>

@@ -1,6 +1,6 @@
 #include "runtime/close_listeners.h"
 
-#include "instrument/spin_lock.h"
+#include "base/spin_lock.h"
 
 #include <exception>
 #include <mutex>

@@ -1,4 +1,4 @@
-#include "instrument/ascii.h"
+#include "base/ascii.h"
 #include "runtime/config_objects.h"
 #include "runtime/driver_identity.h"
 #include "runtime/driver_session.h"

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "base/option_grammar.h"
 #include "instrument/inst_base.h"
-#include "instrument/option_grammar.h"
 #include "runtime/attribute_cache.h"
 #include "runtime/error_messages.h"
 #include "runtime/virtual_names.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "instrument/status_codes.h"
+#include "base/status_codes.h"
 
 /// The codes that the session runtime reports, named as IVI-3.2 section 11 names them. Their messages are in
 /// error_messages.cpp.

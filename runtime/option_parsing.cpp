@@ -1,4 +1,4 @@
-#include "instrument/ascii.h"
+#include "base/ascii.h"
 #include "runtime/driver_session.h"
 
 namespace drivekit

@@ -1,7 +1,7 @@
 #include "runtime/selector.h"
 
-#include "instrument/ascii.h"
-#include "instrument/failures.h"
+#include "base/ascii.h"
+#include "base/failures.h"
 #include "instrument/keyword_tables.h"
 #include "runtime/driver_session.h"
 #include "runtime/selector_grammar.h"

@@ -1,6 +1,6 @@
 #include "runtime/selector_grammar.h"
 
-#include "instrument/ascii.h"
+#include "base/ascii.h"
 #include "instrument/reply_parsing.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
 #include "runtime/virtual_names.h"
 
-#include "instrument/ascii.h"
+#include "base/ascii.h"
 #include "runtime/error_messages.h"
 #include "runtime/selector_grammar.h"
 

@@ -1,6 +1,6 @@
 #include "simulator/random_source.h"
 
-#include "instrument/spin_lock.h"
+#include "base/spin_lock.h"
 
 #include <algorithm>
 #include <mutex>

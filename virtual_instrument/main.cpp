@@ -1,10 +1,10 @@
-#include "console.h"
-#include "error_text.h"
-#include "journal.h"
-#include "options.h"
-#include "server.h"
-#include "standard_input.h"
-#include "virtual_instrument.h"
+#include "virtual_instrument/options.h"
+#include "virtual_instrument/scpi/virtual_instrument.h"
+#include "virtual_instrument/transport/console.h"
+#include "virtual_instrument/transport/error_text.h"
+#include "virtual_instrument/transport/journal.h"
+#include "virtual_instrument/transport/server.h"
+#include "virtual_instrument/transport/standard_input.h"
 
 #include <asio.hpp>
 #include <chrono>
@@ -23,7 +23,7 @@ InstrumentClock::Duration steadyTime()
 }
 
 /// Runs `start` and says what could not be had when it fails.
-template <typename Start>
+template <class Start>
 auto startOrExplain(const std::string& what, Start start)
 {
     try {

@@ -1,15 +1,14 @@
-#include "options.h"
+#include "virtual_instrument/options.h"
 
-#include "command_table.h"
-#include "test_control.h"
-#include "text.h"
+#include "virtual_instrument/scpi/command_table.h"
+#include "virtual_instrument/scpi/text.h"
+#include "virtual_instrument/transport/test_control.h"
 
 #include <CLI/CLI.hpp>
 #include <iostream>
 
 namespace kvxvirtual
 {
-
 namespace
 {
 

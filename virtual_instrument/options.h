@@ -1,6 +1,6 @@
 #pragma once
 
-#include "virtual_instrument.h"
+#include "virtual_instrument/scpi/virtual_instrument.h"
 
 #include <optional>
 #include <string>

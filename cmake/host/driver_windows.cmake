@@ -1,8 +1,8 @@
 # The driver on Windows: it binds the platform's libraries itself, when it needs them.
-target_sources(KVX2800T PRIVATE ${PROJECT_SOURCE_DIR}/platform/binding/binding_windows.cpp)
+target_sources(KVX2800T PRIVATE ${PROJECT_SOURCE_DIR}/binding/binding_windows.cpp)
 target_link_libraries(KVX2800T PRIVATE platform_headers)
 if(MINGW)
-    target_sources(KVX2800T PRIVATE ${PROJECT_SOURCE_DIR}/platform/binding/unload_mingw.cpp)
+    target_sources(KVX2800T PRIVATE ${PROJECT_SOURCE_DIR}/binding/unload_mingw.cpp)
 endif()
 
 if(CMAKE_SIZEOF_VOID_P EQUAL 8)

@@ -6,7 +6,7 @@ install(FILES ${PROJECT_SOURCE_DIR}/api/KVX2800T.h DESTINATION ${CMAKE_INSTALL_I
 if(NOT KVX_VENDOR_PLATFORM)
     install(TARGETS IviCShared IviConfigServer visa LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
     install(TARGETS kvx2800t-store RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
-    install(DIRECTORY ${PROJECT_SOURCE_DIR}/platform/include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+    install(DIRECTORY ${PROJECT_SOURCE_DIR}/platform/include/ ${PROJECT_SOURCE_DIR}/visa/include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 endif()
 
 # The installed folder may be moved: the file says where it is relative to itself.

@@ -7,7 +7,7 @@ import zipfile
 
 OWN = "Drivers/KVX2800T/"
 EXAMPLES = {path.name for path in pathlib.Path("examples").iterdir() if path.is_file()} - {"CMakeLists.txt"}
-HEADERS = {path.name for path in pathlib.Path("platform/include").iterdir()}
+HEADERS = {path.name for room in ("platform", "visa") for path in pathlib.Path(room, "include").iterdir()}
 
 COMMON = (
     {"Include/KVX2800T.h", OWN + "readme.txt", OWN + "license.txt"}

@@ -25,7 +25,7 @@ install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples/ DESTINATION ${own_folder}/Exam
 if(NOT KVX_VENDOR_PLATFORM)
     install(TARGETS IviCShared IviConfigServer visa RUNTIME DESTINATION ${own_folder}/Platform/${width})
     install(TARGETS kvx2800t-store kvx2800t-virtual RUNTIME DESTINATION ${own_folder}/Platform/${width})
-    install(DIRECTORY ${PROJECT_SOURCE_DIR}/platform/include/ DESTINATION ${own_folder}/Platform/Include)
+    install(DIRECTORY ${PROJECT_SOURCE_DIR}/platform/include/ ${PROJECT_SOURCE_DIR}/visa/include/ DESTINATION ${own_folder}/Platform/Include)
 endif()
 
 set(CPACK_GENERATOR ZIP)

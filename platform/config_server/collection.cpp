@@ -1,11 +1,10 @@
-#include "collection.h"
+#include "platform/config_server/collection.h"
 
 #include <algorithm>
 #include <array>
 
 namespace config_server
 {
-
 namespace
 {
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "element_index.h"
-#include "kinds.h"
+#include "platform/config_server/element_index.h"
+#include "platform/config_server/kinds.h"
 
 #include <IviConfigServer.h>
 

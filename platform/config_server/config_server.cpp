@@ -1,8 +1,8 @@
-#include "handle_table.h"
-#include "locations.h"
-#include "properties.h"
-#include "string_output.h"
-#include "values.h"
+#include "platform/common/string_output.h"
+#include "platform/config_server/handle_table.h"
+#include "platform/config_server/locations.h"
+#include "platform/config_server/properties.h"
+#include "platform/config_server/values.h"
 
 #include <IviCShared.h>
 #include <IviConfigServer.h>
@@ -77,7 +77,7 @@ ViStatus recorded(const Call& call, ViStatus status) noexcept
     return status;
 }
 
-template <typename Action>
+template <class Action>
 ViStatus caught(Action action) noexcept
 {
     try {
@@ -92,7 +92,7 @@ ViStatus caught(Action action) noexcept
 }
 
 /// The frame of every function: no exception leaves the library, and every failure is logged.
-template <typename Action>
+template <class Action>
 ViStatus run(std::string_view function, Action action) noexcept
 {
     Call call{function};
@@ -109,7 +109,7 @@ struct Target
 };
 
 /// The frame of such functions: action(object, call).
-template <typename Action>
+template <class Action>
 ViStatus runOn(const Target& target, Action action) noexcept
 {
     return run(target.function, [&](Call& call) {
@@ -119,7 +119,7 @@ ViStatus runOn(const Target& target, Action action) noexcept
 }
 
 /// The frame of functions that hand out a handle: action(object, call, result). Null is stored unless it makes one.
-template <typename Action>
+template <class Action>
 ViStatus handOut(const Target& target, IviConfigHandle* result, Action action) noexcept
 {
     if (result != nullptr)
@@ -206,7 +206,7 @@ ViStatus getText(const Target& target, ViInt32 propertyId, ViInt32 bufferSize, V
 }
 
 /// Reads a property that is no text. The file has been checked, so parsing it again does not fail.
-template <typename Value>
+template <class Value>
 ViStatus getValue(const Target& target, ViInt32 propertyId, PropertyType type,
                   std::optional<Value> (*parse)(std::string_view), Value* value) noexcept
 {

@@ -1,10 +1,9 @@
-#include "element.h"
+#include "platform/config_server/element.h"
 
 #include <algorithm>
 
 namespace config_server
 {
-
 namespace
 {
 

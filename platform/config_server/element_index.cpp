@@ -1,4 +1,4 @@
-#include "element_index.h"
+#include "platform/config_server/element_index.h"
 
 #include <algorithm>
 

@@ -1,4 +1,4 @@
-#include "files.h"
+#include "platform/config_server/files.h"
 
 #include <filesystem>
 #include <fstream>

@@ -1,13 +1,12 @@
-#include "files.h"
+#include "platform/config_server/files.h"
 
-#include "windows_handle.h"
-#include "windows_text.h"
+#include "platform/common/windows_handle.h"
+#include "platform/common/windows_text.h"
 
 #include <algorithm>
 
 namespace config_server
 {
-
 namespace
 {
 

@@ -1,4 +1,4 @@
-#include "handle_table.h"
+#include "platform/config_server/handle_table.h"
 
 #include <bit>
 

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "collection.h"
-#include "element.h"
-#include "kinds.h"
-#include "store.h"
+#include "platform/config_server/collection.h"
+#include "platform/config_server/element.h"
+#include "platform/config_server/kinds.h"
+#include "platform/config_server/store.h"
 
 #include <IviConfigServer.h>
 

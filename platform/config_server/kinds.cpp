@@ -1,11 +1,10 @@
-#include "kinds.h"
+#include "platform/config_server/kinds.h"
 
 #include <algorithm>
 #include <array>
 
 namespace config_server
 {
-
 namespace
 {
 

@@ -1,13 +1,12 @@
-#include "locations.h"
+#include "platform/config_server/locations.h"
 
-#include "files.h"
+#include "platform/config_server/files.h"
 
 #include <cstdlib>
 #include <utility>
 
 namespace config_server
 {
-
 namespace
 {
 

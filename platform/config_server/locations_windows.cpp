@@ -1,7 +1,7 @@
-#include "locations.h"
+#include "platform/config_server/locations.h"
 
-#include "files.h"
-#include "windows_text.h"
+#include "platform/common/windows_text.h"
+#include "platform/config_server/files.h"
 
 #include <windows.h>
 
@@ -14,7 +14,6 @@
 
 namespace config_server
 {
-
 namespace
 {
 

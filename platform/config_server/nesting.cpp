@@ -1,11 +1,10 @@
-#include "nesting.h"
+#include "platform/config_server/nesting.h"
 
 #include <algorithm>
 #include <array>
 
 namespace config_server
 {
-
 namespace
 {
 

@@ -1,13 +1,12 @@
-#include "properties.h"
+#include "platform/config_server/properties.h"
 
-#include "values.h"
+#include "platform/config_server/values.h"
 
 #include <algorithm>
 #include <array>
 
 namespace config_server
 {
-
 namespace
 {
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "element.h"
-#include "kinds.h"
+#include "platform/config_server/element.h"
+#include "platform/config_server/kinds.h"
 
 #include <IviConfigServer.h>
 

@@ -1,16 +1,15 @@
-#include "store.h"
+#include "platform/config_server/store.h"
 
-#include "collection.h"
-#include "files.h"
-#include "locations.h"
-#include "properties.h"
-#include "store_file.h"
+#include "platform/config_server/collection.h"
+#include "platform/config_server/files.h"
+#include "platform/config_server/locations.h"
+#include "platform/config_server/properties.h"
+#include "platform/config_server/store_file.h"
 
 #include <utility>
 
 namespace config_server
 {
-
 namespace
 {
 

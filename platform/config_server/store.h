@@ -1,7 +1,7 @@
 #pragma once
 
-#include "element.h"
-#include "element_index.h"
+#include "platform/config_server/element.h"
+#include "platform/config_server/element_index.h"
 
 #include <IviConfigServer.h>
 

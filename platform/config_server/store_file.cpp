@@ -1,9 +1,9 @@
-#include "store_file.h"
+#include "platform/config_server/store_file.h"
 
-#include "element_index.h"
-#include "files.h"
-#include "nesting.h"
-#include "properties.h"
+#include "platform/config_server/element_index.h"
+#include "platform/config_server/files.h"
+#include "platform/config_server/nesting.h"
+#include "platform/config_server/properties.h"
 
 #include <rapidxml/rapidxml.hpp>
 
@@ -11,7 +11,6 @@
 
 namespace config_server
 {
-
 namespace
 {
 

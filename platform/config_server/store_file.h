@@ -1,6 +1,6 @@
 #pragma once
 
-#include "element.h"
+#include "platform/config_server/element.h"
 
 #include <string>
 #include <string_view>

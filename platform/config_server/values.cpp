@@ -1,4 +1,4 @@
-#include "values.h"
+#include "platform/config_server/values.h"
 
 #include <algorithm>
 #include <array>
@@ -7,7 +7,6 @@
 
 namespace config_server
 {
-
 namespace
 {
 
@@ -26,7 +25,7 @@ constexpr std::array<FlagWord, 5> kFlagWords{{
 }};
 
 /// A number that takes up the whole text.
-template <typename Number>
+template <class Number>
 std::optional<Number> parseNumber(std::string_view text)
 {
     Number number{};

@@ -1,13 +1,12 @@
-#include "error_record.h"
+#include "platform/ivi_c_shared/error_record.h"
 
-#include "string_output.h"
+#include "platform/common/string_output.h"
 
 #include <new>
 #include <stdexcept>
 
 namespace ivi_c_shared
 {
-
 namespace
 {
 

@@ -1,5 +1,5 @@
-#include "error_record.h"
-#include "session_table.h"
+#include "platform/ivi_c_shared/error_record.h"
+#include "platform/ivi_c_shared/session_table.h"
 
 #include <IviCShared.h>
 
@@ -36,8 +36,6 @@ public:
     ~ThreadError() { currentError = nullptr; }
     ThreadError(const ThreadError&) = delete;
     ThreadError& operator=(const ThreadError&) = delete;
-    ThreadError(ThreadError&&) = delete;
-    ThreadError& operator=(ThreadError&&) = delete;
 
     /// The calling thread's record. Null once the thread's variables are gone, which on the main thread is before the
     /// static clean-up of the drivers.
@@ -52,7 +50,7 @@ private:
 };
 
 /// Runs action(record) on the thread's record; on an empty one that nobody keeps when the thread has none any more.
-template <typename Action>
+template <class Action>
 ViStatus withThreadError(Action action)
 {
     ErrorRecord unkept;
@@ -61,7 +59,7 @@ ViStatus withThreadError(Action action)
 }
 
 /// The frame of every function: no exception leaves the library.
-template <typename Action>
+template <class Action>
 ViStatus guarded(Action action) noexcept
 {
     try {

@@ -1,11 +1,11 @@
-#include "session_table.h"
+#include "platform/ivi_c_shared/session_table.h"
 
 #include <limits>
 
 namespace ivi_c_shared
 {
 
-template <typename Action>
+template <class Action>
 ViStatus SessionTable::withSession(ViSession handle, Action action)
 {
     Shard& shard = shardOf(handle);

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "data_cache.h"
-#include "error_record.h"
+#include "platform/ivi_c_shared/data_cache.h"
+#include "platform/ivi_c_shared/error_record.h"
 
 #include <IviCShared.h>
 
@@ -69,7 +69,7 @@ private:
     Shard& shardOf(ViSession handle) { return shards_[handle % kShardCount]; }
 
     /// Runs action(session) under the shard's mutex.
-    template <typename Action>
+    template <class Action>
     ViStatus withSession(ViSession handle, Action action);
 
     static ViStatus waitForLock(std::unique_lock<std::mutex>& guard, const std::shared_ptr<Session>& session);

@@ -1,6 +1,6 @@
-#include "api_fixture.h"
-#include "attribute_reading.h"
-#include "attribute_rows.h"
+#include "tests/support/driver/api_fixture.h"
+#include "tests/support/driver/attribute_reading.h"
+#include "tests/support/driver/attribute_rows.h"
 
 #include <algorithm>
 

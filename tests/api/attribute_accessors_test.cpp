@@ -1,8 +1,8 @@
-#include "session_fixture.h"
+#include "tests/support/driver/session_fixture.h"
 
 #include "api/attribute_accessors.h"
 #include "api/attribute_table.h"
-#include "attribute_rows.h"
+#include "tests/support/driver/attribute_rows.h"
 
 #include <algorithm>
 #include <limits>

@@ -1,4 +1,4 @@
-#include "exported_calls.h"
+#include "tests/support/driver/exported_calls.h"
 
 #include <algorithm>
 #include <thread>

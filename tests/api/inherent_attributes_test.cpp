@@ -1,5 +1,5 @@
-#include "api_fixture.h"
-#include "attribute_rows.h"
+#include "tests/support/driver/api_fixture.h"
+#include "tests/support/driver/attribute_rows.h"
 
 #include <algorithm>
 #include <initializer_list>

@@ -1,4 +1,4 @@
-#include "api_fixture.h"
+#include "tests/support/driver/api_fixture.h"
 
 // Init with one platform call failing, again and again with the next one, until none is left.
 

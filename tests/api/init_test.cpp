@@ -1,4 +1,4 @@
-#include "session_fixture.h"
+#include "tests/support/driver/session_fixture.h"
 
 namespace
 {

@@ -1,4 +1,4 @@
-#include "exported_calls.h"
+#include "tests/support/driver/exported_calls.h"
 
 // Every exported function with one platform call failing, again and again with the next one, until none is left. Init
 // has a test of its own.

@@ -1,5 +1,5 @@
-#include "api_fixture.h"
-#include "channel_limits.h"
+#include "tests/support/driver/api_fixture.h"
+#include "tests/support/driver/channel_limits.h"
 
 #include <cmath>
 #include <initializer_list>

@@ -1,6 +1,6 @@
-#include "session_fixture.h"
+#include "tests/support/driver/session_fixture.h"
 
-#include "runtime/scripted_clock.h"
+#include "tests/support/driver/scripted_clock.h"
 
 // What exported functions make of statuses that no connection gives.
 

@@ -1,4 +1,4 @@
-#include "api_fixture.h"
+#include "tests/support/driver/api_fixture.h"
 
 namespace
 {

@@ -1,7 +1,7 @@
-#include "driver_end_to_end.h"
-#include "open_descriptors.h"
+#include "tests/support/driver/driver_end_to_end.h"
+#include "tests/support/open_descriptors.h"
 
-#include "api/attribute_reading.h"
+#include "tests/support/driver/attribute_reading.h"
 
 #include <map>
 

@@ -1,4 +1,4 @@
-#include "driver_end_to_end.h"
+#include "tests/support/driver/driver_end_to_end.h"
 
 #include <stdexcept>
 #include <thread>

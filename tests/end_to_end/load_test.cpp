@@ -1,4 +1,4 @@
-#include "loaded_driver.h"
+#include "tests/support/driver/loaded_driver.h"
 
 #include <stdexcept>
 

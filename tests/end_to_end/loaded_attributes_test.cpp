@@ -1,6 +1,6 @@
-#include "loaded_driver.h"
+#include "tests/support/driver/loaded_driver.h"
 
-#include "api/attribute_rows.h"
+#include "tests/support/driver/attribute_rows.h"
 
 #include <algorithm>
 

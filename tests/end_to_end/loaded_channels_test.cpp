@@ -1,6 +1,6 @@
-#include "loaded_driver.h"
+#include "tests/support/driver/loaded_driver.h"
 
-#include "api/channel_limits.h"
+#include "tests/support/driver/channel_limits.h"
 
 namespace kvxtest
 {

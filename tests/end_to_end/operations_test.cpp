@@ -2,8 +2,8 @@
 
 #include "instrument/kvx2800t.h"
 
-#include "support/operation_table.h"
-#include "support/virtual_instrument_process.h"
+#include "tests/support/driver/operation_table.h"
+#include "tests/support/processes/virtual_instrument_process.h"
 
 #include <algorithm>
 #include <map>

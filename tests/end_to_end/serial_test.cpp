@@ -1,7 +1,7 @@
-#include "driver_end_to_end.h"
-#include "serial_device.h"
+#include "tests/support/driver/driver_end_to_end.h"
+#include "tests/support/processes/serial_device.h"
 
-#include "support/environment.h"
+#include "tests/support/environment.h"
 
 namespace kvxtest
 {

@@ -1,6 +1,6 @@
-#include "driver_end_to_end.h"
-#include "held_allocations.h"
-#include "open_descriptors.h"
+#include "tests/support/driver/driver_end_to_end.h"
+#include "tests/support/held_allocations.h"
+#include "tests/support/open_descriptors.h"
 
 #include <atomic>
 #include <thread>

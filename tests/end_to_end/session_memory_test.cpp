@@ -1,4 +1,4 @@
-#include "session_memory.h"
+#include "tests/support/driver/session_memory.h"
 
 #include <gtest/gtest.h>
 

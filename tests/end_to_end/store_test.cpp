@@ -1,7 +1,7 @@
-#include "driver_end_to_end.h"
-#include "platform/generated_store.h"
-#include "platform/store_fixture.h"
-#include "store_tool/store_tool_process.h"
+#include "tests/support/driver/driver_end_to_end.h"
+#include "tests/support/platform/generated_store.h"
+#include "tests/support/platform/store_fixture.h"
+#include "tests/support/store/store_tool_process.h"
 
 #include <gmock/gmock.h>
 

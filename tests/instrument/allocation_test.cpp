@@ -2,7 +2,7 @@
 
 #include "instrument/kvx2800t.h"
 
-#include "allocation_count.h"
+#include "tests/support/allocation_count.h"
 
 #include <cstring>
 #include <memory>

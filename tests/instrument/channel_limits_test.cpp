@@ -1,6 +1,6 @@
 #include "instrument/channel_limits.h"
 
-#include "thrown.h"
+#include "tests/support/thrown.h"
 
 #include <limits>
 #include <stdexcept>

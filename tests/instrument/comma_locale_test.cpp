@@ -1,12 +1,12 @@
-#include "comma_locale.h"
+#include "tests/support/comma_locale.h"
 
+#include "base/option_grammar.h"
 #include "instrument/command_text.h"
 #include "instrument/kvx2800t.h"
-#include "instrument/option_grammar.h"
 #include "instrument/reply_parsing.h"
-#include "operation_table.h"
-#include "scripted_connection.h"
-#include "thrown.h"
+#include "tests/support/driver/operation_table.h"
+#include "tests/support/driver/scripted_connection.h"
+#include "tests/support/thrown.h"
 
 #include <cstdio>
 #include <memory>

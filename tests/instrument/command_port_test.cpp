@@ -1,8 +1,8 @@
 #include "instrument/command_port.h"
 
-#include "scripted_connection.h"
-#include "support/platform_fakes.h"
-#include "thrown.h"
+#include "tests/support/driver/scripted_connection.h"
+#include "tests/support/fakes/platform_fakes.h"
+#include "tests/support/thrown.h"
 
 #include <functional>
 #include <memory>

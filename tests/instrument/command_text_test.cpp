@@ -1,6 +1,6 @@
 #include "instrument/command_text.h"
 
-#include "thrown.h"
+#include "tests/support/thrown.h"
 
 #include <cmath>
 #include <cstdint>

@@ -1,6 +1,6 @@
 #include "instrument/keyword_tables.h"
 
-#include "thrown.h"
+#include "tests/support/thrown.h"
 
 #include <algorithm>
 #include <cctype>

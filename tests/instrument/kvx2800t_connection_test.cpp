@@ -1,6 +1,6 @@
 #include "instrument/kvx2800t.h"
 
-#include "support/platform_fakes.h"
+#include "tests/support/fakes/platform_fakes.h"
 
 #include <memory>
 #include <string>

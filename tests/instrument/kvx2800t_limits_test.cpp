@@ -1,7 +1,7 @@
 #include "instrument/kvx2800t.h"
 
-#include "scripted_connection.h"
-#include "thrown.h"
+#include "tests/support/driver/scripted_connection.h"
+#include "tests/support/thrown.h"
 
 #include <cmath>
 #include <limits>

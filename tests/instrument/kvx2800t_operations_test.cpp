@@ -1,9 +1,9 @@
 #include "instrument/kvx2800t.h"
 
-#include "operation_table.h"
-#include "reply_oracle.h"
-#include "scripted_connection.h"
-#include "thrown.h"
+#include "tests/support/driver/operation_table.h"
+#include "tests/support/driver/reply_oracle.h"
+#include "tests/support/driver/scripted_connection.h"
+#include "tests/support/thrown.h"
 
 #include <algorithm>
 #include <cstddef>

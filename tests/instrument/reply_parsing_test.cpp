@@ -1,6 +1,6 @@
 #include "instrument/reply_parsing.h"
 
-#include "thrown.h"
+#include "tests/support/thrown.h"
 
 #include <cerrno>
 #include <cmath>

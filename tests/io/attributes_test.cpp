@@ -1,7 +1,7 @@
 // What each kind of connection sets on a session that was just opened: the calls, their arguments and their order.
 
 #include "io/visa_io.h"
-#include "support/platform_fakes.h"
+#include "tests/support/fakes/platform_fakes.h"
 
 #include <memory>
 #include <string>

@@ -1,5 +1,5 @@
 #include "io/visa_io.h"
-#include "support/platform_fakes.h"
+#include "tests/support/fakes/platform_fakes.h"
 
 #include <memory>
 #include <optional>

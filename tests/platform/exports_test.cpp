@@ -1,4 +1,4 @@
-#include "library_exports.h"
+#include "tests/support/platform/library_exports.h"
 
 #include <visatype.h>
 

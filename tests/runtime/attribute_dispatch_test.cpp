@@ -1,6 +1,6 @@
 #include "runtime/attribute_dispatch.h"
 
-#include "runtime_fixture.h"
+#include "tests/support/driver/runtime_fixture.h"
 
 #include <array>
 #include <cstring>

@@ -1,4 +1,4 @@
-#include "configuration_store_fixture.h"
+#include "tests/support/driver/configuration_store_fixture.h"
 
 #include <ostream>
 

@@ -1,4 +1,4 @@
-#include "runtime_fixture.h"
+#include "tests/support/driver/runtime_fixture.h"
 
 #include <map>
 #include <vector>

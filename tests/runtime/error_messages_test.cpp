@@ -1,6 +1,6 @@
 #include "runtime/error_messages.h"
 
-#include "runtime_fixture.h"
+#include "tests/support/driver/runtime_fixture.h"
 
 #include <algorithm>
 #include <array>

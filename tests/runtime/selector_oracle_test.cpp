@@ -1,5 +1,5 @@
-#include "reference_selector.h"
 #include "runtime/selector_grammar.h"
+#include "tests/support/driver/reference_selector.h"
 
 #include <rapidcheck/gtest.h>
 

@@ -1,6 +1,6 @@
 #include "runtime/selector.h"
 
-#include "selector_fixture.h"
+#include "tests/support/driver/selector_fixture.h"
 
 namespace
 {

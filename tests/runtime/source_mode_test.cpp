@@ -1,7 +1,7 @@
 #include "runtime/source_mode.h"
 
-#include "runtime_fixture.h"
-#include "scripted_clock.h"
+#include "tests/support/driver/runtime_fixture.h"
+#include "tests/support/driver/scripted_clock.h"
 
 namespace
 {

@@ -1,6 +1,6 @@
 #include "runtime/tick_clock.h"
 
-#include "scripted_clock.h"
+#include "tests/support/driver/scripted_clock.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "selector_fixture.h"
+#include "tests/support/driver/selector_fixture.h"
 
 #include <limits>
 

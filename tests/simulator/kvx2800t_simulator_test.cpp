@@ -2,9 +2,9 @@
 
 #include "simulator/kvx2800t_simulator.h"
 
-#include "instrument/thrown.h"
-#include "support/operation_table.h"
-#include "support/platform_fakes.h"
+#include "tests/support/driver/operation_table.h"
+#include "tests/support/fakes/platform_fakes.h"
+#include "tests/support/thrown.h"
 
 #include <algorithm>
 #include <array>

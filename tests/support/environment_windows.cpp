@@ -1,12 +1,11 @@
-#include "environment.h"
+#include "tests/support/environment.h"
 
-#include "utf8_path.h"
+#include "tests/support/utf8_path.h"
 
 #include <windows.h>
 
 namespace kvxtest
 {
-
 namespace
 {
 

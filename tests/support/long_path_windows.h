@@ -1,6 +1,6 @@
 #pragma once
 
-#include "utf8_path.h"
+#include "tests/support/utf8_path.h"
 
 #include <windows.h>
 
@@ -30,9 +30,7 @@ public:
             RemoveDirectoryW(path.c_str());
     }
     LongPath(const LongPath&) = delete;
-    LongPath(LongPath&&) = delete;
     LongPath& operator=(const LongPath&) = delete;
-    LongPath& operator=(LongPath&&) = delete;
 
     /// In UTF-8, as a user writes it.
     std::string text() const { return toUtf8(path_).substr(4); }

@@ -16,9 +16,7 @@ public:
     ~SharedLibrary();
 
     SharedLibrary(const SharedLibrary&) = delete;
-    SharedLibrary(SharedLibrary&&) = delete;
     SharedLibrary& operator=(const SharedLibrary&) = delete;
-    SharedLibrary& operator=(SharedLibrary&&) = delete;
 
     /// An exported function. Throws std::runtime_error when the library has none of that name.
     template <class Function>

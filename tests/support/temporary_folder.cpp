@@ -1,6 +1,6 @@
-#include "temporary_folder.h"
+#include "tests/support/temporary_folder.h"
 
-#include "utf8_path.h"
+#include "tests/support/utf8_path.h"
 
 #include <iterator>
 #include <random>

@@ -14,9 +14,7 @@ public:
     TemporaryFolder();
     ~TemporaryFolder();
     TemporaryFolder(const TemporaryFolder&) = delete;
-    TemporaryFolder(TemporaryFolder&&) = delete;
     TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-    TemporaryFolder& operator=(TemporaryFolder&&) = delete;
 
     const std::filesystem::path& path() const { return path_; }
 

@@ -1,4 +1,4 @@
-#include "virtual_instrument_process.h"
+#include "tests/support/processes/virtual_instrument_process.h"
 
 #include <asio.hpp>
 #include <chrono>

@@ -1,5 +1,5 @@
-#include "child_process.h"
-#include "line_client.h"
+#include "tests/support/processes/child_process.h"
+#include "tests/support/processes/line_client.h"
 
 #include <gtest/gtest.h>
 

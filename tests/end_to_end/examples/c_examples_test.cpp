@@ -1,6 +1,6 @@
-#include "finished_program.h"
+#include "tests/support/processes/finished_program.h"
 
-#include "support/virtual_instrument_process.h"
+#include "tests/support/processes/virtual_instrument_process.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
-#include "finished_program.h"
-#include "store_file.h"
+#include "tests/support/platform/store_file.h"
+#include "tests/support/processes/finished_program.h"
 
-#include "support/virtual_instrument_process.h"
+#include "tests/support/processes/virtual_instrument_process.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
-#include "finished_program.h"
+#include "tests/support/processes/finished_program.h"
 
-#include "../driver_end_to_end.h"
-#include "platform/store_fixture.h"
+#include "tests/support/driver/driver_end_to_end.h"
+#include "tests/support/platform/store_fixture.h"
 
 #include <kvx2800t.hpp>
 

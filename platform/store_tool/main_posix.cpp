@@ -1,8 +1,0 @@
-#include "tool.h"
-
-#include <iostream>
-
-int main(int argumentCount, char** arguments)
-{
-    return store_tool::runTool(argumentCount, arguments, std::cout, std::cerr);
-}

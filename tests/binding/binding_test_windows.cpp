@@ -1,0 +1,167 @@
+#include "tests/support/driver/recorded_error.h"
+#include "tests/support/held_allocations.h"
+#include "tests/support/open_descriptors.h"
+
+#include "tests/support/processes/virtual_instrument_process.h"
+#include "tests/support/shared_library.h"
+
+#include <KVX2800T.h>
+
+#include <gtest/gtest.h>
+
+#include <windows.h>
+
+#include <array>
+#include <cstddef>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+// What is peculiar to the driver as a DLL: loading and unloading, the search for the platform's libraries, the version
+// resource. The folder of this program has none of the platform's libraries.
+
+namespace kvxtest
+{
+namespace
+{
+
+namespace fs = std::filesystem;
+
+constexpr ViStatus kLibraryMissing = status(0xBFFF009E);
+
+/// A folder with a copy of the driver, to which libraries of the platform are added. It is emptied first and not at the
+/// end: libraries in use cannot be removed.
+class DriverFolder
+{
+public:
+    explicit DriverFolder(const wchar_t* name) : folder_(fs::path(KVX_FOLDER) / name)
+    {
+        fs::remove_all(folder_);
+        fs::create_directory(folder_);
+        fs::copy_file(KVX_DRIVER_FILE, driver());
+    }
+
+    fs::path driver() const { return folder_ / fs::path(KVX_DRIVER_FILE).filename(); }
+
+    void add(const char* library, const char* as = nullptr) const
+    {
+        fs::copy_file(library, folder_ / (as == nullptr ? fs::path(library).filename() : fs::path(as)));
+    }
+
+private:
+    const fs::path folder_;
+};
+
+std::string utf8(const fs::path& path)
+{
+    const std::u8string text = path.u8string();
+    return {text.begin(), text.end()};
+}
+
+TEST(DriverDll, LooksForThePlatformsLibrariesBesideItselfAndOnEachCallThatNeedsThem)
+{
+    const VirtualInstrumentProcess instrument;
+    const DriverFolder folder(L"from none to all \u03A9\u65E5");
+    const SharedLibrary library(utf8(folder.driver()));
+    auto* const init = library.find<decltype(KVX2800T_InitWithOptions)>("KVX2800T_InitWithOptions");
+    auto* const close = library.find<decltype(KVX2800T_close)>("KVX2800T_close");
+    auto* const getError = library.find<decltype(KVX2800T_GetError)>("KVX2800T_GetError");
+    std::string resource = instrument.resource();
+    ViSession vi = 4711;
+
+    EXPECT_EQ(init(resource.data(), VI_FALSE, VI_FALSE, "Simulate=1", &vi), kLibraryMissing);
+    EXPECT_EQ(vi, ViSession{VI_NULL});
+    EXPECT_EQ(close(vi), status(0xBFFA1190));
+    EXPECT_EQ(getError(VI_NULL, nullptr, 0, nullptr), kLibraryMissing);
+
+    folder.add(KVX_SESSION_SERVICE);
+    EXPECT_EQ(init(resource.data(), VI_FALSE, VI_FALSE, "Simulate=1", &vi), kLibraryMissing);
+    EXPECT_EQ(vi, ViSession{VI_NULL});
+    ViStatus code = VI_SUCCESS;
+    EXPECT_EQ(getError(VI_NULL, &code, -1, std::array<ViChar, 256>().data()), VI_SUCCESS);
+    EXPECT_EQ(code, kLibraryMissing);
+
+    folder.add(KVX_CONFIG_SERVER, KVX_OTHER_CONFIG_SERVER_NAME);
+    EXPECT_EQ(init(resource.data(), VI_FALSE, VI_FALSE, "", &vi), KVX2800T_ERROR_IO);
+    EXPECT_EQ(vi, ViSession{VI_NULL});
+    ASSERT_EQ(init(resource.data(), VI_FALSE, VI_FALSE, "Simulate=1", &vi), VI_SUCCESS);
+    EXPECT_EQ(close(vi), VI_SUCCESS);
+
+    folder.add(KVX_VISA);
+    ASSERT_EQ(init(resource.data(), VI_TRUE, VI_FALSE, "", &vi), VI_SUCCESS);
+    EXPECT_EQ(close(vi), VI_SUCCESS);
+}
+
+TEST(DriverDll, LoadingItAHundredTimesLeavesNothingBehind)
+{
+    const auto loadMany = [](int count) {
+        for (int i = 0; i < count; ++i)
+            const SharedLibrary library(KVX_DRIVER_FILE);
+    };
+    loadMany(10);
+    const std::size_t descriptors = openDescriptors();
+    const std::size_t allocations = heldAllocations();
+    const DWORD threadLocal = TlsAlloc();
+    TlsFree(threadLocal);
+    loadMany(100);
+    EXPECT_EQ(openDescriptors(), descriptors);
+    EXPECT_EQ(heldAllocations(), allocations);
+    const DWORD nextThreadLocal = TlsAlloc();
+    TlsFree(nextThreadLocal);
+    EXPECT_EQ(nextThreadLocal, threadLocal);
+    EXPECT_EQ(GetModuleHandleW(fs::path(KVX_DRIVER_FILE).filename().c_str()), nullptr);
+}
+
+TEST(DriverDll, SimulatingWithItLeavesNothingBehindEither)
+{
+    const DriverFolder folder(L"simulating");
+    folder.add(KVX_SESSION_SERVICE);
+    folder.add(KVX_CONFIG_SERVER);
+    const auto simulateMany = [&folder](int count) {
+        for (int i = 0; i < count; ++i) {
+            const SharedLibrary library(utf8(folder.driver()));
+            ViSession vi = VI_NULL;
+            ViReal64 volts = 0.0;
+            char resource[] = "";
+            EXPECT_EQ(library.find<decltype(KVX2800T_InitWithOptions)>("KVX2800T_InitWithOptions")(
+                          resource, VI_FALSE, VI_FALSE, "Simulate=1", &vi),
+                      VI_SUCCESS);
+            EXPECT_EQ(library.find<decltype(KVX2800T_Measure)>("KVX2800T_Measure")(
+                          vi, "OutputChannel3", KVX2800T_VAL_MEASURE_VOLTAGE, &volts),
+                      VI_SUCCESS);
+            EXPECT_EQ(library.find<decltype(KVX2800T_close)>("KVX2800T_close")(vi), VI_SUCCESS);
+        }
+    };
+    // The session service makes a table for each of the first sessions.
+    simulateMany(100);
+    const std::size_t descriptors = openDescriptors();
+    const std::size_t allocations = heldAllocations();
+    simulateMany(100);
+    EXPECT_EQ(openDescriptors(), descriptors);
+    EXPECT_EQ(heldAllocations(), allocations);
+}
+
+/// A text of the version resource of the driver's file.
+std::wstring versionText(const std::wstring& name)
+{
+    const fs::path file = fs::path(KVX_DRIVER_FILE).make_preferred();
+    std::vector<std::byte> version(GetFileVersionInfoSizeW(file.c_str(), nullptr));
+    EXPECT_NE(GetFileVersionInfoW(file.c_str(), 0, static_cast<DWORD>(version.size()), version.data()), 0);
+    void* text = nullptr;
+    UINT size = 0;
+    const std::wstring key = L"\\StringFileInfo\\040904B0\\" + name;
+    EXPECT_NE(VerQueryValueW(version.data(), key.c_str(), &text, &size), 0);
+    return text == nullptr ? std::wstring() : static_cast<const wchar_t*>(text);
+}
+
+TEST(DriverDll, ItsVersionResourceHasTheDriversIdentity)
+{
+    EXPECT_EQ(versionText(L"CompanyName"), L"Tessaro Instruments");
+    EXPECT_EQ(versionText(L"FileDescription"), L"IVI-C Driver for KVX2800T");
+    EXPECT_EQ(versionText(L"FileVersion"), L"1.0.0.0");
+    EXPECT_EQ(versionText(L"ProductName"), L"KVX2800T");
+    EXPECT_EQ(versionText(L"OriginalFilename"), fs::path(KVX_DRIVER_FILE).filename().wstring());
+}
+
+} // namespace
+} // namespace kvxtest

@@ -1,8 +1,0 @@
-#include "held_allocations.h"
-
-#include "instrument/allocation_count.h"
-
-std::size_t kvxtest::heldAllocations()
-{
-    return liveAllocations();
-}

@@ -1,0 +1,266 @@
+#include "tests/support/store/store_tool_fixture.h"
+#include "tools/store/store_check.h"
+
+#include <gmock/gmock.h>
+
+#include <array>
+
+namespace
+{
+
+using namespace kvxtest;
+using namespace store_tool;
+using testing::Contains;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+/// The findings as LINE: PLACE: TEXT.
+std::vector<std::string> findings(const std::string& text)
+{
+    std::vector<std::string> texts;
+    for (const Finding& finding : check(StoreText(text)))
+        texts.push_back(std::to_string(finding.line) + ": " + finding.place + ": " + finding.text);
+    return texts;
+}
+
+/// The findings of the example store with one change.
+std::vector<std::string> findingsWith(const std::string& from, const std::string& to)
+{
+    return findings(replaced(exampleStore(), from, to));
+}
+
+std::string isNot(const std::string& value, const std::string& kind)
+{
+    return "'" + value + "' is not " + kind;
+}
+
+const std::string kSession = "DriverSessions/IviDriverSession 'KVX2800T'";
+const std::string kVirtual = kSession + "/VirtualNames/IviVirtualName ";
+
+TEST(StoreCheck, FindsNothingInSoundStores)
+{
+    EXPECT_THAT(findings(exampleStore()), IsEmpty());
+    EXPECT_THAT(findings(emptyStoreText()), IsEmpty());
+    EXPECT_THAT(findings("<IviConfigStore/>"), IsEmpty());
+}
+
+TEST(StoreCheck, FindsUnknownElements)
+{
+    EXPECT_THAT(findingsWith("<Cache>1</Cache>", "<Cash>1</Cash>"),
+                ElementsAre("51: " + kSession + "/Cash: is not known here"));
+    EXPECT_THAT(findingsWith("<PublishedAPIs>", "<Own><Own/></Own><PublishedAPIs>"),
+                ElementsAre("6: Own: is not known here"));
+    EXPECT_THAT(findingsWith("<Cache>1</Cache>", "<Cache>1<b/></Cache>"),
+                ElementsAre("51: " + kSession + "/Cache/b: is not known here"));
+    EXPECT_THAT(findingsWith("  <HardwareAssets>", "  <HardwareAssets><IviSession id='x'/>"),
+                ElementsAre("31: HardwareAssets/IviSession: is not known here"));
+}
+
+TEST(StoreCheck, FindsElementsOutOfOrderOrTwice)
+{
+    EXPECT_THAT(
+        findingsWith("<Cache>1</Cache><DriverSetup></DriverSetup>", "<DriverSetup></DriverSetup><Cache>1</Cache>"),
+        ElementsAre("51: " + kSession + "/Cache: stands behind <DriverSetup>"));
+    EXPECT_THAT(findingsWith("<Cache>1</Cache>", "<Cache>1</Cache><Cache>1</Cache>"),
+                ElementsAre("51: " + kSession + "/Cache: is there twice"));
+}
+
+TEST(StoreCheck, FindsIdsThatAreMissingEmptyOrTaken)
+{
+    EXPECT_THAT(findingsWith("id=\"p15\"", "id=\"p9\""),
+                ElementsAre("32: HardwareAssets/IviHardwareAsset 'Bench supply 1': has the id 'p9' of another element",
+                            "44: " + kSession + "/IviHardwareAsset: refers to 'p15', which is nowhere"));
+    EXPECT_THAT(findingsWith(" id=\"p26\"", ""),
+                ElementsAre("56: LogicalNames/IviLogicalName 'BenchSupply': has no id"));
+    EXPECT_THAT(findingsWith("id=\"p26\"", "id=\"\""),
+                ElementsAre("56: LogicalNames/IviLogicalName 'BenchSupply': has an empty id"));
+    EXPECT_THAT(findingsWith("id=\"p26\"", "id=\"p26\" idref=\"p16\""),
+                ElementsAre("56: LogicalNames/IviLogicalName 'BenchSupply': has an idref, but is no reference"));
+}
+
+TEST(StoreCheck, FindsReferencesToNothingOrToOtherKinds)
+{
+    EXPECT_THAT(findingsWith("<IviHardwareAsset idref=\"p15\"/>", "<IviHardwareAsset idref=\"p3\"/>"),
+                ElementsAre("44: " + kSession + "/IviHardwareAsset: refers to 'p3', which is <IviSoftwareModule>"));
+    EXPECT_THAT(findingsWith("<IviHardwareAsset idref=\"p15\"/>", "<IviHardwareAsset/>"),
+                ElementsAre("44: " + kSession + "/IviHardwareAsset: has no idref"));
+    EXPECT_THAT(findingsWith("<IviPublishedAPI idref=\"p1\"/>", "<IviPublishedAPI idref=\"p1\">x</IviPublishedAPI>"),
+                ElementsAre("29: SoftwareModules/IviSoftwareModule 'KVX2800T'/PublishedAPIs/IviPublishedAPI: is a "
+                            "reference, but has more than an idref"));
+    EXPECT_THAT(findingsWith("<PublishedAPIs>", "<Own idref='lost'/><PublishedAPIs>"),
+                Contains("6: Own: refers to 'lost', which is nowhere"));
+    EXPECT_THAT(findingsWith("<Description></Description><IviDriverSession idref=\"p16\"/>", ""),
+                ElementsAre("56: LogicalNames/IviLogicalName 'BenchSupply': refers to no session"));
+}
+
+TEST(StoreCheck, FindsDriverSessionsThatAreNotListed)
+{
+    EXPECT_THAT(findingsWith("<Sessions><IviDriverSession idref=\"p16\"/></Sessions>", "<Sessions/>"),
+                ElementsAre("35: " + kSession + ": is not listed in <Sessions>"));
+}
+
+TEST(StoreCheck, FindsBooleansThatAreNone)
+{
+    for (const std::string value : {"", "2", "TRUE", "01"}) {
+        EXPECT_THAT(findingsWith("<Cache>1<", "<Cache>" + value + "<"),
+                    ElementsAre("51: " + kSession + "/Cache: " + isNot(value, "a boolean")));
+    }
+    EXPECT_THAT(findingsWith("<Cache>1<", "<Cache> true <"), IsEmpty());
+}
+
+TEST(StoreCheck, FindsNumbersThatAreNone)
+{
+    const std::string settings =
+        kSession + "/DataComponents/IviStructure 'Configurable Initial Settings'/DataComponents/";
+    for (const std::string value : {"", "3.0", "2147483648", "x"})
+        EXPECT_THAT(findingsWith("<Value>3<", "<Value>" + value + "<"),
+                    ElementsAre("39: " + settings + "IviInteger 'Retries'/Value: " + isNot(value, "an integer")));
+    for (const std::string value : {"", "0,25", "inf", "1e999"})
+        EXPECT_THAT(findingsWith("<Value>0.25<", "<Value>" + value + "<"),
+                    ElementsAre("40: " + settings + "IviReal 'Settling Time'/Value: " + isNot(value, "a real number")));
+}
+
+TEST(StoreCheck, FindsWordsThatAreNone)
+{
+    EXPECT_THAT(findingsWith("<Type>String</Type>", "<Type>string</Type>"), IsEmpty());
+    EXPECT_THAT(
+        findings(replaced(exampleStore(), "<UsedInSession>Required<", "<UsedInSession>often<")),
+        ElementsAre("12: SoftwareModules/IviSoftwareModule 'KVX2800T'/DataComponents/IviStructure 'Configurable "
+                    "Initial Settings'/UsedInSession: 'often' is not Required, Optional or None"));
+    EXPECT_THAT(
+        findings(replaced(exampleStore(), "<Type>Structure<", "<Type>String<")),
+        ElementsAre("12: SoftwareModules/IviSoftwareModule 'KVX2800T'/DataComponents/IviStructure 'Configurable "
+                    "Initial Settings'/Type: 'String' is not Structure"));
+}
+
+TEST(StoreCheck, FindsSettingsWithoutTheirTypeOrValue)
+{
+    const std::string inSession = kSession + "/DataComponents/IviStructure 'Configurable Initial Settings'";
+    const std::string inModule =
+        "SoftwareModules/IviSoftwareModule 'KVX2800T'/DataComponents/IviStructure 'Configurable Initial Settings'";
+    const std::array<std::pair<const char*, std::string>, 5> findingsWithout{{
+        {"<Type>Structure</Type>", "12: " + inModule + ": has no <Type>"},
+        {"<Type>String</Type>", "17: " + inModule + "/DataComponents/IviString 'Station': has no <Type>"},
+        {"<Value>1</Value>", "38: " + inSession + "/DataComponents/IviBoolean 'Trace': has no <Value>"},
+        {"<Value>3</Value>", "39: " + inSession + "/DataComponents/IviInteger 'Retries': has no <Value>"},
+        {"<Value>0.25</Value>", "40: " + inSession + "/DataComponents/IviReal 'Settling Time': has no <Value>"},
+    }};
+    for (const auto& [element, finding] : findingsWithout)
+        EXPECT_THAT(findingsWith(element, ""), ElementsAre(finding));
+    EXPECT_THAT(findingsWith("<Value>line 4</Value>", ""), IsEmpty());
+}
+
+TEST(StoreCheck, FindsTextThatIsNone)
+{
+    EXPECT_THAT(findingsWith("<Description>Example store<", "<Description>Exa&#0;mple<"),
+                ElementsAre("3: Description: has control characters or is not UTF-8"));
+    EXPECT_THAT(findingsWith("<Description>Example store<", "<Description>two\n\tlines<"), IsEmpty());
+    EXPECT_THAT(findingsWith("<LogicalNames>", "<LogicalNames>text"),
+                ElementsAre("55: LogicalNames: has text between its elements"));
+}
+
+TEST(StoreCheck, FindsNamesThatAreMissingEmptyOrTaken)
+{
+    EXPECT_THAT(findingsWith("<Name>BenchSupply</Name>", ""),
+                ElementsAre("56: LogicalNames/IviLogicalName: has no <Name>"));
+    EXPECT_THAT(findingsWith("<Name>BenchSupply</Name>", "<Name> </Name>"),
+                ElementsAre("56: LogicalNames/IviLogicalName ''/Name: is empty"));
+    EXPECT_THAT(findingsWith("<Name>Pair</Name>", "<Name>Core</Name>"),
+                ElementsAre("47: " + kVirtual + "'Core': has the name 'Core' of another one"));
+    EXPECT_THAT(findingsWith("<Sessions>", "<Sessions><IviSession id='x'><Name>KVX2800T</Name></IviSession>"),
+                ElementsAre("54: Sessions/IviDriverSession: has the name 'KVX2800T' of another one"));
+    EXPECT_THAT(findingsWith("<Name>IviDCPwr</Name>", "<Name>IviDriver</Name>"), IsEmpty());
+}
+
+TEST(StoreCheck, FindsEmptyDescriptors)
+{
+    EXPECT_THAT(findingsWith("TCPIP0::127.0.0.1::5025::SOCKET", ""),
+                ElementsAre("32: HardwareAssets/IviHardwareAsset 'Bench supply 1'/IOResourceDescriptor: is empty"));
+    EXPECT_THAT(findingsWith("<IOResourceDescriptor>TCPIP0::127.0.0.1::5025::SOCKET</IOResourceDescriptor>", ""),
+                ElementsAre("32: HardwareAssets/IviHardwareAsset 'Bench supply 1': has no <IOResourceDescriptor>"));
+}
+
+TEST(StoreCheck, FindsVirtualNamesThatSelectorsCannotHave)
+{
+    EXPECT_THAT(findingsWith("<Name>Core</Name>", "<Name>Co:re</Name>"),
+                ElementsAre("46: " + kVirtual + "'Co:re'/Name: 'Co:re' has characters other than a-z A-Z 0-9 ! _"));
+    EXPECT_THAT(findingsWith("<Name>Core</Name>", "<Name></Name>"),
+                ElementsAre("46: " + kVirtual + "''/Name: is empty"));
+    EXPECT_THAT(findingsWith("<MapTo>OutputChannel1</MapTo>", "<MapTo></MapTo>"),
+                ElementsAre("46: " + kVirtual + "'Core'/MapTo: is empty"));
+    EXPECT_THAT(findingsWith("<Name>Rail</Name><MapTo>OutputChannel</MapTo>", "<Name></Name><MapTo></MapTo>"),
+                IsEmpty());
+}
+
+TEST(StoreCheck, FindsVirtualNamesThatArePhysicalNames)
+{
+    EXPECT_THAT(
+        findingsWith("<Name>Core</Name>", "<Name>OutputChannel3</Name>"),
+        ElementsAre("46: " + kVirtual + "'OutputChannel3': stands for 'OutputChannel3', which is a physical name"));
+    EXPECT_THAT(
+        findingsWith("<Name>Rail</Name>", "<Name>OutputChannel</Name>"),
+        ElementsAre("48: " + kVirtual + "'OutputChannel': stands for 'OutputChannel1', which is a physical name"));
+    EXPECT_THAT(findingsWith("<Name>Core</Name>", "<Name>OutputChannel03</Name>"), IsEmpty());
+    const std::string ranged = replaced(
+        exampleStore(), "<Name>OutputChannel6</Name><RCName>OutputChannel</RCName><PhysicalNames/><PhysicalRanges/>",
+        "<Name>Rail</Name><RCName>OutputChannel</RCName><PhysicalNames/><PhysicalRanges><IviPhysicalRange id='r'>"
+        "<Name>r</Name><Max>9</Max><Min>3</Min></IviPhysicalRange></PhysicalRanges>");
+    EXPECT_THAT(findings(ranged),
+                ElementsAre("48: " + kVirtual + "'Rail': stands for 'Rail3', which is a physical name"));
+    EXPECT_THAT(findings(replaced(ranged, "<Min>3</Min>", "<Min>4</Min>")), IsEmpty());
+    EXPECT_THAT(
+        findings(replaced(replaced(ranged, "<Min>3</Min>", "<Min>4</Min>"), "<Name>Core</Name>", "<Name>Rail9</Name>")),
+        ElementsAre("46: " + kVirtual + "'Rail9': stands for 'Rail9', which is a physical name"));
+}
+
+TEST(StoreCheck, FindsRangesThatAreNone)
+{
+    const std::string range = kVirtual + "'Rail'/VirtualRanges/IviVirtualRange 'Rails 1-3'";
+    EXPECT_THAT(findingsWith("<Max>3</Max>", "<Max>0</Max>"),
+                ElementsAre("49: " + range + ": has a Min 1 above its Max 0"));
+    EXPECT_THAT(findingsWith("<Max>3</Max>", ""), ElementsAre("49: " + range + ": has no <Max>"));
+    EXPECT_THAT(findingsWith("<Min>1</Min>", "<Min>-1</Min>"),
+                ElementsAre("49: " + range + "/Min: '-1' is not an index"));
+    EXPECT_THAT(findingsWith("<StartingPhysicalIndex>2<", "<StartingPhysicalIndex>2147483646<"),
+                ElementsAre("49: " + range + ": ends behind the largest index"));
+    EXPECT_THAT(findingsWith("<StartingPhysicalIndex>2<", "<StartingPhysicalIndex>2147483645<"), IsEmpty());
+}
+
+TEST(StoreCheck, FindsRangesThatOverlap)
+{
+    const std::string other =
+        "<IviVirtualRange id=\"q\"><Name>more</Name><Max>5</Max><Min>3</Min><StartingPhysicalIndex>1"
+        "</StartingPhysicalIndex></IviVirtualRange>";
+    EXPECT_THAT(findingsWith("<VirtualRanges>\n", "<VirtualRanges>" + other + "\n"),
+                ElementsAre("48: " + kVirtual + "'Rail': has ranges that overlap: 'more' and 'Rails 1-3'"));
+    EXPECT_THAT(findingsWith("<VirtualRanges>\n", "<VirtualRanges>" + replaced(other, "<Min>3", "<Min>4") + "\n"),
+                IsEmpty());
+}
+
+TEST(StoreCheck, TellsFaultsOfTheFileFromTerminalsAndKeepsThemShort)
+{
+    EXPECT_THAT(findings("<IviConfigStore><a\x1B/></IviConfigStore>"), ElementsAre("1: a\\x1B: is not known here"));
+    const std::string longName(1'000'000, 'n');
+    EXPECT_THAT(
+        findingsWith("<Name>BenchSupply</Name>", "<Name>" + longName + "</Name><Own/>"),
+        ElementsAre("56: LogicalNames/IviLogicalName '" + std::string(100, 'n') + "...'/Own: is not known here"));
+}
+
+TEST(StoreCheck, LooksAtEveryElementOfALargeStore)
+{
+    EXPECT_EQ(findings(storeWith("<DriverSessions>" + repeated("<x/>\n", 50'000) + "</DriverSessions>")).size(),
+              50'000U);
+}
+
+TEST(StoreCheck, TellsNewFindingsFromOldOnesWhoseLinesHaveMoved)
+{
+    const std::string faulty = replaced(exampleStore(), "<Cache>1<", "<Cache>x<");
+    const auto before = check(StoreText(faulty));
+    EXPECT_THAT(newFindings(before, check(StoreText(replaced(faulty, "<PublishedAPIs>", "\n<PublishedAPIs>")))),
+                IsEmpty());
+    const auto fresh = newFindings(before, check(StoreText(replaced(faulty, "<Simulate>0<", "<Simulate>x<"))));
+    ASSERT_EQ(fresh.size(), 1U);
+    EXPECT_EQ(fresh[0].place, kSession + "/Simulate");
+}
+
+} // namespace

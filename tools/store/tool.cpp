@@ -1,0 +1,148 @@
+#include "tools/store/tool.h"
+
+#include "platform/config_server/locations.h"
+#include "tools/store/command_line.h"
+#include "tools/store/plain_text.h"
+#include "tools/store/store_access.h"
+#include "tools/store/store_check.h"
+#include "tools/store/store_edit.h"
+#include "tools/store/store_error.h"
+#include "tools/store/store_listing.h"
+
+#include <exception>
+#include <ostream>
+
+namespace store_tool
+{
+namespace
+{
+
+std::string reasonOf(ViStatus status)
+{
+    return status == IVICONFIG_ERROR_MASTER_REGISTRY_CONFLICT ? " names different stores for programs of 32 and 64 bits"
+                                                              : " names a file that is missing";
+}
+
+/// The given path, or that of the store which the configuration server would load in this environment, or would load
+/// once it is made.
+std::string pathOf(const Request& request)
+{
+    if (request.store)
+        return *request.store;
+    std::string chosen = config_server::processDefaultLocation();
+    if (!chosen.empty())
+        return chosen;
+    auto master = request.creates ? config_server::locationForNewStore() : config_server::masterLocation();
+    if (master.status < 0)
+        throw StoreError(std::string(master.namedBy) + reasonOf(master.status));
+    return std::move(master.path);
+}
+
+/// Says which file a complaint about its text is about.
+StoreText readText(const std::string& path, const std::string& text)
+{
+    try {
+        return StoreText(text);
+    } catch (const StoreError& error) {
+        throw StoreError(path + ": " + error.what());
+    }
+}
+
+StoreText load(const std::string& path)
+{
+    return readText(path, readStoreFile(path));
+}
+
+std::string located(const std::string& path, const Finding& finding)
+{
+    return printable(path) + ":" + std::to_string(finding.line) + ": " + finding.place + ": " + finding.text;
+}
+
+int runList(const std::string& path, std::ostream& out)
+{
+    const StoreText store = load(path);
+    out << "store " << printable(path) << '\n' << listing(store);
+    return kSuccess;
+}
+
+int runCheck(const std::string& path, std::ostream& out)
+{
+    const auto findings = check(load(path));
+    for (const Finding& finding : findings)
+        out << located(path, finding) << '\n';
+    if (findings.empty())
+        out << printable(path) << ": no findings\n";
+    return findings.empty() ? kSuccess : kFailure;
+}
+
+Deeds edit(StoreText& store, const Request& request)
+{
+    switch (request.command) {
+    case Command::Add:
+        return addSession(store, request.entry, request.replaces);
+    case Command::RemoveLogicalName:
+        return removeLogicalName(store, request.name);
+    default:
+        return removeNamed(store, request.name);
+    }
+}
+
+/// What is written never has a fault that the store did not have before.
+void requireNothingWorse(const std::vector<Finding>& before, const StoreText& after)
+{
+    std::string faults;
+    for (const Finding& finding : newFindings(before, check(after)))
+        faults += "\n  " + finding.place + ": " + finding.text;
+    if (!faults.empty())
+        throw StoreError("nothing is written, since the store would get faults:" + faults);
+}
+
+int runChange(const std::string& path, const Request& request, std::ostream& out)
+{
+    StoreChange change(path, request.creates ? WhenMissing::Create : WhenMissing::Refuse);
+    StoreText store = readText(path, change.text().value_or(emptyStoreText()));
+    const auto before = check(store);
+    const Deeds deeds = edit(store, request);
+    requireNothingWorse(before, store);
+    change.replaceBy(store.text());
+    for (const std::string& deed : deeds)
+        out << deed << '\n';
+    return kSuccess;
+}
+
+int run(const Request& request, std::ostream& out)
+{
+    const std::string path = pathOf(request);
+    if (request.command == Command::List)
+        return runList(path, out);
+    return request.command == Command::Check ? runCheck(path, out) : runChange(path, request, out);
+}
+
+/// The message with its own line breaks, but none of the control characters that paths and files may have.
+void complain(std::ostream& errors, std::string_view message)
+{
+    errors << "kvx2800t-store: ";
+    for (std::size_t end = message.find('\n'); end != std::string_view::npos; end = message.find('\n')) {
+        errors << printable(message.substr(0, end)) << '\n';
+        message.remove_prefix(end + 1);
+    }
+    errors << printable(message) << '\n';
+}
+
+} // namespace
+
+int runTool(int argumentCount, const char* const* arguments, std::ostream& out, std::ostream& errors)
+{
+    try {
+        const auto commandLine = parseCommandLine(argumentCount, arguments, out, errors);
+        const int exitCode = commandLine.request ? run(*commandLine.request, out) : commandLine.exitCode;
+        if (!out.flush())
+            throw StoreError("cannot write the output");
+        return exitCode;
+    } catch (const std::exception& error) {
+        complain(errors, error.what());
+        return kFailure;
+    }
+}
+
+} // namespace store_tool

@@ -1,0 +1,76 @@
+#include "virtual_instrument/scpi/command_interpreter.h"
+
+namespace kvxvirtual
+{
+namespace
+{
+
+ErrorCode convert(const MessageUnit& unit, const Command& command, Arguments& arguments)
+{
+    if (unit.parameters.size() > command.parameters.size())
+        return ErrorCode::ParameterNotAllowed;
+    if (unit.parameters.size() < command.parameters.size())
+        return ErrorCode::MissingParameter;
+    for (std::size_t i = 0; i < unit.parameters.size(); ++i) {
+        const auto error = arguments.add(command.parameters[i], unit.parameters[i]);
+        if (error != ErrorCode::None)
+            return error;
+    }
+    return ErrorCode::None;
+}
+
+} // namespace
+
+CommandInterpreter::CommandInterpreter()
+{
+    for (const auto& command : commandTable())
+        rows_.push_back({HeaderPattern(command.pattern), &command});
+}
+
+std::optional<std::string> CommandInterpreter::execute(const std::vector<MessageUnit>& units,
+                                                       InstrumentState& state) const
+{
+    std::optional<std::string> replies;
+    for (const auto& unit : units) {
+        Reply reply(state.wording);
+        state.supply.update();
+        const auto error = execute(unit, state, reply);
+        state.supply.update();
+        if (error != ErrorCode::None)
+            state.status.report(error);
+        else if (unit.isQuery)
+            replies = replies ? *replies + ';' + reply.text() : reply.text();
+    }
+    return replies;
+}
+
+CommandInterpreter::Found CommandInterpreter::find(const MessageUnit& unit) const
+{
+    Found found{ErrorCode::UndefinedHeader};
+    for (const auto& row : rows_) {
+        const auto match = row.pattern.match(unit);
+        if (match.kind == HeaderMatch::Kind::Full)
+            return {ErrorCode::None, row.command, match.suffix};
+        if (match.kind == HeaderMatch::Kind::BadSuffix)
+            found.error = ErrorCode::HeaderSuffixOutOfRange;
+    }
+    return found;
+}
+
+ErrorCode CommandInterpreter::execute(const MessageUnit& unit, InstrumentState& state, Reply& reply) const
+{
+    if (unit.error != ErrorCode::None)
+        return unit.error;
+    const auto found = find(unit);
+    if (found.error != ErrorCode::None)
+        return found.error;
+    Arguments arguments;
+    arguments.channel = found.suffix;
+    const auto error = convert(unit, *found.command, arguments);
+    if (error != ErrorCode::None)
+        return error;
+    Call call{state, arguments, reply};
+    return found.command->handler(call);
+}
+
+} // namespace kvxvirtual

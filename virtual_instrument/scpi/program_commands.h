@@ -1,0 +1,13 @@
+#pragma once
+
+#include "virtual_instrument/scpi/command_table.h"
+
+#include <vector>
+
+namespace kvxvirtual
+{
+
+/// The commands of the list and delay programs, which all act on the selected channel.
+std::vector<Command> programCommands();
+
+} // namespace kvxvirtual

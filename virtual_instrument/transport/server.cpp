@@ -1,0 +1,128 @@
+#include "virtual_instrument/transport/server.h"
+
+#include "virtual_instrument/transport/quiet_wait.h"
+#include "virtual_instrument/transport/serial_line.h"
+
+#include <chrono>
+#include <sstream>
+#include <utility>
+
+namespace kvxvirtual
+{
+namespace
+{
+
+/// How long to leave a listener alone when the host could not give it a client, for example for want of descriptors.
+constexpr std::chrono::milliseconds kAcceptPause{100};
+
+template <class Endpoint>
+std::string textOf(const Endpoint& endpoint)
+{
+    std::ostringstream text;
+    text << endpoint;
+    return text.str();
+}
+
+} // namespace
+
+Server::Server(asio::io_context& context, VirtualInstrument& instrument, Journal& journal)
+    : context_(context), instrument_(instrument), journal_(journal),
+      control_(instrument, [this] { disconnectClients(); })
+{
+}
+
+std::string Server::listen(const std::string& address, unsigned short port)
+{
+    return listenOn(address, port, [this](Socket socket) { addClient(std::move(socket)); });
+}
+
+std::string Server::openSerial()
+{
+    auto line = openSerialLine(context_, instrument_, journal_);
+    serial_ = std::move(line.connection);
+    return line.path;
+}
+
+std::string Server::listenControl(unsigned short port)
+{
+    return listenOn("127.0.0.1", port, [this](Socket socket) {
+        std::make_shared<ControlConnection>(std::move(socket), control_, [this](auto action) {
+            whenQuiet(std::move(action));
+        })->start();
+    });
+}
+
+std::string Server::listenOn(const std::string& address, unsigned short port, Accepted accepted)
+{
+    const asio::ip::tcp::endpoint endpoint(asio::ip::make_address(address), port);
+    auto& listener = listeners_.emplace_back(context_, endpoint, std::move(accepted));
+    waitForClients(listener);
+    return textOf(listener.socket.endpoint());
+}
+
+void Server::waitForClients(Listener& listener)
+{
+    listener.socket.wait([this, &listener](asio::error_code error) {
+        if (error == asio::error::operation_aborted)
+            return;
+        if (!error && acceptWaiting(listener))
+            return waitForClients(listener);
+        pauseBeforeClients(listener);
+    });
+}
+
+void Server::pauseBeforeClients(Listener& listener)
+{
+    const auto pause = std::make_shared<asio::steady_timer>(context_, kAcceptPause);
+    pause->async_wait([this, pause, &listener](asio::error_code) { waitForClients(listener); });
+}
+
+bool Server::acceptWaiting(Listener& listener)
+{
+    while (true) {
+        Socket socket(context_);
+        if (const asio::error_code error = listener.socket.accept(socket))
+            return error == asio::error::would_block;
+        // A reply is one small write; it must not wait for the acknowledgement of the one before.
+        asio::error_code ignored;
+        socket.set_option(asio::ip::tcp::no_delay(true), ignored);
+        listener.accepted(std::move(socket));
+    }
+}
+
+void Server::addClient(Socket socket)
+{
+    using Client = MessageConnection<Socket>;
+    asio::error_code gone;
+    const auto endpoint = socket.remote_endpoint(gone);
+    if (gone)
+        return;
+    const auto client =
+        std::make_shared<Client>(std::move(socket), textOf(endpoint), instrument_, journal_, [this](Client& ended) {
+            journal_.clientWent(ended.name());
+            clients_.erase(ended.shared_from_this());
+        });
+    clients_.insert(client);
+    journal_.clientCame(client->name());
+    client->start();
+}
+
+void Server::disconnectClients()
+{
+    const auto clients = clients_;
+    for (const auto& client : clients)
+        client->close();
+}
+
+void Server::whenQuiet(std::function<void()> action)
+{
+    // A client that the host has connected may have sent before this server has taken it.
+    for (auto& listener : listeners_)
+        acceptWaiting(listener);
+    std::vector<std::shared_ptr<Connection>> connections(clients_.begin(), clients_.end());
+    if (serial_)
+        connections.push_back(serial_);
+    QuietWait::start(context_, connections, std::move(action));
+}
+
+} // namespace kvxvirtual

@@ -1,0 +1,72 @@
+#pragma once
+
+#include "virtual_instrument/scpi/virtual_instrument.h"
+#include "virtual_instrument/transport/control_connection.h"
+#include "virtual_instrument/transport/journal.h"
+#include "virtual_instrument/transport/listening_socket.h"
+#include "virtual_instrument/transport/message_connection.h"
+#include "virtual_instrument/transport/test_control.h"
+
+#include <asio.hpp>
+#include <functional>
+#include <list>
+#include <memory>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace kvxvirtual
+{
+
+/// Offers one instrument on any number of transports. Everything happens in the thread that runs `context`; the
+/// references must outlive the server, and the server must outlive the running of `context`.
+class Server
+{
+public:
+    Server(asio::io_context& context, VirtualInstrument& instrument, Journal& journal);
+
+    /// Takes clients on a raw socket; port 0 takes any free port. Returns where it listens, as `127.0.0.1:5025`.
+    /// Throws std::system_error when the address cannot be had.
+    std::string listen(const std::string& address, unsigned short port);
+
+    /// Offers a serial line; returns the path that clients open. Throws std::system_error.
+    std::string openSerial();
+
+    /// Offers the test control on the loopback interface; otherwise as listen().
+    std::string listenControl(unsigned short port);
+
+private:
+    using Socket = asio::ip::tcp::socket;
+    using Accepted = std::function<void(Socket)>;
+
+    struct Listener
+    {
+        Listener(asio::io_context& context, const ListeningSocket::Endpoint& endpoint, Accepted then)
+            : socket(context, endpoint), accepted(std::move(then))
+        {
+        }
+
+        ListeningSocket socket;
+        Accepted accepted;
+    };
+
+    std::string listenOn(const std::string& address, unsigned short port, Accepted accepted);
+    void waitForClients(Listener& listener);
+    void pauseBeforeClients(Listener& listener);
+    /// Takes every client that is waiting; whether the host could give them all.
+    bool acceptWaiting(Listener& listener);
+    void addClient(Socket socket);
+    void disconnectClients();
+    void whenQuiet(std::function<void()> action);
+
+    asio::io_context& context_;
+    VirtualInstrument& instrument_;
+    Journal& journal_;
+    TestControl control_;
+    std::list<Listener> listeners_;
+    std::set<std::shared_ptr<Connection>> clients_;
+    std::shared_ptr<Connection> serial_;
+};
+
+} // namespace kvxvirtual

@@ -1,0 +1,21 @@
+#pragma once
+
+#include "visa/session/session.h"
+
+namespace visa
+{
+
+/// A session of the resource manager: it opens others and moves no data itself.
+class ManagerSession : public Session
+{
+public:
+    ViSession manager() const override { return VI_NULL; }
+    ViStatus getAttribute(ViAttr attribute, void* value) override;
+    ViStatus setAttribute(ViAttr attribute, ViAttrState value) override;
+    ViStatus read(std::span<ViByte>, std::size_t&) override { return VI_ERROR_NSUP_OPER; }
+    ViStatus write(std::span<const ViByte>, std::size_t&) override { return VI_ERROR_NSUP_OPER; }
+    ViStatus setBuffer(ViUInt16, ViUInt32) override { return VI_ERROR_NSUP_OPER; }
+    void interrupt() noexcept override {}
+};
+
+} // namespace visa

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <visa.h>
+
+#include <span>
+
+namespace visa
+{
+
+/// What a VISA handle stands for. Calls may come from any thread; the session lives as long as one of them is inside.
+class Session
+{
+public:
+    Session() = default;
+    virtual ~Session() = default;
+    Session(const Session&) = delete;
+    Session& operator=(const Session&) = delete;
+
+    /// The resource manager session it was opened through; VI_NULL for a resource manager.
+    virtual ViSession manager() const = 0;
+
+    virtual ViStatus getAttribute(ViAttr attribute, void* value) = 0;
+    virtual ViStatus setAttribute(ViAttr attribute, ViAttrState value) = 0;
+    virtual ViStatus read(std::span<ViByte> buffer, std::size_t& count) = 0;
+    virtual ViStatus write(std::span<const ViByte> bytes, std::size_t& count) = 0;
+    virtual ViStatus setBuffer(ViUInt16 mask, ViUInt32 size) = 0;
+
+    /// Ends the calls that wait inside; the handle has already been taken back.
+    virtual void interrupt() noexcept = 0;
+};
+
+} // namespace visa

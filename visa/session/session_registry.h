@@ -1,0 +1,43 @@
+#pragma once
+
+#include "visa/session/resource_lock.h"
+#include "visa/session/session.h"
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <unordered_map>
+
+namespace visa
+{
+
+/// All open sessions of the process by handle. Handles count up from 1 and are never handed out twice. Any thread.
+class SessionRegistry
+{
+public:
+    /// Takes a number for a session to be added later; VI_NULL when all numbers are used up.
+    ViSession reserveHandle();
+
+    /// @return false when its resource manager session has been closed meanwhile
+    bool add(ViSession handle, const std::shared_ptr<Session>& session);
+
+    /// Null for a handle that is not open.
+    std::shared_ptr<Session> find(ViSession handle) const;
+
+    /// Takes the session back, a resource manager's with all that were opened through it, and ends their waiting calls.
+    /// @return false for a handle that is not open
+    bool close(ViSession handle);
+
+    /// The lock that all sessions to this resource share.
+    std::shared_ptr<ResourceLock> lockOf(const std::string& canonicalName);
+
+private:
+    mutable std::mutex mutex_;
+    std::unordered_map<ViSession, std::shared_ptr<Session>> sessions_;
+    std::map<std::string, std::weak_ptr<ResourceLock>> locks_;
+    std::uint64_t lastHandle_ = 0;
+};
+
+} // namespace visa

@@ -1,0 +1,91 @@
+#include "visa/transport/serial/serial_native_posix.h"
+
+#include <sys/ioctl.h>
+#include <termios.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+
+namespace visa
+{
+namespace
+{
+
+int descriptor(NativeHandle handle)
+{
+    return static_cast<int>(handle);
+}
+
+TransferState stateOfError(int error)
+{
+    switch (error) {
+    case EAGAIN:
+    case EINTR:
+        return TransferState::WouldBlock;
+    // A terminal whose line hung up, or whose adapter was pulled out.
+    case EIO:
+    case ENXIO:
+    case ENODEV:
+        return TransferState::ConnectionLost;
+    default:
+        return TransferState::Failed;
+    }
+}
+
+ViUInt32 count(NativeHandle handle, unsigned long request)
+{
+    int bytes = 0;
+    return ::ioctl(descriptor(handle), request, &bytes) == 0 && bytes > 0 ? static_cast<ViUInt32>(bytes) : 0;
+}
+
+} // namespace
+
+std::string serialDevicePath(ViUInt16 board)
+{
+    const std::string variable = "VISA_ASRL" + std::to_string(board);
+    // Only read; setting it while a port is opened is the application's own race.
+    const char* const configured = std::getenv(variable.c_str()); // NOLINT(concurrency-mt-unsafe)
+    if (configured != nullptr && *configured != '\0')
+        return configured;
+    return board == 0 ? std::string() : "/dev/ttyS" + std::to_string(board - 1);
+}
+
+Transfer readNow(NativeHandle handle, std::span<ViByte> buffer) noexcept
+{
+    const ssize_t transferred = ::read(descriptor(handle), buffer.data(), buffer.size());
+    if (transferred > 0)
+        return {TransferState::Done, static_cast<std::size_t>(transferred)};
+    return {transferred == 0 ? TransferState::ConnectionLost : stateOfError(errno), 0};
+}
+
+Transfer writeNow(NativeHandle handle, std::span<const ViByte> bytes) noexcept
+{
+    const ssize_t transferred = ::write(descriptor(handle), bytes.data(), bytes.size());
+    if (transferred >= 0)
+        return {TransferState::Done, static_cast<std::size_t>(transferred)};
+    return {stateOfError(errno), 0};
+}
+
+ViUInt32 bytesWaiting(NativeHandle handle) noexcept
+{
+    return count(handle, FIONREAD);
+}
+
+ViUInt32 bytesUnsent(NativeHandle handle) noexcept
+{
+    return count(handle, TIOCOUTQ);
+}
+
+void discardReceived(NativeHandle handle) noexcept
+{
+    ::tcflush(descriptor(handle), TCIFLUSH);
+}
+
+bool sendLineBreak(NativeHandle handle) noexcept
+{
+    // The session lets one write at a time through, and nothing else sends breaks on its descriptor.
+    return ::tcsendbreak(descriptor(handle), 0) == 0; // NOLINT(concurrency-mt-unsafe)
+}
+
+} // namespace visa

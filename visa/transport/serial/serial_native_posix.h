@@ -1,0 +1,46 @@
+#pragma once
+
+#include "visa/host/wait_posix.h"
+
+#include <cstddef>
+#include <span>
+#include <string>
+
+namespace visa
+{
+
+/// What Asio's serial port does not offer: transfers that never wait, and the state of the line.
+
+enum class TransferState
+{
+    Done,
+    WouldBlock,
+    ConnectionLost,
+    Failed
+};
+
+struct Transfer
+{
+    TransferState state;
+    std::size_t count;
+};
+
+/// The device of "ASRL<board>": the environment variable VISA_ASRL<board> when it is set, otherwise the host's own name
+/// of that port; empty when there is none.
+std::string serialDevicePath(ViUInt16 board);
+
+Transfer readNow(NativeHandle handle, std::span<ViByte> buffer) noexcept;
+Transfer writeNow(NativeHandle handle, std::span<const ViByte> bytes) noexcept;
+
+/// Bytes received and not read yet.
+ViUInt32 bytesWaiting(NativeHandle handle) noexcept;
+
+/// Bytes written that have not left yet.
+ViUInt32 bytesUnsent(NativeHandle handle) noexcept;
+
+void discardReceived(NativeHandle handle) noexcept;
+
+/// @return false when the host refused
+bool sendLineBreak(NativeHandle handle) noexcept;
+
+} // namespace visa

@@ -1,0 +1,186 @@
+#include "visa/transport/serial/serial_stream_posix.h"
+
+#include "visa/host/close_on_exec_posix.h"
+#include "visa/host/host_error.h"
+#include "visa/host/wait_status_posix.h"
+#include "visa/transport/backends.h"
+#include "visa/transport/serial/serial_native_posix.h"
+
+#include <algorithm>
+#include <array>
+
+namespace visa
+{
+namespace
+{
+
+using asio::serial_port;
+
+ViStatus openStatus(const asio::error_code& error)
+{
+    if (isExhaustion(error))
+        return VI_ERROR_ALLOC;
+    return isOccupied(error) ? VI_ERROR_RSRC_BUSY : VI_ERROR_RSRC_NFOUND;
+}
+
+ViStatus statusOf(TransferState state)
+{
+    return state == TransferState::ConnectionLost ? VI_ERROR_CONN_LOST : VI_ERROR_IO;
+}
+
+/// One value of an attribute as Asio has it. What is missing here, neither Asio nor the host can do: mark and space
+/// parity, and DTR/DSR or combined flow control.
+template <class Option>
+struct Choice
+{
+    ViUInt32 value;
+    Option option;
+};
+
+constexpr std::array<Choice<serial_port::parity::type>, 3> kParities{{
+    {VI_ASRL_PAR_NONE, serial_port::parity::none},
+    {VI_ASRL_PAR_ODD, serial_port::parity::odd},
+    {VI_ASRL_PAR_EVEN, serial_port::parity::even},
+}};
+
+constexpr std::array<Choice<serial_port::stop_bits::type>, 3> kStopBits{{
+    {VI_ASRL_STOP_ONE, serial_port::stop_bits::one},
+    {VI_ASRL_STOP_ONE5, serial_port::stop_bits::onepointfive},
+    {VI_ASRL_STOP_TWO, serial_port::stop_bits::two},
+}};
+
+constexpr std::array<Choice<serial_port::flow_control::type>, 3> kFlowControls{{
+    {VI_ASRL_FLOW_NONE, serial_port::flow_control::none},
+    {VI_ASRL_FLOW_XON_XOFF, serial_port::flow_control::software},
+    {VI_ASRL_FLOW_RTS_CTS, serial_port::flow_control::hardware},
+}};
+
+template <class Option>
+ViStatus apply(serial_port& port, const Option& option)
+{
+    asio::error_code error;
+    port.set_option(option, error);
+    return error ? VI_ERROR_NSUP_ATTR_STATE : VI_SUCCESS;
+}
+
+template <class Option, class Choices>
+ViStatus applyChoice(serial_port& port, const Choices& choices, ViUInt32 value)
+{
+    const auto choice =
+        std::find_if(choices.begin(), choices.end(), [value](const auto& row) { return row.value == value; });
+    return choice == choices.end() ? VI_ERROR_NSUP_ATTR_STATE : apply(port, Option(choice->option));
+}
+
+struct Setting
+{
+    ViAttr attribute;
+    ViStatus (*apply)(serial_port& port, ViUInt32 value);
+};
+
+constexpr std::array<Setting, 5> kSettings{{
+    {VI_ATTR_ASRL_BAUD, [](serial_port& port, ViUInt32 value) { return apply(port, serial_port::baud_rate(value)); }},
+    {VI_ATTR_ASRL_DATA_BITS,
+     [](serial_port& port, ViUInt32 value) { return apply(port, serial_port::character_size(value)); }},
+    {VI_ATTR_ASRL_PARITY,
+     [](serial_port& port, ViUInt32 value) { return applyChoice<serial_port::parity>(port, kParities, value); }},
+    {VI_ATTR_ASRL_STOP_BITS,
+     [](serial_port& port, ViUInt32 value) { return applyChoice<serial_port::stop_bits>(port, kStopBits, value); }},
+    {VI_ATTR_ASRL_FLOW_CNTRL,
+     [](serial_port& port, ViUInt32 value) {
+         return applyChoice<serial_port::flow_control>(port, kFlowControls, value);
+     }},
+}};
+
+} // namespace
+
+ViStatus openSerialStream(const ResourceName& name, const Deadline&, std::unique_ptr<Stream>& stream)
+{
+    const std::string path = name.address.empty() ? serialDevicePath(name.board) : name.address;
+    if (path.empty())
+        return VI_ERROR_RSRC_NFOUND;
+    serial_port port(ioContext());
+    asio::error_code error;
+    port.open(path, error);
+    if (error)
+        return openStatus(error);
+    closeOnExec(port.native_handle());
+    stream = std::make_unique<SerialStream>(std::move(port));
+    return VI_SUCCESS;
+}
+
+SerialStream::SerialStream(serial_port port) : port_(std::move(port)) {}
+
+ViStatus SerialStream::wait(Direction direction, const Deadline& deadline) noexcept
+{
+    return visa::statusOf(interrupter_.wait(handle(), direction, deadline));
+}
+
+ViStatus SerialStream::readSome(std::span<ViByte> buffer, const Deadline& deadline, std::size_t& count) noexcept
+{
+    for (;;) {
+        const ViStatus status = wait(Direction::Read, deadline);
+        if (status < 0)
+            return status;
+        const Transfer transfer = readNow(handle(), buffer);
+        count = transfer.count;
+        if (transfer.state == TransferState::Done)
+            return VI_SUCCESS;
+        if (transfer.state != TransferState::WouldBlock)
+            return statusOf(transfer.state);
+    }
+}
+
+ViStatus SerialStream::writeAll(std::span<const ViByte> bytes, const Deadline& deadline, std::size_t& count) noexcept
+{
+    count = 0;
+    while (count < bytes.size()) {
+        const Transfer transfer = writeNow(handle(), bytes.subspan(count));
+        count += transfer.count;
+        if (transfer.state == TransferState::Done)
+            continue;
+        if (transfer.state != TransferState::WouldBlock)
+            return statusOf(transfer.state);
+        const ViStatus status = wait(Direction::Write, deadline);
+        if (status < 0)
+            return status;
+    }
+    return VI_SUCCESS;
+}
+
+void SerialStream::discardInput() noexcept
+{
+    discardReceived(handle());
+}
+
+ViUInt32 SerialStream::available() noexcept
+{
+    return bytesWaiting(handle());
+}
+
+ViStatus SerialStream::sendBreak(const Deadline& deadline) noexcept
+{
+    // The host would wait without limit for output that flow control holds back, so wait here first.
+    constexpr int kPauseMs = 2;
+    while (bytesUnsent(handle()) > 0) {
+        const int pauseMs = deadline.remainingMs(kPauseMs);
+        if (pauseMs == 0)
+            return VI_ERROR_TMO;
+        if (interrupter_.pause(pauseMs) == WaitResult::Interrupted)
+            return VI_ERROR_INV_OBJECT;
+    }
+    return sendLineBreak(handle()) ? VI_SUCCESS : VI_ERROR_IO;
+}
+
+ViStatus SerialStream::setAttribute(ViAttr attribute, ViUInt32 value) noexcept
+{
+    const auto* const setting = std::find_if(kSettings.begin(), kSettings.end(),
+                                             [attribute](const Setting& row) { return row.attribute == attribute; });
+    return setting == kSettings.end() ? VI_ERROR_NSUP_ATTR : setting->apply(port_, value);
+}
+
+void SerialStream::interrupt() noexcept
+{
+    interrupter_.interrupt();
+}
+
+} // namespace visa

@@ -1,0 +1,150 @@
+#include "visa/transport/tcp/tcp_stream.h"
+
+#include "visa/host/host_error.h"
+#include "visa/transport/backends.h"
+#include "visa/transport/tcp/tcp_connect.h"
+
+#include <asio/buffer.hpp>
+
+#include <array>
+#include <limits>
+
+namespace visa
+{
+namespace
+{
+
+using asio::ip::tcp;
+
+bool isTransient(const asio::error_code& error)
+{
+    return error == asio::error::would_block || error == asio::error::try_again || error == asio::error::interrupted;
+}
+
+ViStatus transferStatus(const asio::error_code& error)
+{
+    if (error == asio::error::eof || error == asio::error::connection_reset || error == asio::error::broken_pipe ||
+        error == asio::error::connection_aborted || error == asio::error::not_connected ||
+        error == asio::error::timed_out || error == asio::error::network_reset)
+        return VI_ERROR_CONN_LOST;
+    return isExhaustion(error) ? VI_ERROR_ALLOC : VI_ERROR_IO;
+}
+
+ViStatus connectStatus(const asio::error_code& error)
+{
+    if (!error)
+        return VI_SUCCESS;
+    if (error == asio::error::timed_out)
+        return VI_ERROR_TMO;
+    return isExhaustion(error) ? VI_ERROR_ALLOC : VI_ERROR_RSRC_NFOUND;
+}
+
+/// Connects to the first endpoint that answers, all of them within one deadline.
+ViStatus connect(tcp::socket& socket, const tcp::resolver::results_type& endpoints, const Deadline& deadline)
+{
+    asio::error_code error = asio::error::host_not_found;
+    for (const auto& entry : endpoints) {
+        const auto outcome = connectTo(socket, entry.endpoint(), deadline);
+        if (!outcome)
+            return VI_ERROR_TMO;
+        error = *outcome;
+        if (!error)
+            break;
+    }
+    if (!error)
+        socket.set_option(tcp::no_delay(true), error);
+    return connectStatus(error);
+}
+
+} // namespace
+
+ViStatus openTcpStream(const ResourceName& name, const Deadline& deadline, std::unique_ptr<Stream>& stream)
+{
+    asio::io_context context(1);
+    asio::error_code error;
+    const auto endpoints =
+        tcp::resolver(context).resolve(name.address, std::to_string(name.port), tcp::resolver::numeric_service, error);
+    if (error)
+        return connectStatus(error);
+    tcp::socket socket(ioContext());
+    const ViStatus status = connect(socket, endpoints, deadline);
+    if (status == VI_SUCCESS)
+        stream = std::make_unique<TcpStream>(std::move(socket));
+    return status;
+}
+
+TcpStream::TcpStream(tcp::socket socket)
+    : socket_(std::move(socket)), transfer_(static_cast<NativeHandle>(socket_.native_handle()))
+{
+}
+
+/// Runs one transfer until it has moved bytes, and tells how it ended.
+template <class Transfer>
+ViStatus TcpStream::attempt(const Deadline& deadline, Transfer transfer) noexcept
+{
+    for (;;) {
+        const int waitMs = deadline.remainingMs(std::numeric_limits<int>::max());
+        const asio::error_code error = transfer_.stopped() ? asio::error_code() : transfer(waitMs);
+        if (transfer_.stopped())
+            return VI_ERROR_INV_OBJECT;
+        if (!error)
+            return VI_SUCCESS;
+        if (!isTransient(error))
+            return transferStatus(error);
+        // A signal, or the host's clock, may have ended the wait early; only the deadline counts.
+        if (waitMs == 0)
+            return VI_ERROR_TMO;
+    }
+}
+
+ViStatus TcpStream::readSome(std::span<ViByte> buffer, const Deadline& deadline, std::size_t& count) noexcept
+{
+    return attempt(deadline, [&](int waitMs) { return transfer_.receive(buffer, waitMs, count); });
+}
+
+ViStatus TcpStream::writeAll(std::span<const ViByte> bytes, const Deadline& deadline, std::size_t& count) noexcept
+{
+    count = 0;
+    ViStatus status = VI_SUCCESS;
+    while (status == VI_SUCCESS && count < bytes.size()) {
+        std::size_t sent = 0;
+        const auto send = [&](int waitMs) { return transfer_.send(bytes.subspan(count), waitMs, sent); };
+        // There is nearly always room: then no clock is looked at.
+        if (transfer_.stopped() || send(0))
+            status = attempt(deadline, send);
+        count += sent;
+    }
+    return status;
+}
+
+void TcpStream::discardInput() noexcept
+{
+    std::array<ViByte, 4096> dropped{};
+    asio::error_code error;
+    while (!error && socket_.available(error) > 0)
+        socket_.read_some(asio::buffer(dropped), error);
+}
+
+ViStatus TcpStream::setAttribute(ViAttr attribute, ViUInt32 value) noexcept
+{
+    asio::error_code error;
+    if (attribute == VI_ATTR_TCPIP_NODELAY)
+        socket_.set_option(tcp::no_delay(value == VI_TRUE), error);
+    else
+        socket_.set_option(tcp::socket::keep_alive(value == VI_TRUE), error);
+    return error ? VI_ERROR_NSUP_ATTR_STATE : VI_SUCCESS;
+}
+
+std::string TcpStream::address() const
+{
+    asio::error_code error;
+    const tcp::endpoint remote = socket_.remote_endpoint(error);
+    return error ? std::string() : remote.address().to_string();
+}
+
+void TcpStream::interrupt() noexcept
+{
+    transfer_.stop();
+}
+
+} // namespace visa
