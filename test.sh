@@ -4,23 +4,41 @@
 #   ./test.sh --all   also the format, the manual, clang-tidy, the tests under AddressSanitizer with
 #                     UndefinedBehaviorSanitizer and under ThreadSanitizer, a short run of the fuzzers, and the builds for
 #                     Windows with their tests under Wine
-#   ./test.sh --tidy  clang-tidy alone, over the tests as well
+#   ./test.sh --long  what takes too long for every change: clang-tidy over the tests, a long run of the fuzzers
 set -eu
 cd "$(dirname "$0")"
 . ./cmake/scripts.sh
 
-everything=no
-case "${1-}" in
-'') ;;
---all | --tidy) everything=yes ;;
-*) fail "usage: ./test.sh [--all | --tidy]" ;;
-esac
+# Programs for Windows run in a prefix of their own, which goes with everything that runs in it.
+wine_prefix=
+finish() {
+    if [ -n "$wine_prefix" ]; then
+        WINEPREFIX=$wine_prefix wineserver --kill >/dev/null 2>&1 || true
+        rm -rf "$wine_prefix"
+    fi
+    tell_steps
+}
+trap finish EXIT
+trap 'exit 130' INT
+trap 'exit 143' TERM
 
 # run_tests PRESET
 run_tests() {
     build "$1"
     step "Testing ($1)"
-    ctest --preset "$1" -j "$(nproc)"
+    ended=0
+    ctest --preset "$1" -j "$(nproc)" || ended=$?
+    cases=$(count_cases "build/$1/Testing/Temporary/LastTest.log")
+    say "$cases"
+    end_step "$cases"
+    [ "$ended" = 0 ] || exit "$ended"
+}
+
+# count_cases LOG: what the test programs have said of their cases
+count_cases() {
+    awk '/^\[  PASSED  \] / { passed += $4 } /^\[  SKIPPED \] [0-9]+ test/ { skipped += $4 }
+         /^\[  FAILED  \] [0-9]+ test/ { failed += $4 }
+         END { printf "%d cases passed, %d failed, %d skipped", passed, failed, skipped }' "$1"
 }
 
 sources() { git ls-files '*.h' '*.hpp' '*.c' '*.cpp'; }
@@ -28,13 +46,13 @@ sources() { git ls-files '*.h' '*.hpp' '*.c' '*.cpp'; }
 check_format() {
     step "Checking the format"
     [ -n "$(sources)" ] || fail "git lists no sources"
-    sources | xargs clang-format --dry-run --Werror
+    sources | xargs -P "$(nproc)" -n 50 clang-format --dry-run --Werror
 }
 
-# check_tidy FILES-LEFT-OUT: a pattern
+# check_tidy [-v] FILES: a pattern for grep
 check_tidy() {
     step "Checking with clang-tidy"
-    sources | grep '\.cpp$' | grep -v -e '^fuzz/' -e '^benchmarks/' -e windows -e mingw -e "$1" | xargs -P "$(nproc)" -n 4 clang-tidy --quiet --extra-arg=-Wno-unknown-warning-option -p build/release 2>/dev/null
+    sources | grep '\.cpp$' | grep -v -e '^fuzz/' -e '^benchmarks/' -e windows -e mingw | grep "$@" | xargs -P "$(nproc)" -n 4 clang-tidy --quiet --extra-arg=-Wno-unknown-warning-option -p build/release 2>/dev/null
 }
 
 check_manual() {
@@ -43,13 +61,17 @@ check_manual() {
     doxygen docs/Doxyfile
 }
 
-# Programs for Windows run in a prefix of their own, which goes with everything that runs in it.
+# fuzz INPUTS: each fuzzer starts from its corpus, if it has one, and ends after that number of inputs.
+fuzz() {
+    build fuzz fuzzers
+    step "Fuzzing"
+    rm -rf build/fuzz/found
+    ls build/fuzz/bin/fuzz_* | xargs -P "$(nproc)" -I {} fuzz/run.sh {} "$1"
+}
+
 test_windows() {
-    WINEPREFIX=$(mktemp -d)
-    export WINEPREFIX
-    trap 'exit 130' INT
-    trap 'exit 143' TERM
-    trap 'wineserver --kill >/dev/null 2>&1 || true; rm -rf "$WINEPREFIX"' EXIT
+    wine_prefix=$(mktemp -d)
+    export WINEPREFIX="$wine_prefix"
     run_tests windows-x64
     # Of the 32-bit build the files are checked; its programs run where there is a 32-bit Wine.
     run_tests windows-x86
@@ -57,36 +79,27 @@ test_windows() {
     packaging/windows/package.sh
 }
 
-install_packages build test
-if [ "$everything" = no ]; then
+case "${1-}" in
+'')
+    install_packages build test
     run_tests release
-    exit
-fi
-
-install_packages check
-if [ "$1" = --tidy ]; then
+    ;;
+--all)
+    install_packages build test check
+    check_format
+    check_manual
+    run_tests release
+    check_tidy -v '^tests/'
+    run_tests asan-ubsan
+    run_tests tsan
+    fuzz 50000
+    test_windows
+    ;;
+--long)
+    install_packages build test check
     build release
-    check_tidy '^$'
-    exit
-fi
-check_format
-check_manual
-run_tests release
-check_tidy '^tests/'
-run_tests asan-ubsan
-run_tests tsan
-
-# Each fuzzer starts from its corpus, if it has one, and ends after a fixed number of inputs.
-build fuzz fuzzers
-step "Fuzzing"
-for fuzzer in build/fuzz/bin/fuzz_*; do
-    name=$(basename "$fuzzer")
-    say "$name"
-    corpus=fuzz/corpus/${name#fuzz_}
-    [ -d "$corpus" ] || corpus=
-    found=build/fuzz/found/$name
-    rm -rf "$found" && mkdir -p "$found"
-    "$fuzzer" -runs=50000 -seed=1 -max_len=512 "$found" $corpus >build/fuzz/fuzzer.log 2>&1 || { cat build/fuzz/fuzzer.log; fail "$fuzzer"; }
-done
-
-test_windows
+    check_tidy '^tests/'
+    fuzz 1000000
+    ;;
+*) fail "usage: ./test.sh [--all | --long]" ;;
+esac

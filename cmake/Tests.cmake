@@ -1,17 +1,22 @@
 include(host/tests_${KVX_HOST})
 
-# kvx_add_test(<name> [THREADS] SOURCES <file>... [LIBRARIES <target>...] [PREFIX <text>])
-# One test program, which ctest runs under names that begin with the prefix. A case that hangs is ended.
+# What every test program has beside its cases. What is tested is optimised; the tests themselves need not be.
+set(support ${PROJECT_SOURCE_DIR}/tests/support)
+add_library(test_frame OBJECT ${support}/running_case.cpp ${support}/time_limit_${KVX_HOST}.cpp)
+target_link_libraries(test_frame PUBLIC kvx_options GTest::gmock_main)
+target_compile_options(test_frame PUBLIC $<$<CONFIG:Release>:-O0>)
+
+# kvx_add_test(<name> [THREADS] SOURCES <file>... [LIBRARIES <target>...] [SHARDS <number>])
+# One test program, which is one test of ctest. It names the case that fails, crashes or hangs; if it hangs, it is ended.
 # THREADS: its tests run code in several threads; under ThreadSanitizer only those programs are built and run.
+# SHARDS: its cases take so long that as many processes share them, which begin first.
 function(kvx_add_test name)
-    cmake_parse_arguments(ARG "THREADS" "PREFIX" "SOURCES;LIBRARIES" ${ARGN})
+    cmake_parse_arguments(ARG "THREADS" "SHARDS" "SOURCES;LIBRARIES" ${ARGN})
     add_executable(${name} ${ARG_SOURCES})
-    target_link_libraries(${name} PRIVATE kvx_options ${ARG_LIBRARIES} GTest::gmock_main)
-    # What is tested is optimised; the tests themselves need not be.
-    target_compile_options(${name} PRIVATE $<$<CONFIG:Release>:-O0>)
+    target_link_libraries(${name} PRIVATE test_frame ${ARG_LIBRARIES})
     if(KVX_SANITIZE STREQUAL "thread" AND NOT ARG_THREADS)
         set_target_properties(${name} PROPERTIES EXCLUDE_FROM_ALL ON)
         return()
     endif()
-    kvx_run_test(${name} "${ARG_PREFIX}")
+    kvx_run_test(${name} "${ARG_SHARDS}")
 endfunction()

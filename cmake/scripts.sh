@@ -1,8 +1,35 @@
 # Shell functions that demo.sh and test.sh share; to be sourced in the project's top folder.
 
 say() { printf '%s\n' "$*"; }
-step() { printf '\n== %s\n' "$*"; }
 fail() { printf 'error: %s\n' "$*" >&2; exit 1; }
+
+# step TEXT: a step begins, and the one before has ended.
+step() {
+    end_step
+    step_name=$*
+    step_begin=$(date +%s)
+    printf '\n== %s\n' "$*"
+}
+
+# end_step [REMARK]: adds the step, if one has begun, to the table of tell_steps.
+step_name=
+steps=
+end_step() {
+    [ -n "$step_name" ] || return 0
+    seconds=$(($(date +%s) - step_begin))
+    steps="$steps$(printf '%3d:%02d  %s' $((seconds / 60)) $((seconds % 60)) "$step_name${1:+: $1}")
+"
+    step_name=
+}
+
+# tell_steps: what each step has taken, in minutes and seconds, and all of them together.
+first_begin=$(date +%s)
+tell_steps() {
+    end_step
+    [ -n "$steps" ] || return 0
+    seconds=$(($(date +%s) - first_begin))
+    printf '\n== Time\n%s%3d:%02d  in all\n' "$steps" $((seconds / 60)) $((seconds % 60))
+}
 
 # install_packages STEP...: installs the packages that packages.txt lists for these steps, those that are missing.
 install_packages() {

@@ -2,8 +2,17 @@
 find_package(GTest REQUIRED)
 find_package(rapidcheck REQUIRED)
 
-# Each test case is a test.
-include(GoogleTest)
-function(kvx_run_test name prefix)
-    gtest_discover_tests(${name} TEST_PREFIX "${prefix}" DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 120)
+# kvx_run_test(<program> <shards, or empty>)
+function(kvx_run_test program shards)
+    if(NOT shards)
+        add_test(NAME ${program} COMMAND ${program} --gtest_brief=1)
+        set_tests_properties(${program} PROPERTIES TIMEOUT 600)
+        return()
+    endif()
+    foreach(shard RANGE 1 ${shards})
+        math(EXPR index "${shard} - 1")
+        add_test(NAME ${program}.${shard} COMMAND ${program} --gtest_brief=1)
+        set_tests_properties(${program}.${shard} PROPERTIES
+            TIMEOUT 600 COST ${shards} ENVIRONMENT "GTEST_TOTAL_SHARDS=${shards};GTEST_SHARD_INDEX=${index}")
+    endforeach()
 endfunction()

@@ -8,16 +8,17 @@ foreach(library gtest gtest_main gmock gmock_main)
     set_target_properties(${library} PROPERTIES INTERFACE_SYSTEM_INCLUDE_DIRECTORIES "${includes}")
 endforeach()
 
-# Starting a program under Wine takes longer than most test cases: each program is a test. Programs of 32 bits need a
-# Wine that is not in every Debian; without it they are built only when they are asked for.
-function(kvx_run_test name prefix)
+# kvx_run_test(<program> <shards>)
+# Processes under Wine start too slowly to share a program's cases. Programs of 32 bits need a Wine that is not in every
+# Debian; without it they are built only when they are asked for.
+function(kvx_run_test program)
     if(CMAKE_CROSSCOMPILING)
         if(CMAKE_SIZEOF_VOID_P EQUAL 4 AND NOT EXISTS /usr/lib/wine/wine)
-            set_target_properties(${name} PROPERTIES EXCLUDE_FROM_ALL ON)
+            set_target_properties(${program} PROPERTIES EXCLUDE_FROM_ALL ON)
             return()
         endif()
         set(run ${PROJECT_SOURCE_DIR}/tests/support/processes/beside_wine.py ${CMAKE_CROSSCOMPILING_EMULATOR})
     endif()
-    add_test(NAME ${prefix}${name} COMMAND ${run} $<TARGET_FILE:${name}> --gtest_brief=1)
-    set_tests_properties(${prefix}${name} PROPERTIES TIMEOUT 600)
+    add_test(NAME ${program} COMMAND ${run} $<TARGET_FILE:${program}> --gtest_brief=1)
+    set_tests_properties(${program} PROPERTIES TIMEOUT 600)
 endfunction()
