@@ -246,7 +246,7 @@ ViStatus _VI_FUNC KVX2800T_set_SIMULATE(ViSession vi, ViConstString /*channel*/,
 {
     return framedSession(vi, [value](DriverSession& session) -> ViStatus {
         if (session.runsSimulated() && value == VI_FALSE)
-            return session.ReportError(drivekit::kErrorCannotChangeSimulationState);
+            return session.ReportError(base::kErrorCannotChangeSimulationState);
         session.setSimulate(value == VI_TRUE);
         if (session.runsSimulated() || value != VI_TRUE)
             return VI_SUCCESS;
@@ -305,7 +305,7 @@ ViStatus _VI_FUNC KVX2800T_set_CURRENT_LIMIT_BEHAVIOR(ViSession vi, ViConstStrin
     // A bad value is refused only here, when the channel's source mode has been set already.
     return configureChannels(vi, channel, [value](InstBase& instrument, ViInt32 number) {
         if (value != KVX2800T_VAL_CURRENT_REGULATE && value != KVX2800T_VAL_CURRENT_TRIP)
-            return TSRO::kValueOutOfRange;
+            return base::kErrorValueOutOfRange;
         return instrument.setCurrentProtectionEnabled(number, value == KVX2800T_VAL_CURRENT_TRIP);
     });
 }

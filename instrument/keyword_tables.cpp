@@ -10,7 +10,7 @@ std::string_view KeywordTable::keyword(ViInt32 value) const
     for (const KeywordEntry& entry : entries_)
         if (entry.value == value)
             return entry.keyword;
-    throwInvalidKey();
+    base::throwInvalidKey();
 }
 
 } // namespace TSRO

@@ -42,7 +42,7 @@ public:
 private:
     static constexpr bool names(std::string_view keyword, std::string_view reply)
     {
-        return !keyword.empty() && ascii::equalIgnoringCase(keyword, reply);
+        return !keyword.empty() && base::ascii::equalIgnoringCase(keyword, reply);
     }
 
     std::span<const KeywordEntry> entries_;

@@ -32,7 +32,7 @@ struct SignedText
 
 SignedText splitSign(std::string_view text)
 {
-    text = ascii::skipBlanks(text);
+    text = base::ascii::skipBlanks(text);
     if (text.empty() || (text.front() != '-' && text.front() != '+'))
         return {false, text};
     return {text.front() == '-', text.substr(1)};
@@ -45,7 +45,7 @@ bool beginsWithSign(std::string_view text)
 
 constexpr bool isHexDigit(char c)
 {
-    return ascii::isDigit(c) || (ascii::toLower(c) >= 'a' && ascii::toLower(c) <= 'f');
+    return base::ascii::isDigit(c) || (base::ascii::toLower(c) >= 'a' && base::ascii::toLower(c) <= 'f');
 }
 
 /// The place behind the characters of a class that stand at `at`.
@@ -60,17 +60,17 @@ std::size_t endOfRun(std::string_view text, std::size_t at, Class inClass)
 /// The exponent of a hexadecimal number that ends at `at`, as a place behind it; `at` when there is none.
 std::size_t endOfExponent(std::string_view text, std::size_t at)
 {
-    if (at >= text.size() || ascii::toLower(text[at]) != 'p')
+    if (at >= text.size() || base::ascii::toLower(text[at]) != 'p')
         return at;
     const std::size_t digits = beginsWithSign(text.substr(at + 1)) ? at + 2 : at + 1;
-    const std::size_t end = endOfRun(text, digits, ascii::isDigit);
+    const std::size_t end = endOfRun(text, digits, base::ascii::isDigit);
     return end > digits ? end : at;
 }
 
 /// The hexadecimal number at the front of `text`, without its "0x"; empty when there is none.
 std::string_view hexadecimalNumber(std::string_view text)
 {
-    if (text.size() < 2 || text[0] != '0' || ascii::toLower(text[1]) != 'x')
+    if (text.size() < 2 || text[0] != '0' || base::ascii::toLower(text[1]) != 'x')
         return {};
     text.remove_prefix(2);
     const std::size_t whole = endOfRun(text, 0, isHexDigit);
@@ -83,7 +83,7 @@ std::string_view hexadecimalNumber(std::string_view text)
 /// Puts the digits that stand at `at` behind those of `number`, and returns the place behind them.
 std::size_t takeDigits(std::string_view text, std::size_t at, std::uint64_t& number)
 {
-    for (; at < text.size() && ascii::isDigit(text[at]); ++at)
+    for (; at < text.size() && base::ascii::isDigit(text[at]); ++at)
         number = number * 10 + static_cast<std::uint64_t>(text[at] - '0');
     return at;
 }
@@ -98,7 +98,7 @@ std::optional<double> shortDecimal(std::string_view text)
     const std::size_t end = hasPoint ? takeDigits(text, whole + 1, number) : whole;
     const std::size_t decimals = hasPoint ? end - whole - 1 : 0;
     const std::size_t count = whole + decimals;
-    const char next = end < text.size() ? ascii::toLower(text[end]) : ' ';
+    const char next = end < text.size() ? base::ascii::toLower(text[end]) : ' ';
     if (count == 0 || count > kExactDigits || next == 'e' || next == 'x')
         return std::nullopt;
     return static_cast<double>(number) / kPowersOfTen[decimals];
@@ -120,7 +120,7 @@ std::from_chars_result convertMagnitude(std::string_view magnitude, double& valu
 ViInt32 parseInteger(std::string_view reply, const char* noNumber, const char* tooLarge)
 {
     // from_chars knows the minus sign; a plus sign is ours to skip.
-    std::string_view digits = ascii::skipBlanks(reply);
+    std::string_view digits = base::ascii::skipBlanks(reply);
     if (!digits.empty() && digits.front() == '+') {
         digits.remove_prefix(1);
         if (beginsWithSign(digits))
@@ -179,12 +179,12 @@ std::size_t ReplyFields::count() const
 std::string_view ReplyFields::operator[](std::size_t index) const
 {
     if (reply_.empty())
-        throwMissingField();
+        base::throwMissingField();
     std::string_view rest = reply_;
     for (; index > 0; --index) {
         const std::size_t comma = rest.find(',');
         if (comma == std::string_view::npos)
-            throwMissingField();
+            base::throwMissingField();
         rest.remove_prefix(comma + 1);
     }
     return rest.substr(0, rest.find(','));

@@ -17,16 +17,16 @@ constexpr ViConstString kInitialSettings = "Configurable Initial Settings";
 struct StoredFlag
 {
     ViInt32 property;
-    bool TSRO::InherentOptions::*flag;
+    bool base::InherentOptions::*flag;
 };
 
 constexpr std::array<StoredFlag, 6> kStoredFlags = {{
-    {IVICONFIG_VAL_DRIVER_SESSION_CACHE, &TSRO::InherentOptions::cache},
-    {IVICONFIG_VAL_DRIVER_SESSION_INTERCHANGE_CHECK, &TSRO::InherentOptions::interchangeCheck},
-    {IVICONFIG_VAL_DRIVER_SESSION_QUERY_INSTR_STATUS, &TSRO::InherentOptions::queryInstrumentStatus},
-    {IVICONFIG_VAL_DRIVER_SESSION_RANGE_CHECK, &TSRO::InherentOptions::rangeCheck},
-    {IVICONFIG_VAL_DRIVER_SESSION_RECORD_COERCIONS, &TSRO::InherentOptions::recordCoercions},
-    {IVICONFIG_VAL_DRIVER_SESSION_SIMULATE, &TSRO::InherentOptions::simulate},
+    {IVICONFIG_VAL_DRIVER_SESSION_CACHE, &base::InherentOptions::cache},
+    {IVICONFIG_VAL_DRIVER_SESSION_INTERCHANGE_CHECK, &base::InherentOptions::interchangeCheck},
+    {IVICONFIG_VAL_DRIVER_SESSION_QUERY_INSTR_STATUS, &base::InherentOptions::queryInstrumentStatus},
+    {IVICONFIG_VAL_DRIVER_SESSION_RANGE_CHECK, &base::InherentOptions::rangeCheck},
+    {IVICONFIG_VAL_DRIVER_SESSION_RECORD_COERCIONS, &base::InherentOptions::recordCoercions},
+    {IVICONFIG_VAL_DRIVER_SESSION_SIMULATE, &base::InherentOptions::simulate},
 }};
 
 /// Loads the store of this process into `store`: the process's own file or, without one, the master store.
@@ -119,7 +119,7 @@ void DriverSession::forgetConfiguration()
     configuredStrings_.clear();
     virtualNames_.clear();
     physicalNames_.clear();
-    options_ = TSRO::kDefaultOptions;
+    options_ = base::kDefaultOptions;
 }
 
 ViStatus DriverSession::applyStore(IviConfigStoreHandle store, const std::string& resourceName,
@@ -372,7 +372,7 @@ ViStatus DriverSession::readSetting(IviDataComponentHandle setting)
         status = readText(IviConfig_GetDataComponentPropertyViString, setting, IVICONFIG_VAL_DATA_COMPONENT_TYPE, type);
     if (status < 0)
         return status;
-    const auto isType = [&type](std::string_view word) { return TSRO::ascii::equalIgnoringCase(type, word); };
+    const auto isType = [&type](std::string_view word) { return base::ascii::equalIgnoringCase(type, word); };
     if (isType("string"))
         return readStringSetting(setting, name);
     if (isType("integer"))

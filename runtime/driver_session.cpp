@@ -44,8 +44,7 @@ ViStatus DriverSession::Initialize(const std::string& resourceName, bool idQuery
     if (status < 0)
         return status;
     if (options_.interchangeCheck && !interchangeCheckSupported_)
-        return ReportErrorWithElaboration(kErrorBadOptionValue, "Interchange checking is not supported by the driver.",
-                                          {"True"});
+        return ReportErrorWithElaboration(base::kErrorBadOptionValue, elaborations::kNoInterchangeCheck, {"True"});
     status = openSession();
     if (status < 0)
         CloseInstrument();
@@ -68,7 +67,7 @@ ViStatus DriverSession::checkIdentity()
     if (!idQuery_ || IsModelSupported())
         return VI_SUCCESS;
     // The message has no place for the model, so the description does not name it.
-    return ReportError(kErrorIdQueryFailed, {"Unrecognized model: " + model_});
+    return ReportError(base::kErrorIdQueryFailed, {"Unrecognized model: " + model_});
 }
 
 ViStatus DriverSession::Close()

@@ -240,8 +240,8 @@ private:
     const AttributeRegistry& attributes_;
     bool idQuery_ = false;
     bool reset_ = false;
-    TSRO::InherentOptions options_;
-    TSRO::InherentOptions initialOptions_;
+    base::InherentOptions options_;
+    base::InherentOptions initialOptions_;
     ViInt32 openTimeoutMs_ = 2000;
     ViInt32 ioTimeoutMs_ = 2000;
     ViInt32 closeTimeoutMs_ = 2000;

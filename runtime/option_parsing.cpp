@@ -13,7 +13,7 @@ ViStatus DriverSession::ApplyConfiguredModel()
 
 ViStatus DriverSession::ParseOptionString(const std::string& optionString)
 {
-    const TSRO::OptionText text = TSRO::splitOptionString(optionString);
+    const base::OptionText text = base::splitOptionString(optionString);
     if (text.driverSetup) {
         const ViStatus status = ParseDriverSetup(std::string(*text.driverSetup));
         if (status < 0)
@@ -27,13 +27,13 @@ ViStatus DriverSession::ParseDriverSetup(const std::string& driverSetup)
     driverSetupOptions_.clear();
     driverSetup_ = driverSetup;
     std::string_view rest = driverSetup;
-    while (const auto option = TSRO::nextDriverSetupOption(rest)) {
+    while (const auto option = base::nextDriverSetupOption(rest)) {
         const ViStatus status = ApplyDriverSetupOption(std::string(option->name), std::string(option->value));
         if (status < 0)
             return status;
         // The option has taken effect by now, a second one too.
         if (!driverSetupOptions_.emplace(option->name, option->value).second)
-            return ReportErrorWithElaboration(kErrorCannotRecover, "DriverSetup option '%s' appears more than once.",
+            return ReportErrorWithElaboration(base::kErrorCannotRecover, elaborations::kRepeatedDriverSetup,
                                               {option->name});
     }
     return VI_SUCCESS;
@@ -41,26 +41,26 @@ ViStatus DriverSession::ParseDriverSetup(const std::string& driverSetup)
 
 ViStatus DriverSession::ApplyDriverSetupOption(const std::string& name, const std::string& value)
 {
-    if (TSRO::ascii::equalIgnoringCase(name, TSRO::kModelKey))
+    if (base::ascii::equalIgnoringCase(name, base::kModelKey))
         model_ = value;
     return VI_SUCCESS;
 }
 
 ViStatus DriverSession::ParseInherentOptions(const std::string& options)
 {
-    const std::string text = TSRO::lowerCased(options);
+    const std::string text = base::lowerCased(options);
     std::string_view rest = text;
-    while (const auto option = TSRO::nextInherentOption(rest)) {
-        const auto flag = TSRO::inherentOption(option->name);
+    while (const auto option = base::nextInherentOption(rest)) {
+        const auto flag = base::inherentOption(option->name);
         if (flag == nullptr)
-            return ReportError(kErrorBadOptionName, {option->name});
+            return ReportError(base::kErrorBadOptionName, {option->name});
         const ViStatus status =
             ParseBooleanOptionValue(std::string(option->name), std::string(option->value), options_.*flag);
         if (status < 0)
             return status;
         // As with DriverSetup, the repeated option has taken effect.
         if (!inherentOptions_.emplace(option->name, option->value).second)
-            return ReportErrorWithElaboration(kErrorCannotRecover, "Inherent option '%s' appears more than once.",
+            return ReportErrorWithElaboration(base::kErrorCannotRecover, elaborations::kRepeatedInherentOption,
                                               {option->name});
     }
     return VI_SUCCESS;
@@ -68,9 +68,9 @@ ViStatus DriverSession::ParseInherentOptions(const std::string& options)
 
 ViStatus DriverSession::ParseBooleanOptionValue(const std::string& /*name*/, const std::string& value, bool& flag)
 {
-    const auto parsed = TSRO::parseOptionValue(value);
+    const auto parsed = base::parseOptionValue(value);
     if (!parsed)
-        return ReportError(kErrorBadOptionValue, {value});
+        return ReportError(base::kErrorBadOptionValue, {value});
     flag = *parsed;
     return VI_SUCCESS;
 }

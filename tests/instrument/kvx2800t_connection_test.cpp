@@ -19,7 +19,7 @@ using testing::IsEmpty;
 using TSRO::Identity;
 using TSRO::KVX2800T;
 
-constexpr ViStatus kIoError = static_cast<ViStatus>(0xBFFA4214);
+constexpr ViStatus base::kErrorIo = static_cast<ViStatus>(0xBFFA4214);
 constexpr ViStatus kNoConnection = static_cast<ViStatus>(0xBFFF000E);
 constexpr ViStatus kNotFound = static_cast<ViStatus>(0xBFFF0011);
 constexpr ViStatus kTimedOut = static_cast<ViStatus>(0xBFFF0015);
@@ -99,7 +99,7 @@ TEST_F(InstrumentOnVisa, OpenIsAnIoErrorWhenAnyCallFailsAndLeavesNoSessionOfAFai
             EXPECT_EQ(status, 0);
             break;
         }
-        EXPECT_EQ(status, kIoError) << n;
+        EXPECT_EQ(status, base::kErrorIo) << n;
         // Calls 1 to 5 open the connection; 6 and 7 are the identification, on a connection that stays.
         EXPECT_EQ(fresh.isOpen(), n > 5) << n;
         EXPECT_EQ(kvxtest::openVisaSessions() > 0, n > 5) << n;
@@ -113,7 +113,7 @@ TEST_F(InstrumentOnVisa, AFailedOpenKeepsThePreviousConnection)
 {
     ASSERT_EQ(instrument.open(kResource, ""), 0);
     kvxtest::failCall("viOpen", kNotFound);
-    EXPECT_EQ(instrument.open("USB0::1::2::3::INSTR", ""), kIoError);
+    EXPECT_EQ(instrument.open("USB0::1::2::3::INSTR", ""), base::kErrorIo);
     EXPECT_TRUE(instrument.isOpen());
     EXPECT_EQ(kvxtest::openVisaSessions(), 2U);
     kvxtest::clearLog();
@@ -156,13 +156,13 @@ TEST_F(InstrumentOnVisa, CloseThatFailsKeepsTheConnection)
 
 TEST_F(InstrumentOnVisa, AnOperationBeforeOpenAndAfterCloseCallsNothing)
 {
-    EXPECT_EQ(instrument.clearStatus(), kIoError);
+    EXPECT_EQ(instrument.clearStatus(), base::kErrorIo);
     EXPECT_THAT(calls(), IsEmpty());
     ASSERT_EQ(instrument.open(kResource, ""), 0);
     ASSERT_EQ(instrument.close(), 0);
     kvxtest::clearLog();
     double volts = -7.5;
-    EXPECT_EQ(instrument.voltageLevel(1, volts), kIoError);
+    EXPECT_EQ(instrument.voltageLevel(1, volts), base::kErrorIo);
     EXPECT_THAT(calls(), IsEmpty());
 }
 
@@ -228,7 +228,7 @@ TEST_F(InstrumentOnVisa, AFailedIdentificationKeepsTheIdentityAndTheConnection)
 {
     ASSERT_EQ(instrument.open(kResource, ""), 0);
     kvxtest::failCall("viRead", kTimedOut);
-    EXPECT_EQ(instrument.open(kResource, ""), kIoError);
+    EXPECT_EQ(instrument.open(kResource, ""), base::kErrorIo);
     EXPECT_THAT(identityFields(), ElementsAre("Tessaro Instruments", "KVX2803T", "SN1", "V1.00"));
     EXPECT_TRUE(instrument.isOpen());
 }
@@ -276,7 +276,7 @@ TEST_F(InstrumentOnVisa, ATimeoutThatVisaRefusesIsAnIoError)
 {
     ASSERT_EQ(instrument.open(kResource, ""), 0);
     kvxtest::failCall("viSetAttribute", kTimedOut);
-    EXPECT_EQ(instrument.setIoTimeout(5000), kIoError);
+    EXPECT_EQ(instrument.setIoTimeout(5000), base::kErrorIo);
     kvxtest::clearFailures();
     kvxtest::failCall("viSetAttribute", kWarning);
     EXPECT_EQ(instrument.setIoTimeout(6000), 0);
@@ -296,7 +296,7 @@ TEST_F(InstrumentOnVisa, ANegativeTimeoutIsVisasInfinity)
 
 TEST_F(InstrumentOnVisa, HasTheDefaultOptionsOfASession)
 {
-    const TSRO::InherentOptions& options = instrument.options();
+    const base::InherentOptions& options = instrument.options();
     EXPECT_TRUE(options.cache);
     EXPECT_TRUE(options.rangeCheck);
     EXPECT_FALSE(options.interchangeCheck);
@@ -310,7 +310,7 @@ TEST_F(InstrumentOnVisa, ReadsItsOptionsFromTheOptionString)
     ASSERT_EQ(instrument.open(kResource, "CACHE=0, InterchangeCheck = VI_TRUE, QueryInstrStatus=true,RangeCheck=False,"
                                          "RecordCoercions=1,simulate=1,DriverSetup=Cache=1"),
               0);
-    const TSRO::InherentOptions& options = instrument.options();
+    const base::InherentOptions& options = instrument.options();
     EXPECT_FALSE(options.cache);
     EXPECT_TRUE(options.interchangeCheck);
     EXPECT_TRUE(options.queryInstrumentStatus);
@@ -322,7 +322,7 @@ TEST_F(InstrumentOnVisa, ReadsItsOptionsFromTheOptionString)
 TEST_F(InstrumentOnVisa, ReadsItsOptionsBeforeItConnects)
 {
     kvxtest::failCall("viOpenDefaultRM", kNotFound);
-    EXPECT_EQ(instrument.open(kResource, "RangeCheck=0"), kIoError);
+    EXPECT_EQ(instrument.open(kResource, "RangeCheck=0"), base::kErrorIo);
     EXPECT_FALSE(instrument.options().rangeCheck);
 }
 
