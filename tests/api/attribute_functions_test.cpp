@@ -163,9 +163,9 @@ TEST_F(AttributeFunctions, AFailureIsRecordedOnceAndLeavesTheValue)
         failCall(function, VI_ERROR_TMO);
         clearLog();
         ViReal64 value = 99;
-        EXPECT_EQ(get("OutputChannel1", KVX2800T_ATTR_VOLTAGE_LEVEL, value), base::kErrorIo);
+        EXPECT_EQ(get("OutputChannel1", KVX2800T_ATTR_VOLTAGE_LEVEL, value), kIoError);
         EXPECT_EQ(value, 99);
-        EXPECT_EQ(recorded(), (ErrorEntry{base::kErrorIo, "I/O error."}));
+        EXPECT_EQ(recorded(), (ErrorEntry{kIoError, "I/O error."}));
         EXPECT_EQ(timesRecorded(), 1U);
         clearFailures();
         IviSession_ClearError(vi);

@@ -141,8 +141,8 @@ TEST_P(ChannelSetting, StopsAtEveryWriteThatFails)
         SCOPED_TRACE(n);
         forget();
         failNthCallOf("viWrite", n, VI_ERROR_TMO);
-        EXPECT_EQ(set("OutputChannel3,OutputChannel1,OutputChannel4"), base::kErrorIo);
-        expectRecordedOnce(base::kErrorIo, "I/O error.");
+        EXPECT_EQ(set("OutputChannel3,OutputChannel1,OutputChannel4"), kIoError);
+        expectRecordedOnce(kIoError, "I/O error.");
         EXPECT_THAT(written(), ElementsAreArray(all.begin(), all.begin() + static_cast<std::ptrdiff_t>(n) - 1));
     }
 }
@@ -151,8 +151,8 @@ TEST_P(ChannelSetting, StopsAtAModeThatCannotBeRead)
 {
     open("QueryInstrStatus=1");
     failNthCallOf("viRead", 1, VI_ERROR_TMO);
-    EXPECT_EQ(set("OutputChannel3,OutputChannel1,OutputChannel4"), base::kErrorIo);
-    expectRecordedOnce(base::kErrorIo, "I/O error.");
+    EXPECT_EQ(set("OutputChannel3,OutputChannel1,OutputChannel4"), kIoError);
+    expectRecordedOnce(kIoError, "I/O error.");
     Lines expected = commandsOf({3});
     expected.emplace_back(":SOUR:Mode?\n");
     EXPECT_THAT(written(), ElementsAreArray(expected));
@@ -298,8 +298,8 @@ TEST_F(ChannelAttributes, ABadBehaviorComesBehindABadSelectorAndAFailedMode)
     EXPECT_EQ(setBehavior("OutputChannel7", 2), code(0xBFFA0067));
     forget();
     failNthCallOf("viWrite", 1, VI_ERROR_TMO);
-    EXPECT_EQ(setBehavior("OutputChannel1", 2), base::kErrorIo);
-    expectRecordedOnce(base::kErrorIo, "I/O error.");
+    EXPECT_EQ(setBehavior("OutputChannel1", 2), kIoError);
+    expectRecordedOnce(kIoError, "I/O error.");
 }
 
 TEST_F(ChannelAttributes, EverySwitchValueButFalseIsOn)

@@ -31,11 +31,11 @@ public:
 
 TEST_F(ErrorFunctions, GetErrorPassesEverythingToTheSessionService)
 {
-    IviSession_SetError(vi, base::kErrorIo, "I/O error.");
+    IviSession_SetError(vi, kIoError, "I/O error.");
     clearLog();
     ViStatus status = 0;
     EXPECT_EQ(KVX2800T_GetError(vi, &status, 256, text.data()), VI_SUCCESS);
-    EXPECT_EQ(status, base::kErrorIo);
+    EXPECT_EQ(status, kIoError);
     EXPECT_STREQ(text.data(), "I/O error.");
     EXPECT_THAT(calls(), ElementsAre("IviSession_GetError(1001, 256)"));
     EXPECT_EQ(recorded(), ErrorEntry());
@@ -43,9 +43,9 @@ TEST_F(ErrorFunctions, GetErrorPassesEverythingToTheSessionService)
 
 TEST_F(ErrorFunctions, GetErrorAsksForTheSizeWithZero)
 {
-    IviSession_SetError(vi, base::kErrorIo, "I/O error.");
+    IviSession_SetError(vi, kIoError, "I/O error.");
     EXPECT_EQ(KVX2800T_GetError(vi, nullptr, 0, nullptr), 11);
-    EXPECT_EQ(recorded().code, base::kErrorIo);
+    EXPECT_EQ(recorded().code, kIoError);
     EXPECT_EQ(KVX2800T_GetError(vi, nullptr, 4, text.data()), 11);
     EXPECT_STREQ(text.data(), "I/O");
     EXPECT_EQ(text[4], '#');
@@ -59,13 +59,13 @@ TEST_F(ErrorFunctions, GetErrorReturnsTheServicesStatus)
 
 TEST_F(ErrorFunctions, ClearErrorPassesTheSessionOn)
 {
-    IviSession_SetError(vi, base::kErrorIo, "I/O error.");
+    IviSession_SetError(vi, kIoError, "I/O error.");
     clearLog();
     EXPECT_EQ(KVX2800T_ClearError(vi), VI_SUCCESS);
     EXPECT_THAT(calls(), ElementsAre("IviSession_ClearError(1001)"));
     EXPECT_EQ(recorded(), ErrorEntry());
     EXPECT_EQ(KVX2800T_ClearError(kUnknownSession), kInvalidSession);
-    EXPECT_EQ(errorOf(VI_NULL).code, base::kErrorIo);
+    EXPECT_EQ(errorOf(VI_NULL).code, kIoError);
     EXPECT_EQ(KVX2800T_ClearError(VI_NULL), VI_SUCCESS);
     EXPECT_EQ(errorOf(VI_NULL), ErrorEntry());
 }
@@ -171,8 +171,8 @@ TEST_F(ErrorFunctions, ErrorQueryRecordsAFailureOnceAndWritesNothing)
     for (const char* function : {"viWrite", "viRead"}) {
         failCall(function, VI_ERROR_TMO);
         clearLog();
-        EXPECT_EQ(errorQuery(), base::kErrorIo);
-        EXPECT_EQ(recorded(), (ErrorEntry{base::kErrorIo, "I/O error."}));
+        EXPECT_EQ(errorQuery(), kIoError);
+        EXPECT_EQ(recorded(), (ErrorEntry{kIoError, "I/O error."}));
         EXPECT_EQ(timesRecorded(), 1U);
         expectOutputsUntouched();
         clearFailures();

@@ -67,9 +67,8 @@ ErrorEntry expectedRecord(const std::string& function, const std::string& lastCo
     if (function.starts_with("IviConfig_"))
         return {kInjected, function + " failed"};
     const bool opening = lastCommand.empty() || lastCommand == "*IDN?\n";
-    return {base::kErrorIo, opening
-                                ? "I/O error.  Insufficient location information or resource not present in the system"
-                                : "I/O error."};
+    return {kIoError, opening ? "I/O error.  Insufficient location information or resource not present in the system"
+                              : "I/O error."};
 }
 
 /// The command that a call has to do with: its own, or the one in front of a viRead.
@@ -128,11 +127,10 @@ TEST_P(InitFailure, OfTheCleanUpDoesNotReplaceTheFirstOne)
         failCall(function, VI_ERROR_IO);
         failCall("viClose", VI_ERROR_CLOSING_FAILED);
         vi = 77;
-        EXPECT_EQ(initialize(), base::kErrorIo) << function;
+        EXPECT_EQ(initialize(), kIoError) << function;
         EXPECT_EQ(vi, ViSession{VI_NULL});
-        EXPECT_EQ(threadError(),
-                  (ErrorEntry{base::kErrorIo, "I/O error.  Insufficient location information or resource not "
-                                              "present in the system"}))
+        EXPECT_EQ(threadError(), (ErrorEntry{kIoError, "I/O error.  Insufficient location information or resource not "
+                                                       "present in the system"}))
             << function;
     }
 }

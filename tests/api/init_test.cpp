@@ -159,7 +159,7 @@ TEST_F(Init, SimulatedCombinationsCallNoVisa)
 TEST_F(Init, AFailedInitLeavesItsHandleToTheSessionService)
 {
     failCall("viOpen", VI_ERROR_RSRC_NFOUND);
-    EXPECT_EQ(initFully(VI_FALSE, VI_FALSE), base::kErrorIo);
+    EXPECT_EQ(initFully(VI_FALSE, VI_FALSE), kIoError);
     EXPECT_EQ(vi, ViSession{VI_NULL});
     EXPECT_EQ(openIviSessions(), 1U);
     EXPECT_THAT(calls(), Not(Contains(testing::StartsWith("IviSession_Dispose"))));

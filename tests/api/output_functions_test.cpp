@@ -126,8 +126,8 @@ TEST_F(OutputFunctions, AFailedCommandEndsTheCall)
     for (std::size_t n = 1; n <= 3; ++n) {
         clearLog();
         failNthCallOf("viWrite", n, VI_ERROR_TMO);
-        EXPECT_EQ(KVX2800T_ConfigureCurrentLimit(vi, "OutputChannel3,OutputChannel4", 1, 1.0), base::kErrorIo) << n;
-        expectRecordedOnce(base::kErrorIo, "I/O error.");
+        EXPECT_EQ(KVX2800T_ConfigureCurrentLimit(vi, "OutputChannel3,OutputChannel4", 1, 1.0), kIoError) << n;
+        expectRecordedOnce(kIoError, "I/O error.");
         EXPECT_EQ(written().size(), n - 1);
         IviSession_ClearError(vi);
     }
@@ -139,8 +139,8 @@ TEST_F(OutputFunctions, AFailedModeChangeEndsTheCall)
     for (const auto& [function, n] : {std::pair("viWrite", 1U), std::pair("viRead", 1U), std::pair("viWrite", 2U)}) {
         clearLog();
         failNthCallOf(function, n, VI_ERROR_TMO);
-        EXPECT_EQ(KVX2800T_ConfigureOutputEnabled(vi, "OutputChannel5", VI_TRUE), base::kErrorIo) << function << n;
-        expectRecordedOnce(base::kErrorIo, "I/O error.");
+        EXPECT_EQ(KVX2800T_ConfigureOutputEnabled(vi, "OutputChannel5", VI_TRUE), kIoError) << function << n;
+        expectRecordedOnce(kIoError, "I/O error.");
         EXPECT_THAT(written(), testing::Not(testing::Contains(":OUTP:STAT SER,ON\n")));
         IviSession_ClearError(vi);
     }
@@ -199,8 +199,8 @@ TEST_F(OutputFunctions, AStatusThatCannotBeReadIsRecordedOnce)
 {
     open("QueryInstrStatus=1");
     failCall("viRead", VI_ERROR_TMO);
-    EXPECT_EQ(KVX2800T_ConfigureVoltageLevel(vi, "OutputChannel3", 1.0), base::kErrorIo);
-    expectRecordedOnce(base::kErrorIo, "I/O error.");
+    EXPECT_EQ(KVX2800T_ConfigureVoltageLevel(vi, "OutputChannel3", 1.0), kIoError);
+    expectRecordedOnce(kIoError, "I/O error.");
 }
 
 TEST_F(OutputFunctions, AStatusThatIsNoNumberLeavesAsAnException)
@@ -319,8 +319,8 @@ TEST_F(OutputFunctions, AFailedOvpCommandEndsTheCall)
     for (std::size_t n = 1; n <= 5; ++n) {
         forget();
         failNthCallOf("viWrite", n, VI_ERROR_TMO);
-        EXPECT_EQ(KVX2800T_ConfigureOVP(vi, "OutputChannel3-4", VI_TRUE, 1.0), base::kErrorIo) << n;
-        expectRecordedOnce(base::kErrorIo, "I/O error.");
+        EXPECT_EQ(KVX2800T_ConfigureOVP(vi, "OutputChannel3-4", VI_TRUE, 1.0), kIoError) << n;
+        expectRecordedOnce(kIoError, "I/O error.");
         EXPECT_EQ(written().size(), n - 1);
     }
 }

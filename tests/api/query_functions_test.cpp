@@ -349,9 +349,9 @@ TEST_F(QueryFunctions, AFailedMeasurementOfSeveralChannelsKeepsTheLastGoodOne)
             forget();
             failNthCallOf(function, n, VI_ERROR_TMO);
             ViReal64 volts = kMark;
-            EXPECT_EQ(KVX2800T_Measure(vi, "OutputChannel1-4", KVX2800T_VAL_MEASURE_VOLTAGE, &volts), base::kErrorIo);
+            EXPECT_EQ(KVX2800T_Measure(vi, "OutputChannel1-4", KVX2800T_VAL_MEASURE_VOLTAGE, &volts), kIoError);
             EXPECT_EQ(volts, n == 1 ? ViReal64{kMark} : static_cast<ViReal64>(n - 1));
-            expectRecordedOnce(base::kErrorIo, "I/O error.");
+            expectRecordedOnce(kIoError, "I/O error.");
             EXPECT_THAT(written(), testing::Not(testing::Contains("*ESR?\n")));
         }
 }
@@ -362,9 +362,9 @@ TEST_F(QueryFunctions, AFailedStateOfSeveralChannelsKeepsTheLastGoodOne)
     answer(":STATus:QUEStionable:INSTrument:ISUMmary1:CONDition?", "2");
     failNthCallOf("viRead", 2, VI_ERROR_TMO);
     ViBoolean inState = kMark;
-    EXPECT_EQ(KVX2800T_QueryOutputState(vi, "OutputChannel1-3", 0, &inState), base::kErrorIo);
+    EXPECT_EQ(KVX2800T_QueryOutputState(vi, "OutputChannel1-3", 0, &inState), kIoError);
     EXPECT_EQ(inState, VI_TRUE);
-    expectRecordedOnce(base::kErrorIo, "I/O error.");
+    expectRecordedOnce(kIoError, "I/O error.");
 }
 
 TEST_F(QueryFunctions, AnUnknownMeasurementTypeIsOutOfRange)

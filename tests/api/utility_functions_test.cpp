@@ -36,8 +36,8 @@ TEST_F(UtilityFunctions, AFailedResetIsRecordedOnceAndReturned)
     failCall("viWrite", VI_ERROR_CONN_LOST);
     for (const auto resetFunction : {KVX2800T_reset, KVX2800T_ResetWithDefaults}) {
         clearLog();
-        EXPECT_EQ(resetFunction(vi), base::kErrorIo);
-        EXPECT_EQ(recorded(), (ErrorEntry{base::kErrorIo, "I/O error."}));
+        EXPECT_EQ(resetFunction(vi), kIoError);
+        EXPECT_EQ(recorded(), (ErrorEntry{kIoError, "I/O error."}));
         EXPECT_EQ(timesRecorded(), 1U);
         IviSession_ClearError(vi);
     }

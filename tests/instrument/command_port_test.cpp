@@ -16,6 +16,7 @@
 namespace
 {
 
+using base::statusCode;
 using kvxtest::kInvalidKey;
 using kvxtest::portOn;
 using kvxtest::ScriptedConnection;

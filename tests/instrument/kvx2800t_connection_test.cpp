@@ -19,7 +19,7 @@ using testing::IsEmpty;
 using TSRO::Identity;
 using TSRO::KVX2800T;
 
-constexpr ViStatus base::kErrorIo = static_cast<ViStatus>(0xBFFA4214);
+constexpr ViStatus kIoError = static_cast<ViStatus>(0xBFFA4214);
 constexpr ViStatus kNoConnection = static_cast<ViStatus>(0xBFFF000E);
 constexpr ViStatus kNotFound = static_cast<ViStatus>(0xBFFF0011);
 constexpr ViStatus kTimedOut = static_cast<ViStatus>(0xBFFF0015);
@@ -99,7 +99,7 @@ TEST_F(InstrumentOnVisa, OpenIsAnIoErrorWhenAnyCallFailsAndLeavesNoSessionOfAFai
             EXPECT_EQ(status, 0);
             break;
         }
-        EXPECT_EQ(status, base::kErrorIo) << n;
+        EXPECT_EQ(status, kIoError) << n;
         // Calls 1 to 5 open the connection; 6 and 7 are the identification, on a connection that stays.
         EXPECT_EQ(fresh.isOpen(), n > 5) << n;
         EXPECT_EQ(kvxtest::openVisaSessions() > 0, n > 5) << n;
@@ -113,7 +113,7 @@ TEST_F(InstrumentOnVisa, AFailedOpenKeepsThePreviousConnection)
 {
     ASSERT_EQ(instrument.open(kResource, ""), 0);
     kvxtest::failCall("viOpen", kNotFound);
-    EXPECT_EQ(instrument.open("USB0::1::2::3::INSTR", ""), base::kErrorIo);
+    EXPECT_EQ(instrument.open("USB0::1::2::3::INSTR", ""), kIoError);
     EXPECT_TRUE(instrument.isOpen());
     EXPECT_EQ(kvxtest::openVisaSessions(), 2U);
     kvxtest::clearLog();
@@ -156,13 +156,13 @@ TEST_F(InstrumentOnVisa, CloseThatFailsKeepsTheConnection)
 
 TEST_F(InstrumentOnVisa, AnOperationBeforeOpenAndAfterCloseCallsNothing)
 {
-    EXPECT_EQ(instrument.clearStatus(), base::kErrorIo);
+    EXPECT_EQ(instrument.clearStatus(), kIoError);
     EXPECT_THAT(calls(), IsEmpty());
     ASSERT_EQ(instrument.open(kResource, ""), 0);
     ASSERT_EQ(instrument.close(), 0);
     kvxtest::clearLog();
     double volts = -7.5;
-    EXPECT_EQ(instrument.voltageLevel(1, volts), base::kErrorIo);
+    EXPECT_EQ(instrument.voltageLevel(1, volts), kIoError);
     EXPECT_THAT(calls(), IsEmpty());
 }
 
@@ -228,7 +228,7 @@ TEST_F(InstrumentOnVisa, AFailedIdentificationKeepsTheIdentityAndTheConnection)
 {
     ASSERT_EQ(instrument.open(kResource, ""), 0);
     kvxtest::failCall("viRead", kTimedOut);
-    EXPECT_EQ(instrument.open(kResource, ""), base::kErrorIo);
+    EXPECT_EQ(instrument.open(kResource, ""), kIoError);
     EXPECT_THAT(identityFields(), ElementsAre("Tessaro Instruments", "KVX2803T", "SN1", "V1.00"));
     EXPECT_TRUE(instrument.isOpen());
 }
@@ -276,7 +276,7 @@ TEST_F(InstrumentOnVisa, ATimeoutThatVisaRefusesIsAnIoError)
 {
     ASSERT_EQ(instrument.open(kResource, ""), 0);
     kvxtest::failCall("viSetAttribute", kTimedOut);
-    EXPECT_EQ(instrument.setIoTimeout(5000), base::kErrorIo);
+    EXPECT_EQ(instrument.setIoTimeout(5000), kIoError);
     kvxtest::clearFailures();
     kvxtest::failCall("viSetAttribute", kWarning);
     EXPECT_EQ(instrument.setIoTimeout(6000), 0);
@@ -322,7 +322,7 @@ TEST_F(InstrumentOnVisa, ReadsItsOptionsFromTheOptionString)
 TEST_F(InstrumentOnVisa, ReadsItsOptionsBeforeItConnects)
 {
     kvxtest::failCall("viOpenDefaultRM", kNotFound);
-    EXPECT_EQ(instrument.open(kResource, "RangeCheck=0"), base::kErrorIo);
+    EXPECT_EQ(instrument.open(kResource, "RangeCheck=0"), kIoError);
     EXPECT_FALSE(instrument.options().rangeCheck);
 }
 

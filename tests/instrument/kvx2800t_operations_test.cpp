@@ -21,6 +21,8 @@
 namespace
 {
 
+using base::lowerCased;
+using base::statusCode;
 using kvxtest::expectedOutcome;
 using kvxtest::Field;
 using kvxtest::FieldKind;

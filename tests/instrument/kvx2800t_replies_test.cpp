@@ -24,7 +24,7 @@ using kvxtest::outcomeOf;
 using kvxtest::portOn;
 using kvxtest::ScriptedConnection;
 
-constexpr ViStatus base::kErrorIo = static_cast<ViStatus>(0xBFFA4214);
+constexpr ViStatus kIoError = static_cast<ViStatus>(0xBFFA4214);
 constexpr ViStatus kTimedOut = static_cast<ViStatus>(0xBFFF0015);
 constexpr ViStatus kMaxCount = 0x3FFF0006;
 
@@ -84,7 +84,7 @@ TEST_P(ArbitraryReplies, GiveDocumentedResultsAndNothingElse)
         connection->replies.clear();
         connection->answer(reply, readStatus);
         const Outcome expected =
-            readStatus < 0 ? Outcome{.status = base::kErrorIo, .outputs = query.before} : expectedOutcome(query, reply);
+            readStatus < 0 ? Outcome{.status = kIoError, .outputs = query.before} : expectedOutcome(query, reply);
         EXPECT_EQ(outcomeOf(query, instrument), expected) << testing::PrintToString(reply);
     }
 }

@@ -15,7 +15,7 @@
 namespace kvxtest
 {
 
-inline constexpr ViStatus base::kErrorIo = code(0xBFFA4214);
+inline constexpr ViStatus kIoError = code(0xBFFA4214);
 inline constexpr ViStatus kInvalidSession = code(0xBFFA1190);
 inline constexpr ViStatus kNullPointer = code(0xBFFA0058);
 inline constexpr ViStatus kOutOfRange = code(0xBFFA4217);

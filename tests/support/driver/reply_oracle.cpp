@@ -16,7 +16,7 @@ namespace kvxtest
 namespace
 {
 
-constexpr ViStatus base::kErrorUnexpectedResponse = static_cast<ViStatus>(0xBFFA0059);
+constexpr ViStatus kUnexpectedResponse = static_cast<ViStatus>(0xBFFA0059);
 constexpr int kErrorQueue = 15;
 
 std::string describe(const std::exception& thrown)
@@ -94,7 +94,7 @@ ViStatus readField(const Field& field, const std::string& text, Value& value)
         value = toInteger(text, "stol");
         break;
     case FieldKind::Keyword:
-        return toKeyword(field.keywords, text, value) ? VI_SUCCESS : base::kErrorUnexpectedResponse;
+        return toKeyword(field.keywords, text, value) ? VI_SUCCESS : kUnexpectedResponse;
     case FieldKind::Text:
         value = text;
         break;
