@@ -39,8 +39,7 @@ check_tidy() {
 
 check_manual() {
     step "Checking the manual"
-    mkdir -p build
-    doxygen docs/Doxyfile
+    cmake --build --preset release --target manual
 }
 
 # Programs for Windows run in a prefix of their own, which goes with everything that runs in it.
@@ -70,8 +69,8 @@ if [ "$1" = --tidy ]; then
     exit
 fi
 check_format
-check_manual
 run_tests release
+check_manual
 check_tidy '^tests/'
 run_tests asan-ubsan
 run_tests tsan

@@ -32,14 +32,13 @@ kvx_add_layer(simulator
     simulator/random_source.cpp)
 kvx_add_layer(runtime
     runtime/attribute_dispatch.cpp
-    runtime/attribute_registry.cpp
     runtime/close_listeners.cpp
-    runtime/configuration_store.cpp
     runtime/driver_identity.cpp
     runtime/driver_session.cpp
+    runtime/driver_session_options.cpp
+    runtime/driver_session_store.cpp
     runtime/error_messages.cpp
     runtime/kvx2800t_driver_session.cpp
-    runtime/option_parsing.cpp
     runtime/selector.cpp
     runtime/selector_grammar.cpp
     runtime/source_mode.cpp

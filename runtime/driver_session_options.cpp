@@ -7,7 +7,7 @@ namespace drivekit
 ViStatus DriverSession::ApplyConfiguredModel()
 {
     if (const std::string* const model = configuredString("model"))
-        model_ = *model;
+        identity_.model = *model;
     return VI_SUCCESS;
 }
 
@@ -42,7 +42,7 @@ ViStatus DriverSession::ParseDriverSetup(const std::string& driverSetup)
 ViStatus DriverSession::ApplyDriverSetupOption(const std::string& name, const std::string& value)
 {
     if (base::ascii::equalIgnoringCase(name, base::kModelKey))
-        model_ = value;
+        identity_.model = value;
     return VI_SUCCESS;
 }
 
@@ -54,8 +54,8 @@ ViStatus DriverSession::ParseInherentOptions(const std::string& options)
         const auto flag = base::inherentOption(option->name);
         if (flag == nullptr)
             return ReportError(base::kErrorBadOptionName, {option->name});
-        const ViStatus status =
-            ParseBooleanOptionValue(std::string(option->name), std::string(option->value), options_.*flag);
+        const ViStatus status = ParseBooleanOptionValue(std::string(option->name), std::string(option->value),
+                                                        configuration_.options.*flag);
         if (status < 0)
             return status;
         // As with DriverSetup, the repeated option has taken effect.
