@@ -47,7 +47,6 @@ kvx_add_layer(runtime
     runtime/virtual_names.cpp)
 kvx_add_layer(api
     api/arguments.cpp
-    api/attribute_accessors.cpp
     api/attribute_functions.cpp
     api/attribute_table.cpp
     api/output_functions.cpp
