@@ -13,7 +13,7 @@ kvx_add_layer(instrument
     instrument/command_port.cpp
     instrument/command_text.cpp
     instrument/fixed_point.cpp
-    instrument/keyword_tables.cpp
+    instrument/keyword_table.cpp
     instrument/kvx2800t.cpp
     instrument/kvx2800t_delay.cpp
     instrument/kvx2800t_list.cpp
