@@ -175,7 +175,7 @@ ViStatus _VI_FUNC KVX2800T_ResetWithDefaults(ViSession Vi)
 ViStatus _VI_FUNC KVX2800T_Disable(ViSession Vi)
 {
     return api::framedSession(Vi, [](DriverSession& session) {
-        return api::recordFailure(session, session.instrument()->writeRaw(":OUTPut:STATe ALL,OFF"));
+        return api::recordFailure(session, session.instrument()->writeRaw(TSRO::kAllOutputsOff));
     });
 }
 

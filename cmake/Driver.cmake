@@ -13,7 +13,7 @@ kvx_add_layer(instrument
     instrument/command_port.cpp
     instrument/command_text.cpp
     instrument/fixed_point.cpp
-    instrument/keyword_tables.cpp
+    instrument/keyword_table.cpp
     instrument/kvx2800t.cpp
     instrument/kvx2800t_delay.cpp
     instrument/kvx2800t_list.cpp
@@ -24,11 +24,6 @@ kvx_add_layer(instrument
     instrument/reply_parsing.cpp)
 kvx_add_layer(simulator
     simulator/kvx2800t_simulator.cpp
-    simulator/kvx2800t_simulator_delay.cpp
-    simulator/kvx2800t_simulator_list.cpp
-    simulator/kvx2800t_simulator_measurement.cpp
-    simulator/kvx2800t_simulator_output.cpp
-    simulator/kvx2800t_simulator_source.cpp
     simulator/random_source.cpp)
 kvx_add_layer(runtime
     runtime/attribute_dispatch.cpp

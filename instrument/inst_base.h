@@ -12,6 +12,9 @@
 namespace TSRO
 {
 
+/// The command that switches all outputs off at once, for writeRaw(): no operation of a channel spells "ALL".
+inline constexpr const char* kAllOutputsOff = ":OUTPut:STATe ALL,OFF";
+
 /// A KVX2800T power supply, real or simulated: one operation for each SCPI command.
 ///
 /// Channels are numbered 1 to 4 for the outputs, 5 for the series and 6 for the parallel combination of outputs 1

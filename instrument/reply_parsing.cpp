@@ -4,11 +4,7 @@
 #include "base/failures.h"
 
 #include <algorithm>
-#include <array>
 #include <charconv>
-#include <cmath>
-#include <cstdint>
-#include <optional>
 #include <stdexcept>
 #include <string>
 #include <system_error>
@@ -18,10 +14,10 @@ namespace TSRO
 namespace
 {
 
-/// So many digits are less than 2^53.
-constexpr std::size_t kExactDigits = 15;
-constexpr std::array<double, kExactDigits + 1> kPowersOfTen = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
-                                                               1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
+bool beginsWithSign(std::string_view text)
+{
+    return !text.empty() && (text.front() == '-' || text.front() == '+');
+}
 
 /// A number's sign and what follows it.
 struct SignedText
@@ -33,14 +29,9 @@ struct SignedText
 SignedText splitSign(std::string_view text)
 {
     text = base::ascii::skipBlanks(text);
-    if (text.empty() || (text.front() != '-' && text.front() != '+'))
+    if (!beginsWithSign(text))
         return {false, text};
     return {text.front() == '-', text.substr(1)};
-}
-
-bool beginsWithSign(std::string_view text)
-{
-    return !text.empty() && (text.front() == '-' || text.front() == '+');
 }
 
 constexpr bool isHexDigit(char c)
@@ -78,30 +69,6 @@ std::string_view hexadecimalNumber(std::string_view text)
     const std::size_t end = hasPoint ? endOfRun(text, whole + 1, isHexDigit) : whole;
     const std::size_t digits = hasPoint ? end - 1 : end;
     return digits == 0 ? std::string_view() : text.substr(0, endOfExponent(text, end));
-}
-
-/// Puts the digits that stand at `at` behind those of `number`, and returns the place behind them.
-std::size_t takeDigits(std::string_view text, std::size_t at, std::uint64_t& number)
-{
-    for (; at < text.size() && base::ascii::isDigit(text[at]); ++at)
-        number = number * 10 + static_cast<std::uint64_t>(text[at] - '0');
-    return at;
-}
-
-/// The number at the front of a text, if it is of the kind that instruments send: few digits and no exponent. Both the
-/// digits and the power of ten are exact as doubles then, and so their quotient is rounded as the number itself.
-std::optional<double> shortDecimal(std::string_view text)
-{
-    std::uint64_t number = 0;
-    const std::size_t whole = takeDigits(text, 0, number);
-    const bool hasPoint = whole < text.size() && text[whole] == '.';
-    const std::size_t end = hasPoint ? takeDigits(text, whole + 1, number) : whole;
-    const std::size_t decimals = hasPoint ? end - whole - 1 : 0;
-    const std::size_t count = whole + decimals;
-    const char next = end < text.size() ? base::ascii::toLower(text[end]) : ' ';
-    if (count == 0 || count > kExactDigits || next == 'e' || next == 'x')
-        return std::nullopt;
-    return static_cast<double>(number) / kPowersOfTen[decimals];
 }
 
 std::from_chars_result convertMagnitude(std::string_view magnitude, double& value)
@@ -150,8 +117,6 @@ bool parseBoolean(std::string_view reply)
 double parseDouble(std::string_view reply)
 {
     const SignedText text = splitSign(reply);
-    if (const auto value = shortDecimal(text.magnitude))
-        return text.negative ? -*value : *value;
     double value = 0.0;
     const auto result = convertMagnitude(text.magnitude, value);
     if (result.ec == std::errc::invalid_argument)

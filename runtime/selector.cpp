@@ -2,7 +2,7 @@
 
 #include "base/ascii.h"
 #include "base/failures.h"
-#include "instrument/keyword_tables.h"
+#include "instrument/enumerations.h"
 #include "runtime/driver_session.h"
 #include "runtime/selector_grammar.h"
 

@@ -1,4 +1,4 @@
-#include "instrument/keyword_tables.h"
+#include "instrument/enumerations.h"
 
 #include "tests/support/thrown.h"
 

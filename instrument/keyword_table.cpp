@@ -1,4 +1,4 @@
-#include "instrument/keyword_tables.h"
+#include "instrument/keyword_table.h"
 
 #include "base/failures.h"
 
