@@ -1,9 +1,9 @@
+#include "visa/transport/serial/serial_stream.h"
+
 #include "platform/common/windows_environment.h"
 #include "visa/host/host_error.h"
-#include "visa/transport/backends.h"
 #include "visa/transport/serial/com_port_windows.h"
 #include "visa/transport/serial/line_settings_windows.h"
-#include "visa/transport/stream.h"
 
 #include <string_view>
 #include <system_error>
