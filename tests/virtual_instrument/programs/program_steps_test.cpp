@@ -68,16 +68,16 @@ TEST(Programs, OneLongStepOfTimeComesToTheSameAsManyShortOnes)
         atOnce.control("load CH1 10");
         stepByStep.control("load CH1 10");
         for (const auto& message : randomProgram(random)) {
-            ASSERT_EQ("", atOnce.exchange(message)) << message;
-            ASSERT_EQ("", stepByStep.exchange(message)) << message;
+            ASSERT_EQ(atOnce.exchange(message), "") << message;
+            ASSERT_EQ(stepByStep.exchange(message), "") << message;
         }
         const int time = random.between(1, 4000);
         atOnce.control("advance " + std::to_string(time));
         for (int i = 0; i < time; ++i)
             stepByStep.control("advance 1");
         const auto state = everythingAbout(atOnce);
-        ASSERT_EQ(everythingAbout(stepByStep), state) << "round " << round << " after " << time << " ms";
-        ASSERT_EQ(kNoError, atOnce.error());
+        ASSERT_EQ(state, everythingAbout(stepByStep)) << "round " << round << " after " << time << " ms";
+        ASSERT_EQ(atOnce.error(), kNoError);
         stillActive += state.find("RUNNING") != std::string::npos ? 1 : 0;
     }
     // Both kinds must come up for the comparison to mean something.

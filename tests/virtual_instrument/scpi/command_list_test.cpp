@@ -22,7 +22,7 @@ TEST(CommandList, ReadmeHoldsTheTableThatTheProgramPrints)
     std::ifstream file(KVX_README);
     std::stringstream readme;
     readme << file.rdbuf();
-    EXPECT_NE(std::string::npos, readme.str().find("\n\n" + commandTableAsMarkdown() + '\n'))
+    EXPECT_NE(readme.str().find("\n\n" + commandTableAsMarkdown() + '\n'), std::string::npos)
         << "update the command table of " KVX_README " with what kvx2800t-virtual --commands prints";
 }
 

@@ -10,17 +10,17 @@ using namespace kvxtest;
 TEST(CommonCommands, AnswerAsIeee488Says)
 {
     ManualInstrument device;
-    EXPECT_EQ("Tessaro Instruments,KVX2833T,VIRT0000001,V1.00\n", device.exchange("*IDN?"));
-    EXPECT_EQ("128\n", device.exchange("*ESR?"));
-    EXPECT_EQ("1\n", device.exchange("*OPC?"));
-    EXPECT_EQ("0\n", device.exchange("*TST?"));
-    EXPECT_EQ("1999.0\n", device.exchange("SYST:VERS?"));
-    EXPECT_EQ("", device.exchange("*OPC;*WAI;*TRG"));
-    EXPECT_EQ("1\n", device.exchange("*ESR?"));
-    EXPECT_EQ("36;48\n", device.exchange("*ESE 36;*SRE 48;*ESE?;*SRE?"));
-    EXPECT_EQ(kOutOfRange, device.errorOf("*ESE 256"));
-    EXPECT_EQ(kOutOfRange, device.errorOf("*SRE -1"));
-    EXPECT_EQ("36\n", device.exchange("*ESE?"));
+    EXPECT_EQ(device.exchange("*IDN?"), "Tessaro Instruments,KVX2833T,VIRT0000001,V1.00\n");
+    EXPECT_EQ(device.exchange("*ESR?"), "128\n");
+    EXPECT_EQ(device.exchange("*OPC?"), "1\n");
+    EXPECT_EQ(device.exchange("*TST?"), "0\n");
+    EXPECT_EQ(device.exchange("SYST:VERS?"), "1999.0\n");
+    EXPECT_EQ(device.exchange("*OPC;*WAI;*TRG"), "");
+    EXPECT_EQ(device.exchange("*ESR?"), "1\n");
+    EXPECT_EQ(device.exchange("*ESE 36;*SRE 48;*ESE?;*SRE?"), "36;48\n");
+    EXPECT_EQ(device.errorOf("*ESE 256"), kOutOfRange);
+    EXPECT_EQ(device.errorOf("*SRE -1"), kOutOfRange);
+    EXPECT_EQ(device.exchange("*ESE?"), "36\n");
 }
 
 TEST(CommonCommands, IdentityIsAnOption)
@@ -28,32 +28,32 @@ TEST(CommonCommands, IdentityIsAnOption)
     kvxvirtual::InstrumentSettings settings;
     settings.identity = "A,B,C";
     ManualInstrument device(settings);
-    EXPECT_EQ("A,B,C\n", device.exchange("*IDN?"));
+    EXPECT_EQ(device.exchange("*IDN?"), "A,B,C\n");
 }
 
 TEST(ErrorQueue, IsClearedByClsButNotByRstOrEsr)
 {
     ManualInstrument device;
     device.exchange("BAD");
-    EXPECT_EQ("160\n", device.exchange("*RST;*ESR?"));
-    EXPECT_EQ("-113,\"Undefined header\"\n", device.error());
-    EXPECT_EQ(kNoError, device.error());
-    EXPECT_EQ("0;0,\"No error\"\n", device.exchange("BAD;*CLS;*ESR?;:SYST:ERR:NEXT?"));
+    EXPECT_EQ(device.exchange("*RST;*ESR?"), "160\n");
+    EXPECT_EQ(device.error(), "-113,\"Undefined header\"\n");
+    EXPECT_EQ(device.error(), kNoError);
+    EXPECT_EQ(device.exchange("BAD;*CLS;*ESR?;:SYST:ERR:NEXT?"), "0;0,\"No error\"\n");
 }
 
 TEST(Messages, EmptyOnesAreIgnored)
 {
     ManualInstrument device;
     for (const auto* const message : {"", "\r", " ", ";", "\t;;\r"})
-        EXPECT_EQ(kNoError, device.errorOf(message));
+        EXPECT_EQ(device.errorOf(message), kNoError);
 }
 
 TEST(Messages, RepliesOfOneMessageAreJoinedAndFailuresSendNothing)
 {
     ManualInstrument device;
-    EXPECT_EQ("1;0\n", device.exchange("*OPC?;BAD?;*TST?"));
-    EXPECT_EQ("", device.exchange("BAD?"));
-    EXPECT_EQ("-113,\"Undefined header\"\n", device.error());
+    EXPECT_EQ(device.exchange("*OPC?;BAD?;*TST?"), "1;0\n");
+    EXPECT_EQ(device.exchange("BAD?"), "");
+    EXPECT_EQ(device.error(), "-113,\"Undefined header\"\n");
 }
 
 TEST(Parameters, ANumberTooSmallToRepresentIsZero)
@@ -61,8 +61,8 @@ TEST(Parameters, ANumberTooSmallToRepresentIsZero)
     ManualInstrument device;
     for (const auto* const zero : {"1e-400", "-1e-400", "0.1e-99999999999999999999"}) {
         device.exchange("SOUR1:VOLT 5");
-        EXPECT_EQ(kNoError, device.errorOf(std::string("SOUR1:VOLT ") + zero)) << zero;
-        EXPECT_EQ("0.000000\n", device.exchange("SOUR1:VOLT?")) << zero;
+        EXPECT_EQ(device.errorOf(std::string("SOUR1:VOLT ") + zero), kNoError) << zero;
+        EXPECT_EQ(device.exchange("SOUR1:VOLT?"), "0.000000\n") << zero;
     }
 }
 
@@ -111,9 +111,9 @@ TEST(Errors, NameWhatIsWrongAndChangeNothing)
     };
     ManualInstrument device;
     for (const auto& [message, error] : kCases)
-        EXPECT_EQ(error, device.errorOf(message)) << message;
-    EXPECT_EQ("0.000000;0;NORMAL\n", device.exchange("SOUR1:VOLT?;:OUTP:STAT? CH1;:SOUR:MODE?"));
-    EXPECT_EQ(kNoError, device.error());
+        EXPECT_EQ(device.errorOf(message), error) << message;
+    EXPECT_EQ(device.exchange("SOUR1:VOLT?;:OUTP:STAT? CH1;:SOUR:MODE?"), "0.000000;0;NORMAL\n");
+    EXPECT_EQ(device.error(), kNoError);
 }
 
 TEST(Levels, GoToTheLimitsOfTheirChannel)
@@ -136,12 +136,12 @@ TEST(Levels, GoToTheLimitsOfTheirChannel)
         device.control("advance 500");
         for (std::size_t i = 0; i < 4; ++i) {
             const auto message = std::string(source) + kHeaders[i] + limits[i];
-            EXPECT_EQ(kNoError, device.errorOf(message)) << message;
-            EXPECT_EQ(kOutOfRange, device.errorOf(message + "e1")) << message;
+            EXPECT_EQ(device.errorOf(message), kNoError) << message;
+            EXPECT_EQ(device.errorOf(message + "e1"), kOutOfRange) << message;
         }
     }
-    EXPECT_EQ(kNoError, device.errorOf("SOUR3:CURR:PROT:DEL 10"));
-    EXPECT_EQ(kOutOfRange, device.errorOf("SOUR3:CURR:PROT:DEL 10.1"));
+    EXPECT_EQ(device.errorOf("SOUR3:CURR:PROT:DEL 10"), kNoError);
+    EXPECT_EQ(device.errorOf("SOUR3:CURR:PROT:DEL 10.1"), kOutOfRange);
 }
 
 TEST(Settings, ReadBackWhatWasSet)
@@ -193,8 +193,8 @@ TEST(Settings, ReadBackWhatWasSet)
     };
     ManualInstrument device;
     for (const auto& [set, query, reply] : kCases) {
-        EXPECT_EQ(kNoError, device.errorOf(set)) << set;
-        EXPECT_EQ(reply, device.exchange(query)) << query;
+        EXPECT_EQ(device.errorOf(set), kNoError) << set;
+        EXPECT_EQ(device.exchange(query), reply) << query;
     }
 }
 
@@ -202,17 +202,17 @@ TEST(Settings, BelongToOneChannel)
 {
     ManualInstrument device;
     device.exchange("SOUR2:VOLT 2;:OUTP:PAIR CH2,SER;:OUTP:STAT CH2,ON");
-    EXPECT_EQ("0.000000;OFF;0\n", device.exchange("SOUR1:VOLT?;:OUTP:PAIR? CH1;:OUTP:STAT? CH1"));
-    EXPECT_EQ("2.000000;SER;1\n", device.exchange("SOUR2:VOLT?;:OUTP:PAIR? CH2;:OUTP:STAT? CH2"));
+    EXPECT_EQ(device.exchange("SOUR1:VOLT?;:OUTP:PAIR? CH1;:OUTP:STAT? CH1"), "0.000000;OFF;0\n");
+    EXPECT_EQ(device.exchange("SOUR2:VOLT?;:OUTP:PAIR? CH2;:OUTP:STAT? CH2"), "2.000000;SER;1\n");
 }
 
 TEST(Outputs, AllOffSwitchesEveryOutputOff)
 {
     ManualInstrument device;
     device.exchange("OUTP:STAT ALL,ON");
-    EXPECT_EQ("1;1;1;1;0;0\n", device.exchange("OUTP:STAT? CH1;STAT? CH2;STAT? CH3;STAT? CH4;STAT? CH5;STAT? CH6"));
-    EXPECT_EQ(kNoError, device.errorOf("OUTP:STAT ALL,OFF"));
-    EXPECT_EQ("0;0;0;0\n", device.exchange("OUTP:STAT? CH1;STAT? CH2;STAT? CH3;STAT? CH4"));
+    EXPECT_EQ(device.exchange("OUTP:STAT? CH1;STAT? CH2;STAT? CH3;STAT? CH4;STAT? CH5;STAT? CH6"), "1;1;1;1;0;0\n");
+    EXPECT_EQ(device.errorOf("OUTP:STAT ALL,OFF"), kNoError);
+    EXPECT_EQ(device.exchange("OUTP:STAT? CH1;STAT? CH2;STAT? CH3;STAT? CH4"), "0;0;0;0\n");
 }
 
 TEST(Wording, BooleansAndKeywordsHaveAnotherForm)
@@ -221,8 +221,8 @@ TEST(Wording, BooleansAndKeywordsHaveAnotherForm)
     settings.wording = {true, true};
     ManualInstrument device(settings);
     device.exchange("OUTP:STAT CH1,ON;:INST:SELE PAR;:MEAS:CURR:RATE CH1,4000");
-    EXPECT_EQ("ON;OFF\n", device.exchange("OUTP:STAT? CH1;STAT? CH2"));
-    EXPECT_EQ("CH6;4K;CV\n", device.exchange("INST:SELE?;:MEAS:CURR:RATE? CH1;:OUTP:CVCC? CH1"));
+    EXPECT_EQ(device.exchange("OUTP:STAT? CH1;STAT? CH2"), "ON;OFF\n");
+    EXPECT_EQ(device.exchange("INST:SELE?;:MEAS:CURR:RATE? CH1;:OUTP:CVCC? CH1"), "CH6;4K;CV\n");
 }
 
 } // namespace

@@ -61,15 +61,15 @@ TEST(Garbage, LeavesTheInstrumentWellAndAnswering)
         const auto message = mutated(validMessage(random), random);
         const auto reply = device.exchange(message);
         if (!reply.empty()) {
-            ASSERT_EQ('\n', reply.back()) << message;
-            ASSERT_EQ(reply.size() - 1, reply.find('\n')) << message;
+            ASSERT_EQ(reply.back(), '\n') << message;
+            ASSERT_EQ(reply.find('\n'), reply.size() - 1) << message;
         }
         if (round % 100 == 0)
             device.control("advance 1000");
     }
     device.exchange("*CLS;*RST");
-    EXPECT_EQ("Tessaro Instruments,KVX2833T,VIRT0000001,V1.00\n", device.exchange("*IDN?"));
-    EXPECT_EQ("0;0,\"No error\"\n", device.exchange("*ESR?;:SYST:ERR?"));
+    EXPECT_EQ(device.exchange("*IDN?"), "Tessaro Instruments,KVX2833T,VIRT0000001,V1.00\n");
+    EXPECT_EQ(device.exchange("*ESR?;:SYST:ERR?"), "0;0,\"No error\"\n");
 }
 
 TEST(Garbage, LongMessagesOfEveryCharacterAreSurvived)
@@ -77,7 +77,7 @@ TEST(Garbage, LongMessagesOfEveryCharacterAreSurvived)
     ManualInstrument device;
     for (int byte = 0; byte < 256; ++byte)
         device.exchange(std::string(kvxvirtual::LineAssembler::kLongestLine, static_cast<char>(byte)));
-    EXPECT_EQ("1\n", device.exchange("*OPC?"));
+    EXPECT_EQ(device.exchange("*OPC?"), "1\n");
 }
 
 TEST(Garbage, MutatedControlLinesAreAnsweredWithOkOrError)
@@ -93,7 +93,7 @@ TEST(Garbage, MutatedControlLinesAreAnsweredWithOkOrError)
         const auto line = mutated(kLines[random.below(std::size(kLines))], random);
         const auto answer = device.control(line);
         ASSERT_TRUE(answer.starts_with("ok") || answer.starts_with("error ")) << line;
-        ASSERT_EQ('\n', answer.back()) << line;
+        ASSERT_EQ(answer.back(), '\n') << line;
     }
 }
 
