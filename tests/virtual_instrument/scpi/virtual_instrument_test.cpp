@@ -1,26 +1,16 @@
 #include "tests/support/virtual_instrument/manual_instrument.h"
+#include "tests/support/virtual_instrument/random_numbers.h"
 #include "virtual_instrument/scpi/command_table.h"
 #include "virtual_instrument/transport/line_assembler.h"
 
 #include <gtest/gtest.h>
-#include <random>
 
 namespace
 {
 
 using namespace kvxtest;
 
-/// The same sequence on every host: a distribution of the standard library would not be.
-class Random
-{
-public:
-    std::size_t below(std::size_t limit) { return engine_() % limit; }
-
-private:
-    std::mt19937 engine_{20261121};
-};
-
-std::string validMessage(Random& random)
+std::string validMessage(RandomNumbers& random)
 {
     const auto& commands = kvxvirtual::commandTable();
     const auto pattern = commands[random.below(commands.size())].pattern;
@@ -31,7 +21,7 @@ std::string validMessage(Random& random)
     return message + kParameters[random.below(std::size(kParameters))];
 }
 
-std::string mutated(std::string message, Random& random)
+std::string mutated(std::string message, RandomNumbers& random)
 {
     for (auto changes = random.below(4); changes > 0 && !message.empty(); --changes) {
         const auto at = random.below(message.size());
@@ -55,7 +45,7 @@ std::string mutated(std::string message, Random& random)
 
 TEST(Garbage, LeavesTheInstrumentWellAndAnswering)
 {
-    Random random;
+    RandomNumbers random(20261121);
     ManualInstrument device;
     for (int round = 0; round < 20'000; ++round) {
         const auto message = mutated(validMessage(random), random);
@@ -82,7 +72,7 @@ TEST(Garbage, LongMessagesOfEveryCharacterAreSurvived)
 
 TEST(Garbage, MutatedControlLinesAreAnsweredWithOkOrError)
 {
-    Random random;
+    RandomNumbers random(20261121);
     ManualInstrument device;
     const char* const kLines[] = {"load CH1 10",      "inject -350 \"text\"",
                                   "answer a\\r\\x41", "swallow 1",
