@@ -1,8 +1,9 @@
 #include "tests/support/processes/virtual_instrument_process.h"
 
 #include <asio.hpp>
-#include <chrono>
 #include <gmock/gmock.h>
+
+#include <chrono>
 #include <random>
 #include <thread>
 

@@ -1,9 +1,10 @@
 #include "tests/support/processes/virtual_instrument_process.h"
 
+#include <gtest/gtest.h>
+
 #include <array>
 #include <chrono>
 #include <csignal>
-#include <gtest/gtest.h>
 #include <system_error>
 #include <thread>
 #include <unistd.h>

@@ -4,7 +4,10 @@
 #include "tests/support/visa/tcp_peer.h"
 #include "tests/support/visa/visa_fixture.h"
 
+#include <atomic>
+#include <chrono>
 #include <cstddef>
+#include <thread>
 
 namespace kvxtest
 {
@@ -26,6 +29,18 @@ protected:
     }
 
     void set(ViAttr attribute, ViAttrState value) { ASSERT_EQ(viSetAttribute(session_, attribute, value), VI_SUCCESS); }
+
+    /// What an action that waits in the session gives when another thread closes it.
+    template <class Action>
+    ViStatus statusOnClose(Action action)
+    {
+        std::atomic<ViStatus> status{VI_SUCCESS};
+        std::thread waiting([&] { status = action(); });
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        EXPECT_EQ(viClose(session_), VI_SUCCESS);
+        waiting.join();
+        return status;
+    }
 
     Peer peer_;
     ViSession session_ = VI_NULL;

@@ -7,7 +7,6 @@
 #include <aclapi.h>
 #include <sddl.h>
 
-
 namespace
 {
 

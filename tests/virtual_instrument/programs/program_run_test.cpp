@@ -2,6 +2,7 @@
 #include "tests/support/virtual_instrument/random_numbers.h"
 
 #include <gtest/gtest.h>
+
 #include <vector>
 
 namespace

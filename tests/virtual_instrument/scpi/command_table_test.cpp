@@ -1,7 +1,8 @@
 #include "virtual_instrument/scpi/command_table.h"
 
-#include <fstream>
 #include <gtest/gtest.h>
+
+#include <fstream>
 #include <set>
 #include <sstream>
 

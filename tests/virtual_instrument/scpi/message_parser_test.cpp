@@ -1,6 +1,7 @@
 #include "virtual_instrument/scpi/message_parser.h"
 
 #include <gmock/gmock.h>
+
 #include <string>
 
 namespace

@@ -1,6 +1,7 @@
 #include "virtual_instrument/scpi/text.h"
 
 #include <gtest/gtest.h>
+
 #include <limits>
 
 namespace

@@ -1,9 +1,10 @@
 #include "virtual_instrument/transport/server.h"
 
-#include <array>
 #include <asio.hpp>
-#include <chrono>
 #include <gtest/gtest.h>
+
+#include <array>
+#include <chrono>
 #include <sstream>
 
 namespace

@@ -4,7 +4,6 @@
 #include <asio/ip/tcp.hpp>
 
 #include <algorithm>
-#include <atomic>
 #include <chrono>
 #include <memory>
 #include <thread>
@@ -119,24 +118,14 @@ TEST_F(VisaSocket, ResetConnectionIsLostForReadsAndWrites)
 TEST_F(VisaSocket, CloseByAnotherThreadEndsAnInfiniteRead)
 {
     set(VI_ATTR_TMO_VALUE, VI_TMO_INFINITE);
-    std::atomic<ViStatus> status{VI_SUCCESS};
-    std::thread reader([&] { status = read(session_, 100).status; });
-    std::this_thread::sleep_for(std::chrono::milliseconds(50));
-    EXPECT_EQ(viClose(session_), VI_SUCCESS);
-    reader.join();
-    EXPECT_EQ(status, VI_ERROR_INV_OBJECT);
+    EXPECT_EQ(statusOnClose([&] { return read(session_, 100).status; }), VI_ERROR_INV_OBJECT);
 }
 
 TEST_F(VisaSocket, CloseByAnotherThreadEndsAnInfiniteWrite)
 {
     set(VI_ATTR_TMO_VALUE, VI_TMO_INFINITE);
     const std::string bytes(64 * kMebibyte, 'w');
-    std::atomic<ViStatus> status{VI_SUCCESS};
-    std::thread writer([&] { status = write(session_, bytes); });
-    std::this_thread::sleep_for(std::chrono::milliseconds(50));
-    EXPECT_EQ(viClose(session_), VI_SUCCESS);
-    writer.join();
-    EXPECT_EQ(status, VI_ERROR_INV_OBJECT);
+    EXPECT_EQ(statusOnClose([&] { return write(session_, bytes); }), VI_ERROR_INV_OBJECT);
 }
 
 TEST_F(VisaSocket, CloseDuringReadsAndWritesIsSafe)
