@@ -1,31 +1,15 @@
-#include "tests/support/visa/serial_peer.h"
 #include "tests/support/visa/tcp_peer.h"
-#include "tests/support/visa/visa_test_support.h"
+#include "tests/support/visa/visa_fixture.h"
 
-#include <fcntl.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
 #include <cerrno>
-#include <set>
 
 namespace
 {
 
-using kvxtest::SerialPeer;
 using kvxtest::TcpPeer;
-
-constexpr int kDescriptorsLookedAt = 1024;
-
-std::set<int> openDescriptors()
-{
-    std::set<int> open;
-    for (int descriptor = 0; descriptor < kDescriptorsLookedAt; ++descriptor) {
-        if (::fcntl(descriptor, F_GETFD) >= 0)
-            open.insert(descriptor);
-    }
-    return open;
-}
 
 /// A call of the host that needs a descriptor.
 enum class HostCall
@@ -79,38 +63,11 @@ extern "C" int socket(int domain, int type, int protocol) noexcept
 namespace
 {
 
-class VisaDescriptors : public kvxtest::VisaTest
+class VisaExhaustion : public kvxtest::VisaTest
 {
-protected:
-    void expectNoneInherited(const std::string& resource)
-    {
-        const std::set<int> before = openDescriptors();
-        const ViSession session = open(resource);
-        int opened = 0;
-        for (const int descriptor : openDescriptors()) {
-            if (before.contains(descriptor))
-                continue;
-            ++opened;
-            EXPECT_EQ(::fcntl(descriptor, F_GETFD) & FD_CLOEXEC, FD_CLOEXEC) << descriptor;
-        }
-        EXPECT_GT(opened, 0);
-        EXPECT_EQ(viClose(session), VI_SUCCESS);
-    }
 };
 
-TEST_F(VisaDescriptors, SocketIsNotInheritedByChildProcesses)
-{
-    const TcpPeer peer;
-    expectNoneInherited(peer.resource());
-}
-
-TEST_F(VisaDescriptors, SerialPortIsNotInheritedByChildProcesses)
-{
-    const SerialPeer peer;
-    expectNoneInherited(peer.resource());
-}
-
-TEST_F(VisaDescriptors, ExhaustionOfTheHostIsLackOfResources)
+TEST_F(VisaExhaustion, OfTheHostIsLackOfResources)
 {
     const TcpPeer peer;
     for (const HostCall call : {HostCall::EpollCreate, HostCall::Socket}) {

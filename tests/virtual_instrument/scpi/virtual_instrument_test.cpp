@@ -1,26 +1,16 @@
 #include "tests/support/virtual_instrument/manual_instrument.h"
+#include "tests/support/virtual_instrument/random_numbers.h"
 #include "virtual_instrument/scpi/command_table.h"
 #include "virtual_instrument/transport/line_assembler.h"
 
 #include <gtest/gtest.h>
-#include <random>
 
 namespace
 {
 
 using namespace kvxtest;
 
-/// The same sequence on every host: a distribution of the standard library would not be.
-class Random
-{
-public:
-    std::size_t below(std::size_t limit) { return engine_() % limit; }
-
-private:
-    std::mt19937 engine_{20261121};
-};
-
-std::string validMessage(Random& random)
+std::string validMessage(RandomNumbers& random)
 {
     const auto& commands = kvxvirtual::commandTable();
     const auto pattern = commands[random.below(commands.size())].pattern;
@@ -31,7 +21,7 @@ std::string validMessage(Random& random)
     return message + kParameters[random.below(std::size(kParameters))];
 }
 
-std::string mutated(std::string message, Random& random)
+std::string mutated(std::string message, RandomNumbers& random)
 {
     for (auto changes = random.below(4); changes > 0 && !message.empty(); --changes) {
         const auto at = random.below(message.size());
@@ -55,21 +45,21 @@ std::string mutated(std::string message, Random& random)
 
 TEST(Garbage, LeavesTheInstrumentWellAndAnswering)
 {
-    Random random;
+    RandomNumbers random(20261121);
     ManualInstrument device;
     for (int round = 0; round < 20'000; ++round) {
         const auto message = mutated(validMessage(random), random);
         const auto reply = device.exchange(message);
         if (!reply.empty()) {
-            ASSERT_EQ('\n', reply.back()) << message;
-            ASSERT_EQ(reply.size() - 1, reply.find('\n')) << message;
+            ASSERT_EQ(reply.back(), '\n') << message;
+            ASSERT_EQ(reply.find('\n'), reply.size() - 1) << message;
         }
         if (round % 100 == 0)
             device.control("advance 1000");
     }
     device.exchange("*CLS;*RST");
-    EXPECT_EQ("Tessaro Instruments,KVX2833T,VIRT0000001,V1.00\n", device.exchange("*IDN?"));
-    EXPECT_EQ("0;0,\"No error\"\n", device.exchange("*ESR?;:SYST:ERR?"));
+    EXPECT_EQ(device.exchange("*IDN?"), "Tessaro Instruments,KVX2833T,VIRT0000001,V1.00\n");
+    EXPECT_EQ(device.exchange("*ESR?;:SYST:ERR?"), "0;0,\"No error\"\n");
 }
 
 TEST(Garbage, LongMessagesOfEveryCharacterAreSurvived)
@@ -77,12 +67,12 @@ TEST(Garbage, LongMessagesOfEveryCharacterAreSurvived)
     ManualInstrument device;
     for (int byte = 0; byte < 256; ++byte)
         device.exchange(std::string(kvxvirtual::LineAssembler::kLongestLine, static_cast<char>(byte)));
-    EXPECT_EQ("1\n", device.exchange("*OPC?"));
+    EXPECT_EQ(device.exchange("*OPC?"), "1\n");
 }
 
 TEST(Garbage, MutatedControlLinesAreAnsweredWithOkOrError)
 {
-    Random random;
+    RandomNumbers random(20261121);
     ManualInstrument device;
     const char* const kLines[] = {"load CH1 10",      "inject -350 \"text\"",
                                   "answer a\\r\\x41", "swallow 1",
@@ -93,7 +83,7 @@ TEST(Garbage, MutatedControlLinesAreAnsweredWithOkOrError)
         const auto line = mutated(kLines[random.below(std::size(kLines))], random);
         const auto answer = device.control(line);
         ASSERT_TRUE(answer.starts_with("ok") || answer.starts_with("error ")) << line;
-        ASSERT_EQ('\n', answer.back()) << line;
+        ASSERT_EQ(answer.back(), '\n') << line;
     }
 }
 

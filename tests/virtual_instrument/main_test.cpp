@@ -1,8 +1,9 @@
 #include "tests/support/processes/virtual_instrument_process.h"
 
 #include <asio.hpp>
-#include <chrono>
 #include <gmock/gmock.h>
+
+#include <chrono>
 #include <random>
 #include <thread>
 
@@ -21,11 +22,11 @@ const std::string kIdentity = "Tessaro Instruments,KVX2833T,VIRT0000001,V1.00";
 TEST(Program, AnswersOnItsRawSocket)
 {
     VirtualInstrumentProcess program({"--load", "CH1=10"});
-    EXPECT_EQ("TCPIP0::127.0.0.1::" + std::to_string(program.port()) + "::SOCKET", program.resource());
+    EXPECT_EQ(program.resource(), "TCPIP0::127.0.0.1::" + std::to_string(program.port()) + "::SOCKET");
     LineClient client(program.port());
-    EXPECT_EQ(kIdentity, client.query("*IDN?"));
+    EXPECT_EQ(client.query("*IDN?"), kIdentity);
     client.send(":SOUR1:VOLT 5.000000\n:SOUR1:CURR 1.000000\r\n:OUTP:STAT CH1,ON\n");
-    EXPECT_EQ("5.000,0.500,2.500", client.query(":MEAS:ALL? CH1"));
+    EXPECT_EQ(client.query(":MEAS:ALL? CH1"), "5.000,0.500,2.500");
 }
 
 TEST(Program, ClientsShareOneInstrumentAndHaveInputBuffersOfTheirOwn)
@@ -34,10 +35,10 @@ TEST(Program, ClientsShareOneInstrumentAndHaveInputBuffersOfTheirOwn)
     LineClient one(program.port());
     LineClient other(program.port());
     one.send("SOUR3:VO");
-    EXPECT_EQ("0.000000", other.query("SOUR3:VOLT?"));
+    EXPECT_EQ(other.query("SOUR3:VOLT?"), "0.000000");
     one.send("LT 7\n*OPC?\n");
-    EXPECT_EQ("1", one.readLine());
-    EXPECT_EQ("7.000000", other.query("SOUR3:VOLT?"));
+    EXPECT_EQ(one.readLine(), "1");
+    EXPECT_EQ(other.query("SOUR3:VOLT?"), "7.000000");
 }
 
 TEST(Program, RepliesStayInTheOrderOfPipelinedQueries)
@@ -49,8 +50,8 @@ TEST(Program, RepliesStayInTheOrderOfPipelinedQueries)
         messages += "*OPC?\n*TST?\n";
     client.send(messages);
     for (int i = 0; i < 2000; ++i) {
-        ASSERT_EQ("1", client.readLine());
-        ASSERT_EQ("0", client.readLine());
+        ASSERT_EQ(client.readLine(), "1");
+        ASSERT_EQ(client.readLine(), "0");
     }
 }
 
@@ -59,9 +60,9 @@ TEST(Program, DiscardsAnInputOverrunUpToItsLineFeed)
     VirtualInstrumentProcess program;
     LineClient client(program.port());
     client.send(std::string(10'000, 'x') + "\n*IDN?\n");
-    EXPECT_EQ(kIdentity, client.readLine());
-    EXPECT_EQ("-363,\"Input buffer overrun\"", client.query("SYST:ERR?"));
-    EXPECT_EQ("0,\"No error\"", client.query("SYST:ERR?"));
+    EXPECT_EQ(client.readLine(), kIdentity);
+    EXPECT_EQ(client.query("SYST:ERR?"), "-363,\"Input buffer overrun\"");
+    EXPECT_EQ(client.query("SYST:ERR?"), "0,\"No error\"");
 }
 
 TEST(Program, AHundredClientsAtOnceAreAllServed)
@@ -74,9 +75,9 @@ TEST(Program, AHundredClientsAtOnceAreAllServed)
     for (auto& client : clients)
         client.send("*IDN?\n");
     for (auto& client : clients)
-        EXPECT_EQ(kIdentity, client.readLine());
+        EXPECT_EQ(client.readLine(), kIdentity);
     for (auto& client : clients)
-        EXPECT_EQ("1", client.query("*OPC?"));
+        EXPECT_EQ(client.query("*OPC?"), "1");
 }
 
 TEST(Program, GarbageOfOneClientDisturbsNoOther)
@@ -91,9 +92,9 @@ TEST(Program, GarbageOfOneClientDisturbsNoOther)
         for (int i = 0; i < 20'000; ++i)
             garbage += static_cast<char>(engine() & 0xFFU);
         bad.send(garbage);
-        ASSERT_EQ(kIdentity, good.query("*IDN?"));
+        ASSERT_EQ(good.query("*IDN?"), kIdentity);
     }
-    EXPECT_EQ("4.500000", good.query("SOUR3:VOLT?"));
+    EXPECT_EQ(good.query("SOUR3:VOLT?"), "4.500000");
 }
 
 /// Sends whatever comes to mind, a client that has gone mad: random bytes, with real queries whose replies it never
@@ -126,14 +127,14 @@ TEST(Program, ALongRunOfGarbageDisturbsNoneOfThoseWhoWork)
     for (int round = 0; round < 100; ++round) {
         for (std::size_t i = 0; i < good.size(); ++i) {
             const auto level = std::to_string((round + static_cast<int>(i)) % 10) + ".000000";
-            EXPECT_EQ(level, good[i].query("SOUR3:VOLT " + level + ";VOLT?"));
-            EXPECT_EQ("1", good[i].query("OUTP:STAT? CH3"));
+            EXPECT_EQ(good[i].query("SOUR3:VOLT " + level + ";VOLT?"), level);
+            EXPECT_EQ(good[i].query("OUTP:STAT? CH3"), "1");
         }
     }
     // The program reads no further from a client that leaves its replies; its end lets the other side go.
-    EXPECT_EQ("ok", program.control("disconnect"));
+    EXPECT_EQ(program.control("disconnect"), "ok");
     nonsense.join();
-    EXPECT_EQ(kIdentity, LineClient(program.port()).query("*IDN?"));
+    EXPECT_EQ(LineClient(program.port()).query("*IDN?"), kIdentity);
 }
 
 TEST(Program, AClientThatTakesNoRepliesDisturbsNoOther)
@@ -145,8 +146,8 @@ TEST(Program, AClientThatTakesNoRepliesDisturbsNoOther)
         queries += "*IDN?\n";
     greedy.send(queries);
     LineClient good(program.port());
-    EXPECT_EQ("1", good.query("*OPC?"));
-    EXPECT_EQ("ok", program.control("sync"));
+    EXPECT_EQ(good.query("*OPC?"), "1");
+    EXPECT_EQ(program.control("sync"), "ok");
 }
 
 TEST(Program, LogsWhatClientsSentByteForByte)
@@ -201,7 +202,7 @@ TEST(Program, TheControlActsAfterMessagesThatFillSeveralReads)
     for (int round = 0; round < 50; ++round) {
         LineClient client(program.port());
         client.send(messages);
-        ASSERT_EQ(lines, program.receivedLines()) << "round " << round;
+        ASSERT_EQ(program.receivedLines(), lines) << "round " << round;
         program.clearLog();
     }
 }
@@ -210,12 +211,12 @@ TEST(Program, AnswersExactBytesOnDemand)
 {
     VirtualInstrumentProcess program;
     LineClient client(program.port());
-    EXPECT_EQ("ok", program.control("answer 5.0\\r"));
-    EXPECT_EQ("5.0\r", client.query("SOUR1:VOLT?"));
-    EXPECT_EQ("ok", program.control("answer-bytes no line end"));
+    EXPECT_EQ(program.control("answer 5.0\\r"), "ok");
+    EXPECT_EQ(client.query("SOUR1:VOLT?"), "5.0\r");
+    EXPECT_EQ(program.control("answer-bytes no line end"), "ok");
     client.send("*IDN?\n");
-    EXPECT_EQ("no line end", client.readBytes(11));
-    EXPECT_EQ("error unknown command; help lists them", program.control("nonsense"));
+    EXPECT_EQ(client.readBytes(11), "no line end");
+    EXPECT_EQ(program.control("nonsense"), "error unknown command; help lists them");
 }
 
 TEST(Program, DelaysAndSwallowsReplies)
@@ -223,16 +224,16 @@ TEST(Program, DelaysAndSwallowsReplies)
     VirtualInstrumentProcess program;
     LineClient client(program.port());
     LineClient other(program.port());
-    EXPECT_EQ("ok", program.control("swallow 1"));
+    EXPECT_EQ(program.control("swallow 1"), "ok");
     client.send("*IDN?\n");
-    EXPECT_EQ("1", client.query("*OPC?"));
+    EXPECT_EQ(client.query("*OPC?"), "1");
 
-    EXPECT_EQ("ok", program.control("delay 3600000"));
+    EXPECT_EQ(program.control("delay 3600000"), "ok");
     client.send("*IDN?\n");
-    EXPECT_EQ("ok", program.control("delay 0"));
-    EXPECT_EQ("1", other.query("*OPC?"));
-    EXPECT_EQ("ok", program.control("delay 10"));
-    EXPECT_EQ("0", other.query("*TST?"));
+    EXPECT_EQ(program.control("delay 0"), "ok");
+    EXPECT_EQ(other.query("*OPC?"), "1");
+    EXPECT_EQ(program.control("delay 10"), "ok");
+    EXPECT_EQ(other.query("*TST?"), "0");
 }
 
 TEST(Program, CutsAllClientsAndTakesNewOnes)
@@ -240,12 +241,12 @@ TEST(Program, CutsAllClientsAndTakesNewOnes)
     VirtualInstrumentProcess program;
     LineClient one(program.port());
     LineClient other(program.port());
-    EXPECT_EQ("1", one.query("*OPC?"));
-    EXPECT_EQ("1", other.query("*OPC?"));
-    EXPECT_EQ("ok", program.control("disconnect"));
+    EXPECT_EQ(one.query("*OPC?"), "1");
+    EXPECT_EQ(other.query("*OPC?"), "1");
+    EXPECT_EQ(program.control("disconnect"), "ok");
     EXPECT_TRUE(one.waitForEnd());
     EXPECT_TRUE(other.waitForEnd());
-    EXPECT_EQ("1", LineClient(program.port()).query("*OPC?"));
+    EXPECT_EQ(LineClient(program.port()).query("*OPC?"), "1");
 }
 
 TEST(Program, SettlingFollowsTheClockThatTheControlAdvances)
@@ -253,10 +254,10 @@ TEST(Program, SettlingFollowsTheClockThatTheControlAdvances)
     VirtualInstrumentProcess program({"--settle-ms", "3600000"});
     LineClient client(program.port());
     client.send("SOUR:MODE SER\nSOUR5:VOLT 1\n");
-    EXPECT_EQ("-221,\"Settings conflict\"", client.query("SYST:ERR?"));
-    EXPECT_EQ("ok", program.control("advance 3600000"));
+    EXPECT_EQ(client.query("SYST:ERR?"), "-221,\"Settings conflict\"");
+    EXPECT_EQ(program.control("advance 3600000"), "ok");
     client.send("SOUR5:VOLT 1\n");
-    EXPECT_EQ("0,\"No error\"", client.query("SYST:ERR?"));
+    EXPECT_EQ(client.query("SYST:ERR?"), "0,\"No error\"");
 }
 
 TEST(Program, ListsFollowTheClockThatTheControlAdvances)
@@ -264,21 +265,21 @@ TEST(Program, ListsFollowTheClockThatTheControlAdvances)
     VirtualInstrumentProcess program({"--load", "CH1=10"});
     LineClient client(program.port());
     client.send("LIST:GROUP:PARA 1,5,1,3600;PARA 2,8,1,3600\nOUTP:STAT CH1,ON\nLIST:STAT ON\n");
-    EXPECT_EQ("5.000", client.query("MEAS:VOLT? CH1"));
-    EXPECT_EQ("ok", program.control("advance 3600000"));
-    EXPECT_EQ("8.000", client.query("MEAS:VOLT? CH1"));
-    EXPECT_EQ("ok", program.control("advance 3600000"));
-    EXPECT_EQ("STOPPED,0.000000,0,0", client.query("LIST:STATUS?"));
-    EXPECT_EQ("0", client.query("OUTP:STAT? CH1"));
+    EXPECT_EQ(client.query("MEAS:VOLT? CH1"), "5.000");
+    EXPECT_EQ(program.control("advance 3600000"), "ok");
+    EXPECT_EQ(client.query("MEAS:VOLT? CH1"), "8.000");
+    EXPECT_EQ(program.control("advance 3600000"), "ok");
+    EXPECT_EQ(client.query("LIST:STATUS?"), "STOPPED,0.000000,0,0");
+    EXPECT_EQ(client.query("OUTP:STAT? CH1"), "0");
 }
 
 TEST(Program, OptionsWordItsReplies)
 {
     VirtualInstrumentProcess program({"--idn", "A,B,C,D", "--boolean-words", "--alternate-keywords"});
     LineClient client(program.port());
-    EXPECT_EQ("A,B,C,D", client.query("*IDN?"));
-    EXPECT_EQ("OFF", client.query("OUTP:STAT? CH1"));
-    EXPECT_EQ("CH5", client.query("INST:SELE SER;SELE?"));
+    EXPECT_EQ(client.query("*IDN?"), "A,B,C,D");
+    EXPECT_EQ(client.query("OUTP:STAT? CH1"), "OFF");
+    EXPECT_EQ(client.query("INST:SELE SER;SELE?"), "CH5");
 }
 
 /// The error output of a program up to the line that says that the client has left which asked for its identity.
@@ -315,8 +316,8 @@ TEST(Program, TracesOverruns)
     VirtualInstrumentProcess program({"--trace"});
     LineClient client(program.port());
     client.send(std::string(5000, 'x') + "\n");
-    EXPECT_EQ("-363,\"Input buffer overrun\"", client.query("SYST:ERR?"));
-    EXPECT_EQ(0, program.interrupt());
+    EXPECT_EQ(client.query("SYST:ERR?"), "-363,\"Input buffer overrun\"");
+    EXPECT_EQ(program.interrupt(), 0);
     EXPECT_THAT(program.errorOutput(), HasSubstr(" > (input buffer overrun)\n"));
 }
 
@@ -324,18 +325,18 @@ TEST(Program, CtrlCEndsItCleanly)
 {
     VirtualInstrumentProcess program({"--serial"});
     LineClient client(program.port());
-    EXPECT_EQ("1", client.query("*OPC?"));
-    EXPECT_EQ(0, program.interrupt());
+    EXPECT_EQ(client.query("*OPC?"), "1");
+    EXPECT_EQ(program.interrupt(), 0);
     EXPECT_TRUE(client.waitForEnd());
 }
 
 TEST(Program, EndsCleanlyWithItsStandardInputWhenAsked)
 {
     ChildProcess program(virtualInstrumentPath(), {"--port", "0", "--until-stdin-closes"});
-    EXPECT_NE(std::nullopt, program.readLine());
+    EXPECT_NE(program.readLine(), std::nullopt);
     program.closeInput();
-    EXPECT_EQ(std::nullopt, program.readLine());
-    EXPECT_EQ(0, program.wait());
+    EXPECT_EQ(program.readLine(), std::nullopt);
+    EXPECT_EQ(program.wait(), 0);
 }
 
 TEST(Program, OutlivesItsStandardInputUnlessAsked)
@@ -344,9 +345,9 @@ TEST(Program, OutlivesItsStandardInputUnlessAsked)
     const auto line = program.readLine().value_or("");
     program.closeInput();
     const auto port = static_cast<unsigned short>(std::stoi(line.substr(line.rfind(':') + 1)));
-    EXPECT_EQ(kIdentity, LineClient(port).query("*IDN?"));
+    EXPECT_EQ(LineClient(port).query("*IDN?"), kIdentity);
     program.terminate();
-    EXPECT_EQ(0, program.wait());
+    EXPECT_EQ(program.wait(), 0);
 }
 
 TEST(Program, APortInUseIsExplained)
@@ -354,9 +355,9 @@ TEST(Program, APortInUseIsExplained)
     VirtualInstrumentProcess program;
     const auto port = std::to_string(program.port());
     ChildProcess second(virtualInstrumentPath(), {"--port", port});
-    EXPECT_EQ(1, second.wait());
-    EXPECT_EQ("kvx2800t-virtual: cannot listen on 127.0.0.1:" + port + ": Address already in use\n",
-              second.errorOutput());
+    EXPECT_EQ(second.wait(), 1);
+    EXPECT_EQ(second.errorOutput(),
+              "kvx2800t-virtual: cannot listen on 127.0.0.1:" + port + ": Address already in use\n");
 }
 
 TEST(Program, AnnouncesOnlyWhatIsOn)
@@ -364,8 +365,8 @@ TEST(Program, AnnouncesOnlyWhatIsOn)
     ChildProcess program(virtualInstrumentPath(), {"--port", "0", "--until-stdin-closes"});
     EXPECT_THAT(program.readLine().value_or(""), testing::StartsWith("listening on 127.0.0.1:"));
     program.terminate();
-    EXPECT_EQ(std::nullopt, program.readLine());
-    EXPECT_EQ(0, program.wait());
+    EXPECT_EQ(program.readLine(), std::nullopt);
+    EXPECT_EQ(program.wait(), 0);
 }
 
 TEST(Program, RefusesBadOptions)
@@ -376,8 +377,8 @@ TEST(Program, RefusesBadOptions)
     };
     for (const auto& arguments : kBad) {
         ChildProcess program(virtualInstrumentPath(), arguments);
-        EXPECT_EQ(2, program.wait()) << arguments.front();
-        EXPECT_NE("", program.errorOutput()) << arguments.front();
+        EXPECT_EQ(program.wait(), 2) << arguments.front();
+        EXPECT_NE(program.errorOutput(), "") << arguments.front();
     }
 }
 
@@ -385,7 +386,7 @@ TEST(Program, SaysItsVersion)
 {
     ChildProcess program(virtualInstrumentPath(), {"--version"});
     EXPECT_THAT(program.readLine().value_or(""), testing::StartsWith("kvx2800t-virtual "));
-    EXPECT_EQ(0, program.wait());
+    EXPECT_EQ(program.wait(), 0);
 }
 
 TEST(Program, ExplainsItsOptions)
@@ -394,21 +395,21 @@ TEST(Program, ExplainsItsOptions)
     std::string help;
     while (const auto line = program.readLine())
         help += *line + '\n';
-    EXPECT_EQ(0, program.wait());
+    EXPECT_EQ(program.wait(), 0);
     for (const auto* const option :
          {"--port", "--bind", "--serial", "--control-port", "--load", "--settle-ms", "--idn", "--boolean-words",
           "--alternate-keywords", "--trace", "--until-stdin-closes", "--commands", "--help", "--version"})
         EXPECT_THAT(help, HasSubstr(option));
-    EXPECT_EQ("", program.errorOutput());
+    EXPECT_EQ(program.errorOutput(), "");
 }
 
 TEST(Program, PrintsItsCommandTable)
 {
     ChildProcess program(virtualInstrumentPath(), {"--commands"});
-    EXPECT_EQ("| command | parameters | meaning |", program.readLine());
-    EXPECT_EQ("|---|---|---|", program.readLine());
-    EXPECT_EQ("| `*IDN?` |  | maker, model, serial number, firmware |", program.readLine());
-    EXPECT_EQ(0, program.wait());
+    EXPECT_EQ(program.readLine(), "| command | parameters | meaning |");
+    EXPECT_EQ(program.readLine(), "|---|---|---|");
+    EXPECT_EQ(program.readLine(), "| `*IDN?` |  | maker, model, serial number, firmware |");
+    EXPECT_EQ(program.wait(), 0);
 }
 
 class SerialClient
@@ -437,10 +438,10 @@ TEST(SerialLine, AnswersLikeTheSocketAndSharesTheInstrument)
     VirtualInstrumentProcess program({"--serial"});
     SerialClient serial(program.serialPath());
     serial.send("*IDN?\n");
-    EXPECT_EQ(kIdentity, serial.readLine());
+    EXPECT_EQ(serial.readLine(), kIdentity);
     serial.send("SOUR3:VOLT 4\n*OPC?\n");
-    EXPECT_EQ("1", serial.readLine());
-    EXPECT_EQ("4.000000", LineClient(program.port()).query("SOUR3:VOLT?"));
+    EXPECT_EQ(serial.readLine(), "1");
+    EXPECT_EQ(LineClient(program.port()).query("SOUR3:VOLT?"), "4.000000");
 }
 
 TEST(SerialLine, PassesBytesUnchanged)
@@ -449,9 +450,9 @@ TEST(SerialLine, PassesBytesUnchanged)
     SerialClient serial(program.serialPath());
     serial.send("\x03\x04\x11\x13\x1A\x7F\r\r\n");
     EXPECT_THAT(program.waitForReceivedLines(1), ElementsAre("\x03\x04\x11\x13\x1A\x7F\r\r"));
-    EXPECT_EQ("ok", program.control("answer \\x03\\x11\\r"));
+    EXPECT_EQ(program.control("answer \\x03\\x11\\r"), "ok");
     serial.send("*IDN?\n");
-    EXPECT_EQ("\x03\x11\r", serial.readLine());
+    EXPECT_EQ(serial.readLine(), "\x03\x11\r");
 }
 
 TEST(SerialLine, OutlivesItsClients)
@@ -460,7 +461,7 @@ TEST(SerialLine, OutlivesItsClients)
     for (int i = 0; i < 3; ++i) {
         SerialClient serial(program.serialPath());
         serial.send("*OPC?\n");
-        EXPECT_EQ("1", serial.readLine());
+        EXPECT_EQ(serial.readLine(), "1");
     }
 }
 

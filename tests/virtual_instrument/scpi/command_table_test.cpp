@@ -1,7 +1,8 @@
 #include "virtual_instrument/scpi/command_table.h"
 
-#include <fstream>
 #include <gtest/gtest.h>
+
+#include <fstream>
 #include <set>
 #include <sstream>
 
@@ -22,7 +23,7 @@ TEST(CommandList, ReadmeHoldsTheTableThatTheProgramPrints)
     std::ifstream file(KVX_README);
     std::stringstream readme;
     readme << file.rdbuf();
-    EXPECT_NE(std::string::npos, readme.str().find("\n\n" + commandTableAsMarkdown() + '\n'))
+    EXPECT_NE(readme.str().find("\n\n" + commandTableAsMarkdown() + '\n'), std::string::npos)
         << "update the command table of " KVX_README " with what kvx2800t-virtual --commands prints";
 }
 

@@ -1,7 +1,6 @@
+#include "platform/common/windows_handle.h"
 #include "tests/support/visa/serial_peer.h"
-#include "tests/support/visa/visa_test_support.h"
-
-#include <windows.h>
+#include "tests/support/visa/visa_fixture.h"
 
 #include <string>
 
@@ -35,12 +34,11 @@ TEST_F(VisaPort, StartsWithItsDefaultsWhateverItsLastUserLeft)
 
     // What the port itself has now.
     const std::wstring path = L"\\\\.\\COM" + std::to_wstring(peer.board());
-    HANDLE const port = CreateFileW(path.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr);
-    ASSERT_NE(port, INVALID_HANDLE_VALUE);
+    const auto port = platform::open(path, {GENERIC_READ | GENERIC_WRITE, 0, OPEN_EXISTING, 0});
+    ASSERT_NE(port, nullptr);
     DCB line{};
     line.DCBlength = sizeof line;
-    EXPECT_NE(GetCommState(port, &line), 0);
-    CloseHandle(port);
+    EXPECT_NE(GetCommState(port.get(), &line), 0);
     EXPECT_EQ(line.BaudRate, static_cast<DWORD>(CBR_9600));
     EXPECT_EQ(line.ByteSize, 8);
     EXPECT_EQ(line.StopBits, ONESTOPBIT);

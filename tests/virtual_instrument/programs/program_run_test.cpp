@@ -1,7 +1,8 @@
 #include "tests/support/virtual_instrument/manual_instrument.h"
+#include "tests/support/virtual_instrument/random_numbers.h"
 
 #include <gtest/gtest.h>
-#include <random>
+
 #include <vector>
 
 namespace
@@ -9,26 +10,13 @@ namespace
 
 using namespace kvxtest;
 
-/// The same sequence on every host: a distribution of the standard library would not be.
-class Random
-{
-public:
-    int between(int least, int most)
-    {
-        return least + static_cast<int>(engine_() % static_cast<unsigned int>(most - least + 1));
-    }
-
-private:
-    std::mt19937 engine_{20270114};
-};
-
 std::string milliseconds(int count)
 {
     return std::to_string(count) + "e-3";
 }
 
 /// Messages that set up a program and a protection which may or may not trip on it.
-std::vector<std::string> randomProgram(Random& random)
+std::vector<std::string> randomProgram(RandomNumbers& random)
 {
     std::vector<std::string> messages = {
         "*RST;*CLS;:SOUR1:VOLT 6;CURR 1",
@@ -60,7 +48,7 @@ std::string everythingAbout(ManualInstrument& device)
 
 TEST(Programs, OneLongStepOfTimeComesToTheSameAsManyShortOnes)
 {
-    Random random;
+    RandomNumbers random(20270114);
     int stillActive = 0;
     for (int round = 0; round < 300; ++round) {
         ManualInstrument atOnce;
@@ -68,16 +56,16 @@ TEST(Programs, OneLongStepOfTimeComesToTheSameAsManyShortOnes)
         atOnce.control("load CH1 10");
         stepByStep.control("load CH1 10");
         for (const auto& message : randomProgram(random)) {
-            ASSERT_EQ("", atOnce.exchange(message)) << message;
-            ASSERT_EQ("", stepByStep.exchange(message)) << message;
+            ASSERT_EQ(atOnce.exchange(message), "") << message;
+            ASSERT_EQ(stepByStep.exchange(message), "") << message;
         }
         const int time = random.between(1, 4000);
         atOnce.control("advance " + std::to_string(time));
         for (int i = 0; i < time; ++i)
             stepByStep.control("advance 1");
         const auto state = everythingAbout(atOnce);
-        ASSERT_EQ(everythingAbout(stepByStep), state) << "round " << round << " after " << time << " ms";
-        ASSERT_EQ(kNoError, atOnce.error());
+        ASSERT_EQ(state, everythingAbout(stepByStep)) << "round " << round << " after " << time << " ms";
+        ASSERT_EQ(atOnce.error(), kNoError);
         stillActive += state.find("RUNNING") != std::string::npos ? 1 : 0;
     }
     // Both kinds must come up for the comparison to mean something.

@@ -1,6 +1,6 @@
 #include "tests/support/platform/example_store.h"
-#include "tests/support/platform/store_fixture.h"
-#include "tests/support/platform/store_listing.h"
+#include "tests/support/platform/store_objects_fixture.h"
+#include "tests/support/platform/store_texts.h"
 #include "tests/support/utf8_path.h"
 
 #include <gmock/gmock.h>
@@ -13,9 +13,10 @@
 namespace
 {
 
+using namespace kvxtest;
 using testing::AnyOf;
 
-class MalformedStore : public kvxtest::StoreTest
+class MalformedStore : public StoreTest
 {
 protected:
     /// Loads a text into a store of its own and, when that works, reads everything in it.
@@ -25,25 +26,11 @@ protected:
         IviConfigStoreHandle store = nullptr;
         EXPECT_EQ(IviConfig_Initialize(&store), VI_SUCCESS);
         const ViStatus status = IviConfig_Deserialize(store, path.c_str());
-        EXPECT_NO_THROW(kvxtest::listStore(store, {{"BenchSupply", "KVX2800T"}, {"KVX2800T"}}));
+        EXPECT_NO_THROW(listStore(store, {{"BenchSupply", "KVX2800T"}, {"KVX2800T"}}));
         EXPECT_EQ(IviConfig_Close(store), VI_SUCCESS);
         return status;
     }
 };
-
-std::string repeated(const std::string& text, std::size_t times)
-{
-    std::string all;
-    all.reserve(text.size() * times);
-    for (std::size_t i = 0; i < times; ++i)
-        all += text;
-    return all;
-}
-
-std::string inStore(const std::string& content)
-{
-    return "<IviConfigStore>" + content + "</IviConfigStore>";
-}
 
 TEST_F(MalformedStore, TextsThatAreNoStoreAreRefused)
 {
@@ -64,18 +51,18 @@ TEST_F(MalformedStore, TextsThatAreNoStoreAreRefused)
                                                             "<Other><IviConfigStore/></Other>",
                                                             "<?xml?>",
                                                             "<!-- only -->",
-                                                            inStore("<Name>"),
-                                                            inStore("</Name>"),
-                                                            inStore("<Name a></Name>"),
-                                                            inStore("<Name a=></Name>"),
-                                                            inStore("<Name a=b></Name>"),
-                                                            inStore("<Name a=\"b></Name>"),
-                                                            inStore("<![CDATA["),
-                                                            inStore("<!--"),
-                                                            inStore("<?pi"),
-                                                            inStore("<!x"),
-                                                            inStore("<Name>&#x;</Name>"),
-                                                            inStore("<Name>&#x110000;</Name>"),
+                                                            storeWith("<Name>"),
+                                                            storeWith("</Name>"),
+                                                            storeWith("<Name a></Name>"),
+                                                            storeWith("<Name a=></Name>"),
+                                                            storeWith("<Name a=b></Name>"),
+                                                            storeWith("<Name a=\"b></Name>"),
+                                                            storeWith("<![CDATA["),
+                                                            storeWith("<!--"),
+                                                            storeWith("<?pi"),
+                                                            storeWith("<!x"),
+                                                            storeWith("<Name>&#x;</Name>"),
+                                                            storeWith("<Name>&#x110000;</Name>"),
                                                             "<!DOCTYPE x [<IviConfigStore/>",
                                                             std::string("<IviConfigStore>\0</IviConfigStore>", 34)})
         EXPECT_EQ(tryToLoad(text), IVICONFIG_ERROR_DESERIALIZE_FAILED) << text;
@@ -88,45 +75,45 @@ TEST_F(MalformedStore, UnusualButWellFormedTextsAreRead)
              "<IviConfigStore/>", "\xEF\xBB\xBF<?xml version=\"1.0\"?>\n<IviConfigStore />\n",
              "<!DOCTYPE IviConfigStore [ <!ELEMENT a (b)> [>] ]><IviConfigStore/>",
              R"(<?pi <a> ?><!-- <a> --><IviConfigStore a='>"' b="/>'"/>)",
-             inStore("<![CDATA[<a></b>]]><Unknown><Deep x='1'/></Unknown>"), inStore("<!x ><?y <z> ?>")})
+             storeWith("<![CDATA[<a></b>]]><Unknown><Deep x='1'/></Unknown>"), storeWith("<!x ><?y <z> ?>")})
         EXPECT_EQ(tryToLoad(text), VI_SUCCESS) << text;
 }
 
 TEST_F(MalformedStore, FlagThatIsNoneIsRefused)
 {
     for (const std::string value : {"2", "yes", "TRUE", "-1", "0 1", "01"})
-        EXPECT_EQ(tryToLoad(inStore("<DriverSessions><IviDriverSession id='a'><Name>x</Name><Cache>" + value +
-                                    "</Cache></IviDriverSession></DriverSessions>")),
+        EXPECT_EQ(tryToLoad(storeWith("<DriverSessions><IviDriverSession id='a'><Name>x</Name><Cache>" + value +
+                                      "</Cache></IviDriverSession></DriverSessions>")),
                   IVICONFIG_ERROR_DESERIALIZE_FAILED)
             << value;
 }
 
 TEST_F(MalformedStore, IdThatIsUsedTwiceIsRefused)
 {
-    EXPECT_EQ(tryToLoad(inStore("<A id='p1'/><B id='p1'/>")), IVICONFIG_ERROR_DESERIALIZE_FAILED);
+    EXPECT_EQ(tryToLoad(storeWith("<A id='p1'/><B id='p1'/>")), IVICONFIG_ERROR_DESERIALIZE_FAILED);
 }
 
 TEST_F(MalformedStore, ElementsMayNestSixtyFourDeepAndNoDeeper)
 {
     const auto nested = [](std::size_t levels) {
-        return inStore(repeated("<a>", levels - 1) + repeated("</a>", levels - 1));
+        return storeWith(repeated("<a>", levels - 1) + repeated("</a>", levels - 1));
     };
     EXPECT_EQ(tryToLoad(nested(64)), VI_SUCCESS);
     EXPECT_EQ(tryToLoad(nested(65)), IVICONFIG_ERROR_DESERIALIZE_FAILED);
-    EXPECT_EQ(tryToLoad(inStore(repeated("<a>", 63) + "<b/>" + repeated("</a>", 63))),
+    EXPECT_EQ(tryToLoad(storeWith(repeated("<a>", 63) + "<b/>" + repeated("</a>", 63))),
               IVICONFIG_ERROR_DESERIALIZE_FAILED);
 }
 
 TEST_F(MalformedStore, TwoMillionElementsAreReadAndNoMore)
 {
     const std::string most = repeated("<a/>", 1999998);
-    EXPECT_EQ(tryToLoad(inStore(most + "<b></b>")), VI_SUCCESS);
-    EXPECT_EQ(tryToLoad(inStore(most + "<b></b><c/>")), IVICONFIG_ERROR_DESERIALIZE_FAILED);
+    EXPECT_EQ(tryToLoad(storeWith(most + "<b></b>")), VI_SUCCESS);
+    EXPECT_EQ(tryToLoad(storeWith(most + "<b></b><c/>")), IVICONFIG_ERROR_DESERIALIZE_FAILED);
 }
 
 TEST_F(MalformedStore, WhateverCostsMemoryCountsAsAnElementDoes)
 {
-    EXPECT_EQ(tryToLoad(inStore(repeated("<!---->x", 2000000))), IVICONFIG_ERROR_DESERIALIZE_FAILED);
+    EXPECT_EQ(tryToLoad(storeWith(repeated("<!---->x", 2000000))), IVICONFIG_ERROR_DESERIALIZE_FAILED);
     EXPECT_EQ(tryToLoad("<IviConfigStore" + repeated(" a=''", 2000000) + "/>"), IVICONFIG_ERROR_DESERIALIZE_FAILED);
     EXPECT_EQ(tryToLoad("<IviConfigStore" + repeated(" a=''", 100000) + ">" + repeated("<!---->x", 100000) +
                         "</IviConfigStore>"),
@@ -140,19 +127,19 @@ TEST_F(MalformedStore, DepthCannotBeHidden)
         return before.append(deep).append(after);
     };
     for (const std::string& text : std::vector<std::string>{
-             deep, inStore(deep), inStore(wrapped("<b\">", "<c\">")), inStore(wrapped("<b'>", "<c'>")),
+             deep, storeWith(deep), storeWith(wrapped("<b\">", "<c\">")), storeWith(wrapped("<b'>", "<c'>")),
              wrapped("<!DOCTYPE x \">", "\">"), wrapped("<!DOCTYPEx[>", "]>"), wrapped("<!x '>", "'>"),
-             inStore(wrapped(R"(<b a="'">)", R"(<b a='"'>)")), inStore(wrapped("<!-", "->")),
-             inStore(wrapped("<![CDATA", "]]>")), wrapped("<?>?>", ""), inStore(wrapped("<b a='/'>", "")),
-             inStore(wrapped("<!--->", "-->").append(deep))})
+             storeWith(wrapped(R"(<b a="'">)", R"(<b a='"'>)")), storeWith(wrapped("<!-", "->")),
+             storeWith(wrapped("<![CDATA", "]]>")), wrapped("<?>?>", ""), storeWith(wrapped("<b a='/'>", "")),
+             storeWith(wrapped("<!--->", "-->").append(deep))})
         EXPECT_EQ(tryToLoad(text), IVICONFIG_ERROR_DESERIALIZE_FAILED) << text.substr(0, 40);
 }
 
 TEST_F(MalformedStore, FileOfSixtyFourMebibytesIsReadAndALargerOneIsNot)
 {
     constexpr std::size_t kLimit = std::size_t{64} * 1024 * 1024;
-    const std::string empty = inStore("<Name></Name>");
-    const std::string full = inStore("<Name>" + std::string(kLimit - empty.size(), 'x') + "</Name>");
+    const std::string empty = storeWith("<Name></Name>");
+    const std::string full = storeWith("<Name>" + std::string(kLimit - empty.size(), 'x') + "</Name>");
     ASSERT_EQ(full.size(), kLimit);
     EXPECT_EQ(tryToLoad(full), VI_SUCCESS);
     EXPECT_EQ(tryToLoad(full + " "), IVICONFIG_ERROR_DESERIALIZE_FAILED);
@@ -171,7 +158,7 @@ TEST_F(MalformedStore, FileCutAnywhereIsRefused)
 
 TEST_F(MalformedStore, ExampleCutAnywhereIsRefused)
 {
-    const std::string whole = kvxtest::kExampleStore;
+    const std::string whole = kExampleStore;
     const std::size_t end = whole.rfind('>');
     for (std::size_t size = 0; size <= end; size += 7)
         EXPECT_EQ(tryToLoad(whole.substr(0, size)), IVICONFIG_ERROR_DESERIALIZE_FAILED) << size;
@@ -180,37 +167,37 @@ TEST_F(MalformedStore, ExampleCutAnywhereIsRefused)
 
 TEST_F(MalformedStore, ReferencesInACircleLeadNowhereFurther)
 {
-    EXPECT_EQ(tryToLoad(inStore("<LogicalNames><IviLogicalName id='l'><Name>BenchSupply</Name>"
-                                "<IviDriverSession id='a' idref='b'/></IviLogicalName></LogicalNames>"
-                                "<DriverSessions><IviDriverSession id='b' idref='a'/>"
-                                "<IviDriverSession id='c' idref='c'/></DriverSessions>"
-                                "<SoftwareModules><IviSoftwareModule id='m' idref='m'><Name>KVX2800T</Name>"
-                                "<DataComponents><IviStructure id='t'><DataComponents><IviStructure idref='t'/>"
-                                "</DataComponents></IviStructure></DataComponents></IviSoftwareModule>"
-                                "</SoftwareModules>")),
+    EXPECT_EQ(tryToLoad(storeWith("<LogicalNames><IviLogicalName id='l'><Name>BenchSupply</Name>"
+                                  "<IviDriverSession id='a' idref='b'/></IviLogicalName></LogicalNames>"
+                                  "<DriverSessions><IviDriverSession id='b' idref='a'/>"
+                                  "<IviDriverSession id='c' idref='c'/></DriverSessions>"
+                                  "<SoftwareModules><IviSoftwareModule id='m' idref='m'><Name>KVX2800T</Name>"
+                                  "<DataComponents><IviStructure id='t'><DataComponents><IviStructure idref='t'/>"
+                                  "</DataComponents></IviStructure></DataComponents></IviSoftwareModule>"
+                                  "</SoftwareModules>")),
               VI_SUCCESS);
 }
 
 TEST_F(MalformedStore, EntryWithoutANameIsFoundByTheEmptyOne)
 {
-    ASSERT_EQ(load(inStore("<DriverSessions><IviDriverSession id='s'><DriverSetup>nameless</DriverSetup>"
-                           "</IviDriverSession></DriverSessions>")),
+    ASSERT_EQ(load(storeWith("<DriverSessions><IviDriverSession id='s'><DriverSetup>nameless</DriverSetup>"
+                             "</IviDriverSession></DriverSessions>")),
               VI_SUCCESS);
-    const kvxtest::OwnedHandle session = kvxtest::obtain(IviConfig_GetDriverSession, store_, "");
+    const OwnedHandle session = obtain(IviConfig_GetDriverSession, store_, "");
     EXPECT_EQ(sessionText(session, IVICONFIG_VAL_DRIVER_SESSION_DRIVER_SETUP), "nameless");
 }
 
 TEST_F(MalformedStore, EntitiesOfADoctypeAreNotExpanded)
 {
     ASSERT_EQ(load("<!DOCTYPE IviConfigStore [<!ENTITY a \"aaaaaaaaaa\"><!ENTITY b \"&a;&a;&a;&a;\">]>" +
-                   inStore("<Name>&b;</Name>")),
+                   storeWith("<Name>&b;</Name>")),
               VI_SUCCESS);
     EXPECT_EQ(storeText(IVICONFIG_VAL_CONFIG_STORE_NAME), "&b;");
 }
 
 TEST_F(MalformedStore, OtherEncodingsAreRefused)
 {
-    const std::string text = inStore("");
+    const std::string text = storeWith("");
     std::string wide = "\xFF\xFE";
     for (const char c : text)
         wide.append({c, '\0'});
@@ -220,7 +207,7 @@ TEST_F(MalformedStore, OtherEncodingsAreRefused)
 
 TEST_F(MalformedStore, NulBytesAreRefusedWhereverTheyStand)
 {
-    const std::string text = inStore("<Name>N</Name>");
+    const std::string text = storeWith("<Name>N</Name>");
     for (std::size_t at = 0; at <= text.size(); ++at) {
         std::string withNul = text;
         withNul.insert(at, 1, '\0');
@@ -232,14 +219,14 @@ TEST_F(MalformedStore, PlacesThatAreNoFilesAreRefused)
 {
     const std::string overlong = "/" + std::string(100000, 'x');
     for (const std::string& location :
-         std::vector<std::string>{"", "/", "/dev/zero", "/no/such/file", kvxtest::toUtf8(folder_.path()), overlong})
+         std::vector<std::string>{"", "/", "/dev/zero", "/no/such/file", toUtf8(folder_.path()), overlong})
         EXPECT_EQ(IviConfig_Deserialize(store_, location.c_str()), IVICONFIG_ERROR_DESERIALIZE_FAILED)
             << location.substr(0, 40);
 }
 
 TEST_F(MalformedStore, MutatedFilesAreReadOrRefused)
 {
-    const std::string original(kvxtest::kExampleStore);
+    const std::string original(kExampleStore);
     const std::string alphabet("<>/=\"'&;![]-? \n\xFF"
                                "aI0");
     std::mt19937 random(20240607); // NOLINT(cert-msc32-c,cert-msc51-cpp): the same files each time
@@ -268,6 +255,42 @@ TEST_F(MalformedStore, MutatedFilesAreReadOrRefused)
         }
         EXPECT_THAT(tryToLoad(text), AnyOf(VI_SUCCESS, IVICONFIG_ERROR_DESERIALIZE_FAILED)) << text;
     }
+}
+
+/// The content of a component that is none.
+struct UnreadableCase
+{
+    const char* element;
+    const char* content;
+};
+
+class UnreadableValue : public StoreObjects, public testing::WithParamInterface<UnreadableCase>
+{
+};
+
+TEST_P(UnreadableValue, MakesTheStoreUnreadable)
+{
+    EXPECT_EQ(loadComponent(GetParam().element, GetParam().content), IVICONFIG_ERROR_DESERIALIZE_FAILED);
+    EXPECT_EQ(storeText(IVICONFIG_VAL_CONFIG_STORE_ACTUAL_LOCATION), "");
+}
+
+INSTANTIATE_TEST_SUITE_P(Values, UnreadableValue,
+                         testing::Values(UnreadableCase{"IviBoolean", "<Value>yes</Value>"},
+                                         UnreadableCase{"IviBoolean", "<ReadOnly>2</ReadOnly>"},
+                                         UnreadableCase{"IviInteger", "<Value>1.5</Value>"},
+                                         UnreadableCase{"IviInteger", "<Value>2147483648</Value>"},
+                                         UnreadableCase{"IviString", "<HelpContextID>x</HelpContextID>"},
+                                         UnreadableCase{"IviReal", "<Value>0,5</Value>"},
+                                         UnreadableCase{"IviReal", "<Value>nan</Value>"},
+                                         UnreadableCase{"IviString", "<Value>a&#0;b</Value>"}));
+
+TEST_F(StoreObjects, UnreadableRangeOrVersionMakesTheStoreUnreadable)
+{
+    EXPECT_EQ(load(sessionOf("<VirtualNames><IviVirtualName><VirtualRanges><IviVirtualRange><Min>one</Min>"
+                             "</IviVirtualRange></VirtualRanges></IviVirtualName></VirtualNames>")),
+              IVICONFIG_ERROR_DESERIALIZE_FAILED);
+    EXPECT_EQ(load("<IviConfigStore><SpecificationMajorVersion>two</SpecificationMajorVersion></IviConfigStore>"),
+              IVICONFIG_ERROR_DESERIALIZE_FAILED);
 }
 
 } // namespace
