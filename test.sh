@@ -60,8 +60,7 @@ check_tidy() {
 
 check_manual() {
     step "Checking the manual"
-    mkdir -p build
-    doxygen docs/Doxyfile
+    cmake --build --preset release --target manual
 }
 
 # fuzz INPUTS: each fuzzer starts from its corpus, if it has one, and ends after that number of inputs.
@@ -90,8 +89,8 @@ case "${1-}" in
 --all)
     install_packages build test check
     check_format
-    check_manual
     run_tests release
+    check_manual
     check_tidy -v '^tests/'
     run_tests asan-ubsan
     run_tests tsan
