@@ -15,7 +15,7 @@ void copyText(ViChar buffer[], std::size_t bufferSize, std::string_view text)
 ViStatus reportNullPointer(ViSession vi, std::string_view function, std::string_view parameters, std::size_t position)
 {
     const std::string_view parameter = drivekit::listEntry(parameters, position).value_or("<unknown parameter>");
-    return drivekit::ReportError(vi, drivekit::kErrorNullPointer, {function, parameter});
+    return drivekit::ReportError(vi, base::kErrorNullPointer, {function, parameter});
 }
 
 } // namespace api

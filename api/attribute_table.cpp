@@ -1,10 +1,13 @@
 #include "api/attribute_table.h"
 
 #include "api/KVX2800T.h"
-#include "api/attribute_accessors.h"
+#include "api/arguments.h"
+#include "api/channel_settings.h"
+#include "runtime/driver_identity.h"
 
 #include <algorithm>
 #include <array>
+#include <functional>
 
 namespace api
 {
@@ -13,6 +16,130 @@ namespace
 
 using drivekit::Accessors;
 using drivekit::AttributeInfo;
+using drivekit::DriverSession;
+using TSRO::Identity;
+using TSRO::InstBase;
+
+// What attributes read: an instrument's operation on one channel, or anything that a session can be asked.
+
+template <class Setting>
+using ChannelQuery = ViStatus (InstBase::*)(ViInt32 channel, Setting& value);
+
+template <auto value>
+auto fixed(const DriverSession& /*session*/)
+{
+    return value;
+}
+
+template <const std::string_view& text>
+std::string_view fixedText(const DriverSession& /*session*/)
+{
+    return text;
+}
+
+template <std::string Identity::*part>
+std::string_view identity(const DriverSession& session)
+{
+    return (*session.instrument()->identity()).*part;
+}
+
+/// The version of the IviDCPwr class specification (IVI-4.4) that the driver follows.
+constexpr ViInt32 kClassSpecMajorVersion = 3;
+constexpr ViInt32 kClassSpecMinorVersion = 0;
+
+constexpr auto kChannelCount = static_cast<ViInt32>(drivekit::RepCapBase<drivekit::OutputChannel>::kCount);
+
+static_assert(KVX2800T_VAL_CURRENT_REGULATE == VI_FALSE && KVX2800T_VAL_CURRENT_TRIP == VI_TRUE,
+              "the behavior at the limit is the protection's switch");
+
+// How they are read. `value` changes only on success.
+
+template <class Value, class Read>
+ViStatus readInto(Value& value, Read read, DriverSession& session, ViConstString /*channel*/)
+{
+    value = Value{std::invoke(read, session)};
+    return VI_SUCCESS;
+}
+
+template <class Value, class Setting>
+ViStatus readInto(Value& value, ChannelQuery<Setting> query, DriverSession& session, ViConstString channel)
+{
+    drivekit::PhysicalName<drivekit::OutputChannel> name;
+    ViStatus status = drivekit::resolveSingleSelector(session, channel, name);
+    if (status < 0)
+        return status;
+    Setting setting{};
+    status = std::invoke(query, *session.instrument(), drivekit::channelOf(name), setting);
+    if (status == VI_SUCCESS)
+        value = Value{setting};
+    return recordFailure(session, status);
+}
+
+/// A string literal as an argument of a template.
+template <std::size_t size>
+struct Literal
+{
+    consteval Literal(const char (&literal)[size]) { std::copy_n(literal, size, text); }
+
+    char text[size]{};
+};
+
+/// The getter of an attribute; `function` is what the message of a null pointer calls it.
+template <Literal function, auto read, class Value>
+ViStatus _VI_FUNC get(ViSession vi, ViConstString channel, Value* value)
+{
+    return framedSession(vi, [&](DriverSession& session) {
+        const ViStatus status = checkPointers(vi, function.text, "AttributeValue", value);
+        return status < 0 ? status : readInto(*value, read, session, channel);
+    });
+}
+
+template <Literal function, auto read>
+ViStatus _VI_FUNC get(ViSession vi, ViConstString /*channel*/, ViInt32 bufferSize, ViChar value[])
+{
+    return framedSession(vi, [&](const DriverSession& session) {
+        const ViStatus status = checkPointers(vi, function.text, "AttributeValue", value);
+        if (status >= 0)
+            copyText(value, static_cast<std::size_t>(bufferSize), std::invoke(read, session));
+        return status;
+    });
+}
+
+// The setters of attributes that setEach() does not set.
+
+/// Accepts any value and forgets it: for switches of things that the driver does not do.
+ViStatus _VI_FUNC ignore(ViSession vi, ViConstString /*channel*/, ViBoolean /*value*/)
+{
+    return framed(vi, []() -> ViStatus { return VI_SUCCESS; });
+}
+
+ViStatus _VI_FUNC setQueryInstrumentStatus(ViSession vi, ViConstString /*channel*/, ViBoolean value)
+{
+    return framedSession(vi, [value](DriverSession& session) -> ViStatus {
+        session.setQueryInstrumentStatus(value != VI_FALSE);
+        return VI_SUCCESS;
+    });
+}
+
+ViStatus _VI_FUNC setSimulate(ViSession vi, ViConstString /*channel*/, ViBoolean value)
+{
+    return framedSession(vi, [value](DriverSession& session) -> ViStatus {
+        if (session.runsSimulated() && value == VI_FALSE)
+            return session.ReportError(base::kErrorCannotChangeSimulationState);
+        session.setSimulate(value == VI_TRUE);
+        if (session.runsSimulated() || value != VI_TRUE)
+            return VI_SUCCESS;
+        return recordFailure(session, session.StartSimulation());
+    });
+}
+
+/// Refuses a bad value channel by channel: the source mode of the first has been set by then.
+ViStatus setCurrentLimitBehavior(InstBase& instrument, ViInt32 channel, ViInt32 behavior)
+{
+    if (behavior != KVX2800T_VAL_CURRENT_REGULATE && behavior != KVX2800T_VAL_CURRENT_TRIP)
+        return base::kErrorValueOutOfRange;
+    return instrument.setCurrentProtectionEnabled(channel, behavior == KVX2800T_VAL_CURRENT_TRIP);
+}
 
 template <std::size_t count>
 constexpr std::array<AttributeInfo, count> sortedById(std::array<AttributeInfo, count> attributes)
@@ -22,37 +149,47 @@ constexpr std::array<AttributeInfo, count> sortedById(std::array<AttributeInfo, 
     return attributes;
 }
 
-// clang-format off
+template <class Value>
+constexpr AttributeInfo row(ViAttr id, std::string_view name, Accessors<Value> accessors)
+{
+    return {id, name, accessors};
+}
+
+/// An attribute: its name, the type of its values, what it reads, and its setter unless it is read-only.
+#define ROW(NAME, Value, read, ...)                                                                                    \
+    row(KVX2800T_ATTR_##NAME, "KVX2800T_ATTR_" #NAME, Accessors<Value>{get<"KVX2800T_get_" #NAME, read>, __VA_ARGS__})
+
 constexpr auto kAttributes = sortedById(std::array{
-    AttributeInfo{KVX2800T_ATTR_SPECIFIC_DRIVER_DESCRIPTION, "KVX2800T_ATTR_SPECIFIC_DRIVER_DESCRIPTION", Accessors<ViString>{KVX2800T_get_SPECIFIC_DRIVER_DESCRIPTION}},
-    AttributeInfo{KVX2800T_ATTR_SPECIFIC_DRIVER_PREFIX, "KVX2800T_ATTR_SPECIFIC_DRIVER_PREFIX", Accessors<ViString>{KVX2800T_get_SPECIFIC_DRIVER_PREFIX}},
-    AttributeInfo{KVX2800T_ATTR_SPECIFIC_DRIVER_VENDOR, "KVX2800T_ATTR_SPECIFIC_DRIVER_VENDOR", Accessors<ViString>{KVX2800T_get_SPECIFIC_DRIVER_VENDOR}},
-    AttributeInfo{KVX2800T_ATTR_SPECIFIC_DRIVER_REVISION, "KVX2800T_ATTR_SPECIFIC_DRIVER_REVISION", Accessors<ViString>{KVX2800T_get_SPECIFIC_DRIVER_REVISION}},
-    AttributeInfo{KVX2800T_ATTR_SPECIFIC_DRIVER_CLASS_SPEC_MAJOR_VERSION, "KVX2800T_ATTR_SPECIFIC_DRIVER_CLASS_SPEC_MAJOR_VERSION", Accessors<ViInt32>{KVX2800T_get_SPECIFIC_DRIVER_CLASS_SPEC_MAJOR_VERSION}},
-    AttributeInfo{KVX2800T_ATTR_SPECIFIC_DRIVER_CLASS_SPEC_MINOR_VERSION, "KVX2800T_ATTR_SPECIFIC_DRIVER_CLASS_SPEC_MINOR_VERSION", Accessors<ViInt32>{KVX2800T_get_SPECIFIC_DRIVER_CLASS_SPEC_MINOR_VERSION}},
-    AttributeInfo{KVX2800T_ATTR_RANGE_CHECK, "KVX2800T_ATTR_RANGE_CHECK", Accessors<ViBoolean>{KVX2800T_get_RANGE_CHECK, ignoreValue}},
-    AttributeInfo{KVX2800T_ATTR_QUERY_INSTRUMENT_STATUS, "KVX2800T_ATTR_QUERY_INSTRUMENT_STATUS", Accessors<ViBoolean>{KVX2800T_get_QUERY_INSTRUMENT_STATUS, KVX2800T_set_QUERY_INSTRUMENT_STATUS}},
-    AttributeInfo{KVX2800T_ATTR_CACHE, "KVX2800T_ATTR_CACHE", Accessors<ViBoolean>{KVX2800T_get_CACHE, ignoreValue}},
-    AttributeInfo{KVX2800T_ATTR_SIMULATE, "KVX2800T_ATTR_SIMULATE", Accessors<ViBoolean>{KVX2800T_get_SIMULATE, KVX2800T_set_SIMULATE}},
-    AttributeInfo{KVX2800T_ATTR_RECORD_COERCIONS, "KVX2800T_ATTR_RECORD_COERCIONS", Accessors<ViBoolean>{KVX2800T_get_RECORD_COERCIONS, ignoreValue}},
-    AttributeInfo{KVX2800T_ATTR_INTERCHANGE_CHECK, "KVX2800T_ATTR_INTERCHANGE_CHECK", Accessors<ViBoolean>{KVX2800T_get_INTERCHANGE_CHECK, ignoreValue}},
-    AttributeInfo{KVX2800T_ATTR_LOGICAL_NAME, "KVX2800T_ATTR_LOGICAL_NAME", Accessors<ViString>{KVX2800T_get_LOGICAL_NAME}},
-    AttributeInfo{KVX2800T_ATTR_IO_RESOURCE_DESCRIPTOR, "KVX2800T_ATTR_IO_RESOURCE_DESCRIPTOR", Accessors<ViString>{KVX2800T_get_IO_RESOURCE_DESCRIPTOR}},
-    AttributeInfo{KVX2800T_ATTR_DRIVER_SETUP, "KVX2800T_ATTR_DRIVER_SETUP", Accessors<ViString>{KVX2800T_get_DRIVER_SETUP}},
-    AttributeInfo{KVX2800T_ATTR_GROUP_CAPABILITIES, "KVX2800T_ATTR_GROUP_CAPABILITIES", Accessors<ViString>{KVX2800T_get_GROUP_CAPABILITIES}},
-    AttributeInfo{KVX2800T_ATTR_SUPPORTED_INSTRUMENT_MODELS, "KVX2800T_ATTR_SUPPORTED_INSTRUMENT_MODELS", Accessors<ViString>{KVX2800T_get_SUPPORTED_INSTRUMENT_MODELS}},
-    AttributeInfo{KVX2800T_ATTR_INSTRUMENT_FIRMWARE_REVISION, "KVX2800T_ATTR_INSTRUMENT_FIRMWARE_REVISION", Accessors<ViString>{KVX2800T_get_INSTRUMENT_FIRMWARE_REVISION}},
-    AttributeInfo{KVX2800T_ATTR_INSTRUMENT_MANUFACTURER, "KVX2800T_ATTR_INSTRUMENT_MANUFACTURER", Accessors<ViString>{KVX2800T_get_INSTRUMENT_MANUFACTURER}},
-    AttributeInfo{KVX2800T_ATTR_INSTRUMENT_MODEL, "KVX2800T_ATTR_INSTRUMENT_MODEL", Accessors<ViString>{KVX2800T_get_INSTRUMENT_MODEL}},
-    AttributeInfo{KVX2800T_ATTR_CURRENT_LIMIT_BEHAVIOR, "KVX2800T_ATTR_CURRENT_LIMIT_BEHAVIOR", Accessors<ViInt32>{KVX2800T_get_CURRENT_LIMIT_BEHAVIOR, KVX2800T_set_CURRENT_LIMIT_BEHAVIOR}},
-    AttributeInfo{KVX2800T_ATTR_CURRENT_LIMIT, "KVX2800T_ATTR_CURRENT_LIMIT", Accessors<ViReal64>{KVX2800T_get_CURRENT_LIMIT, KVX2800T_set_CURRENT_LIMIT}},
-    AttributeInfo{KVX2800T_ATTR_OUTPUT_ENABLED, "KVX2800T_ATTR_OUTPUT_ENABLED", Accessors<ViBoolean>{KVX2800T_get_OUTPUT_ENABLED, KVX2800T_set_OUTPUT_ENABLED}},
-    AttributeInfo{KVX2800T_ATTR_OVP_ENABLED, "KVX2800T_ATTR_OVP_ENABLED", Accessors<ViBoolean>{KVX2800T_get_OVP_ENABLED, KVX2800T_set_OVP_ENABLED}},
-    AttributeInfo{KVX2800T_ATTR_OVP_LIMIT, "KVX2800T_ATTR_OVP_LIMIT", Accessors<ViReal64>{KVX2800T_get_OVP_LIMIT, KVX2800T_set_OVP_LIMIT}},
-    AttributeInfo{KVX2800T_ATTR_VOLTAGE_LEVEL, "KVX2800T_ATTR_VOLTAGE_LEVEL", Accessors<ViReal64>{KVX2800T_get_VOLTAGE_LEVEL, KVX2800T_set_VOLTAGE_LEVEL}},
-    AttributeInfo{KVX2800T_ATTR_CHANNEL_COUNT, "KVX2800T_ATTR_CHANNEL_COUNT", Accessors<ViInt32>{KVX2800T_get_CHANNEL_COUNT}},
+    ROW(SPECIFIC_DRIVER_DESCRIPTION, ViString, fixedText<drivekit::kDriverDescription>),
+    ROW(SPECIFIC_DRIVER_PREFIX, ViString, fixedText<drivekit::kDriverPrefix>),
+    ROW(SPECIFIC_DRIVER_VENDOR, ViString, fixedText<drivekit::kDriverVendor>),
+    ROW(SPECIFIC_DRIVER_REVISION, ViString, fixedText<drivekit::kDriverRevision>),
+    ROW(SPECIFIC_DRIVER_CLASS_SPEC_MAJOR_VERSION, ViInt32, fixed<kClassSpecMajorVersion>),
+    ROW(SPECIFIC_DRIVER_CLASS_SPEC_MINOR_VERSION, ViInt32, fixed<kClassSpecMinorVersion>),
+    ROW(RANGE_CHECK, ViBoolean, fixed<true>, ignore),
+    ROW(QUERY_INSTRUMENT_STATUS, ViBoolean, &DriverSession::queryInstrumentStatus, setQueryInstrumentStatus),
+    ROW(CACHE, ViBoolean, fixed<false>, ignore),
+    ROW(SIMULATE, ViBoolean, &DriverSession::simulate, setSimulate),
+    ROW(RECORD_COERCIONS, ViBoolean, fixed<false>, ignore),
+    ROW(INTERCHANGE_CHECK, ViBoolean, fixed<false>, ignore),
+    ROW(LOGICAL_NAME, ViString, &DriverSession::logicalName),
+    ROW(IO_RESOURCE_DESCRIPTOR, ViString, &DriverSession::connectionDescriptor),
+    ROW(DRIVER_SETUP, ViString, &DriverSession::driverSetup),
+    ROW(GROUP_CAPABILITIES, ViString, fixedText<drivekit::kGroupCapabilities>),
+    ROW(SUPPORTED_INSTRUMENT_MODELS, ViString, fixedText<drivekit::kSupportedModels>),
+    ROW(INSTRUMENT_FIRMWARE_REVISION, ViString, identity<&Identity::firmwareRevision>),
+    ROW(INSTRUMENT_MANUFACTURER, ViString, identity<&Identity::manufacturer>),
+    ROW(INSTRUMENT_MODEL, ViString, identity<&Identity::model>),
+    ROW(CURRENT_LIMIT_BEHAVIOR, ViInt32, &InstBase::currentProtectionEnabled, setEach<setCurrentLimitBehavior>),
+    ROW(CURRENT_LIMIT, ViReal64, &InstBase::currentLevel, setEach<setCurrentLimit>),
+    ROW(OUTPUT_ENABLED, ViBoolean, &InstBase::outputEnabled, setEach<&InstBase::setOutputEnabled>),
+    ROW(OVP_ENABLED, ViBoolean, &InstBase::voltageProtectionEnabled, setEach<&InstBase::setVoltageProtectionEnabled>),
+    ROW(OVP_LIMIT, ViReal64, &InstBase::voltageProtectionLevel, setEach<&InstBase::setVoltageProtectionLevel>),
+    ROW(VOLTAGE_LEVEL, ViReal64, &InstBase::voltageLevel, setEach<&InstBase::setVoltageLevel>),
+    ROW(CHANNEL_COUNT, ViInt32, fixed<kChannelCount>),
 });
-// clang-format on
+
+#undef ROW
 
 constexpr drivekit::AttributeRegistry kRegistry{kAttributes};
 

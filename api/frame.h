@@ -18,13 +18,13 @@ inline drivekit::DriverSession* sessionOf(ViSession vi)
     return IviSession_GetDataPtr(vi, &data) < 0 ? nullptr : static_cast<drivekit::DriverSession*>(data);
 }
 
-/// Runs `body()` with the session locked and returns its status. kErrorInvalidSession, unrecorded, for a handle without
-/// a session; the lock's own status when it cannot be taken.
+/// Runs `body()` with the session locked and returns its status. base::kErrorInvalidSessionHandle, unrecorded, for a
+/// handle without a session; the lock's own status when it cannot be taken.
 template <class Body>
 ViStatus framed(ViSession vi, Body body)
 {
     if (sessionOf(vi) == nullptr)
-        return drivekit::kErrorInvalidSession;
+        return base::kErrorInvalidSessionHandle;
     const ViStatus locked = IviSession_Lock(vi, VI_NULL);
     if (locked < 0)
         return locked;
@@ -40,7 +40,7 @@ ViStatus framedSession(ViSession vi, Body body)
 {
     return framed(vi, [&]() -> ViStatus {
         drivekit::DriverSession* const session = sessionOf(vi);
-        return session == nullptr ? drivekit::kErrorInvalidSession : body(*session);
+        return session == nullptr ? base::kErrorInvalidSessionHandle : body(*session);
     });
 }
 

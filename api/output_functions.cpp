@@ -1,7 +1,6 @@
 #include "api/KVX2800T.h"
 
-#include "api/attribute_accessors.h"
-#include "api/channels.h"
+#include "api/channel_settings.h"
 
 using drivekit::DriverSession;
 using TSRO::InstBase;
@@ -22,24 +21,22 @@ ViStatus checkChannels(ViSession vi, ViConstString channelName)
 
 ViStatus _VI_FUNC KVX2800T_ConfigureOutputEnabled(ViSession vi, ViConstString channelName, ViBoolean enabled)
 {
-    return api::KVX2800T_set_OUTPUT_ENABLED(vi, channelName, enabled);
+    return api::setEach<&InstBase::setOutputEnabled>(vi, channelName, enabled);
 }
 
 ViStatus _VI_FUNC KVX2800T_ConfigureVoltageLevel(ViSession vi, ViConstString channelName, ViReal64 level)
 {
-    return api::KVX2800T_set_VOLTAGE_LEVEL(vi, channelName, level);
+    return api::setEach<&InstBase::setVoltageLevel>(vi, channelName, level);
 }
 
 ViStatus _VI_FUNC KVX2800T_ConfigureCurrentLimit(ViSession vi, ViConstString channelName, ViInt32 behavior,
                                                  ViReal64 limit)
 {
     return api::configureChannels(vi, channelName, [behavior, limit](InstBase& instrument, ViInt32 channel) {
-        ViStatus status = instrument.setCurrentLevel(channel, limit);
-        if (status == VI_SUCCESS)
-            status = instrument.setCurrentProtectionLevel(channel, limit);
-        if (status == VI_SUCCESS)
-            status = instrument.setCurrentProtectionEnabled(channel, behavior == KVX2800T_VAL_CURRENT_TRIP);
-        return status;
+        const ViStatus status = api::setCurrentLimit(instrument, channel, limit);
+        if (status != VI_SUCCESS)
+            return status;
+        return instrument.setCurrentProtectionEnabled(channel, behavior == KVX2800T_VAL_CURRENT_TRIP);
     });
 }
 

@@ -69,7 +69,7 @@ ViStatus measure(InstBase& instrument, ViInt32 channel, ViInt32 measurementType,
     case KVX2800T_VAL_MEASURE_VOLTAGE:
         return instrument.voltageLevel(channel, measurement);
     default:
-        return TSRO::kValueOutOfRange;
+        return base::kErrorValueOutOfRange;
     }
 }
 
@@ -78,7 +78,7 @@ ViStatus copyChannelName(DriverSession& session, std::int64_t position, ViInt32 
 {
     using Outputs = drivekit::RepCapBase<drivekit::OutputChannel>;
     if (position < 0 || position >= static_cast<std::int64_t>(Outputs::kCount))
-        return session.ReportError(drivekit::kErrorInvalidValue,
+        return session.ReportError(base::kErrorInvalidValue,
                                    {drivekit::DecimalArgument(position), "GetOutputChannelName", "Index"});
     if (bufferSize > 0)
         api::copyText(name, static_cast<std::size_t>(bufferSize),

@@ -24,7 +24,7 @@ ViStatus createSession(ViRsrc resourceName, ViBoolean idQuery, ViBoolean reset, 
                        ViSession* vi)
 {
     if (vi == nullptr)
-        return drivekit::kErrorNullPointer;
+        return base::kErrorNullPointer;
     *vi = VI_NULL;
     ViStatus status = IviSession_New(vi);
     if (status < 0)
@@ -50,7 +50,7 @@ ViStatus finishInit(ViBoolean reset, ViSession vi)
     if (status < 0)
         return status;
     if (data == nullptr)
-        return drivekit::kErrorInvalidSession;
+        return base::kErrorInvalidSessionHandle;
     if (reset != VI_FALSE)
         static_cast<DriverSession*>(data)->instrument()->reset();
     return status;
@@ -78,9 +78,8 @@ std::string instrumentRevision(const DriverSession& session)
 ViStatus reportUnknownCode(ViSession vi, ViStatus code)
 {
     if (vi == VI_NULL)
-        return drivekit::kErrorInvalidValue;
-    return drivekit::ReportErrorWithElaboration(vi, drivekit::kErrorInvalidValue,
-                                                "The error code supplied is not defined by the driver.",
+        return base::kErrorInvalidValue;
+    return drivekit::ReportErrorWithElaboration(vi, base::kErrorInvalidValue, drivekit::elaborations::kUnknownCode,
                                                 {drivekit::DecimalArgument(code), "error_message", "ErrorCode"});
 }
 
@@ -101,7 +100,7 @@ ViStatus _VI_FUNC KVX2800T_close(ViSession Vi)
 {
     ViAddr data = nullptr;
     if (IviSession_GetDataPtr(Vi, &data) < 0)
-        return drivekit::kErrorInvalidSession;
+        return base::kErrorInvalidSessionHandle;
     drivekit::notifyCloseListeners(Vi);
     const ViStatus status = IviSession_GetDataPtr(Vi, &data);
     if (status < 0 || data == nullptr)
@@ -176,7 +175,7 @@ ViStatus _VI_FUNC KVX2800T_ResetWithDefaults(ViSession Vi)
 ViStatus _VI_FUNC KVX2800T_Disable(ViSession Vi)
 {
     return api::framedSession(Vi, [](DriverSession& session) {
-        return api::recordFailure(session, session.instrument()->writeRaw(":OUTPut:STATe ALL,OFF"));
+        return api::recordFailure(session, session.instrument()->writeRaw(TSRO::kAllOutputsOff));
     });
 }
 
@@ -185,7 +184,7 @@ ViStatus _VI_FUNC KVX2800T_self_test(ViSession Vi, ViInt16* TestResult, ViChar T
     return api::framed(Vi, [&] {
         const ViStatus status =
             api::checkPointers(Vi, "KVX2800T_self_test", "TestResult, TestMessage", TestResult, TestMessage);
-        return status < 0 ? status : drivekit::kWarnSelfTestNotSupported;
+        return status < 0 ? status : base::kWarnNsupSelfTest;
     });
 }
 

@@ -4,7 +4,7 @@
 #include <string_view>
 
 /// Character classes and letter case of the SCPI and IVI texts: ASCII, whatever locale the process has chosen.
-namespace TSRO::ascii
+namespace base::ascii
 {
 
 constexpr bool isDigit(char c)
@@ -46,4 +46,4 @@ constexpr std::string_view skipBlanks(std::string_view text)
     return text.substr(static_cast<std::size_t>(first - text.begin()));
 }
 
-} // namespace TSRO::ascii
+} // namespace base::ascii

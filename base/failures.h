@@ -2,7 +2,7 @@
 
 #include <stdexcept>
 
-namespace TSRO
+namespace base
 {
 
 /// A value or a channel that its table does not hold.
@@ -17,4 +17,4 @@ namespace TSRO
     throw std::out_of_range("invalid vector subscript");
 }
 
-} // namespace TSRO
+} // namespace base

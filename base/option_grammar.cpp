@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-namespace TSRO
+namespace base
 {
 namespace
 {
@@ -138,4 +138,4 @@ std::string lowerCased(std::string_view text)
     return lower;
 }
 
-} // namespace TSRO
+} // namespace base

@@ -8,7 +8,7 @@
 /// The grammar of IVI option strings (IVI-3.2, "Initialize"): "Simulate=1, RangeCheck=0, DriverSetup=Model:KVX2833T".
 /// Session and instrument read their options with it. Everything here takes time in proportion to the text and keeps
 /// no state.
-namespace TSRO
+namespace base
 {
 
 /// The six inherent options that an option string can set.
@@ -78,4 +78,4 @@ std::optional<bool> parseOptionValue(std::string_view word);
 /// A copy in lower case.
 std::string lowerCased(std::string_view text);
 
-} // namespace TSRO
+} // namespace base

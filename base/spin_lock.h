@@ -3,7 +3,7 @@
 #include <atomic>
 #include <thread>
 
-namespace TSRO
+namespace base
 {
 
 /// A lock for work that never waits, to be used by std::lock_guard. It owns nothing, so that it may be a
@@ -28,4 +28,4 @@ private:
     std::atomic_flag isTaken_;
 };
 
-} // namespace TSRO
+} // namespace base

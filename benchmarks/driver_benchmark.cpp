@@ -10,10 +10,12 @@
 #include <benchmark/benchmark.h>
 
 #include <array>
+#include <charconv>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <string>
+#include <string_view>
 
 namespace
 {
@@ -61,6 +63,37 @@ void composeLevel(benchmark::State& state)
 }
 BENCHMARK(composeLevel);
 
+constexpr std::array kLevels = {5.0, 3.3, 0.001, 12.345678, 29.999};
+constexpr std::array<std::string_view, 5> kReplies = {"5.000", "3.300000", "+1.234500E+00", "0.0012", "29.999"};
+
+/// Composes the five levels; `append` spells the number.
+template <class Append>
+void composeLevels(benchmark::State& state, Append append)
+{
+    std::string line;
+    line.reserve(64);
+    for (auto _ : state)
+        for (const double level : kLevels) {
+            line.clear();
+            TSRO::Header::ofSource(":SOUR:VOLT", 3).appendTo(line);
+            append(line, level);
+            benchmark::DoNotOptimize(line.data());
+            benchmark::ClobberMemory();
+        }
+}
+
+void appendByToChars(std::string& line, double level)
+{
+    std::array<char, 330> digits; // NOLINT(cppcoreguidelines-pro-type-member-init): written by to_chars
+    const auto end =
+        std::to_chars(digits.data(), digits.data() + digits.size(), level, std::chars_format::fixed, 6).ptr;
+    line += ' ';
+    line.append(digits.data(), end);
+}
+
+BENCHMARK_CAPTURE(composeLevels, toChars, appendByToChars);
+BENCHMARK_CAPTURE(composeLevels, driver, TSRO::appendArguments<double>);
+
 void parseFieldsBaseline(benchmark::State& state)
 {
     const char* const reply = "5.000,1.200,6.000";
@@ -86,6 +119,30 @@ void parseFields(benchmark::State& state)
     }
 }
 BENCHMARK(parseFields);
+
+/// Reads the five replies; `parse` reads the number.
+template <class Parse>
+void parseReplies(benchmark::State& state, Parse parse)
+{
+    for (auto _ : state)
+        for (const std::string_view reply : kReplies) {
+            double value = parse(reply);
+            benchmark::DoNotOptimize(&value);
+            benchmark::ClobberMemory();
+        }
+}
+
+double parseByFromChars(std::string_view reply)
+{
+    if (reply.starts_with('+'))
+        reply.remove_prefix(1);
+    double value = 0.0;
+    std::from_chars(reply.data(), reply.data() + reply.size(), value);
+    return value;
+}
+
+BENCHMARK_CAPTURE(parseReplies, fromChars, parseByFromChars);
+BENCHMARK_CAPTURE(parseReplies, driver, TSRO::parseDouble);
 
 /// What a program would do that knows the names: compare with all of them.
 void resolveNameBaseline(benchmark::State& state)

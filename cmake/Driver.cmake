@@ -13,7 +13,7 @@ kvx_add_layer(instrument
     instrument/command_port.cpp
     instrument/command_text.cpp
     instrument/fixed_point.cpp
-    instrument/keyword_tables.cpp
+    instrument/keyword_table.cpp
     instrument/kvx2800t.cpp
     instrument/kvx2800t_delay.cpp
     instrument/kvx2800t_list.cpp
@@ -24,22 +24,16 @@ kvx_add_layer(instrument
     instrument/reply_parsing.cpp)
 kvx_add_layer(simulator
     simulator/kvx2800t_simulator.cpp
-    simulator/kvx2800t_simulator_delay.cpp
-    simulator/kvx2800t_simulator_list.cpp
-    simulator/kvx2800t_simulator_measurement.cpp
-    simulator/kvx2800t_simulator_output.cpp
-    simulator/kvx2800t_simulator_source.cpp
     simulator/random_source.cpp)
 kvx_add_layer(runtime
     runtime/attribute_dispatch.cpp
-    runtime/attribute_registry.cpp
     runtime/close_listeners.cpp
-    runtime/configuration_store.cpp
     runtime/driver_identity.cpp
     runtime/driver_session.cpp
+    runtime/driver_session_options.cpp
+    runtime/driver_session_store.cpp
     runtime/error_messages.cpp
     runtime/kvx2800t_driver_session.cpp
-    runtime/option_parsing.cpp
     runtime/selector.cpp
     runtime/selector_grammar.cpp
     runtime/source_mode.cpp
@@ -48,7 +42,6 @@ kvx_add_layer(runtime
     runtime/virtual_names.cpp)
 kvx_add_layer(api
     api/arguments.cpp
-    api/attribute_accessors.cpp
     api/attribute_functions.cpp
     api/attribute_table.cpp
     api/output_functions.cpp

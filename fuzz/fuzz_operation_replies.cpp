@@ -44,7 +44,7 @@ ViStatus runDocumented(const Operation& query, TSRO::InstBase& instrument, Value
         expect(isOneOf(thrown.what(), {"stod argument out of range", "stoi argument out of range",
                                        "stol argument out of range", "invalid vector subscript"}));
     }
-    return TSRO::kUnexpectedResponse;
+    return base::kErrorUnexpectedResponse;
 }
 
 } // namespace
@@ -58,7 +58,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         connection->answer(reply);
         Values outputs;
         const ViStatus status = runDocumented(query, instrument, outputs);
-        expect(status == VI_SUCCESS || status == TSRO::kUnexpectedResponse);
+        expect(status == VI_SUCCESS || status == base::kErrorUnexpectedResponse);
         // Of several outputs those before the one that could not be read are stored.
         expect(status == VI_SUCCESS || outputs.back() == query.before.back());
     }

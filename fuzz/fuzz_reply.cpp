@@ -14,7 +14,7 @@ void parse(std::string_view reply)
     Value value{};
     try {
         const ViStatus status = TSRO::parseReply(reply, value);
-        if (status != VI_SUCCESS && status != TSRO::kUnexpectedResponse)
+        if (status != VI_SUCCESS && status != base::kErrorUnexpectedResponse)
             std::abort();
     } catch (const std::invalid_argument&) {
     } catch (const std::out_of_range&) {

@@ -24,7 +24,7 @@ constexpr std::array<ChannelLimits, 6> kLimits = {{
 const ChannelLimits& channelLimitsOf(ViInt32 channel)
 {
     if (channel < 1 || channel > static_cast<ViInt32>(kLimits.size()))
-        throwInvalidKey();
+        base::throwInvalidKey();
     return kLimits[static_cast<std::size_t>(channel) - 1];
 }
 

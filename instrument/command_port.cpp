@@ -12,7 +12,7 @@ constexpr std::size_t kUsualLineLength = 128;
 // Completion codes and warnings of VISA end at this layer.
 constexpr ViStatus ioStatus(ViStatus connectionStatus)
 {
-    return connectionStatus < 0 ? kIoError : VI_SUCCESS;
+    return connectionStatus < 0 ? base::kErrorIo : VI_SUCCESS;
 }
 
 } // namespace
@@ -39,7 +39,7 @@ ViStatus parseReply(std::string_view reply, ChannelName& value)
 {
     const auto channel = kChannelNames.value(reply);
     if (!channel)
-        return kUnexpectedResponse;
+        return base::kErrorUnexpectedResponse;
     value.channel = *channel;
     return VI_SUCCESS;
 }

@@ -12,8 +12,8 @@
 namespace TSRO
 {
 
-/// A reply as the value a query asks for. 0, or kUnexpectedResponse with `value` unchanged when the reply names no
-/// keyword of an enumeration.
+/// A reply as the value a query asks for. 0, or base::kErrorUnexpectedResponse with `value` unchanged when the reply
+/// names no keyword of an enumeration.
 /// @throws the exceptions of reply_parsing.h.
 ViStatus parseReply(std::string_view reply, bool& value);
 ViStatus parseReply(std::string_view reply, double& value);
@@ -26,7 +26,7 @@ requires std::is_enum_v<Enumeration> ViStatus parseReply(std::string_view reply,
 {
     const auto named = kKeywordTable<Enumeration>.value(reply);
     if (!named)
-        return kUnexpectedResponse;
+        return base::kErrorUnexpectedResponse;
     value = static_cast<Enumeration>(*named);
     return VI_SUCCESS;
 }
@@ -52,9 +52,9 @@ ViStatus parseReply(std::string_view reply, First& first, Second& second, Rest&.
 /// The instrument's side of its connection: one command out, one reply in.
 ///
 /// The untyped write() and query() return the connection's own status. Every other operation returns 0 for any status
-/// >= 0 of the connection and kIoError for a negative one. Values that cannot be spelled and replies that cannot be
-/// read leave as the exceptions of command_text.h and reply_parsing.h; outputs are then unchanged, but for the fields
-/// that a reply of several had before the one that could not be read.
+/// >= 0 of the connection and base::kErrorIo for a negative one. Values that cannot be spelled and replies that cannot
+/// be read leave as the exceptions of command_text.h and reply_parsing.h; outputs are then unchanged, but for the
+/// fields that a reply of several had before the one that could not be read.
 ///
 /// Not thread-safe: its caller serialises the calls. Each call holds a reference of its own to the connection.
 class CommandPort

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "instrument/keyword_tables.h"
+#include "instrument/enumerations.h"
 
 #include <concepts>
 #include <string>

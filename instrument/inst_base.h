@@ -12,6 +12,9 @@
 namespace TSRO
 {
 
+/// The command that switches all outputs off at once, for writeRaw(): no operation of a channel spells "ALL".
+inline constexpr const char* kAllOutputsOff = ":OUTPut:STATe ALL,OFF";
+
 /// A KVX2800T power supply, real or simulated: one operation for each SCPI command.
 ///
 /// Channels are numbered 1 to 4 for the outputs, 5 for the series and 6 for the parallel combination of outputs 1
@@ -86,7 +89,8 @@ public:
     virtual ViStatus setBleEnabled(bool enabled) = 0;
     virtual ViStatus bleEnabled(bool& enabled) = 0;
 
-    /// A level outside the channel's limits, or none at all (NaN), is refused with kValueOutOfRange; nothing is sent.
+    /// A level outside the channel's limits, or none at all (NaN), is refused with base::kErrorValueOutOfRange; nothing
+    /// is sent.
     virtual ViStatus setVoltageLevel(ViInt32 channel, double volts) = 0;
     virtual ViStatus voltageLevel(ViInt32 channel, double& volts) = 0;
 
@@ -272,16 +276,16 @@ public:
     virtual ViStatus triggerInputEnabled(ViInt32 channel, bool& enabled) = 0;
 
     /// The instrument's own copy of the inherent options, as open() found them in the option string.
-    const InherentOptions& options() const { return options_; }
+    const base::InherentOptions& options() const { return options_; }
 
 protected:
     explicit InstBase(Identity identity) : identity_(std::make_shared<Identity>(std::move(identity))) {}
 
     Identity& mutableIdentity() { return *identity_; }
-    void setOptions(const InherentOptions& options) { options_ = options; }
+    void setOptions(const base::InherentOptions& options) { options_ = options; }
 
 private:
-    InherentOptions options_ = kDefaultOptions;
+    base::InherentOptions options_ = base::kDefaultOptions;
     std::shared_ptr<Identity> identity_ = std::make_shared<Identity>();
 };
 

@@ -6,14 +6,14 @@ namespace
 {
 
 /// The session has checked the text and reported what is wrong with it; what is left to do here is to read it.
-InherentOptions readOptions(const std::string& optionString)
+base::InherentOptions readOptions(const std::string& optionString)
 {
-    InherentOptions options = kDefaultOptions;
-    const std::string text = lowerCased(splitOptionString(optionString).inherent);
+    base::InherentOptions options = base::kDefaultOptions;
+    const std::string text = base::lowerCased(base::splitOptionString(optionString).inherent);
     std::string_view rest = text;
-    while (const auto option = nextInherentOption(rest)) {
-        const auto flag = inherentOption(option->name);
-        const auto value = parseOptionValue(option->value);
+    while (const auto option = base::nextInherentOption(rest)) {
+        const auto flag = base::inherentOption(option->name);
+        const auto value = base::parseOptionValue(option->value);
         if (flag != nullptr && value)
             options.*flag = *value;
     }

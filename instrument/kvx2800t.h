@@ -18,7 +18,7 @@ public:
     ViInt32 ioTimeout() override;
     ViStatus setIoTimeout(ViInt32 milliseconds) override;
 
-    /// kIoError when the connection cannot be opened, which leaves the previous one in place, and when the
+    /// base::kErrorIo when the connection cannot be opened, which leaves the previous one in place, and when the
     /// identification fails. An identification reply that has not exactly four fields leaves the identity as it was.
     ViStatus open(const std::string& resource, const std::string& options) override;
 

@@ -51,7 +51,7 @@ ViStatus KVX2800T::setVoltageLevel(ViInt32 channel, double volts)
 {
     const ChannelLimits& limits = channelLimits(channel);
     if (!within(volts, limits.voltageMin, limits.voltageMax))
-        return kValueOutOfRange;
+        return base::kErrorValueOutOfRange;
     return port_.set(Header::ofSource(":SOUR:VOLT", channel), volts);
 }
 
@@ -94,7 +94,7 @@ ViStatus KVX2800T::setCurrentLevel(ViInt32 channel, double amperes)
 {
     const ChannelLimits& limits = channelLimits(channel);
     if (!within(amperes, limits.currentMin, limits.currentMax))
-        return kValueOutOfRange;
+        return base::kErrorValueOutOfRange;
     return port_.set(Header::ofSource(":SOUR:CURR", channel), amperes);
 }
 

@@ -4,11 +4,7 @@
 #include "base/failures.h"
 
 #include <algorithm>
-#include <array>
 #include <charconv>
-#include <cmath>
-#include <cstdint>
-#include <optional>
 #include <stdexcept>
 #include <string>
 #include <system_error>
@@ -18,10 +14,10 @@ namespace TSRO
 namespace
 {
 
-/// So many digits are less than 2^53.
-constexpr std::size_t kExactDigits = 15;
-constexpr std::array<double, kExactDigits + 1> kPowersOfTen = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
-                                                               1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
+bool beginsWithSign(std::string_view text)
+{
+    return !text.empty() && (text.front() == '-' || text.front() == '+');
+}
 
 /// A number's sign and what follows it.
 struct SignedText
@@ -32,20 +28,15 @@ struct SignedText
 
 SignedText splitSign(std::string_view text)
 {
-    text = ascii::skipBlanks(text);
-    if (text.empty() || (text.front() != '-' && text.front() != '+'))
+    text = base::ascii::skipBlanks(text);
+    if (!beginsWithSign(text))
         return {false, text};
     return {text.front() == '-', text.substr(1)};
 }
 
-bool beginsWithSign(std::string_view text)
-{
-    return !text.empty() && (text.front() == '-' || text.front() == '+');
-}
-
 constexpr bool isHexDigit(char c)
 {
-    return ascii::isDigit(c) || (ascii::toLower(c) >= 'a' && ascii::toLower(c) <= 'f');
+    return base::ascii::isDigit(c) || (base::ascii::toLower(c) >= 'a' && base::ascii::toLower(c) <= 'f');
 }
 
 /// The place behind the characters of a class that stand at `at`.
@@ -60,17 +51,17 @@ std::size_t endOfRun(std::string_view text, std::size_t at, Class inClass)
 /// The exponent of a hexadecimal number that ends at `at`, as a place behind it; `at` when there is none.
 std::size_t endOfExponent(std::string_view text, std::size_t at)
 {
-    if (at >= text.size() || ascii::toLower(text[at]) != 'p')
+    if (at >= text.size() || base::ascii::toLower(text[at]) != 'p')
         return at;
     const std::size_t digits = beginsWithSign(text.substr(at + 1)) ? at + 2 : at + 1;
-    const std::size_t end = endOfRun(text, digits, ascii::isDigit);
+    const std::size_t end = endOfRun(text, digits, base::ascii::isDigit);
     return end > digits ? end : at;
 }
 
 /// The hexadecimal number at the front of `text`, without its "0x"; empty when there is none.
 std::string_view hexadecimalNumber(std::string_view text)
 {
-    if (text.size() < 2 || text[0] != '0' || ascii::toLower(text[1]) != 'x')
+    if (text.size() < 2 || text[0] != '0' || base::ascii::toLower(text[1]) != 'x')
         return {};
     text.remove_prefix(2);
     const std::size_t whole = endOfRun(text, 0, isHexDigit);
@@ -78,30 +69,6 @@ std::string_view hexadecimalNumber(std::string_view text)
     const std::size_t end = hasPoint ? endOfRun(text, whole + 1, isHexDigit) : whole;
     const std::size_t digits = hasPoint ? end - 1 : end;
     return digits == 0 ? std::string_view() : text.substr(0, endOfExponent(text, end));
-}
-
-/// Puts the digits that stand at `at` behind those of `number`, and returns the place behind them.
-std::size_t takeDigits(std::string_view text, std::size_t at, std::uint64_t& number)
-{
-    for (; at < text.size() && ascii::isDigit(text[at]); ++at)
-        number = number * 10 + static_cast<std::uint64_t>(text[at] - '0');
-    return at;
-}
-
-/// The number at the front of a text, if it is of the kind that instruments send: few digits and no exponent. Both the
-/// digits and the power of ten are exact as doubles then, and so their quotient is rounded as the number itself.
-std::optional<double> shortDecimal(std::string_view text)
-{
-    std::uint64_t number = 0;
-    const std::size_t whole = takeDigits(text, 0, number);
-    const bool hasPoint = whole < text.size() && text[whole] == '.';
-    const std::size_t end = hasPoint ? takeDigits(text, whole + 1, number) : whole;
-    const std::size_t decimals = hasPoint ? end - whole - 1 : 0;
-    const std::size_t count = whole + decimals;
-    const char next = end < text.size() ? ascii::toLower(text[end]) : ' ';
-    if (count == 0 || count > kExactDigits || next == 'e' || next == 'x')
-        return std::nullopt;
-    return static_cast<double>(number) / kPowersOfTen[decimals];
 }
 
 std::from_chars_result convertMagnitude(std::string_view magnitude, double& value)
@@ -120,7 +87,7 @@ std::from_chars_result convertMagnitude(std::string_view magnitude, double& valu
 ViInt32 parseInteger(std::string_view reply, const char* noNumber, const char* tooLarge)
 {
     // from_chars knows the minus sign; a plus sign is ours to skip.
-    std::string_view digits = ascii::skipBlanks(reply);
+    std::string_view digits = base::ascii::skipBlanks(reply);
     if (!digits.empty() && digits.front() == '+') {
         digits.remove_prefix(1);
         if (beginsWithSign(digits))
@@ -150,8 +117,6 @@ bool parseBoolean(std::string_view reply)
 double parseDouble(std::string_view reply)
 {
     const SignedText text = splitSign(reply);
-    if (const auto value = shortDecimal(text.magnitude))
-        return text.negative ? -*value : *value;
     double value = 0.0;
     const auto result = convertMagnitude(text.magnitude, value);
     if (result.ec == std::errc::invalid_argument)
@@ -179,12 +144,12 @@ std::size_t ReplyFields::count() const
 std::string_view ReplyFields::operator[](std::size_t index) const
 {
     if (reply_.empty())
-        throwMissingField();
+        base::throwMissingField();
     std::string_view rest = reply_;
     for (; index > 0; --index) {
         const std::size_t comma = rest.find(',');
         if (comma == std::string_view::npos)
-            throwMissingField();
+            base::throwMissingField();
         rest.remove_prefix(comma + 1);
     }
     return rest.substr(0, rest.find(','));

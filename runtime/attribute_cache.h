@@ -5,6 +5,7 @@
 #include <map>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <type_traits>
 
 namespace drivekit
@@ -41,6 +42,21 @@ public:
 
 private:
     std::map<ViAttr, std::map<std::string, CachedValue<Value>, std::less<>>> values_;
+};
+
+/// What a session remembers: a cache for each type that attributes have.
+class AttributeCaches
+{
+public:
+    template <class Value>
+    AttributeCache<Value>& of()
+    {
+        return std::get<AttributeCache<Value>>(caches_);
+    }
+
+private:
+    std::tuple<AttributeCache<ViInt32>, AttributeCache<ViReal64>, AttributeCache<ViBoolean>, AttributeCache<ViString>>
+        caches_;
 };
 
 } // namespace drivekit

@@ -13,7 +13,7 @@ ViStatus getStringAttribute(const AttributeRegistry& registry, ViSession vi, ViC
         return found.status;
     // The message names the size, not the buffer.
     if (value == nullptr && bufferSize != 0)
-        return ReportError(vi, kErrorNullPointer, {"GetAttributeViString", "AttributeValueBufferSize"});
+        return ReportError(vi, base::kErrorNullPointer, {"GetAttributeViString", "AttributeValueBufferSize"});
     if (bufferSize == 0)
         return kLargestTextSize;
     if (bufferSize < 0)

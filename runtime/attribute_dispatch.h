@@ -42,15 +42,15 @@ FoundAttribute<Value> findAttribute(const AttributeRegistry& registry, ViSession
     const bool isGet = direction == Direction::Get;
     const AttributeInfo* const info = registry.find(id);
     if (info == nullptr)
-        return {ReportError(vi, kErrorInvalidAttribute, {DecimalArgument(id)})};
+        return {ReportError(vi, base::kErrorInvalidAttribute, {DecimalArgument(id)})};
     const auto* const accessors = accessorsOf<Value>(*info);
     if (accessors == nullptr)
-        return {ReportError(vi, kErrorTypesDoNotMatch,
+        return {ReportError(vi, base::kErrorTypesDoNotMatch,
                             {isGet ? "Get" : "Set", kTypeName<Value>, info->name, info->typeName()})};
     if (isGet && accessors->getter == nullptr)
-        return {ReportError(vi, kErrorAttributeNotReadable, {info->name})};
+        return {ReportError(vi, base::kErrorIviAttrNotReadable, {info->name})};
     if (!isGet && accessors->setter == nullptr)
-        return {ReportError(vi, kErrorAttributeNotWritable, {info->name})};
+        return {ReportError(vi, base::kErrorIviAttrNotWritable, {info->name})};
     return {VI_SUCCESS, accessors};
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "runtime/attribute_cache.h"
+
 #include <IviVisaType.h>
 
 #include <algorithm>
@@ -9,8 +11,6 @@
 
 namespace drivekit
 {
-
-class DriverSession;
 
 /// The functions behind an attribute of one value type; a null setter makes it read-only, a null getter write-only.
 template <class Value>
@@ -61,8 +61,19 @@ struct AttributeInfo
         return std::visit([]<class Value>(const Accessors<Value>&) { return kTypeName<Value>; }, accessors);
     }
 
-    /// Marks what `session` remembers of the attribute invalid: for one channel ("" without channels), or for all.
-    void invalidate(DriverSession& session, bool allChannels, std::string_view channel) const;
+    /// Marks what a session remembers of the attribute invalid: for one channel ("" without channels), or for all.
+    void invalidate(AttributeCaches& caches, bool allChannels, std::string_view channel) const
+    {
+        std::visit(
+            [&]<class Value>(const Accessors<Value>&) {
+                auto& cache = caches.of<Value>();
+                if (allChannels)
+                    cache.invalidateAll(id);
+                else
+                    cache.invalidate(id, channel);
+            },
+            accessors);
+    }
 };
 
 /// The attributes of a driver: rows in ascending order of their IDs. Constant: any thread may read.

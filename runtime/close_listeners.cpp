@@ -29,7 +29,7 @@ public:
     }
 
 private:
-    TSRO::SpinLock lock_;
+    base::SpinLock lock_;
     std::vector<CloseListener> listeners_;
 };
 

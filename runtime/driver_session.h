@@ -1,8 +1,10 @@
 #pragma once
 
 #include "base/option_grammar.h"
+#include "instrument/identity.h"
 #include "instrument/inst_base.h"
 #include "runtime/attribute_cache.h"
+#include "runtime/driver_identity.h"
 #include "runtime/error_messages.h"
 #include "runtime/virtual_names.h"
 
@@ -12,7 +14,6 @@
 #include <memory>
 #include <string>
 #include <string_view>
-#include <tuple>
 #include <vector>
 
 namespace drivekit
@@ -23,6 +24,30 @@ class AttributeRegistry;
 /// Values by name.
 template <class Value>
 using NamedValues = std::map<std::string, Value, std::less<>>;
+
+/// The value of a name; null when there is none.
+template <class Value>
+const Value* valueOf(const NamedValues<Value>& values, std::string_view name)
+{
+    const auto found = values.find(name);
+    return found == values.end() ? nullptr : &found->second;
+}
+
+/// What one resolution of the configuration finds out, and the next one forgets.
+struct Configuration
+{
+    base::InherentOptions options = base::kDefaultOptions;
+    std::string connectionDescriptor = {};
+    std::string logicalName = {};
+    std::string ioResourceDescriptor = {};
+    bool namesStoreEntry = false;
+    NamedValues<bool> booleans = {};
+    NamedValues<ViInt32> integers = {};
+    NamedValues<ViReal64> reals = {};
+    NamedValues<std::string> strings = {};
+    VirtualNames virtualNames = {};
+    NamedValues<std::vector<std::string>> physicalNames = {};
+};
 
 /// What stands behind a `ViSession`: the session service's data pointer of a session leads here.
 class IoSession
@@ -40,7 +65,7 @@ protected:
 /// One driver session: its options, what it was opened with, and its instrument.
 ///
 /// Used only under the IVI session lock. Every operation returns a status; a negative one has been recorded on the
-/// session by the operation that met it.
+/// session by the operation that met it. The virtual operations stand in a fixed order: a new one goes to the end.
 class DriverSession : public IoSession
 {
 public:
@@ -69,105 +94,130 @@ public:
     virtual ViStatus Initialize(const std::string& resourceName, bool idQuery, bool reset,
                                 const std::string& optionString);
 
-    virtual ViStatus Close();
+    virtual ViStatus Close() { return CloseInstrument(); }
 
-    virtual ViSession GetViSession() const;
+    virtual ViSession GetViSession() const { return vi_; }
 
     // The inherent options as they are now.
-    virtual bool cache() const;
-    virtual bool interchangeCheck() const;
-    virtual bool queryInstrumentStatus() const;
-    virtual bool rangeCheck() const;
-    virtual bool recordCoercions() const;
-    virtual bool simulate() const;
+    virtual bool cache() const { return configuration_.options.cache; }
+    virtual bool interchangeCheck() const { return configuration_.options.interchangeCheck; }
+    virtual bool queryInstrumentStatus() const { return configuration_.options.queryInstrumentStatus; }
+    virtual bool rangeCheck() const { return configuration_.options.rangeCheck; }
+    virtual bool recordCoercions() const { return configuration_.options.recordCoercions; }
+    virtual bool simulate() const { return configuration_.options.simulate; }
 
     // The inherent options as they were after initialisation.
-    virtual bool initialCache() const;
-    virtual bool initialInterchangeCheck() const;
-    virtual bool initialQueryInstrumentStatus() const;
-    virtual bool initialRangeCheck() const;
-    virtual bool initialRecordCoercions() const;
-    virtual bool initialSimulate() const;
+    virtual bool initialCache() const { return initialOptions_.cache; }
+    virtual bool initialInterchangeCheck() const { return initialOptions_.interchangeCheck; }
+    virtual bool initialQueryInstrumentStatus() const { return initialOptions_.queryInstrumentStatus; }
+    virtual bool initialRangeCheck() const { return initialOptions_.rangeCheck; }
+    virtual bool initialRecordCoercions() const { return initialOptions_.recordCoercions; }
+    virtual bool initialSimulate() const { return initialOptions_.simulate; }
 
-    virtual void setCache(bool value);
-    virtual void setInterchangeCheck(bool value);
-    virtual void setQueryInstrumentStatus(bool value);
-    virtual void setRangeCheck(bool value);
-    virtual void setRecordCoercions(bool value);
-    virtual void setSimulate(bool value);
+    virtual void setCache(bool value) { configuration_.options.cache = value; }
+    virtual void setInterchangeCheck(bool value) { configuration_.options.interchangeCheck = value; }
+    virtual void setQueryInstrumentStatus(bool value) { configuration_.options.queryInstrumentStatus = value; }
+    virtual void setRangeCheck(bool value) { configuration_.options.rangeCheck = value; }
+    virtual void setRecordCoercions(bool value) { configuration_.options.recordCoercions = value; }
+    virtual void setSimulate(bool value) { configuration_.options.simulate = value; }
 
     /// The option string as the session was opened with it.
-    virtual const std::string& optionString() const;
+    virtual const std::string& optionString() const { return optionString_; }
     /// The resource or logical name as the session was opened with it.
-    virtual const std::string& resourceName() const;
+    virtual const std::string& resourceName() const { return resourceName_; }
     /// Init's IdQuery was VI_TRUE.
-    virtual bool idQuery() const;
+    virtual bool idQuery() const { return idQuery_; }
     /// Init's Reset was VI_TRUE.
-    virtual bool reset() const;
+    virtual bool reset() const { return reset_; }
     /// The resource name, when it named an entry of the configuration store that has a descriptor; otherwise "".
-    virtual const std::string& logicalName() const;
+    virtual const std::string& logicalName() const { return configuration_.logicalName; }
     /// The I/O resource descriptor of the hardware asset that the configuration store names; "" when it names none.
-    virtual const std::string& ioResourceDescriptor() const;
+    virtual const std::string& ioResourceDescriptor() const { return configuration_.ioResourceDescriptor; }
     /// The DriverSetup text of the option string or, without one there, of the configuration store.
-    virtual const std::string& driverSetup() const;
+    virtual const std::string& driverSetup() const { return driverSetup_; }
 
     // The instrument's identity, as Initialize read it.
-    virtual const std::string& manufacturer() const;
-    virtual const std::string& model() const;
-    virtual const std::string& serialNumber() const;
-    virtual const std::string& firmwareRevision() const;
+    virtual const std::string& manufacturer() const { return identity_.manufacturer; }
+    virtual const std::string& model() const { return identity_.model; }
+    virtual const std::string& serialNumber() const { return identity_.serialNumber; }
+    virtual const std::string& firmwareRevision() const { return identity_.firmwareRevision; }
 
     // Milliseconds. Kept for the session's users; no operation of the session reads them.
-    virtual ViInt32 openTimeoutMs() const;
-    virtual ViInt32 ioTimeoutMs() const;
-    virtual ViInt32 closeTimeoutMs() const;
-    virtual bool interchangeCheckSupported() const;
-    virtual ViInt32 settlingTimeMs() const;
+    virtual ViInt32 openTimeoutMs() const { return kTimeoutMs; }
+    virtual ViInt32 ioTimeoutMs() const { return kTimeoutMs; }
+    virtual ViInt32 closeTimeoutMs() const { return kTimeoutMs; }
+    virtual bool interchangeCheckSupported() const { return false; }
+    virtual ViInt32 settlingTimeMs() const { return kSettlingTimeMs; }
 
     // The configurable initial settings of the configuration store, by name.
-    virtual const NamedValues<bool>& configuredBooleans() const;
-    virtual const NamedValues<ViInt32>& configuredIntegers() const;
-    virtual const NamedValues<ViReal64>& configuredReals() const;
-    virtual const NamedValues<std::string>& configuredStrings() const;
+    virtual const NamedValues<bool>& configuredBooleans() const { return configuration_.booleans; }
+    virtual const NamedValues<ViInt32>& configuredIntegers() const { return configuration_.integers; }
+    virtual const NamedValues<ViReal64>& configuredReals() const { return configuration_.reals; }
+    virtual const NamedValues<std::string>& configuredStrings() const { return configuration_.strings; }
 
     // One setting of a type; null when the store has none of that name.
-    virtual const std::string* configuredString(std::string_view name) const;
-    virtual const ViInt32* configuredInteger(std::string_view name) const;
-    virtual const ViReal64* configuredReal(std::string_view name) const;
-    virtual const bool* configuredBoolean(std::string_view name) const;
+    virtual const std::string* configuredString(std::string_view name) const
+    {
+        return valueOf(configuration_.strings, name);
+    }
+    virtual const ViInt32* configuredInteger(std::string_view name) const
+    {
+        return valueOf(configuration_.integers, name);
+    }
+    virtual const ViReal64* configuredReal(std::string_view name) const { return valueOf(configuration_.reals, name); }
+    virtual const bool* configuredBoolean(std::string_view name) const
+    {
+        return valueOf(configuration_.booleans, name);
+    }
 
     /// The virtual names of the store's driver sessions.
-    virtual const VirtualNames& virtualNames() const;
+    virtual const VirtualNames& virtualNames() const { return configuration_.virtualNames; }
     /// The physical names that the store lists for the driver, by repeated capability.
-    virtual const NamedValues<std::vector<std::string>>& physicalNames() const;
+    virtual const NamedValues<std::vector<std::string>>& physicalNames() const { return configuration_.physicalNames; }
     /// Appends the selector text that a token stands for, as a virtual name or, failing that, as "CH1" to "CH6"; false,
     /// and nothing appended, when it stands for itself.
     virtual bool mappedText(std::string_view token, std::string& text) const;
 
     /// The pairs of the DriverSetup text, and the inherent options that option strings have given.
-    virtual const NamedValues<std::string>& driverSetupOptions() const;
-    virtual const NamedValues<std::string>& inherentOptionTable() const;
+    virtual const NamedValues<std::string>& driverSetupOptions() const { return driverSetupOptions_; }
+    virtual const NamedValues<std::string>& inherentOptionTable() const { return inherentOptions_; }
     /// Null when the DriverSetup text has no such name.
-    virtual const std::string* driverSetupOption(std::string_view name) const;
+    virtual const std::string* driverSetupOption(std::string_view name) const
+    {
+        return valueOf(driverSetupOptions_, name);
+    }
 
     /// Whether the supported-model table holds the session's model.
-    virtual bool IsModelSupported() const;
+    virtual bool IsModelSupported() const { return !familyOfModel(identity_.model).empty(); }
     /// Whether the resource name named an entry of the configuration store.
-    virtual bool namesStoreEntry() const;
-    virtual bool IsModel(std::string_view name) const;
-    static bool IsModelOfFamily(std::string_view model, std::string_view family);
+    virtual bool namesStoreEntry() const { return configuration_.namesStoreEntry; }
+    virtual bool IsModel(std::string_view name) const { return identity_.model == name; }
+    static bool IsModelOfFamily(std::string_view model, std::string_view family)
+    {
+        return !family.empty() && familyOfModel(model) == family;
+    }
     /// What the connection is opened on: the descriptor of the store entry that the resource name names, otherwise the
     /// resource name.
-    virtual const std::string& connectionDescriptor() const;
+    virtual const std::string& connectionDescriptor() const { return configuration_.connectionDescriptor; }
 
     /// The reporters of error_messages.h, on this session.
-    virtual ViStatus ReportError(ViStatus code, MessageArguments arguments = {});
+    virtual ViStatus ReportError(ViStatus code, MessageArguments arguments = {})
+    {
+        return drivekit::ReportError(vi_, code, arguments);
+    }
     virtual ViStatus ReportErrorWithElaboration(ViStatus code, std::string_view elaboration,
-                                                MessageArguments arguments = {});
-    virtual ViStatus ReportErrorText(ViStatus code, std::string_view text, MessageArguments arguments = {});
+                                                MessageArguments arguments = {})
+    {
+        return drivekit::ReportErrorWithElaboration(vi_, code, elaboration, arguments);
+    }
+    virtual ViStatus ReportErrorText(ViStatus code, std::string_view text, MessageArguments arguments = {})
+    {
+        return drivekit::ReportErrorText(vi_, code, text, arguments);
+    }
 
-    /// Records a failure of the configuration server. The server's own text is the thread's error.
-    virtual ViStatus ReportConfigurationError(ViStatus status);
+    /// Records a failure of the configuration server. The server has left its own text in the thread's error record
+    /// (IVI-3.5 section 5.2.1).
+    virtual ViStatus ReportConfigurationError(ViStatus status) { return ReportError(status); }
 
     /// Marks every remembered attribute value invalid.
     virtual void InvalidateAllAttributes();
@@ -204,11 +254,7 @@ public:
     /// Whether the instrument is a simulated one, whatever the option says.
     bool runsSimulated() const { return runsSimulated_; }
 
-    template <class Value>
-    AttributeCache<Value>& attributeCache()
-    {
-        return std::get<AttributeCache<Value>>(attributeCaches_);
-    }
+    AttributeCaches& attributeCaches() { return attributeCaches_; }
 
     /// The instrument object; null until OpenInstrument.
     const std::shared_ptr<TSRO::InstBase>& instrument() const { return instrument_; }
@@ -218,57 +264,28 @@ protected:
     void setInstrument(std::shared_ptr<TSRO::InstBase> instrument, bool simulated);
 
 private:
-    struct StoreObjects;
+    class StoreReader;
+
+    static constexpr ViInt32 kTimeoutMs = 2000;
+    static constexpr ViInt32 kSettlingTimeMs = 1000;
 
     ViStatus openSession();
     ViStatus checkIdentity();
-    void forgetConfiguration();
-    ViStatus applyStore(IviConfigStoreHandle store, const std::string& resourceName, const std::string& optionString);
-    ViStatus applyEntries(IviConfigStoreHandle store, StoreObjects& objects, const std::string& resourceName);
-    ViStatus findPrefixEntry(IviConfigStoreHandle store, StoreObjects& objects, bool named);
-    ViStatus findModule(IviConfigStoreHandle store, StoreObjects& objects);
-    ViStatus findNamedEntry(IviConfigStoreHandle store, StoreObjects& objects, const std::string& resourceName);
-    ViStatus readEntry(IviDriverSessionHandle entry, StoreObjects& objects);
-    void noteNamedEntry(const std::string& resourceName, bool hasDescriptor);
-    ViStatus applyOptions(const StoreObjects& objects, const std::string& optionString);
-    ViStatus readHardwareAsset(IviDriverSessionHandle configured);
-    ViStatus readInherentOptions(IviDriverSessionHandle configured);
-    ViStatus readVirtualName(IviVirtualNameHandle virtualName);
-    ViStatus readSetting(IviDataComponentHandle setting);
-    ViStatus readStringSetting(IviDataComponentHandle setting, const std::string& name);
 
     const AttributeRegistry& attributes_;
     bool idQuery_ = false;
     bool reset_ = false;
-    TSRO::InherentOptions options_;
-    TSRO::InherentOptions initialOptions_;
-    ViInt32 openTimeoutMs_ = 2000;
-    ViInt32 ioTimeoutMs_ = 2000;
-    ViInt32 closeTimeoutMs_ = 2000;
-    bool interchangeCheckSupported_ = false;
-    ViInt32 settlingTimeMs_ = 1000;
+    // No option is set before the first resolution.
+    Configuration configuration_{.options = {}};
+    base::InherentOptions initialOptions_;
     std::string optionString_;
     std::string resourceName_;
-    std::string logicalName_;
-    std::string ioResourceDescriptor_;
     std::string driverSetup_;
-    std::string manufacturer_;
-    std::string model_;
-    std::string serialNumber_;
-    std::string firmwareRevision_;
+    TSRO::Identity identity_;
     NamedValues<std::string> inherentOptions_;
     NamedValues<std::string> driverSetupOptions_;
-    NamedValues<bool> configuredBooleans_;
-    NamedValues<ViInt32> configuredIntegers_;
-    NamedValues<ViReal64> configuredReals_;
-    NamedValues<std::string> configuredStrings_;
-    VirtualNames virtualNames_;
-    NamedValues<std::vector<std::string>> physicalNames_;
-    bool namesStoreEntry_ = false;
     bool runsSimulated_ = false;
-    std::string connectionDescriptor_;
-    std::tuple<AttributeCache<ViInt32>, AttributeCache<ViReal64>, AttributeCache<ViBoolean>, AttributeCache<ViString>>
-        attributeCaches_;
+    AttributeCaches attributeCaches_;
     std::shared_ptr<TSRO::InstBase> instrument_;
 };
 

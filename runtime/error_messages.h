@@ -1,20 +1,45 @@
 #pragma once
 
-#include "runtime/error_codes.h"
+#include "base/status_codes.h"
 
 #include <array>
 #include <charconv>
 #include <initializer_list>
 #include <string_view>
 
-/// Status codes to messages, and the reporters that record them on an IVI session. The table is constant: any thread
-/// may read it, with or without a session.
+/// Status codes to messages, and the reporters that record them on an IVI session. The table, in error_messages.cpp,
+/// and the eleven texts beside it are constant: any thread may read them, with or without a session.
 namespace drivekit
 {
 
 /// A template with printf's "%s" for each argument; empty for a code that the table does not hold. The text behind the
 /// view ends in a NUL.
 std::string_view GetErrorMessage(ViStatus code);
+
+/// The texts that stand behind a template of the table, as its elaboration.
+namespace elaborations
+{
+inline constexpr std::string_view kUnknownCode = "The error code supplied is not defined by the driver.";
+inline constexpr std::string_view kNoInterchangeCheck = "Interchange checking is not supported by the driver.";
+inline constexpr std::string_view kNoInstrument =
+    "Insufficient location information or resource not present in the system";
+inline constexpr std::string_view kRepeatedDriverSetup = "DriverSetup option '%s' appears more than once.";
+inline constexpr std::string_view kRepeatedInherentOption = "Inherent option '%s' appears more than once.";
+} // namespace elaborations
+
+/// The texts that take the place of the table's, for what is wrong with a selector.
+namespace selector_texts
+{
+inline constexpr std::string_view kNoSelector =
+    "No selector was specified for repeated capability '%s'.  The repeated capability identifier can be null or empty "
+    "only when there is exactly one physical name defined.  Repeated capability '%s' has %s physical names defined.";
+inline constexpr std::string_view kSeveralNames =
+    "Only a single repeated capability identifier can be specified for the current operation.";
+inline constexpr std::string_view kUnknownName = "The identifier '%s' is not defined for repeated capability '%s'.";
+inline constexpr std::string_view kBaseNamesDiffer = "The base names do not match.";
+inline constexpr std::string_view kEmptyRange = "The start index must be less than the end index.";
+inline constexpr std::string_view kRangesOverlap = "An identifier in the range overlaps with another range.";
+} // namespace selector_texts
 
 /// Texts for the places of a template, in order. A template with fewer places ignores the rest; one with more leaves
 /// those empty.

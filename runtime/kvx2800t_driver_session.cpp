@@ -24,8 +24,7 @@ ViStatus KVX2800TDriverSession::OpenInstrument()
     const ViStatus status = instrument()->open(connectionDescriptor(), optionString());
     if (status >= 0)
         return status;
-    return ReportErrorWithElaboration(TSRO::kIoError,
-                                      "Insufficient location information or resource not present in the system");
+    return ReportErrorWithElaboration(base::kErrorIo, drivekit::elaborations::kNoInstrument);
 }
 
 ViStatus KVX2800TDriverSession::CloseInstrument()
@@ -61,7 +60,7 @@ ViStatus KVX2800TDriverSession::CheckStatus()
     const ViStatus status = instrument()->eventStatus(events);
     if (status < 0)
         return ReportError(status);
-    return (events & kErrorBits) != 0 ? ReportError(drivekit::kErrorInstrumentStatus) : status;
+    return (events & kErrorBits) != 0 ? ReportError(base::kErrorInstrumentStatus) : status;
 }
 
 ViStatus KVX2800TDriverSession::StartSimulation()

@@ -2,7 +2,7 @@
 
 #include "base/ascii.h"
 #include "base/failures.h"
-#include "instrument/keyword_tables.h"
+#include "instrument/enumerations.h"
 #include "runtime/driver_session.h"
 #include "runtime/selector_grammar.h"
 
@@ -83,8 +83,7 @@ public:
     {
         if (!unknownName_)
             return VI_SUCCESS;
-        return session_.ReportErrorText(kErrorUnknownPhysicalIdentifier,
-                                        "The identifier '%s' is not defined for repeated capability '%s'.",
+        return session_.ReportErrorText(base::kErrorUnknownPhysicalIdentifier, selector_texts::kUnknownName,
                                         {*unknownName_, Outputs::name()});
     }
 
@@ -101,9 +100,9 @@ private:
     {
         const auto range = selector::parseRange(item);
         if (!range)
-            return session_.ReportErrorText(kErrorInvalidRange, "The base names do not match.");
+            return session_.ReportErrorText(base::kErrorInvalidRangeInSelector, selector_texts::kBaseNamesDiffer);
         if (range->first >= range->last)
-            return session_.ReportErrorText(kErrorInvalidRange, "The start index must be less than the end index.");
+            return session_.ReportErrorText(base::kErrorInvalidRangeInSelector, selector_texts::kEmptyRange);
         const ViStatus status = take(*range, true);
         if (status >= 0)
             selectRange(*range);
@@ -114,10 +113,9 @@ private:
     {
         switch (taken_.take(names, isRange)) {
         case TakenNames::Overlap::WithRange:
-            return session_.ReportErrorText(kErrorInvalidRange,
-                                            "An identifier in the range overlaps with another range.");
+            return session_.ReportErrorText(base::kErrorInvalidRangeInSelector, selector_texts::kRangesOverlap);
         case TakenNames::Overlap::WithName:
-            return session_.ReportError(kErrorBadlyFormedSelector);
+            return session_.ReportError(base::kErrorBadlyFormedSelector);
         case TakenNames::Overlap::None:
             break;
         }
@@ -147,12 +145,8 @@ private:
 
 ViStatus reportNoSelector(DriverSession& session)
 {
-    return session.ReportErrorText(
-        kErrorChannelNameRequired,
-        "No selector was specified for repeated capability '%s'.  The repeated capability identifier can be null or "
-        "empty only when there is exactly one physical name defined.  Repeated capability '%s' has %s physical names "
-        "defined.",
-        {Outputs::name(), Outputs::name(), DecimalArgument(Outputs::kCount)});
+    return session.ReportErrorText(base::kErrorChannelNameRequired, selector_texts::kNoSelector,
+                                   {Outputs::name(), Outputs::name(), DecimalArgument(Outputs::kCount)});
 }
 
 /// The selector with its virtual names replaced by what they stand for, once; nothing when it has none.
@@ -181,7 +175,7 @@ std::optional<std::string> substituteNames(const DriverSession& session, std::st
 ViStatus resolveWellFormed(DriverSession& session, std::string_view text, OutputSelection& selection)
 {
     if (selector::levelCount(text) > kMaximumLevels)
-        return session.ReportError(kErrorInvalidNumberOfLevels, {Outputs::name()});
+        return session.ReportError(base::kErrorInvalidNumberOfLevelsInSelector, {Outputs::name()});
     LevelResolver level(session, selection);
     while (const auto item = selector::nextItem(text)) {
         const ViStatus status = level.addItem(*item);
@@ -196,12 +190,12 @@ ViStatus resolveText(DriverSession& session, std::string_view text, OutputSelect
     if (selector::isBlank(text))
         return reportNoSelector(session);
     if (!selector::isWellFormed(text))
-        return session.ReportError(kErrorBadlyFormedSelector);
+        return session.ReportError(base::kErrorBadlyFormedSelector);
     const auto replaced = substituteNames(session, text);
     if (!replaced)
         return resolveWellFormed(session, text, selection);
     if (replaced->size() > text.size() + kLongestAddition || !selector::isWellFormed(*replaced))
-        return session.ReportError(kErrorBadlyFormedSelector);
+        return session.ReportError(base::kErrorBadlyFormedSelector);
     return resolveWellFormed(session, *replaced, selection);
 }
 
@@ -234,9 +228,7 @@ ViStatus resolveSingleSelector(DriverSession& session, ViConstString selector, P
     if (status < 0)
         return status;
     if (selection.size() != 1)
-        return session.ReportErrorText(
-            kErrorBadlyFormedSelector,
-            "Only a single repeated capability identifier can be specified for the current operation.");
+        return session.ReportErrorText(base::kErrorBadlyFormedSelector, selector_texts::kSeveralNames);
     name = *selection.begin();
     return status;
 }
@@ -253,7 +245,7 @@ ViInt32 channelOf(PhysicalName<OutputChannel> name)
     const ViInt32 number = channelNumber(name);
     const auto channel = number < 0 ? std::nullopt : kChannelsByNumber[static_cast<std::size_t>(number)];
     if (!channel)
-        TSRO::throwInvalidKey();
+        base::throwInvalidKey();
     return *channel;
 }
 

@@ -11,21 +11,19 @@ namespace drivekit::selector
 namespace
 {
 
-namespace ascii = TSRO::ascii;
-
 constexpr bool isNameCharacter(char c)
 {
-    return ascii::isWord(c) || c == '!';
+    return base::ascii::isWord(c) || c == '!';
 }
 
 bool endsInDigit(std::string_view text)
 {
-    return !text.empty() && ascii::isDigit(text.back());
+    return !text.empty() && base::ascii::isDigit(text.back());
 }
 
 bool isNumber(std::string_view text)
 {
-    return !text.empty() && std::all_of(text.begin(), text.end(), ascii::isDigit);
+    return !text.empty() && std::all_of(text.begin(), text.end(), base::ascii::isDigit);
 }
 
 /// A place in a selector, moving forward.
@@ -39,7 +37,7 @@ public:
     /// Takes blanks and `wanted`; takes nothing when that is not what follows.
     bool take(char wanted)
     {
-        const std::string_view ahead = ascii::skipBlanks(rest_);
+        const std::string_view ahead = base::ascii::skipBlanks(rest_);
         if (ahead.empty() || ahead.front() != wanted)
             return false;
         rest_ = ahead.substr(1);
@@ -49,14 +47,14 @@ public:
     /// Takes blanks and a name; empty when there is none.
     std::string_view takeName()
     {
-        const std::string_view ahead = ascii::skipBlanks(rest_);
+        const std::string_view ahead = base::ascii::skipBlanks(rest_);
         const auto end = std::find_if_not(ahead.begin(), ahead.end(), isNameCharacter);
         const std::string_view name = ahead.substr(0, static_cast<std::size_t>(end - ahead.begin()));
         rest_ = ahead.substr(name.size());
         return name;
     }
 
-    void skipBlanks() { rest_ = ascii::skipBlanks(rest_); }
+    void skipBlanks() { rest_ = base::ascii::skipBlanks(rest_); }
 
 private:
     std::string_view rest_;
@@ -85,7 +83,7 @@ bool takeLevel(Scanner& scanner)
 
 std::string_view withoutBlanksAndBrackets(std::string_view item)
 {
-    const auto isSurround = [](char c) { return ascii::isBlank(c) || c == '[' || c == ']'; };
+    const auto isSurround = [](char c) { return base::ascii::isBlank(c) || c == '[' || c == ']'; };
     while (!item.empty() && isSurround(item.front()))
         item.remove_prefix(1);
     while (!item.empty() && isSurround(item.back()))
@@ -102,7 +100,7 @@ struct NumberedName
 
 NumberedName splitNumber(std::string_view name)
 {
-    const auto lastOfBase = std::find_if_not(name.rbegin(), name.rend(), ascii::isDigit);
+    const auto lastOfBase = std::find_if_not(name.rbegin(), name.rend(), base::ascii::isDigit);
     const auto baseLength = static_cast<std::size_t>(name.rend() - lastOfBase);
     return {name.substr(0, baseLength), name.substr(baseLength)};
 }
@@ -112,7 +110,7 @@ std::string_view numberOfSecond(std::string_view name, std::string_view base)
 {
     if (isNumber(name))
         return name;
-    const bool sameBase = ascii::equalIgnoringCase(name.substr(0, base.size()), base);
+    const bool sameBase = base::ascii::equalIgnoringCase(name.substr(0, base.size()), base);
     const std::string_view digits = sameBase ? name.substr(base.size()) : std::string_view();
     return isNumber(digits) ? digits : std::string_view();
 }
@@ -131,7 +129,7 @@ bool isWellFormed(std::string_view text)
 
 bool isBlank(std::string_view text)
 {
-    return ascii::skipBlanks(text).empty();
+    return base::ascii::skipBlanks(text).empty();
 }
 
 std::size_t levelCount(std::string_view text)

@@ -78,7 +78,7 @@ VirtualNames::RangeMatch VirtualNames::findRange(std::string_view token) const
         return best;
     for (std::size_t digits = 1; digits <= std::min(kMostDigits, token.size()); ++digits) {
         const std::size_t split = token.size() - digits;
-        if (!TSRO::ascii::isDigit(token[split]))
+        if (!base::ascii::isDigit(token[split]))
             break;
         const auto index = selector::plainDecimal(token.substr(split));
         const auto named = index ? ranges_.find(token.substr(0, split)) : ranges_.end();

@@ -5,16 +5,6 @@ namespace TSRO
 
 KVX2800TSimulator::KVX2800TSimulator() : InstBase({"Tessaro Instruments", "KVX2803T", "SN12345678901", "V1.00"}) {}
 
-ViInt32 KVX2800TSimulator::ioTimeout()
-{
-    return 0;
-}
-
-ViStatus KVX2800TSimulator::setIoTimeout(ViInt32 /*milliseconds*/)
-{
-    return VI_SUCCESS;
-}
-
 ViStatus KVX2800TSimulator::open(const std::string& /*resource*/, const std::string& /*options*/)
 {
     connected_ = true;
@@ -27,53 +17,64 @@ ViStatus KVX2800TSimulator::close()
     return VI_SUCCESS;
 }
 
-bool KVX2800TSimulator::isOpen()
-{
-    return connected_;
-}
-
-ViStatus KVX2800TSimulator::writeRaw(const std::string& /*command*/)
-{
-    return VI_SUCCESS;
-}
-
-ViStatus KVX2800TSimulator::queryRaw(const std::string& /*command*/, std::string& /*reply*/)
-{
-    return VI_SUCCESS;
-}
-
-ViStatus KVX2800TSimulator::clearStatus()
-{
-    return VI_SUCCESS;
-}
-
-ViStatus KVX2800TSimulator::reset()
-{
-    return VI_SUCCESS;
-}
-
-ViStatus KVX2800TSimulator::eventStatus(ViInt32& value)
-{
-    value = 0;
-    return VI_SUCCESS;
-}
-
-ViStatus KVX2800TSimulator::questionableCondition(ViInt32 /*channel*/, ViInt32& value)
-{
-    value = 0;
-    return VI_SUCCESS;
-}
-
-ViStatus KVX2800TSimulator::questionableEvent(ViInt32 /*channel*/, ViInt32& value)
-{
-    value = 0;
-    return VI_SUCCESS;
-}
-
 ViStatus KVX2800TSimulator::nextError(ViInt32& code, std::string& message)
 {
     code = 0;
     message = "No error";
+    return VI_SUCCESS;
+}
+
+ViStatus KVX2800TSimulator::measureAll(ViInt32 channel, double& volts, double& amperes, double& watts)
+{
+    volts = voltage(channel);
+    amperes = current(channel);
+    watts = volts * amperes;
+    return VI_SUCCESS;
+}
+
+template <class RunState>
+ViStatus KVX2800TSimulator::answerRun(RunState& state, double& seconds, ViInt32& group, ViInt32& cycles)
+{
+    state = values_.oneOf<RunState>();
+    seconds = values_.seconds();
+    group = values_.groups();
+    cycles = values_.cycles();
+    return VI_SUCCESS;
+}
+
+ViStatus KVX2800TSimulator::listStatus(ListRunState& state, double& remainingSeconds, ViInt32& group,
+                                       ViInt32& remainingCycles)
+{
+    return answerRun(state, remainingSeconds, group, remainingCycles);
+}
+
+ViStatus KVX2800TSimulator::listGroup(ViInt32 /*group*/, double& volts, double& amperes, double& seconds)
+{
+    volts = voltage(1);
+    amperes = current(1);
+    seconds = values_.seconds();
+    return VI_SUCCESS;
+}
+
+ViStatus KVX2800TSimulator::listTemplateObject(ListTemplateObject& object, double& level)
+{
+    object = values_.oneOf<ListTemplateObject>();
+    level = values_.uniformReal();
+    return VI_SUCCESS;
+}
+
+ViStatus KVX2800TSimulator::delayStatus(DelayRunState& state, double& remainingSeconds, ViInt32& group,
+                                        ViInt32& remainingCycles)
+{
+    return answerRun(state, remainingSeconds, group, remainingCycles);
+}
+
+ViStatus KVX2800TSimulator::delayGroup(ViInt32 /*group*/, bool& on, double& seconds)
+{
+    // Part of the sequence of draws, though no value comes of it.
+    values_.discard();
+    on = values_.boolean();
+    seconds = values_.seconds();
     return VI_SUCCESS;
 }
 

@@ -26,7 +26,7 @@ public:
     }
 
 private:
-    SpinLock lock_;
+    base::SpinLock lock_;
     std::optional<std::mt19937> generator_;
 };
 

@@ -1,9 +1,10 @@
 #pragma once
 
 #include "instrument/channel_limits.h"
+#include "instrument/keyword_table.h"
 #include "simulator/random_source.h"
 
-#include <type_traits>
+#include <span>
 
 namespace TSRO
 {
@@ -12,11 +13,12 @@ namespace TSRO
 class SimulatedValues : public RandomSource
 {
 public:
-    /// One of the first `count` enumerators of an enumeration that counts from 0.
+    /// One of the values of an enumeration.
     template <class Enumeration>
-    requires std::is_enum_v<Enumeration> Enumeration oneOf(std::uint32_t count)
+    Enumeration oneOf()
     {
-        return static_cast<Enumeration>(uniformInteger(count));
+        const std::span<const KeywordEntry> values = kKeywordTable<Enumeration>.entries();
+        return static_cast<Enumeration>(values[uniformInteger(static_cast<std::uint32_t>(values.size()))].value);
     }
 
     /// Both ends included.

@@ -12,6 +12,7 @@
 #include <cstdio>
 #include <cstring>
 #include <new>
+#include <span>
 #include <string>
 #include <system_error>
 
@@ -57,10 +58,18 @@ ViStatus withSession(ViSession handle, Action action) noexcept
     });
 }
 
-void storeCount(std::size_t count, ViPUInt32 target)
+/// A read or a write; the count of bytes is told on a failure as well.
+template <class Byte>
+ViStatus transfer(ViSession handle, Byte* bytes, ViUInt32 size, ViPUInt32 counted,
+                  ViStatus (Session::*operation)(std::span<Byte> bytes, std::size_t& count)) noexcept
 {
-    if (target != nullptr)
-        *target = static_cast<ViUInt32>(count);
+    std::size_t count = 0;
+    const ViStatus status = withSession(handle, [=, &count](Session& session) {
+        return bytes == nullptr && size > 0 ? VI_ERROR_INV_PARAMETER : (session.*operation)({bytes, size}, count);
+    });
+    if (counted != nullptr)
+        *counted = static_cast<ViUInt32>(count);
+    return status;
 }
 
 ViStatus openInstrument(ViSession manager, const ResourceName& name, ViAccessMode mode, ViUInt32 timeout,
@@ -162,22 +171,12 @@ ViStatus _VI_FUNC viStatusDesc(ViObject, ViStatus status, ViChar desc[])
 
 ViStatus _VI_FUNC viRead(ViSession vi, ViPBuf buf, ViUInt32 cnt, ViPUInt32 retCnt)
 {
-    std::size_t count = 0;
-    const ViStatus status = withSession(vi, [=, &count](Session& session) {
-        return buf == nullptr && cnt > 0 ? VI_ERROR_INV_PARAMETER : session.read({buf, cnt}, count);
-    });
-    storeCount(count, retCnt);
-    return status;
+    return transfer(vi, buf, cnt, retCnt, &Session::read);
 }
 
 ViStatus _VI_FUNC viWrite(ViSession vi, ViConstBuf buf, ViUInt32 cnt, ViPUInt32 retCnt)
 {
-    std::size_t count = 0;
-    const ViStatus status = withSession(vi, [=, &count](Session& session) {
-        return buf == nullptr && cnt > 0 ? VI_ERROR_INV_PARAMETER : session.write({buf, cnt}, count);
-    });
-    storeCount(count, retCnt);
-    return status;
+    return transfer(vi, buf, cnt, retCnt, &Session::write);
 }
 
 ViStatus _VI_FUNC viSetBuf(ViSession vi, ViUInt16 mask, ViUInt32 size)

@@ -6,7 +6,7 @@
 #include <memory>
 #include <string>
 
-namespace config_server
+namespace platform
 {
 
 struct HandleCloser
@@ -14,8 +14,14 @@ struct HandleCloser
     void operator()(HANDLE handle) const { CloseHandle(handle); }
 };
 
-/// A handle of a file; null where Windows has INVALID_HANDLE_VALUE.
+/// Owner of a handle; null where Windows has INVALID_HANDLE_VALUE.
 using Handle = std::unique_ptr<void, HandleCloser>;
+
+/// Takes over what CreateFileW and its like return.
+inline Handle owned(HANDLE handle)
+{
+    return Handle(handle == INVALID_HANDLE_VALUE ? nullptr : handle);
+}
 
 inline constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 
@@ -32,9 +38,17 @@ struct Opening
 /// in that name.
 inline Handle open(const std::wstring& path, const Opening& opening)
 {
-    const HANDLE handle = CreateFileW(path.c_str(), opening.access, opening.sharing, nullptr, opening.disposition,
-                                      opening.flags | SECURITY_SQOS_PRESENT | SECURITY_IDENTIFICATION, nullptr);
-    return Handle(handle == INVALID_HANDLE_VALUE ? nullptr : handle);
+    return owned(CreateFileW(path.c_str(), opening.access, opening.sharing, nullptr, opening.disposition,
+                             opening.flags | SECURITY_SQOS_PRESENT | SECURITY_IDENTIFICATION, nullptr));
 }
 
-} // namespace config_server
+struct LocalMemoryReleaser
+{
+    void operator()(void* memory) const { LocalFree(memory); }
+};
+
+/// Owner of memory that Windows has allocated for its caller.
+template <class Content>
+using LocalMemory = std::unique_ptr<Content, LocalMemoryReleaser>;
+
+} // namespace platform

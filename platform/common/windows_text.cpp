@@ -4,7 +4,7 @@
 
 #include <limits>
 
-namespace config_server
+namespace platform
 {
 namespace
 {
@@ -69,4 +69,4 @@ std::wstring systemPath(std::string_view utf8)
     return full.starts_with(LR"(\\)") ? LR"(\\?\UNC\)" + full.substr(2) : LR"(\\?\)" + full;
 }
 
-} // namespace config_server
+} // namespace platform

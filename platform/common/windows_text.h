@@ -4,8 +4,8 @@
 #include <string>
 #include <string_view>
 
-// Texts and paths between this library, which has them in UTF-8, and Windows, which has them in UTF-16.
-namespace config_server
+// Texts and paths between this code, which has them in UTF-8, and Windows, which has them in UTF-16.
+namespace platform
 {
 
 /// Nothing when the text is not UTF-8.
@@ -18,4 +18,4 @@ std::string utf8Text(std::wstring_view wide);
 /// more than Windows has room for.
 std::wstring systemPath(std::string_view utf8);
 
-} // namespace config_server
+} // namespace platform

@@ -10,6 +10,9 @@ namespace config_server
 namespace
 {
 
+using platform::Handle;
+using platform::systemPath;
+
 bool readInto(HANDLE file, char* place, std::size_t count)
 {
     // ReadFile takes 32 bits.
@@ -47,7 +50,8 @@ std::optional<std::string> readFile(const std::string& path, std::size_t largest
 {
     if (!isFile(path))
         return std::nullopt;
-    const Handle file = open(systemPath(path), {GENERIC_READ, kShareAll, OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN});
+    const Handle file =
+        platform::open(systemPath(path), {GENERIC_READ, platform::kShareAll, OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN});
     LARGE_INTEGER size{};
     if (file == nullptr || GetFileType(file.get()) != FILE_TYPE_DISK || GetFileSizeEx(file.get(), &size) == 0)
         return std::nullopt;

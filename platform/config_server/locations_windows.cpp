@@ -1,5 +1,6 @@
 #include "platform/config_server/locations.h"
 
+#include "platform/common/windows_environment.h"
 #include "platform/common/windows_text.h"
 #include "platform/config_server/files.h"
 
@@ -17,22 +18,15 @@ namespace config_server
 namespace
 {
 
+using platform::utf8Text;
+
 constexpr std::size_t kLongestPath = 32768;
 constexpr auto kFileName = L"\\IviConfigurationStore.xml";
 
-/// The variable's value; empty when it is not set. Asked of the system: each C library in the process keeps its own
-/// copy of the environment, which later changes do not reach.
+/// The variable's value; empty when it is not set.
 std::wstring environment(const wchar_t* name)
 {
-    std::wstring value;
-    DWORD size = GetEnvironmentVariableW(name, nullptr, 0);
-    // Another thread may lengthen it between two calls.
-    while (size > value.size()) {
-        value.resize(size);
-        size = GetEnvironmentVariableW(name, value.data(), size);
-    }
-    value.resize(size);
-    return value;
+    return platform::environmentVariable(name).value_or(L"");
 }
 
 /// A text that installers register for the machine.
@@ -144,7 +138,7 @@ std::string systemLocation()
 
 std::string locationOf(const char* text)
 {
-    if (wideText(text))
+    if (platform::wideText(text))
         return text;
     const int size = MultiByteToWideChar(CP_ACP, 0, text, -1, nullptr, 0);
     std::wstring wide(static_cast<std::size_t>(size), L'\0');

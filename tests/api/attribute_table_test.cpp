@@ -1,96 +1,109 @@
 #include "api/attribute_table.h"
 
-#include "api/KVX2800T.h"
-
-#include <gtest/gtest.h>
+#include "tests/support/driver/attribute_rows.h"
+#include "tests/support/driver/session_fixture.h"
 
 #include <algorithm>
-#include <string_view>
+#include <fstream>
+#include <initializer_list>
+#include <iterator>
+#include <map>
+#include <regex>
 
 namespace
 {
 
-/// A row as the manual has it.
-struct Row
+using namespace kvxtest;
+using drivekit::Accessors;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+const drivekit::AttributeInfo& registered(const AttributeRow& row)
 {
-    ViAttr id;
-    ViAttr constant;
-    std::string_view name;
-    std::string_view type;
-    bool isWritable;
+    const drivekit::AttributeInfo* const info = api::attributeRegistry().find(row.id);
+    if (info == nullptr)
+        throw std::out_of_range(row.name);
+    return *info;
+}
+
+/// Calls an attribute's getter, past the dispatch, with a null pointer for the value.
+ViStatus getIntoNull(const AttributeRow& row, ViSession vi, ViConstString channel)
+{
+    return std::visit(
+        [=]<class Value>(const Accessors<Value>& accessors) {
+            if constexpr (std::is_same_v<Value, ViString>)
+                return accessors.getter(vi, channel, 256, nullptr);
+            else
+                return accessors.getter(vi, channel, nullptr);
+        },
+        registered(row).accessors);
+}
+
+class AttributeInTable : public ApiTest, public testing::WithParamInterface<AttributeRow>
+{
+public:
+    AttributeInTable() { open(); }
 };
 
-#define KVX_ROW(id, name, type, isWritable)                                                                            \
-    {                                                                                                                  \
-        id, KVX2800T_ATTR_##name, "KVX2800T_ATTR_" #name, type, isWritable                                             \
+TEST_P(AttributeInTable, IsRegisteredUnderItsNameWithItsTypeAndItsFunctions)
+{
+    const drivekit::AttributeInfo& info = registered(GetParam());
+    EXPECT_EQ(info.name, GetParam().constant());
+    EXPECT_EQ(info.typeName(), GetParam().type);
+    std::visit(
+        [](const auto& accessors) {
+            EXPECT_NE(accessors.getter, nullptr);
+            EXPECT_EQ(accessors.setter != nullptr, GetParam().canBeSet);
+        },
+        info.accessors);
+}
+
+TEST_P(AttributeInTable, ReportsANullValueByItsOwnNameBeforeTheChannel)
+{
+    for (const char* channel : {"OutputChannel3", "", "OutputChannel9", static_cast<const char*>(nullptr)}) {
+        forget();
+        EXPECT_EQ(getIntoNull(GetParam(), vi, channel), kNullPointer);
+        expectRecordedOnce(kNullPointer, std::string("Null pointer passed for function 'KVX2800T_get_") +
+                                             GetParam().name + "', parameter 'AttributeValue'.");
+        EXPECT_EQ(calls("IviSession_Unlock").size(), 1U);
+        EXPECT_THAT(calls("vi"), IsEmpty());
     }
-
-constexpr Row kRows[] = {
-    KVX_ROW(1050514, SPECIFIC_DRIVER_DESCRIPTION, "ViString", false),
-    KVX_ROW(1050302, SPECIFIC_DRIVER_PREFIX, "ViString", false),
-    KVX_ROW(1050513, SPECIFIC_DRIVER_VENDOR, "ViString", false),
-    KVX_ROW(1050551, SPECIFIC_DRIVER_REVISION, "ViString", false),
-    KVX_ROW(1050515, SPECIFIC_DRIVER_CLASS_SPEC_MAJOR_VERSION, "ViInt32", false),
-    KVX_ROW(1050516, SPECIFIC_DRIVER_CLASS_SPEC_MINOR_VERSION, "ViInt32", false),
-    KVX_ROW(1050002, RANGE_CHECK, "ViBoolean", true),
-    KVX_ROW(1050003, QUERY_INSTRUMENT_STATUS, "ViBoolean", true),
-    KVX_ROW(1050004, CACHE, "ViBoolean", true),
-    KVX_ROW(1050005, SIMULATE, "ViBoolean", true),
-    KVX_ROW(1050006, RECORD_COERCIONS, "ViBoolean", true),
-    KVX_ROW(1050021, INTERCHANGE_CHECK, "ViBoolean", true),
-    KVX_ROW(1050305, LOGICAL_NAME, "ViString", false),
-    KVX_ROW(1050304, IO_RESOURCE_DESCRIPTOR, "ViString", false),
-    KVX_ROW(1050007, DRIVER_SETUP, "ViString", false),
-    KVX_ROW(1050401, GROUP_CAPABILITIES, "ViString", false),
-    KVX_ROW(1050327, SUPPORTED_INSTRUMENT_MODELS, "ViString", false),
-    KVX_ROW(1050510, INSTRUMENT_FIRMWARE_REVISION, "ViString", false),
-    KVX_ROW(1050511, INSTRUMENT_MANUFACTURER, "ViString", false),
-    KVX_ROW(1050512, INSTRUMENT_MODEL, "ViString", false),
-    KVX_ROW(1250004, CURRENT_LIMIT_BEHAVIOR, "ViInt32", true),
-    KVX_ROW(1250005, CURRENT_LIMIT, "ViReal64", true),
-    KVX_ROW(1250006, OUTPUT_ENABLED, "ViBoolean", true),
-    KVX_ROW(1250002, OVP_ENABLED, "ViBoolean", true),
-    KVX_ROW(1250003, OVP_LIMIT, "ViReal64", true),
-    KVX_ROW(1250001, VOLTAGE_LEVEL, "ViReal64", true),
-    KVX_ROW(1050203, CHANNEL_COUNT, "ViInt32", false),
-};
-
-#undef KVX_ROW
-
-bool isReadable(const drivekit::AttributeInfo& info)
-{
-    return std::visit([](const auto& accessors) { return accessors.getter != nullptr; }, info.accessors);
 }
 
-bool isWritable(const drivekit::AttributeInfo& info)
+TEST_P(AttributeInTable, LooksAtTheSessionAndTheLockBeforeTheValue)
 {
-    return std::visit([](const auto& accessors) { return accessors.setter != nullptr; }, info.accessors);
+    EXPECT_EQ(getIntoNull(GetParam(), kUnknownSession, ""), kInvalidSession);
+    EXPECT_THAT(calls(), ElementsAre("IviSession_GetDataPtr(4711)"));
+    failNthCallOf("IviSession_Lock", 1, kInjected);
+    EXPECT_EQ(getIntoNull(GetParam(), vi, ""), kInjected);
+    EXPECT_EQ(timesRecorded(), 0U);
+    EXPECT_EQ(lockDepth(vi), 0U);
 }
 
-TEST(AttributeTable, HasExactly27Rows)
+INSTANTIATE_TEST_SUITE_P(Attributes, AttributeInTable, testing::ValuesIn(kAttributeRows),
+                         [](const auto& row) { return std::string(row.param.name); });
+
+using NamesById = std::map<ViAttr, std::string>;
+
+/// The IDs that the public header gives names to.
+NamesById publishedAttributes()
 {
+    std::ifstream file(KVX_HEADER_FILE, std::ios::binary);
+    const std::string text{std::istreambuf_iterator<char>(file), {}};
+    const std::regex definition(R"(#define (KVX2800T_ATTR_\w+) (\d+)\n)");
+    NamesById names;
+    for (std::sregex_iterator found(text.begin(), text.end(), definition), end; found != end; ++found)
+        names.emplace(static_cast<ViAttr>(std::stoul((*found)[2])), (*found)[1]);
+    return names;
+}
+
+TEST(AttributeTable, NamesEachIdAsThePublicHeaderDoesAndHasNoOther)
+{
+    NamesById names;
+    for (const drivekit::AttributeInfo& info : api::attributeRegistry())
+        names.emplace(info.id, info.name);
+    EXPECT_EQ(names, publishedAttributes());
     EXPECT_EQ(api::attributeRegistry().size(), 27U);
-    EXPECT_EQ(std::size(kRows), 27U);
-}
-
-TEST(AttributeTable, HasEachAttributeWithItsNameTypeAndAccess)
-{
-    for (const Row& row : kRows) {
-        EXPECT_EQ(row.constant, row.id) << row.name;
-        const drivekit::AttributeInfo* const info = api::attributeRegistry().find(row.id);
-        ASSERT_NE(info, nullptr) << row.name;
-        EXPECT_EQ(info->id, row.id);
-        EXPECT_EQ(info->name, row.name);
-        EXPECT_EQ(info->typeName(), row.type) << row.name;
-        EXPECT_TRUE(isReadable(*info)) << row.name;
-        EXPECT_EQ(isWritable(*info), row.isWritable) << row.name;
-    }
-}
-
-TEST(AttributeTable, HasNoOtherIds)
-{
-    for (const ViAttr id : {0U, 1U, 1050001U, 1050022U, 1250000U, 1250007U, 1250099U, 0xFFFFFFFFU})
-        EXPECT_EQ(api::attributeRegistry().find(id), nullptr) << id;
 }
 
 TEST(AttributeTable, IsInTheOrderOfItsIds)
@@ -98,6 +111,56 @@ TEST(AttributeTable, IsInTheOrderOfItsIds)
     const drivekit::AttributeRegistry& registry = api::attributeRegistry();
     EXPECT_TRUE(std::is_sorted(registry.begin(), registry.end(),
                                [](const auto& left, const auto& right) { return left.id < right.id; }));
+}
+
+TEST(AttributeTable, FindsNothingForOtherIds)
+{
+    for (const ViAttr id : {0U, 1U, 1050001U, 1050022U, 1250000U, 1250007U, 1250099U, 0xFFFFFFFFU})
+        EXPECT_EQ(api::attributeRegistry().find(id), nullptr) << id;
+}
+
+/// Setting an attribute, and what the session has of it.
+class SetAttribute : public SessionTest
+{
+public:
+    ViStatus set(ViAttr id, ViBoolean value) const { return KVX2800T_SetAttributeViBoolean(vi, nullptr, id, value); }
+};
+
+TEST_F(SetAttribute, LeavesTheInitialOptions)
+{
+    open("QueryInstrStatus=1");
+    EXPECT_EQ(set(KVX2800T_ATTR_SIMULATE, VI_TRUE), VI_SUCCESS);
+    EXPECT_EQ(set(KVX2800T_ATTR_QUERY_INSTRUMENT_STATUS, VI_FALSE), VI_SUCCESS);
+    EXPECT_TRUE(session().simulate());
+    EXPECT_TRUE(session().runsSimulated());
+    EXPECT_FALSE(session().initialSimulate());
+    EXPECT_FALSE(session().queryInstrumentStatus());
+    EXPECT_TRUE(session().initialQueryInstrumentStatus());
+}
+
+TEST_F(SetAttribute, LeavesTheSessionsOptionsWhereTheAttributeIsIgnored)
+{
+    open("Cache=1, RangeCheck=1, RecordCoercions=0");
+    for (const ViAttr id :
+         std::initializer_list<ViAttr>{KVX2800T_ATTR_CACHE, KVX2800T_ATTR_RANGE_CHECK, KVX2800T_ATTR_RECORD_COERCIONS,
+                                       KVX2800T_ATTR_INTERCHANGE_CHECK})
+        for (const ViBoolean value : std::initializer_list<ViBoolean>{VI_TRUE, VI_FALSE}) {
+            EXPECT_EQ(set(id, value), VI_SUCCESS);
+            EXPECT_TRUE(session().cache());
+            EXPECT_TRUE(session().rangeCheck());
+            EXPECT_FALSE(session().recordCoercions());
+            EXPECT_FALSE(session().interchangeCheck());
+        }
+}
+
+TEST_F(SetAttribute, SimulateSwapsAnOpenSimulatorInBeforeTheConnectionIsClosed)
+{
+    open();
+    const std::shared_ptr<TSRO::InstBase> real = session().instrument();
+    EXPECT_EQ(set(KVX2800T_ATTR_SIMULATE, VI_TRUE), VI_SUCCESS);
+    EXPECT_NE(session().instrument(), real);
+    EXPECT_TRUE(session().instrument()->isOpen());
+    EXPECT_FALSE(real->isOpen());
 }
 
 } // namespace

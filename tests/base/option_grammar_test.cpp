@@ -15,16 +15,16 @@
 namespace
 {
 
+using base::lowerCased;
+using base::nextDriverSetupOption;
+using base::nextInherentOption;
+using base::OptionPair;
+using base::OptionText;
+using base::parseOptionValue;
+using base::splitOptionString;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Pair;
-using TSRO::lowerCased;
-using TSRO::nextDriverSetupOption;
-using TSRO::nextInherentOption;
-using TSRO::OptionPair;
-using TSRO::OptionText;
-using TSRO::parseOptionValue;
-using TSRO::splitOptionString;
 
 using Pairs = std::vector<std::pair<std::string, std::string>>;
 
@@ -61,7 +61,7 @@ TEST(OptionString, WithoutDriverSetupIsAllInherent)
     for (const char* text : {"", "Simulate=1", "Simulate=1, DriverSetup", "DriverSetup Model=A", "Setup=A",
                              "Driver Setup=A", "DriverSetup:A"})
     {
-        const OptionText parts = splitOptionString(text);
+        const base::OptionText parts = base::splitOptionString(text);
         EXPECT_EQ(parts.inherent, text);
         EXPECT_EQ(parts.driverSetup, std::nullopt) << text;
     }
@@ -69,34 +69,34 @@ TEST(OptionString, WithoutDriverSetupIsAllInherent)
 
 TEST(OptionString, EndsItsInherentPartInFrontOfTheBlanksBeforeDriverSetup)
 {
-    const OptionText parts = splitOptionString("RangeCheck=0, DriverSetup=Model:KVX2833T, Foo=Bar");
+    const base::OptionText parts = base::splitOptionString("RangeCheck=0, DriverSetup=Model:KVX2833T, Foo=Bar");
     EXPECT_EQ(parts.inherent, "RangeCheck=0,");
     EXPECT_EQ(parts.driverSetup, "Model:KVX2833T, Foo=Bar");
 }
 
 TEST(OptionString, FindsDriverSetupInAnyLetterCaseAndWithBlanksBeforeTheSign)
 {
-    EXPECT_EQ(splitOptionString("driversetup=A").driverSetup, "A");
-    EXPECT_EQ(splitOptionString("DRIVERSETUP =A").driverSetup, "A");
-    EXPECT_EQ(splitOptionString("xDriverSetup\t\n= A").driverSetup, " A");
-    EXPECT_EQ(splitOptionString("xDriverSetup\t\n= A").inherent, "x");
+    EXPECT_EQ(base::splitOptionString("driversetup=A").driverSetup, "A");
+    EXPECT_EQ(base::splitOptionString("DRIVERSETUP =A").driverSetup, "A");
+    EXPECT_EQ(base::splitOptionString("xDriverSetup\t\n= A").driverSetup, " A");
+    EXPECT_EQ(base::splitOptionString("xDriverSetup\t\n= A").inherent, "x");
 }
 
 TEST(OptionString, HasAnEmptyDriverSetupBehindALoneSign)
 {
-    EXPECT_EQ(splitOptionString("DriverSetup=").driverSetup, "");
-    EXPECT_EQ(splitOptionString("DriverSetup=\nA").driverSetup, "");
+    EXPECT_EQ(base::splitOptionString("DriverSetup=").driverSetup, "");
+    EXPECT_EQ(base::splitOptionString("DriverSetup=\nA").driverSetup, "");
 }
 
 TEST(OptionString, EndsItsDriverSetupAtTheEndOfTheLine)
 {
-    EXPECT_EQ(splitOptionString("DriverSetup=A\nB").driverSetup, "A");
-    EXPECT_EQ(splitOptionString("DriverSetup=A\rB").driverSetup, "A");
+    EXPECT_EQ(base::splitOptionString("DriverSetup=A\nB").driverSetup, "A");
+    EXPECT_EQ(base::splitOptionString("DriverSetup=A\rB").driverSetup, "A");
 }
 
 TEST(OptionString, TakesTheFirstDriverSetupThatHasASign)
 {
-    const OptionText parts = splitOptionString("DriverSetup, DriverSetup=A, DriverSetup=B");
+    const base::OptionText parts = base::splitOptionString("DriverSetup, DriverSetup=A, DriverSetup=B");
     EXPECT_EQ(parts.inherent, "DriverSetup,");
     EXPECT_EQ(parts.driverSetup, "A, DriverSetup=B");
 }
@@ -133,32 +133,32 @@ TEST(InherentOptions, EndTheirWordAtTheFirstOtherCharacter)
 
 TEST(InherentOptions, AreSixFlags)
 {
-    using TSRO::InherentOptions;
-    EXPECT_EQ(TSRO::inherentOption("cache"), &InherentOptions::cache);
-    EXPECT_EQ(TSRO::inherentOption("interchangecheck"), &InherentOptions::interchangeCheck);
-    EXPECT_EQ(TSRO::inherentOption("queryinstrstatus"), &InherentOptions::queryInstrumentStatus);
-    EXPECT_EQ(TSRO::inherentOption("rangecheck"), &InherentOptions::rangeCheck);
-    EXPECT_EQ(TSRO::inherentOption("recordcoercions"), &InherentOptions::recordCoercions);
-    EXPECT_EQ(TSRO::inherentOption("simulate"), &InherentOptions::simulate);
+    using base::InherentOptions;
+    EXPECT_EQ(base::inherentOption("cache"), &base::InherentOptions::cache);
+    EXPECT_EQ(base::inherentOption("interchangecheck"), &base::InherentOptions::interchangeCheck);
+    EXPECT_EQ(base::inherentOption("queryinstrstatus"), &base::InherentOptions::queryInstrumentStatus);
+    EXPECT_EQ(base::inherentOption("rangecheck"), &base::InherentOptions::rangeCheck);
+    EXPECT_EQ(base::inherentOption("recordcoercions"), &base::InherentOptions::recordCoercions);
+    EXPECT_EQ(base::inherentOption("simulate"), &base::InherentOptions::simulate);
     for (const char* name : {"", "Cache", "cach", "cachex", "driversetup", "model", "queryinstrumentstatus"})
-        EXPECT_EQ(TSRO::inherentOption(name), nullptr) << name;
+        EXPECT_EQ(base::inherentOption(name), nullptr) << name;
 }
 
 TEST(InherentOptions, AreTrueOrFalseByThreeWordsEach)
 {
     for (const char* word : {"true", "vi_true", "1"})
-        EXPECT_EQ(parseOptionValue(word), true) << word;
+        EXPECT_EQ(base::parseOptionValue(word), true) << word;
     for (const char* word : {"false", "vi_false", "0"})
-        EXPECT_EQ(parseOptionValue(word), false) << word;
+        EXPECT_EQ(base::parseOptionValue(word), false) << word;
     for (const char* word : {"", "yes", "True", "VI_TRUE", "on", "10", "01", "true ", "vi_", "2"})
-        EXPECT_EQ(parseOptionValue(word), std::nullopt) << word;
+        EXPECT_EQ(base::parseOptionValue(word), std::nullopt) << word;
 }
 
 TEST(LowerCased, ChangesLettersOfAsciiOnly)
 {
-    EXPECT_EQ(lowerCased("SIMULATE=VI_TRUE"), "simulate=vi_true");
-    EXPECT_EQ(lowerCased("\xC4@[`{aZ"), "\xC4@[`{az");
-    EXPECT_EQ(lowerCased(std::string_view("A\0B", 3)), std::string("a\0b", 3));
+    EXPECT_EQ(base::lowerCased("SIMULATE=VI_TRUE"), "simulate=vi_true");
+    EXPECT_EQ(base::lowerCased("\xC4@[`{aZ"), "\xC4@[`{az");
+    EXPECT_EQ(base::lowerCased(std::string_view("A\0B", 3)), std::string("a\0b", 3));
 }
 
 // ---- DriverSetup
@@ -199,7 +199,7 @@ TEST(DriverSetup, ValueOfBlanksIsTheLastOfThem)
 
 // ---- Comparison with regular expressions, in the C locale that every test program starts in
 
-OptionText splitByRegularExpression(const std::string& text)
+base::OptionText splitByRegularExpression(const std::string& text)
 {
     static const std::regex kDriverSetup(R"(\s*DriverSetup\s*=(.*))", std::regex::icase);
     std::smatch match;
@@ -233,8 +233,8 @@ Pairs inherentByRegularExpression(const std::string& text)
 void expectAsTheRegularExpressions(const std::string& text)
 {
     SCOPED_TRACE(testing::PrintToString(text));
-    const OptionText expected = splitByRegularExpression(text);
-    const OptionText parts = splitOptionString(text);
+    const base::OptionText expected = splitByRegularExpression(text);
+    const base::OptionText parts = base::splitOptionString(text);
     ASSERT_EQ(parts.inherent, expected.inherent);
     ASSERT_EQ(parts.driverSetup, expected.driverSetup);
     ASSERT_EQ(setup(text), setupByRegularExpression(text));
@@ -344,7 +344,7 @@ class LongOptionText : public testing::TestWithParam<Piece>
 TEST_P(LongOptionText, WithoutPairsIsReadToItsEnd)
 {
     const std::string text = repeated(GetParam().text);
-    EXPECT_EQ(splitOptionString(text).driverSetup, std::nullopt);
+    EXPECT_EQ(base::splitOptionString(text).driverSetup, std::nullopt);
     EXPECT_THAT(inherent(text), IsEmpty());
     EXPECT_THAT(setup(text), IsEmpty());
 }
@@ -352,7 +352,7 @@ TEST_P(LongOptionText, WithoutPairsIsReadToItsEnd)
 TEST_P(LongOptionText, LeavesThePairsBehindItReadable)
 {
     const std::string text = repeated(GetParam().text) + ",cache=1,DriverSetup=Model:A";
-    EXPECT_EQ(splitOptionString(text).driverSetup, "Model:A");
+    EXPECT_EQ(base::splitOptionString(text).driverSetup, "Model:A");
     EXPECT_THAT(inherent(text), ElementsAre(Pair("cache", "1"), Pair("DriverSetup", "Model")));
     EXPECT_THAT(setup(text), ElementsAre(Pair("cache", "1"), Pair("DriverSetup", "Model:A")));
 }

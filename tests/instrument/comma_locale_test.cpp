@@ -75,7 +75,7 @@ TEST_F(InACommaLocale, EveryOperationSendsAndReadsTheSameBytes)
 
 TEST_F(InACommaLocale, LettersOutsideASCIIStayAsTheyAre)
 {
-    EXPECT_EQ(TSRO::lowerCased("\xC3\x84\xC4Z"), "\xC3\x84\xC4z");
+    EXPECT_EQ(base::lowerCased("\xC3\x84\xC4Z"), "\xC3\x84\xC4z");
 }
 
 } // namespace

@@ -16,6 +16,7 @@
 namespace
 {
 
+using base::statusCode;
 using kvxtest::kInvalidKey;
 using kvxtest::portOn;
 using kvxtest::ScriptedConnection;
@@ -30,9 +31,9 @@ constexpr ViStatus kTimedOut = statusCode(0xBFFF0015);
 constexpr ViStatus kTermChar = 0x3FFF0005;
 constexpr ViStatus kMaxCount = 0x3FFF0006;
 
-static_assert(kIoError == statusCode(0xBFFA4214));
-static_assert(kValueOutOfRange == statusCode(0xBFFA4217));
-static_assert(kUnexpectedResponse == statusCode(0xBFFA0059));
+static_assert(base::kErrorIo == statusCode(0xBFFA4214));
+static_assert(base::kErrorValueOutOfRange == statusCode(0xBFFA4217));
+static_assert(base::kErrorUnexpectedResponse == statusCode(0xBFFA0059));
 
 class CommandPortTest : public testing::Test
 {
@@ -148,7 +149,7 @@ TEST_P(EverySend, IsAnIoErrorWhenTheWriteFails)
 {
     for (const ViStatus status : {kTimedOut, kNoConnection, ViStatus{-1}}) {
         connection->writeStatus = status;
-        EXPECT_EQ(GetParam().run(port), kIoError);
+        EXPECT_EQ(GetParam().run(port), base::kErrorIo);
     }
 }
 
@@ -160,7 +161,7 @@ TEST_P(EverySend, TakesAWarningForSuccess)
 
 TEST_P(EverySend, IsAnIoErrorWithoutAConnection)
 {
-    EXPECT_EQ(GetParam().run(unconnected), kIoError);
+    EXPECT_EQ(GetParam().run(unconnected), base::kErrorIo);
 }
 
 TEST_P(EverySend, SendsTheSameLineEveryTime)
@@ -327,23 +328,23 @@ TYPED_TEST(EveryQuery, IsAnIoErrorWhenTheWriteFails)
 {
     this->connection->writeStatus = kTimedOut;
     this->connection->answer(TestFixture::K::kReply);
-    EXPECT_EQ(this->port.get(":HEAD:ER", this->value), kIoError);
-    EXPECT_EQ(this->port.getFor(":HEAD:ER", ChannelName{1}, this->value), kIoError);
+    EXPECT_EQ(this->port.get(":HEAD:ER", this->value), base::kErrorIo);
+    EXPECT_EQ(this->port.getFor(":HEAD:ER", ChannelName{1}, this->value), base::kErrorIo);
     EXPECT_EQ(this->value, TestFixture::K::kBefore);
     EXPECT_EQ(this->connection->reads, 0);
 }
 
 TYPED_TEST(EveryQuery, IsAnIoErrorWhenTheReadFails)
 {
-    EXPECT_EQ(this->port.get(":HEAD:ER", this->value), kIoError);
-    EXPECT_EQ(this->port.getFor(":HEAD:ER", ChannelName{1}, this->value), kIoError);
+    EXPECT_EQ(this->port.get(":HEAD:ER", this->value), base::kErrorIo);
+    EXPECT_EQ(this->port.getFor(":HEAD:ER", ChannelName{1}, this->value), base::kErrorIo);
     EXPECT_EQ(this->value, TestFixture::K::kBefore);
 }
 
 TYPED_TEST(EveryQuery, IsAnIoErrorWithoutAConnection)
 {
-    EXPECT_EQ(this->unconnected.get(":HEAD:ER", this->value), kIoError);
-    EXPECT_EQ(this->unconnected.getFor(":HEAD:ER", ChannelName{1}, this->value), kIoError);
+    EXPECT_EQ(this->unconnected.get(":HEAD:ER", this->value), base::kErrorIo);
+    EXPECT_EQ(this->unconnected.getFor(":HEAD:ER", ChannelName{1}, this->value), base::kErrorIo);
     EXPECT_EQ(this->value, TestFixture::K::kBefore);
 }
 
@@ -404,13 +405,13 @@ TEST_F(CommandPortTest, RefusesAKeywordThatThereIsNot)
     for (const char* reply : {"", "4K\r", "4K\n", " 4K", "4", "40000"}) {
         connection->answer(reply);
         CurrentRate rate = CurrentRate::Rate8000;
-        EXPECT_EQ(port.get(":X", rate), kUnexpectedResponse) << reply;
+        EXPECT_EQ(port.get(":X", rate), base::kErrorUnexpectedResponse) << reply;
         EXPECT_EQ(rate, CurrentRate::Rate8000);
     }
     for (const char* reply : {"", "CH7", "CH1,CH2"}) {
         connection->answer(reply);
         ChannelName name{3};
-        EXPECT_EQ(port.get(":INST:SELE?", name), kUnexpectedResponse) << reply;
+        EXPECT_EQ(port.get(":INST:SELE?", name), base::kErrorUnexpectedResponse) << reply;
         EXPECT_EQ(name.channel, 3);
     }
 }
@@ -460,7 +461,7 @@ TEST_F(CommandPortTest, CloseLetsGoOfTheConnection)
     EXPECT_EQ(connection.use_count(), 1);
     EXPECT_FALSE(port.isOpen());
     EXPECT_EQ(port.write("*CLS"), kNoConnection);
-    EXPECT_EQ(port.send("*CLS"), kIoError);
+    EXPECT_EQ(port.send("*CLS"), base::kErrorIo);
     EXPECT_EQ(port.close(), kNoConnection);
     EXPECT_EQ(connection->closes, 1);
 }

@@ -296,7 +296,7 @@ TEST_F(InstrumentOnVisa, ANegativeTimeoutIsVisasInfinity)
 
 TEST_F(InstrumentOnVisa, HasTheDefaultOptionsOfASession)
 {
-    const TSRO::InherentOptions& options = instrument.options();
+    const base::InherentOptions& options = instrument.options();
     EXPECT_TRUE(options.cache);
     EXPECT_TRUE(options.rangeCheck);
     EXPECT_FALSE(options.interchangeCheck);
@@ -310,7 +310,7 @@ TEST_F(InstrumentOnVisa, ReadsItsOptionsFromTheOptionString)
     ASSERT_EQ(instrument.open(kResource, "CACHE=0, InterchangeCheck = VI_TRUE, QueryInstrStatus=true,RangeCheck=False,"
                                          "RecordCoercions=1,simulate=1,DriverSetup=Cache=1"),
               0);
-    const TSRO::InherentOptions& options = instrument.options();
+    const base::InherentOptions& options = instrument.options();
     EXPECT_FALSE(options.cache);
     EXPECT_TRUE(options.interchangeCheck);
     EXPECT_TRUE(options.queryInstrumentStatus);

@@ -21,6 +21,8 @@
 namespace
 {
 
+using base::lowerCased;
+using base::statusCode;
 using kvxtest::expectedOutcome;
 using kvxtest::Field;
 using kvxtest::FieldKind;
@@ -264,16 +266,16 @@ TEST_P(EverySetting, IsAnIoErrorWhenTheWriteFails)
 {
     for (const ViStatus status : {kTimedOut, kNoConnection, ViStatus{-1}}) {
         connection->writeStatus = status;
-        EXPECT_EQ(run(instrument), kIoError);
+        EXPECT_EQ(run(instrument), base::kErrorIo);
     }
     EXPECT_THAT(connection->written, ElementsAre(GetParam().line, GetParam().line, GetParam().line));
 }
 
 TEST_P(EverySetting, IsAnIoErrorWithoutAConnection)
 {
-    EXPECT_EQ(run(unconnected), kIoError);
+    EXPECT_EQ(run(unconnected), base::kErrorIo);
     ASSERT_GE(instrument.close(), 0);
-    EXPECT_EQ(run(instrument), kIoError);
+    EXPECT_EQ(run(instrument), base::kErrorIo);
     EXPECT_THAT(connection->written, IsEmpty());
 }
 
@@ -414,7 +416,7 @@ TEST_P(EveryQueryOperation, TakesCompletionCodesForSuccess)
 TEST_P(EveryQueryOperation, IsAnIoErrorWhenTheWriteFails)
 {
     connection->writeStatus = kTimedOut;
-    EXPECT_EQ(runWith(query.reply), (Outcome{.status = kIoError, .outputs = query.before}));
+    EXPECT_EQ(runWith(query.reply), (Outcome{.status = base::kErrorIo, .outputs = query.before}));
     EXPECT_EQ(connection->reads, 0);
 }
 
@@ -422,15 +424,15 @@ TEST_P(EveryQueryOperation, IsAnIoErrorWhenTheReadFails)
 {
     for (const ViStatus status : {kTimedOut, kNoConnection, ViStatus{-1}}) {
         connection->answer(query.reply, status);
-        EXPECT_EQ(outcomeOf(query, instrument), (Outcome{.status = kIoError, .outputs = query.before}));
+        EXPECT_EQ(outcomeOf(query, instrument), (Outcome{.status = base::kErrorIo, .outputs = query.before}));
     }
 }
 
 TEST_P(EveryQueryOperation, IsAnIoErrorWithoutAConnection)
 {
-    EXPECT_EQ(outcomeOf(query, unconnected), (Outcome{.status = kIoError, .outputs = query.before}));
+    EXPECT_EQ(outcomeOf(query, unconnected), (Outcome{.status = base::kErrorIo, .outputs = query.before}));
     ASSERT_GE(instrument.close(), 0);
-    EXPECT_EQ(outcomeOf(query, instrument), (Outcome{.status = kIoError, .outputs = query.before}));
+    EXPECT_EQ(outcomeOf(query, instrument), (Outcome{.status = base::kErrorIo, .outputs = query.before}));
     EXPECT_THAT(connection->written, IsEmpty());
 }
 
@@ -452,7 +454,7 @@ Outcome unreadable(const Operation& query, const std::string& text)
         outcome.thrown = "std::invalid_argument: invalid stol argument";
         break;
     case FieldKind::Keyword:
-        outcome.status = kUnexpectedResponse;
+        outcome.status = base::kErrorUnexpectedResponse;
         break;
     case FieldKind::Text:
         ADD_FAILURE() << "no reply begins with a text";
@@ -549,7 +551,7 @@ TEST_P(EveryQueryOfSeveralFields, KeepsTheFieldsBeforeTheFirstThatCannotBeRead)
 {
     for (std::size_t i = 0; i < query.fields.size(); ++i) {
         const Outcome outcome = runWith(replyWith(i, "x"));
-        EXPECT_TRUE(!outcome.thrown.empty() || outcome.status == kUnexpectedResponse);
+        EXPECT_TRUE(!outcome.thrown.empty() || outcome.status == base::kErrorUnexpectedResponse);
         EXPECT_EQ(outcome.outputs, storedUpTo(i));
     }
 }
@@ -656,7 +658,7 @@ TEST_F(KVX2800TTest, StoresNothingBehindARunStateThatThereIsNot)
     ViInt32 group = -2;
     ViInt32 cycles = -3;
     connection->answer("HALTED,1.5,2,7");
-    EXPECT_EQ(instrument.listStatus(state, seconds, group, cycles), kUnexpectedResponse);
+    EXPECT_EQ(instrument.listStatus(state, seconds, group, cycles), base::kErrorUnexpectedResponse);
     EXPECT_EQ(state, ListRunState::Paused);
     EXPECT_EQ(seconds, -1.0);
     EXPECT_EQ(group, -2);
@@ -740,7 +742,7 @@ TEST_F(ErrorReply, WithoutACodeThrowsAndLeavesBothOutputs)
 
 TEST_F(ErrorReply, ThatDoesNotComeLeavesBothOutputs)
 {
-    EXPECT_EQ(instrument.nextError(code, message), kIoError);
+    EXPECT_EQ(instrument.nextError(code, message), base::kErrorIo);
     EXPECT_EQ(code, -7);
     EXPECT_EQ(message, "before");
 }

@@ -404,7 +404,7 @@ public:
     template <class Value>
     const drivekit::CachedValue<Value>* cached(ViAttr id, std::string_view channel)
     {
-        return session.attributeCache<Value>().find(id, channel);
+        return session.attributeCaches().of<Value>().find(id, channel);
     }
 
     /// Invalidating one channel of `row` makes an invalid entry in the cache of its type.
@@ -412,7 +412,7 @@ public:
     void expectEntryOf(const AttributeInfo& row)
     {
         EXPECT_EQ(cached<Value>(row.id, "OutputChannel1"), nullptr);
-        row.invalidate(session, false, "OutputChannel1");
+        row.invalidate(session.attributeCaches(), false, "OutputChannel1");
         ASSERT_NE(cached<Value>(row.id, "OutputChannel1"), nullptr);
         EXPECT_FALSE(cached<Value>(row.id, "OutputChannel1")->valid);
         EXPECT_EQ(cached<Value>(row.id, "OutputChannel2"), nullptr);
@@ -444,8 +444,8 @@ TEST_F(AttributeCaches, HoldAnInvalidEntryOfTheirTypeAfterAChannelIsInvalidated)
 
 TEST_F(AttributeCaches, KeepOneEntryForEachChannel)
 {
-    kAttributes[1].invalidate(session, false, "");
-    kAttributes[1].invalidate(session, false, "OutputChannel2");
+    kAttributes[1].invalidate(session.attributeCaches(), false, "");
+    kAttributes[1].invalidate(session.attributeCaches(), false, "OutputChannel2");
     EXPECT_NE(cached<ViReal64>(20, ""), nullptr);
     EXPECT_NE(cached<ViReal64>(20, "OutputChannel2"), nullptr);
     EXPECT_NE(cached<ViReal64>(20, ""), cached<ViReal64>(20, "OutputChannel2"));
@@ -454,10 +454,10 @@ TEST_F(AttributeCaches, KeepOneEntryForEachChannel)
 TEST_F(AttributeCaches, LoseEveryChannelOfTheAttributeWhenAllAreInvalidated)
 {
     for (const char* channel : {"", "OutputChannel1", "OutputChannel2"}) {
-        kAttributes[1].invalidate(session, false, channel);
-        kAttributes[3].invalidate(session, false, channel);
+        kAttributes[1].invalidate(session.attributeCaches(), false, channel);
+        kAttributes[3].invalidate(session.attributeCaches(), false, channel);
     }
-    kAttributes[1].invalidate(session, true, "OutputChannel1");
+    kAttributes[1].invalidate(session.attributeCaches(), true, "OutputChannel1");
     for (const char* channel : {"", "OutputChannel1", "OutputChannel2"}) {
         EXPECT_EQ(cached<ViReal64>(20, channel), nullptr);
         EXPECT_NE(cached<ViReal64>(40, channel), nullptr);
@@ -467,7 +467,7 @@ TEST_F(AttributeCaches, LoseEveryChannelOfTheAttributeWhenAllAreInvalidated)
 TEST_F(AttributeCaches, LoseEverythingWhenTheSessionInvalidatesAllAttributes)
 {
     for (const AttributeInfo& row : kAttributes)
-        row.invalidate(session, false, "OutputChannel1");
+        row.invalidate(session.attributeCaches(), false, "OutputChannel1");
     session.InvalidateAllAttributes();
     EXPECT_EQ(cached<ViInt32>(10, "OutputChannel1"), nullptr);
     EXPECT_EQ(cached<ViReal64>(20, "OutputChannel1"), nullptr);
@@ -479,7 +479,7 @@ TEST_F(AttributeCaches, LoseEverythingWhenTheSessionInvalidatesAllAttributes)
 TEST_F(AttributeCaches, BelongToOneSession)
 {
     TestSession other(vi, kRegistry);
-    kAttributes[0].invalidate(other, false, "");
+    kAttributes[0].invalidate(other.attributeCaches(), false, "");
     EXPECT_EQ(cached<ViInt32>(10, ""), nullptr);
 }
 

@@ -85,7 +85,7 @@ TEST_F(Simulator, ConnectsToAnyDescriptorAnyNumberOfTimes)
 
 TEST_F(Simulator, HasTheDefaultOptions)
 {
-    const TSRO::InherentOptions& options = simulator.options();
+    const base::InherentOptions& options = simulator.options();
     EXPECT_TRUE(options.cache);
     EXPECT_TRUE(options.rangeCheck);
     EXPECT_FALSE(options.interchangeCheck || options.queryInstrumentStatus || options.recordCoercions ||

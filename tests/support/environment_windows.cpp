@@ -1,6 +1,7 @@
 #include "tests/support/environment.h"
 
-#include "tests/support/utf8_path.h"
+#include "platform/common/windows_environment.h"
+#include "platform/common/windows_text.h"
 
 #include <windows.h>
 
@@ -11,17 +12,13 @@ namespace
 
 std::wstring wide(const std::string& text)
 {
-    return fromUtf8(text).wstring();
+    return platform::wideText(text).value();
 }
 
 std::optional<std::string> variable(const std::string& name)
 {
-    std::wstring value(32768, L'\0');
-    SetLastError(ERROR_SUCCESS);
-    const DWORD size = GetEnvironmentVariableW(wide(name).c_str(), value.data(), static_cast<DWORD>(value.size()));
-    if (size == 0 && GetLastError() == ERROR_ENVVAR_NOT_FOUND)
-        return std::nullopt;
-    return toUtf8(value.substr(0, size));
+    const auto value = platform::environmentVariable(wide(name));
+    return value ? std::optional(platform::utf8Text(*value)) : std::nullopt;
 }
 
 } // namespace

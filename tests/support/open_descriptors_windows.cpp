@@ -2,18 +2,26 @@
 
 #include <windows.h>
 
-#include <cstdint>
-
-std::size_t kvxtest::openDescriptors()
+namespace kvxtest
 {
-    // Handles are multiples of four, and small ones are used first. Wine has no count of them.
-    constexpr std::uintptr_t kStep = 4;
-    constexpr std::uintptr_t kEnd = kStep * 4096;
-    std::size_t count = 0;
-    for (std::uintptr_t value = kStep; value < kEnd; value += kStep) {
+
+std::size_t openDescriptors()
+{
+    return descriptorInheritance().size();
+}
+
+std::map<std::intptr_t, bool> descriptorInheritance()
+{
+    // Handles are multiples of four, and small ones are used first. Wine has no list of them.
+    constexpr std::intptr_t kStep = 4;
+    constexpr std::intptr_t kEnd = kStep * 4096;
+    std::map<std::intptr_t, bool> inheritance;
+    for (std::intptr_t value = kStep; value < kEnd; value += kStep) {
         DWORD flags = 0;
         if (GetHandleInformation(reinterpret_cast<HANDLE>(value), &flags) != 0)
-            ++count;
+            inheritance[value] = (flags & HANDLE_FLAG_INHERIT) != 0;
     }
-    return count;
+    return inheritance;
 }
+
+} // namespace kvxtest

@@ -1,8 +1,9 @@
 #include "tests/support/shared_library.h"
 
+#include "tests/support/utf8_path.h"
+
 #include <windows.h>
 
-#include <filesystem>
 #include <stdexcept>
 #include <system_error>
 
@@ -22,8 +23,7 @@ void* checked(void* found, const std::string& what)
 } // namespace
 
 SharedLibrary::SharedLibrary(const std::string& file)
-    : handle_(checked(
-          LoadLibraryW(std::filesystem::path(std::u8string(file.begin(), file.end())).make_preferred().c_str()), file))
+    : handle_(checked(LoadLibraryW(fromUtf8(file).make_preferred().c_str()), file))
 {
 }
 

@@ -1,8 +1,8 @@
 #include "tools/store/command_line.h"
 
 #include "tools/store/argument_texts.h"
+#include "tools/store/exit_codes.h"
 #include "tools/store/plain_text.h"
-#include "tools/store/tool.h"
 #include "tools/store/values.h"
 
 #include <CLI/CLI.hpp>
@@ -171,7 +171,7 @@ CommandLine parseCommandLine(int argumentCount, const char* const* arguments, st
         if (add.parsed() && texts.resource.empty() && texts.asset.empty())
             throw CLI::ValidationError("add", "needs --resource, or --asset of a hardware asset that the store has");
     } catch (const CLI::ParseError& error) {
-        return {std::nullopt, app.exit(error, out, errors) == 0 ? 0 : kUsageError};
+        return {std::nullopt, app.exit(error, out, errors) == 0 ? kSuccess : kUsageError};
     }
     if (!store.empty())
         request.store = store;
@@ -183,7 +183,7 @@ CommandLine parseCommandLine(int argumentCount, const char* const* arguments, st
         request.command = onlyLogical ? Command::RemoveLogicalName : Command::Remove;
     else
         request.command = list->parsed() ? Command::List : Command::Check;
-    return {std::move(request), 0};
+    return {std::move(request), kSuccess};
 }
 
 } // namespace store_tool

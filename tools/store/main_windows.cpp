@@ -1,7 +1,6 @@
+#include "platform/common/windows_handle.h"
 #include "platform/common/windows_text.h"
 #include "tools/store/tool.h"
-
-#include <windows.h>
 
 #include <shellapi.h>
 
@@ -10,7 +9,6 @@
 
 #include <cstdio>
 #include <iostream>
-#include <memory>
 #include <string>
 #include <vector>
 
@@ -35,19 +33,14 @@ private:
     UINT before_;
 };
 
-struct LocalMemoryReleaser
-{
-    void operator()(wchar_t** memory) const { LocalFree(memory); }
-};
-
 /// The command line in UTF-8; what main() is given has lost what the code page lacks.
 std::vector<std::string> utf8Arguments()
 {
     int count = 0;
-    const std::unique_ptr<wchar_t*, LocalMemoryReleaser> wide(CommandLineToArgvW(GetCommandLineW(), &count));
+    const platform::LocalMemory<wchar_t*> wide(CommandLineToArgvW(GetCommandLineW(), &count));
     std::vector<std::string> arguments;
     for (int i = 0; wide != nullptr && i < count; ++i)
-        arguments.push_back(config_server::utf8Text(wide.get()[i]));
+        arguments.push_back(platform::utf8Text(wide.get()[i]));
     return arguments;
 }
 

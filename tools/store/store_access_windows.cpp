@@ -26,11 +26,11 @@ namespace store_tool
 namespace
 {
 
-using config_server::Handle;
-using config_server::kShareAll;
-using config_server::open;
-using config_server::systemPath;
-using config_server::utf8Text;
+using platform::Handle;
+using platform::kShareAll;
+using platform::open;
+using platform::systemPath;
+using platform::utf8Text;
 
 constexpr std::chrono::milliseconds kPause{10};
 
@@ -75,11 +75,6 @@ std::string messageOf(DWORD error)
     throw StoreError(what + ": " + messageOf(error));
 }
 
-struct LocalMemoryReleaser
-{
-    void operator()(void* memory) const { LocalFree(memory); }
-};
-
 /// Who may do what with a file.
 class Rights
 {
@@ -112,7 +107,7 @@ public:
 
 private:
     PACL list_ = nullptr; ///< in the descriptor
-    std::unique_ptr<void, LocalMemoryReleaser> descriptor_;
+    platform::LocalMemory<void> descriptor_;
     DWORD status_ = ERROR_SUCCESS;
 };
 

@@ -2,6 +2,7 @@
 
 #include "platform/config_server/locations.h"
 #include "tools/store/command_line.h"
+#include "tools/store/exit_codes.h"
 #include "tools/store/plain_text.h"
 #include "tools/store/store_access.h"
 #include "tools/store/store_check.h"

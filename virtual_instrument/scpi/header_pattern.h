@@ -10,7 +10,7 @@ namespace kvxvirtual
 {
 
 /// What the suffix of a header addresses when nothing was sent: SCPI-99 makes it 1.
-constexpr int kDefaultSuffix = 1;
+inline constexpr int kDefaultSuffix = 1;
 
 /// The outcome of holding a header against a pattern.
 struct HeaderMatch

@@ -47,7 +47,7 @@ constexpr Parameter keywordOf(KeywordTable table, std::string_view name)
 } // namespace parameters
 
 /// In place of a channel's number: every channel.
-constexpr int kAllChannels = 0;
+inline constexpr int kAllChannels = 0;
 
 /// The parameters of one command, converted as its row in the command table says.
 class Arguments

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "virtual_instrument/scpi/command_table.h"
+#include "virtual_instrument/scpi/command.h"
 
 #include <vector>
 

@@ -11,20 +11,20 @@ namespace kvxvirtual
 /// Bits of the standard event status register (IEEE 488.2).
 namespace event_status
 {
-constexpr unsigned int kOperationComplete = 1;
-constexpr unsigned int kQueryError = 4;
-constexpr unsigned int kDeviceError = 8;
-constexpr unsigned int kExecutionError = 16;
-constexpr unsigned int kCommandError = 32;
-constexpr unsigned int kPowerOn = 128;
+inline constexpr unsigned int kOperationComplete = 1;
+inline constexpr unsigned int kQueryError = 4;
+inline constexpr unsigned int kDeviceError = 8;
+inline constexpr unsigned int kExecutionError = 16;
+inline constexpr unsigned int kCommandError = 32;
+inline constexpr unsigned int kPowerOn = 128;
 } // namespace event_status
 
 /// Bits of the status byte (IEEE 488.2; bit 2 as SCPI-99 uses it).
 namespace status_byte
 {
-constexpr unsigned int kErrorAvailable = 4;
-constexpr unsigned int kEventSummary = 32;
-constexpr unsigned int kMasterSummary = 64;
+inline constexpr unsigned int kErrorAvailable = 4;
+inline constexpr unsigned int kEventSummary = 32;
+inline constexpr unsigned int kMasterSummary = 64;
 } // namespace status_byte
 
 struct ErrorEntry

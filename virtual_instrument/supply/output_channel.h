@@ -55,10 +55,10 @@ struct Measurement
 /// Bits of a channel's questionable condition and event registers.
 namespace questionable
 {
-constexpr unsigned int kConstantCurrent = 1;
-constexpr unsigned int kConstantVoltage = 2;
-constexpr unsigned int kOverVoltageTrip = 4;
-constexpr unsigned int kOverCurrentTrip = 8;
+inline constexpr unsigned int kConstantCurrent = 1;
+inline constexpr unsigned int kConstantVoltage = 2;
+inline constexpr unsigned int kOverVoltageTrip = 4;
+inline constexpr unsigned int kOverCurrentTrip = 8;
 } // namespace questionable
 
 /// One channel of the power supply: its settings, its load, regulation, protection and programs.

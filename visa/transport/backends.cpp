@@ -1,5 +1,8 @@
 #include "visa/transport/backends.h"
 
+#include "visa/transport/serial/serial_stream.h"
+#include "visa/transport/tcp/tcp_stream.h"
+
 #include <algorithm>
 #include <array>
 
@@ -28,13 +31,6 @@ ViStatus openStream(const ResourceName& name, const Deadline& deadline, std::uni
     const auto* const backend = std::find_if(kBackends.begin(), kBackends.end(),
                                              [&name](const Backend& candidate) { return candidate.kind == name.kind; });
     return backend == kBackends.end() ? VI_ERROR_LIBRARY_NFOUND : backend->open(name, deadline, stream);
-}
-
-asio::io_context& ioContext()
-{
-    // Never destroyed: sessions may still be closed while the process ends.
-    static asio::io_context& context = *new asio::io_context;
-    return context;
 }
 
 } // namespace visa

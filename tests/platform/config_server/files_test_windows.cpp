@@ -1,10 +1,9 @@
 // Texts that name a store file on Windows.
 
+#include "platform/common/windows_handle.h"
 #include "tests/support/long_path_windows.h"
 #include "tests/support/platform/store_fixture.h"
 #include "tests/support/utf8_path.h"
-
-#include <windows.h>
 
 #include <filesystem>
 
@@ -85,21 +84,20 @@ TEST_F(StorePath, OfADeviceIsRefused)
 TEST_F(StorePath, OfAPipeThatAProgramServesIsRefused)
 {
     const std::string name = R"(\\.\pipe\kvx-test-)" + std::to_string(GetCurrentProcessId());
-    const HANDLE server = CreateNamedPipeW(fromUtf8(name).c_str(), PIPE_ACCESS_DUPLEX | FILE_FLAG_FIRST_PIPE_INSTANCE,
-                                           0, PIPE_UNLIMITED_INSTANCES, 64, 64, 0, nullptr);
-    ASSERT_NE(server, INVALID_HANDLE_VALUE);
+    const auto server =
+        platform::owned(CreateNamedPipeW(fromUtf8(name).c_str(), PIPE_ACCESS_DUPLEX | FILE_FLAG_FIRST_PIPE_INSTANCE, 0,
+                                         PIPE_UNLIMITED_INSTANCES, 64, 64, 0, nullptr));
+    ASSERT_NE(server, nullptr);
     EXPECT_EQ(load(name), IVICONFIG_ERROR_DESERIALIZE_FAILED);
-    CloseHandle(server);
 }
 
 TEST_F(StorePath, OfAFileThatSomethingElseKeepsToItselfIsRefused)
 {
     const std::string path = writeFile("store.xml", kBenchStore);
-    const HANDLE owner =
-        CreateFileW(fromUtf8(path).c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr);
-    ASSERT_NE(owner, INVALID_HANDLE_VALUE);
+    auto owner = platform::open(fromUtf8(path).wstring(), {GENERIC_READ | GENERIC_WRITE, 0, OPEN_EXISTING, 0});
+    ASSERT_NE(owner, nullptr);
     EXPECT_EQ(load(path), IVICONFIG_ERROR_DESERIALIZE_FAILED);
-    CloseHandle(owner);
+    owner.reset();
     EXPECT_EQ(load(path), VI_SUCCESS);
 }
 

@@ -35,6 +35,22 @@ void letOthersRun()
     std::this_thread::sleep_for(std::chrono::milliseconds(50));
 }
 
+/// Unlocks, and expects that another thread gets the lock then and not before.
+void expectHeldUntilUnlocked(ViSession session)
+{
+    std::atomic<bool> entered{false};
+    std::thread other([&] {
+        EXPECT_EQ(IviSession_Lock(session, nullptr), IVI_SUCCESS);
+        entered = true;
+        EXPECT_EQ(IviSession_Unlock(session, nullptr), IVI_SUCCESS);
+    });
+    letOthersRun();
+    EXPECT_FALSE(entered);
+    EXPECT_EQ(IviSession_Unlock(session, nullptr), IVI_SUCCESS);
+    other.join();
+    EXPECT_TRUE(entered);
+}
+
 TEST_F(SessionService, NewSessionHasNoDataNoErrorAndIsUnlocked)
 {
     int dummy = 0;
@@ -178,17 +194,7 @@ TEST_F(SessionService, ZeroIsNoSession)
 TEST_F(SessionService, LockKeepsOtherThreadsOutUntilItIsUnlocked)
 {
     ASSERT_EQ(IviSession_Lock(session_, nullptr), IVI_SUCCESS);
-    std::atomic<bool> entered{false};
-    std::thread other([&] {
-        EXPECT_EQ(IviSession_Lock(session_, nullptr), IVI_SUCCESS);
-        entered = true;
-        EXPECT_EQ(IviSession_Unlock(session_, nullptr), IVI_SUCCESS);
-    });
-    letOthersRun();
-    EXPECT_FALSE(entered);
-    EXPECT_EQ(IviSession_Unlock(session_, nullptr), IVI_SUCCESS);
-    other.join();
-    EXPECT_TRUE(entered);
+    expectHeldUntilUnlocked(session_);
 }
 
 TEST_F(SessionService, EachLockNeedsItsOwnUnlock)
@@ -196,16 +202,7 @@ TEST_F(SessionService, EachLockNeedsItsOwnUnlock)
     ASSERT_EQ(IviSession_Lock(session_, nullptr), IVI_SUCCESS);
     ASSERT_EQ(IviSession_Lock(session_, nullptr), IVI_SUCCESS);
     EXPECT_EQ(IviSession_Unlock(session_, nullptr), IVI_SUCCESS);
-    std::atomic<bool> entered{false};
-    std::thread other([&] {
-        IviSession_Lock(session_, nullptr);
-        entered = true;
-        IviSession_Unlock(session_, nullptr);
-    });
-    letOthersRun();
-    EXPECT_FALSE(entered);
-    EXPECT_EQ(IviSession_Unlock(session_, nullptr), IVI_SUCCESS);
-    other.join();
+    expectHeldUntilUnlocked(session_);
 }
 
 TEST_F(SessionService, HasLockLetsOneFunctionLockOnSeveralPathsAndUnlockOnce)
@@ -226,16 +223,7 @@ TEST_F(SessionService, UnlockWithoutHasLockLeavesTheLockAlone)
     ViBoolean hasLock = VI_FALSE;
     EXPECT_EQ(IviSession_Unlock(session_, &hasLock), IVI_SUCCESS);
     EXPECT_EQ(hasLock, VI_FALSE);
-    std::atomic<bool> entered{false};
-    std::thread other([&] {
-        IviSession_Lock(session_, nullptr);
-        entered = true;
-        IviSession_Unlock(session_, nullptr);
-    });
-    letOthersRun();
-    EXPECT_FALSE(entered);
-    IviSession_Unlock(session_, nullptr);
-    other.join();
+    expectHeldUntilUnlocked(session_);
 }
 
 TEST_F(SessionService, UnlockByAnotherThreadLeavesTheLockAlone)
@@ -243,16 +231,7 @@ TEST_F(SessionService, UnlockByAnotherThreadLeavesTheLockAlone)
     ASSERT_EQ(IviSession_Lock(session_, nullptr), IVI_SUCCESS);
     std::thread stranger([&] { EXPECT_EQ(IviSession_Unlock(session_, nullptr), IVI_SUCCESS); });
     stranger.join();
-    std::atomic<bool> entered{false};
-    std::thread other([&] {
-        IviSession_Lock(session_, nullptr);
-        entered = true;
-        IviSession_Unlock(session_, nullptr);
-    });
-    letOthersRun();
-    EXPECT_FALSE(entered);
-    IviSession_Unlock(session_, nullptr);
-    other.join();
+    expectHeldUntilUnlocked(session_);
 }
 
 TEST_F(SessionService, UnlockOfAnUnlockedSessionSucceeds)

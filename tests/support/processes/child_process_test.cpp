@@ -1,9 +1,10 @@
 #include "tests/support/processes/virtual_instrument_process.h"
 
+#include <gtest/gtest.h>
+
 #include <array>
 #include <chrono>
 #include <csignal>
-#include <gtest/gtest.h>
 #include <system_error>
 #include <thread>
 #include <unistd.h>
@@ -28,17 +29,17 @@ TEST(ChildProcess, KnowsItsExitCodeThoughChildSignalsWereIgnored)
 {
     const IgnoredChildSignals ignored;
     ChildProcess program(virtualInstrumentPath(), {"--nonsense"});
-    EXPECT_EQ(2, program.wait());
+    EXPECT_EQ(program.wait(), 2);
 }
 
 TEST(ChildProcess, IsDoneWithAProcessThatTheHostHasForgotten)
 {
     ChildProcess program(virtualInstrumentPath(), {"--port", "0", "--until-stdin-closes"});
-    ASSERT_NE(std::nullopt, program.readLine());
+    ASSERT_NE(program.readLine(), std::nullopt);
     const IgnoredChildSignals ignored;
     program.terminate();
-    EXPECT_EQ(ChildProcess::kUnknownExitCode, program.wait());
-    EXPECT_EQ(ChildProcess::kUnknownExitCode, program.wait());
+    EXPECT_EQ(program.wait(), ChildProcess::kUnknownExitCode);
+    EXPECT_EQ(program.wait(), ChildProcess::kUnknownExitCode);
 }
 
 bool isListening(unsigned short port)
@@ -64,10 +65,10 @@ bool isListening(unsigned short port)
 TEST(VirtualInstrumentProcessDeathTest, TheProgramEndsWithATestProgramThatIsKilled)
 {
     std::array<int, 2> ends{};
-    ASSERT_EQ(0, ::pipe(ends.data()));
+    ASSERT_EQ(::pipe(ends.data()), 0);
     EXPECT_EXIT(startAndGetKilled(ends[1]), testing::KilledBySignal(SIGKILL), "");
     unsigned short port = 0;
-    ASSERT_EQ(static_cast<ssize_t>(sizeof port), ::read(ends[0], &port, sizeof port));
+    ASSERT_EQ(::read(ends[0], &port, sizeof port), static_cast<ssize_t>(sizeof port));
     ::close(ends[0]);
     ::close(ends[1]);
 

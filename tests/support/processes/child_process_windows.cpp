@@ -1,8 +1,8 @@
 #include "tests/support/processes/child_process.h"
 
+#include "platform/common/windows_handle.h"
+#include "platform/common/windows_text.h"
 #include "tests/support/processes/line_client.h"
-
-#include <windows.h>
 
 #include <array>
 #include <charconv>
@@ -38,6 +38,8 @@ struct ChildProcess::Host
 namespace
 {
 
+using platform::Handle;
+
 constexpr std::chrono::seconds kHangGuard{60};
 constexpr std::chrono::milliseconds kPollInterval{5};
 constexpr UINT kKilled = 137;
@@ -47,32 +49,6 @@ constexpr UINT kKilled = 137;
     throw std::system_error(static_cast<int>(GetLastError()), std::system_category(), what);
 }
 
-class Handle
-{
-public:
-    explicit Handle(HANDLE handle = nullptr) : handle_(handle) {}
-    Handle(Handle&& other) noexcept : handle_(std::exchange(other.handle_, nullptr)) {}
-    Handle& operator=(Handle&& other) noexcept
-    {
-        std::swap(handle_, other.handle_);
-        return *this;
-    }
-    Handle(const Handle&) = delete;
-    Handle& operator=(const Handle&) = delete;
-    ~Handle() { close(); }
-
-    HANDLE get() const { return handle_; }
-    HANDLE* receive() { return &handle_; }
-    void close()
-    {
-        if (handle_ != nullptr && handle_ != INVALID_HANDLE_VALUE)
-            CloseHandle(std::exchange(handle_, nullptr));
-    }
-
-private:
-    HANDLE handle_;
-};
-
 struct Pipe
 {
     Handle readEnd;
@@ -80,8 +56,12 @@ struct Pipe
 
     Pipe()
     {
-        if (CreatePipe(readEnd.receive(), writeEnd.receive(), nullptr, 0) == 0)
+        HANDLE read = nullptr;
+        HANDLE write = nullptr;
+        if (CreatePipe(&read, &write, nullptr, 0) == 0)
             throwLastError("CreatePipe");
+        readEnd.reset(read);
+        writeEnd.reset(write);
     }
 };
 
@@ -91,12 +71,11 @@ Handle temporaryFile()
     std::array<wchar_t, MAX_PATH + 1> path{};
     if (GetTempFileNameW(std::filesystem::temp_directory_path().c_str(), L"kvx", 0, path.data()) == 0)
         throwLastError("GetTempFileName");
-    const HANDLE file =
-        CreateFileW(path.data(), GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-                    CREATE_ALWAYS, FILE_ATTRIBUTE_TEMPORARY | FILE_FLAG_DELETE_ON_CLOSE, nullptr);
-    if (file == INVALID_HANDLE_VALUE)
+    Handle file = platform::open(path.data(), {GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                                               CREATE_ALWAYS, FILE_ATTRIBUTE_TEMPORARY | FILE_FLAG_DELETE_ON_CLOSE});
+    if (file == nullptr)
         throwLastError("CreateFile");
-    return Handle(file);
+    return file;
 }
 
 /// One argument as the C runtime takes it apart: backslashes count only before a quotation mark.
@@ -116,7 +95,7 @@ std::wstring quoted(const std::wstring& argument)
 /// The texts of tests are UTF-8.
 std::wstring wide(const std::string& text)
 {
-    return std::filesystem::path(std::u8string(text.begin(), text.end())).wstring();
+    return platform::wideText(text).value();
 }
 
 /// The C runtime ends lines of text in two characters.
@@ -184,7 +163,7 @@ public:
         interrupt();
     }
 
-    void closeInput() override { input_.close(); }
+    void closeInput() override { input_.reset(); }
 
     void kill() override { TerminateProcess(process_.get(), kKilled); }
 
@@ -228,9 +207,9 @@ private:
         SetLastError(error);
         if (started == 0)
             throwLastError("CreateProcess");
-        process_ = Handle(process.hProcess);
+        process_.reset(process.hProcess);
         processId_ = process.dwProcessId;
-        CloseHandle(process.hThread);
+        const Handle thread(process.hThread);
     }
 
     std::string takeLine(std::size_t end)

@@ -1,6 +1,7 @@
 #include "tests/support/processes/line_client.h"
 
 #include <asio.hpp>
+
 #include <chrono>
 
 namespace kvxtest

@@ -13,25 +13,11 @@ std::string exampleStore()
     return readFile(KVX_EXAMPLE_STORE);
 }
 
-std::string storeWith(const std::string& content)
-{
-    return "<IviConfigStore>" + content + "</IviConfigStore>";
-}
-
 std::string replaced(std::string text, const std::string& from, const std::string& to)
 {
     const std::size_t place = text.find(from);
     EXPECT_NE(place, std::string::npos) << from;
     return place == std::string::npos ? text : text.replace(place, from.size(), to);
-}
-
-std::string repeated(const std::string& text, std::size_t times)
-{
-    std::string all;
-    all.reserve(text.size() * times);
-    for (std::size_t i = 0; i < times; ++i)
-        all += text;
-    return all;
 }
 
 std::string blanks(std::size_t count)

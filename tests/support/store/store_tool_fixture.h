@@ -1,5 +1,6 @@
 #pragma once
 
+#include "tests/support/platform/store_texts.h"
 #include "tests/support/temporary_folder.h"
 #include "tools/store/store_error.h"
 
@@ -12,13 +13,9 @@ namespace kvxtest
 /// A store with one software module, one hardware asset, one driver session and one logical name, without a fault.
 std::string exampleStore();
 
-/// What stands between the tags of a store's root element.
-std::string storeWith(const std::string& content);
-
 /// The text with the first `from` replaced; a failure of the test when there is none.
 std::string replaced(std::string text, const std::string& from, const std::string& to);
 
-std::string repeated(const std::string& text, std::size_t times);
 std::string blanks(std::size_t count);
 
 /// What an action complains of; empty when it does not.

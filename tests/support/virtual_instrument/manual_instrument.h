@@ -59,8 +59,8 @@ private:
     int disconnects_ = 0;
 };
 
-constexpr const char* kNoError = "0,\"No error\"\n";
-constexpr const char* kSettingsConflict = "-221,\"Settings conflict\"\n";
-constexpr const char* kOutOfRange = "-222,\"Data out of range\"\n";
+inline constexpr const char* kNoError = "0,\"No error\"\n";
+inline constexpr const char* kSettingsConflict = "-221,\"Settings conflict\"\n";
+inline constexpr const char* kOutOfRange = "-222,\"Data out of range\"\n";
 
 } // namespace kvxtest

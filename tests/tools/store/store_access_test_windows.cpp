@@ -1,14 +1,11 @@
+#include "platform/common/windows_handle.h"
 #include "tests/support/long_path_windows.h"
 #include "tests/support/store/store_access_fixture.h"
 
 #include <gmock/gmock.h>
 
-#include <windows.h>
-
 #include <aclapi.h>
 #include <sddl.h>
-
-#include <memory>
 
 namespace
 {
@@ -30,7 +27,7 @@ protected:
     {
         PSECURITY_DESCRIPTOR descriptor = nullptr;
         ASSERT_NE(ConvertStringSecurityDescriptorToSecurityDescriptorW(text, SDDL_REVISION_1, &descriptor, nullptr), 0);
-        const std::unique_ptr<void, decltype(&LocalFree)> owner(descriptor, LocalFree);
+        const platform::LocalMemory<void> owner(descriptor);
         BOOL isPresent = FALSE;
         BOOL isDefault = FALSE;
         PACL list = nullptr;
@@ -48,12 +45,12 @@ protected:
         EXPECT_EQ(GetNamedSecurityInfoW(place().c_str(), SE_FILE_OBJECT, DACL_SECURITY_INFORMATION, nullptr, nullptr,
                                         nullptr, nullptr, &descriptor),
                   DWORD{ERROR_SUCCESS});
-        const std::unique_ptr<void, decltype(&LocalFree)> owner(descriptor, LocalFree);
+        const platform::LocalMemory<void> owner(descriptor);
         wchar_t* text = nullptr;
         EXPECT_NE(ConvertSecurityDescriptorToStringSecurityDescriptorW(descriptor, SDDL_REVISION_1,
                                                                        DACL_SECURITY_INFORMATION, &text, nullptr),
                   0);
-        const std::unique_ptr<void, decltype(&LocalFree)> textOwner(text, LocalFree);
+        const platform::LocalMemory<wchar_t> textOwner(text);
         return text == nullptr ? L"" : text;
     }
 
@@ -69,11 +66,11 @@ protected:
     DWORD marks() const { return GetFileAttributesW(place().c_str()); }
 
     /// Opens the store as a program that shares it in this way does.
-    std::shared_ptr<void> openShared(DWORD sharing) const
+    platform::Handle openShared(DWORD sharing) const
     {
-        const HANDLE handle = CreateFileW(place().c_str(), GENERIC_READ, sharing, nullptr, OPEN_EXISTING, 0, nullptr);
-        EXPECT_NE(handle, INVALID_HANDLE_VALUE);
-        return {handle, CloseHandle};
+        platform::Handle file = platform::open(place(), {GENERIC_READ, sharing, OPEN_EXISTING, 0});
+        EXPECT_NE(file, nullptr);
+        return file;
     }
 };
 

@@ -4,6 +4,7 @@
 #include "tests/support/platform/own_registry_windows.h"
 #include "tests/support/store/store_tool_fixture.h"
 #include "tests/support/utf8_path.h"
+#include "tools/store/exit_codes.h"
 #include "tools/store/tool.h"
 
 #include <gmock/gmock.h>

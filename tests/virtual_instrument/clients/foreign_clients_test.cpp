@@ -30,7 +30,7 @@ Outcome run(const std::string& path, const std::vector<std::string>& arguments)
 void expectGoodSession(const std::string& resource)
 {
     const auto outcome = run(KVX_CLIENT_PYTHON, {"-B", KVX_CLIENT_SCRIPT, resource});
-    EXPECT_EQ(0, outcome.exitCode) << outcome.errorOutput;
+    EXPECT_EQ(outcome.exitCode, 0) << outcome.errorOutput;
     EXPECT_THAT(outcome.lines, ElementsAre("done"));
 }
 
@@ -38,15 +38,15 @@ TEST(PyVisa, HoldsASessionOverASocket)
 {
     VirtualInstrumentProcess instrument({"--load", "CH1=10"});
     expectGoodSession(instrument.resource());
-    EXPECT_EQ("*IDN?", instrument.receivedLines().at(0));
-    EXPECT_EQ(":SOUR1:VOLT 5.000000", instrument.receivedLines().at(1));
+    EXPECT_EQ(instrument.receivedLines().at(0), "*IDN?");
+    EXPECT_EQ(instrument.receivedLines().at(1), ":SOUR1:VOLT 5.000000");
 }
 
 TEST(PyVisa, HoldsASessionOverTheSerialLine)
 {
     VirtualInstrumentProcess instrument({"--load", "CH1=10", "--serial"});
     expectGoodSession("ASRL" + instrument.serialPath() + "::INSTR");
-    EXPECT_EQ("*IDN?", instrument.receivedLines().at(0));
+    EXPECT_EQ(instrument.receivedLines().at(0), "*IDN?");
 }
 
 class LxiTools : public testing::Test
@@ -61,7 +61,7 @@ public:
     void expectReply(const std::string& reply, const std::string& query)
     {
         const auto outcome = send(query);
-        EXPECT_EQ(0, outcome.exitCode) << outcome.errorOutput;
+        EXPECT_EQ(outcome.exitCode, 0) << outcome.errorOutput;
         EXPECT_THAT(outcome.lines, ElementsAre(reply)) << query;
     }
 
@@ -70,7 +70,7 @@ public:
     {
         instrument.clearLog();
         const auto outcome = send(command);
-        EXPECT_EQ(0, outcome.exitCode) << outcome.errorOutput;
+        EXPECT_EQ(outcome.exitCode, 0) << outcome.errorOutput;
         EXPECT_THAT(outcome.lines, ElementsAre());
         EXPECT_THAT(instrument.receivedLines(), ElementsAre(command));
     }

@@ -30,26 +30,26 @@ constexpr const char* kStopped = "STOPPED,0.000000,0,0\n";
 TEST_F(Delay, SwitchesTheOutputAsItsGroupsSay)
 {
     device.exchange("OUTP:STAT CH1,ON");
-    EXPECT_EQ(kNoError, device.errorOf("DELAY:STAT ON"));
-    EXPECT_EQ("RUNNING,0.500000,1,1\n", status());
-    EXPECT_EQ("0\n", output());
+    EXPECT_EQ(device.errorOf("DELAY:STAT ON"), kNoError);
+    EXPECT_EQ(status(), "RUNNING,0.500000,1,1\n");
+    EXPECT_EQ(output(), "0\n");
     advance(499);
-    EXPECT_EQ("RUNNING,0.001000,1,1\n", status());
+    EXPECT_EQ(status(), "RUNNING,0.001000,1,1\n");
     advance(1);
-    EXPECT_EQ("RUNNING,1.000000,2,1\n", status());
-    EXPECT_EQ("5.000,0.500,2.500\n", device.exchange("MEAS:ALL? CH1"));
-    EXPECT_EQ("1\n", device.exchange("DELAY:STAT?"));
+    EXPECT_EQ(status(), "RUNNING,1.000000,2,1\n");
+    EXPECT_EQ(device.exchange("MEAS:ALL? CH1"), "5.000,0.500,2.500\n");
+    EXPECT_EQ(device.exchange("DELAY:STAT?"), "1\n");
     advance(1000);
-    EXPECT_EQ(kStopped, status());
-    EXPECT_EQ("0;0\n", device.exchange("DELAY:STAT?;:OUTP:STAT? CH1"));
+    EXPECT_EQ(status(), kStopped);
+    EXPECT_EQ(device.exchange("DELAY:STAT?;:OUTP:STAT? CH1"), "0;0\n");
 }
 
 TEST_F(Delay, NeitherTheOutputNorATriggerHoldsItUp)
 {
     device.exchange("TRIG:IN:ENAB CH1,ON;:DELAY:STAT ON");
     advance(500);
-    EXPECT_EQ("RUNNING,1.000000,2,1\n", status());
-    EXPECT_EQ("1\n", output());
+    EXPECT_EQ(status(), "RUNNING,1.000000,2,1\n");
+    EXPECT_EQ(output(), "1\n");
 }
 
 TEST_F(Delay, EndStateDecidesAboutTheOutput)
@@ -66,20 +66,20 @@ TEST_F(Delay, EndStateDecidesAboutTheOutput)
     {
         device.exchange(std::string("DELAY:ENDS ") + endState + ";GROUP:PARA 2," + lastGroup + ",1;:DELAY:STAT ON");
         advance(1499);
-        EXPECT_EQ("RUNNING,0.001000,2,1\n", status());
+        EXPECT_EQ(status(), "RUNNING,0.001000,2,1\n");
         advance(1);
-        EXPECT_EQ(expected, output()) << endState << " after " << lastGroup;
-        EXPECT_EQ(kStopped, status());
+        EXPECT_EQ(output(), expected) << endState << " after " << lastGroup;
+        EXPECT_EQ(status(), kStopped);
     }
 }
 
 TEST_F(Delay, SwitchingItOffBringsTheEndStateAbout)
 {
     device.exchange("DELAY:ENDS ON;STAT ON;STAT OFF");
-    EXPECT_EQ(kStopped, status());
-    EXPECT_EQ("1\n", output());
+    EXPECT_EQ(status(), kStopped);
+    EXPECT_EQ(output(), "1\n");
     device.exchange("DELAY:STAT OFF;:DELAY:ENDS OFF;STAT OFF");
-    EXPECT_EQ("1\n", output());
+    EXPECT_EQ(output(), "1\n");
 }
 
 TEST_F(Delay, SwitchingTheOutputOffStopsIt)
@@ -87,30 +87,30 @@ TEST_F(Delay, SwitchingTheOutputOffStopsIt)
     device.exchange("DELAY:ENDS ON;STAT ON");
     advance(600);
     device.exchange("OUTP:STAT CH1,OFF");
-    EXPECT_EQ(kStopped, status());
+    EXPECT_EQ(status(), kStopped);
     advance(10'000);
-    EXPECT_EQ("0\n", output());
+    EXPECT_EQ(output(), "0\n");
 }
 
 TEST_F(Delay, SwitchingTheOutputOnHoldsUntilTheNextGroup)
 {
     device.exchange("DELAY:GROUP:PARA 2,OFF,1;:DELAY:STAT ON;:OUTP:STAT CH1,ON");
-    EXPECT_EQ("1\n", output());
-    EXPECT_EQ("RUNNING,0.500000,1,1\n", status());
+    EXPECT_EQ(output(), "1\n");
+    EXPECT_EQ(status(), "RUNNING,0.500000,1,1\n");
     advance(500);
-    EXPECT_EQ("0\n", output());
+    EXPECT_EQ(output(), "0\n");
 }
 
 TEST_F(Delay, CountsItsCyclesDown)
 {
     device.exchange("DELAY:CYCLEs 3;STAT ON");
-    EXPECT_EQ("RUNNING,0.500000,1,3\n", status());
+    EXPECT_EQ(status(), "RUNNING,0.500000,1,3\n");
     advance(1600);
-    EXPECT_EQ("RUNNING,0.400000,1,2\n", status());
+    EXPECT_EQ(status(), "RUNNING,0.400000,1,2\n");
     advance(2899);
-    EXPECT_EQ("RUNNING,0.001000,2,1\n", status());
+    EXPECT_EQ(status(), "RUNNING,0.001000,2,1\n");
     advance(1);
-    EXPECT_EQ(kStopped, status());
+    EXPECT_EQ(status(), kStopped);
 }
 
 TEST_F(Delay, TheLongestOneEndsWhenItShould)
@@ -118,9 +118,9 @@ TEST_F(Delay, TheLongestOneEndsWhenItShould)
     device.exchange("DELAY:GROUP:CLE;:DELAY:CYCLEs 99999;GEN:TIM:ON 0.001;OFF 0.001;:DELAY:GEN:POINTs 512;CONST 1");
     device.exchange("DELAY:STAT ON");
     advance(51'199'487);
-    EXPECT_EQ("RUNNING,0.001000,512,1\n", status());
+    EXPECT_EQ(status(), "RUNNING,0.001000,512,1\n");
     advance(1);
-    EXPECT_EQ(kStopped, status());
+    EXPECT_EQ(status(), kStopped);
 }
 
 TEST_F(Delay, AnEndlessOneGoesOn)
@@ -128,58 +128,58 @@ TEST_F(Delay, AnEndlessOneGoesOn)
     device.exchange("DELAY:CYCLEs 0;STAT ON");
     for (int day = 0; day < 400; ++day)
         advance(86'400'000);
-    EXPECT_EQ("RUNNING,0.500000,1,0\n", status());
+    EXPECT_EQ(status(), "RUNNING,0.500000,1,0\n");
 }
 
 TEST_F(Delay, ProtectionSeesEveryGroupOfOneLongStep)
 {
     device.exchange("OUTP:OCP:VAL CH1,0.3;DEL CH1,0.6;STAT CH1,ON;:DELAY:CYCLE 10;ENDS ON;STAT ON");
     advance(1099);
-    EXPECT_EQ("1\n", output());
+    EXPECT_EQ(output(), "1\n");
     advance(86'400'000);
-    EXPECT_EQ("0\n", output());
-    EXPECT_EQ(kStopped, status());
-    EXPECT_EQ("8;10\n", device.exchange("STAT:QUES:INST:ISUM1:COND?;EVEN?"));
+    EXPECT_EQ(output(), "0\n");
+    EXPECT_EQ(status(), kStopped);
+    EXPECT_EQ(device.exchange("STAT:QUES:INST:ISUM1:COND?;EVEN?"), "8;10\n");
 }
 
 TEST_F(Delay, EventsOfGroupsThatHavePassedStayLatched)
 {
     device.exchange("DELAY:STAT ON");
     advance(5000);
-    EXPECT_EQ("0;2\n", device.exchange("STAT:QUES:INST:ISUM1:COND?;EVEN?"));
+    EXPECT_EQ(device.exchange("STAT:QUES:INST:ISUM1:COND?;EVEN?"), "0;2\n");
 }
 
 TEST_F(Delay, AGroupThatIsOnClearsAnEarlierTrip)
 {
     device.exchange("OUTP:OVP:VAL CH1,4;STAT CH1,ON;:OUTP:STAT CH1,ON");
-    EXPECT_EQ("4\n", device.exchange("STAT:QUES:INST:ISUM1:COND?"));
+    EXPECT_EQ(device.exchange("STAT:QUES:INST:ISUM1:COND?"), "4\n");
     device.exchange("OUTP:OVP:STAT CH1,OFF;:DELAY:STAT ON");
-    EXPECT_EQ("4\n", device.exchange("STAT:QUES:INST:ISUM1:COND?"));
+    EXPECT_EQ(device.exchange("STAT:QUES:INST:ISUM1:COND?"), "4\n");
     advance(500);
-    EXPECT_EQ("2\n", device.exchange("STAT:QUES:INST:ISUM1:COND?"));
+    EXPECT_EQ(device.exchange("STAT:QUES:INST:ISUM1:COND?"), "2\n");
 }
 
 TEST_F(Delay, CannotStartWithoutGroupsOrOnAChannelThatIsNotReady)
 {
     device.exchange("DELAY:GROUP:CLE");
-    EXPECT_EQ(kSettingsConflict, device.errorOf("DELAY:STAT ON"));
+    EXPECT_EQ(device.errorOf("DELAY:STAT ON"), kSettingsConflict);
     device.exchange("INST:SELE PAR;:DELAY:GROUP:PARA 1,ON,1");
-    EXPECT_EQ(kSettingsConflict, device.errorOf("DELAY:STAT ON"));
+    EXPECT_EQ(device.errorOf("DELAY:STAT ON"), kSettingsConflict);
     device.exchange("SOUR:MODE PARA");
-    EXPECT_EQ(kSettingsConflict, device.errorOf("DELAY:STAT ON"));
+    EXPECT_EQ(device.errorOf("DELAY:STAT ON"), kSettingsConflict);
     advance(500);
-    EXPECT_EQ(kNoError, device.errorOf("DELAY:STAT ON"));
-    EXPECT_EQ("1\n", device.exchange("OUTP:STAT? PAR"));
+    EXPECT_EQ(device.errorOf("DELAY:STAT ON"), kNoError);
+    EXPECT_EQ(device.exchange("OUTP:STAT? PAR"), "1\n");
 }
 
 TEST_F(Delay, CannotStartWhileTheListIsActive)
 {
     device.exchange("LIST:GROUP:PARA 1,1,1,1;:LIST:STAT ON");
-    EXPECT_EQ(kSettingsConflict, device.errorOf("DELAY:STAT ON"));
+    EXPECT_EQ(device.errorOf("DELAY:STAT ON"), kSettingsConflict);
     device.exchange("OUTP:STAT CH1,ON");
-    EXPECT_EQ(kSettingsConflict, device.errorOf("DELAY:STAT ON"));
-    EXPECT_EQ("RUNNING,1.000000,1,1\n", device.exchange("LIST:STATUS?"));
-    EXPECT_EQ(kStopped, status());
+    EXPECT_EQ(device.errorOf("DELAY:STAT ON"), kSettingsConflict);
+    EXPECT_EQ(device.exchange("LIST:STATUS?"), "RUNNING,1.000000,1,1\n");
+    EXPECT_EQ(status(), kStopped);
 }
 
 TEST_F(Delay, CannotBeEditedWhileItRuns)
@@ -188,24 +188,24 @@ TEST_F(Delay, CannotBeEditedWhileItRuns)
     for (const auto* const edit :
          {"DELAY:GROUP:PARA 1,ON,1", "DELAY:GROUP:PARA 3,ON,1", "DELAY:GROUP:INS 1", "DELAY:GROUP:DEL 1",
           "DELAY:GROUP:CLE", "DELAY:GEN:CONST 1", "DELAY:CYCLE 2", "DELAY:ENDS LAST"})
-        EXPECT_EQ(kSettingsConflict, device.errorOf(edit)) << edit;
-    EXPECT_EQ(kNoError, device.errorOf("DELAY:GEN:SEL DEC"));
-    EXPECT_EQ("2;0,0.500000;1;OFF\n", device.exchange("DELAY:GROUP:NUM?;PARA? 1;:DELAY:CYCLE?;ENDS?"));
+        EXPECT_EQ(device.errorOf(edit), kSettingsConflict) << edit;
+    EXPECT_EQ(device.errorOf("DELAY:GEN:SEL DEC"), kNoError);
+    EXPECT_EQ(device.exchange("DELAY:GROUP:NUM?;PARA? 1;:DELAY:CYCLE?;ENDS?"), "2;0,0.500000;1;OFF\n");
 }
 
 TEST_F(Delay, ASourceModeStopsIt)
 {
     device.exchange("DELAY:ENDS ON;STAT ON;:SOUR:MODE SER");
-    EXPECT_EQ(kStopped, status());
+    EXPECT_EQ(status(), kStopped);
     advance(10'000);
-    EXPECT_EQ("0\n", output());
+    EXPECT_EQ(output(), "0\n");
 }
 
 TEST_F(Delay, ResetStopsAndClearsIt)
 {
     device.exchange("DELAY:CYCLE 5;ENDS LAST;GEN:SEL DEC;:DELAY:STAT ON;*RST");
-    EXPECT_EQ(kStopped, status());
-    EXPECT_EQ("0;1;OFF;FIX\n", device.exchange("DELAY:GROUP:NUM?;:DELAY:CYCLE?;ENDS?;GEN:SEL?"));
+    EXPECT_EQ(status(), kStopped);
+    EXPECT_EQ(device.exchange("DELAY:GROUP:NUM?;:DELAY:CYCLE?;ENDS?;GEN:SEL?"), "0;1;OFF;FIX\n");
 }
 
 TEST_F(Delay, APowerCycleStopsItAndKeepsItAsThePowerOnStateSays)
@@ -213,8 +213,8 @@ TEST_F(Delay, APowerCycleStopsItAndKeepsItAsThePowerOnStateSays)
     device.exchange("OUTP:PONS:STAT CH1,LAST;:DELAY:STAT ON");
     advance(600);
     device.control("power-cycle");
-    EXPECT_EQ(kStopped, status());
-    EXPECT_EQ("1;2\n", device.exchange("OUTP:STAT? CH1;:DELAY:GROUP:NUM?"));
+    EXPECT_EQ(status(), kStopped);
+    EXPECT_EQ(device.exchange("OUTP:STAT? CH1;:DELAY:GROUP:NUM?"), "1;2\n");
 }
 
 class DelayGenerator : public testing::Test
@@ -224,7 +224,7 @@ public:
     std::vector<std::string> construct(const std::string& settings, int from = 1)
     {
         device.exchange("DELAY:GEN:" + settings + ";:DELAY:GEN:CONSTruct " + std::to_string(from));
-        EXPECT_EQ(kNoError, device.error());
+        EXPECT_EQ(device.error(), kNoError);
         return device.groups("DELAY");
     }
 
@@ -261,8 +261,8 @@ TEST_F(DelayGenerator, TimesBeyondThatAreRefusedAndChangeNothing)
           "SEL INC;POINTs 3;TIM:BASE 3599.999;STEP 0.001"})
     {
         device.exchange(std::string("DELAY:GEN:") + settings);
-        EXPECT_EQ(kOutOfRange, device.errorOf("DELAY:GEN:CONST 1")) << settings;
-        EXPECT_EQ("1;1,7.000000\n", device.exchange("DELAY:GROUP:NUM?;PARA? 1")) << settings;
+        EXPECT_EQ(device.errorOf("DELAY:GEN:CONST 1"), kOutOfRange) << settings;
+        EXPECT_EQ(device.exchange("DELAY:GROUP:NUM?;PARA? 1"), "1;1,7.000000\n") << settings;
     }
 }
 

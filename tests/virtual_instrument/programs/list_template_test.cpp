@@ -24,7 +24,7 @@ public:
     explicit Template(const std::string& settings)
     {
         device_.exchange("LIST:TEMP:OBJ V,1;MAXV 6;MINV 2;" + settings + ";CONSTruct 1");
-        EXPECT_EQ(kNoError, device_.error());
+        EXPECT_EQ(device_.error(), kNoError);
     }
 
     std::vector<std::string> groups() { return device_.groups("LIST"); }
@@ -122,14 +122,14 @@ TEST(ListTemplate, PointsSaysHowManyGroupsItGives)
           Case{"SEL PULSE;PULSECount 8", "16\n"}, Case{"SEL RISE;EXPP 7", "7\n"}, Case{"SEL FALL;EXPP 512", "512\n"}})
     {
         ManualInstrument device;
-        EXPECT_EQ(points, device.exchange(std::string("LIST:TEMP:") + settings + ";POINTs?")) << settings;
+        EXPECT_EQ(device.exchange(std::string("LIST:TEMP:") + settings + ";POINTs?"), points) << settings;
     }
 }
 
 TEST(ListTemplate, TheListTakesItsCycles)
 {
     Template five("SEL UP;CYCLE 5");
-    EXPECT_EQ("5\n", five.ask("LIST:CYCLE?"));
+    EXPECT_EQ(five.ask("LIST:CYCLE?"), "5\n");
 }
 
 TEST(ListTemplate, ReplacesTheGroupsFromANumberOn)
@@ -141,8 +141,8 @@ TEST(ListTemplate, ReplacesTheGroupsFromANumberOn)
     device.exchange("LIST:TEMP:CONSTruct 2");
     EXPECT_THAT(voltsOf(device), ElementsAre("10.000000", "1.000000", "2.000000", "3.000000"));
     device.exchange("LIST:TEMP:CONSTruct 5");
-    EXPECT_EQ("7\n", device.exchange("LIST:GROUP:NUM?"));
-    EXPECT_EQ(kNoError, device.error());
+    EXPECT_EQ(device.exchange("LIST:GROUP:NUM?"), "7\n");
+    EXPECT_EQ(device.error(), kNoError);
 }
 
 TEST(ListTemplate, WhatDoesNotFitIsRefusedWhenItIsMadeAndChangesNothing)
@@ -166,18 +166,18 @@ TEST(ListTemplate, WhatDoesNotFitIsRefusedWhenItIsMadeAndChangesNothing)
         ManualInstrument device;
         device.exchange("LIST:GROUP:PARA 1,1,1,1;:LIST:CYCLE 3;TEMP:CYCLE 9");
         device.exchange(std::string("LIST:TEMP:") + settings);
-        EXPECT_EQ(error, device.errorOf("LIST:TEMP:CONSTruct 1")) << settings;
+        EXPECT_EQ(device.errorOf("LIST:TEMP:CONSTruct 1"), error) << settings;
         EXPECT_THAT(device.groups("LIST"), ElementsAre("1.000000,1.000000,1.000000")) << settings;
-        EXPECT_EQ("3\n", device.exchange("LIST:CYCLE?")) << settings;
+        EXPECT_EQ(device.exchange("LIST:CYCLE?"), "3\n") << settings;
     }
 }
 
 TEST(ListTemplate, FillsAllTheGroupsThereAre)
 {
     Template longest("SEL SINE;PERI 0.512;INTE 0.001;STAI 512");
-    EXPECT_EQ("512\n", longest.ask("LIST:GROUP:NUM?"));
+    EXPECT_EQ(longest.ask("LIST:GROUP:NUM?"), "512\n");
     Template tightPulse("SEL PULSE;WIDT 0.999;PERI 1");
-    EXPECT_EQ("2.000000,1.000000,0.001000\n", tightPulse.ask("LIST:GROUP:PARA? 2"));
+    EXPECT_EQ(tightPulse.ask("LIST:GROUP:PARA? 2"), "2.000000,1.000000,0.001000\n");
 }
 
 } // namespace

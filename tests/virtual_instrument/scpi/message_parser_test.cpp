@@ -1,6 +1,7 @@
 #include "virtual_instrument/scpi/message_parser.h"
 
 #include <gmock/gmock.h>
+
 #include <string>
 
 namespace
@@ -41,10 +42,10 @@ TEST(MessageParser, SplitsHeaderAndParameters)
 TEST(MessageParser, SeparatesTheSuffixFromTheName)
 {
     const auto units = parseMessage("SOUR12:V2X?");
-    ASSERT_EQ(1U, units.size());
-    EXPECT_EQ("SOUR", units[0].header[0].name);
-    EXPECT_EQ("12", units[0].header[0].suffix);
-    EXPECT_EQ("V2X", units[0].header[1].name);
+    ASSERT_EQ(units.size(), 1U);
+    EXPECT_EQ(units[0].header[0].name, "SOUR");
+    EXPECT_EQ(units[0].header[0].suffix, "12");
+    EXPECT_EQ(units[0].header[1].name, "V2X");
 }
 
 TEST(MessageParser, LeavesEmptyUnitsOut)

@@ -16,8 +16,8 @@ struct SettingCase
 
 void expectToReadBack(ManualInstrument& device, const SettingCase& setting)
 {
-    EXPECT_EQ(kNoError, device.errorOf(setting.set)) << setting.set;
-    EXPECT_EQ(setting.reply, device.exchange(setting.query)) << setting.query;
+    EXPECT_EQ(device.errorOf(setting.set), kNoError) << setting.set;
+    EXPECT_EQ(device.exchange(setting.query), setting.reply) << setting.query;
 }
 
 TEST(ListCommands, ReadBackWhatWasSet)
@@ -77,14 +77,14 @@ TEST(DelayCommands, ReadBackWhatWasSet)
 TEST(ProgramCommands, StartWithTheirFirstKeywordsAndNoGroups)
 {
     ManualInstrument device;
-    EXPECT_EQ("0;STOPPED,0.000000,0,0;1;OFF;0\n", device.exchange("LIST:STAT?;STATUS?;CYCLE?;ENDS?;GROUP:NUM?"));
-    EXPECT_EQ("SINE;V,0.100000;1.000000;0.000000;1.000000;0.100000;1;0\n",
-              device.exchange("LIST:TEMP:SEL?;OBJ?;MAXV?;MINV?;PERI?;INTE?;CYCLE?;INVE?"));
-    EXPECT_EQ("0.500000;1;50;1;10;3;10\n",
-              device.exchange("LIST:TEMP:WIDT?;PULSECount?;SYMM?;STAI?;EXPP?;EXPR?;POINTs?"));
-    EXPECT_EQ("0;STOPPED,0.000000,0,0;1;OFF;0\n", device.exchange("DELAY:STAT?;STATUS?;CYCLEs?;ENDS?;GROUP:NUM?"));
-    EXPECT_EQ("FIX;01P;2;1.000000;1.000000;1.000000;0.100000\n",
-              device.exchange("DELAY:GEN:SEL?;PATT?;POINTs?;TIM:ON?;OFF?;BASE?;STEP?"));
+    EXPECT_EQ(device.exchange("LIST:STAT?;STATUS?;CYCLE?;ENDS?;GROUP:NUM?"), "0;STOPPED,0.000000,0,0;1;OFF;0\n");
+    EXPECT_EQ(device.exchange("LIST:TEMP:SEL?;OBJ?;MAXV?;MINV?;PERI?;INTE?;CYCLE?;INVE?"),
+              "SINE;V,0.100000;1.000000;0.000000;1.000000;0.100000;1;0\n");
+    EXPECT_EQ(device.exchange("LIST:TEMP:WIDT?;PULSECount?;SYMM?;STAI?;EXPP?;EXPR?;POINTs?"),
+              "0.500000;1;50;1;10;3;10\n");
+    EXPECT_EQ(device.exchange("DELAY:STAT?;STATUS?;CYCLEs?;ENDS?;GROUP:NUM?"), "0;STOPPED,0.000000,0,0;1;OFF;0\n");
+    EXPECT_EQ(device.exchange("DELAY:GEN:SEL?;PATT?;POINTs?;TIM:ON?;OFF?;BASE?;STEP?"),
+              "FIX;01P;2;1.000000;1.000000;1.000000;0.100000\n");
 }
 
 TEST(ProgramCommands, TakeShortLongAndDriversOwnSpellings)
@@ -131,7 +131,7 @@ TEST(ProgramCommands, TakeShortLongAndDriversOwnSpellings)
              "DELAY:GEN:TIM:ON?",
              "DELAY:GEN:TIME:BASE?",
          })
-        EXPECT_NE("", device.exchange(query)) << query;
+        EXPECT_NE(device.exchange(query), "") << query;
     for (const auto* const command : {
              "LIST:GROUP:INSERT 1",
              "LIST:GROUP:INS 1",
@@ -148,17 +148,17 @@ TEST(ProgramCommands, TakeShortLongAndDriversOwnSpellings)
              "DELAY:GEN:CONS 1",
              "DELAY:GROUP:CLE",
          })
-        EXPECT_EQ(kNoError, device.errorOf(command)) << command;
-    EXPECT_EQ(kNoError, device.error());
+        EXPECT_EQ(device.errorOf(command), kNoError) << command;
+    EXPECT_EQ(device.error(), kNoError);
 }
 
 TEST(ProgramCommands, StatusIsAskedForOnlyInFull)
 {
     ManualInstrument device;
-    EXPECT_EQ("STOPPED,0.000000,0,0\n", device.exchange(":list:status?"));
-    EXPECT_EQ("STOPPED,0.000000,0,0\n", device.exchange(":DELAY:STATUS?"));
+    EXPECT_EQ(device.exchange(":list:status?"), "STOPPED,0.000000,0,0\n");
+    EXPECT_EQ(device.exchange(":DELAY:STATUS?"), "STOPPED,0.000000,0,0\n");
     for (const auto* const header : {"LIST:STATU?", "DELAY:STATU?", "LIST:STATUS", "DELAY:STATUS 1"})
-        EXPECT_EQ("-113,\"Undefined header\"\n", device.errorOf(header)) << header;
+        EXPECT_EQ(device.errorOf(header), "-113,\"Undefined header\"\n") << header;
 }
 
 struct RefusedCase
@@ -236,14 +236,14 @@ TEST(ProgramCommands, NameWhatIsWrongAndChangeNothing)
     };
     ManualInstrument device;
     for (const auto& [message, error] : kCases)
-        EXPECT_EQ(error, device.errorOf(message)) << message;
-    EXPECT_EQ("1;0;OFF;0.500000;1;50;1;10;3\n",
-              device.exchange("LIST:CYCLE?;GROUP:NUM?;:LIST:ENDS?;TEMP:WIDT?;PULSEC?;SYMM?;STAI?;EXPP?;EXPR?"));
-    EXPECT_EQ("V,0.100000;1.000000;0.000000;1.000000;0.100000;1\n",
-              device.exchange("LIST:TEMP:OBJ?;MAXV?;MINV?;PERI?;INTE?;CYCLE?"));
-    EXPECT_EQ("1;0;OFF;FIX;01P;2;1.000000;1.000000;1.000000;0.100000\n",
-              device.exchange("DELAY:CYCLEs?;GROUP:NUM?;:DELAY:ENDS?;GEN:SEL?;PATT?;POINTs?;TIM:ON?;OFF?;BASE?;STEP?"));
-    EXPECT_EQ(kNoError, device.error());
+        EXPECT_EQ(device.errorOf(message), error) << message;
+    EXPECT_EQ(device.exchange("LIST:CYCLE?;GROUP:NUM?;:LIST:ENDS?;TEMP:WIDT?;PULSEC?;SYMM?;STAI?;EXPP?;EXPR?"),
+              "1;0;OFF;0.500000;1;50;1;10;3\n");
+    EXPECT_EQ(device.exchange("LIST:TEMP:OBJ?;MAXV?;MINV?;PERI?;INTE?;CYCLE?"),
+              "V,0.100000;1.000000;0.000000;1.000000;0.100000;1\n");
+    EXPECT_EQ(device.exchange("DELAY:CYCLEs?;GROUP:NUM?;:DELAY:ENDS?;GEN:SEL?;PATT?;POINTs?;TIM:ON?;OFF?;BASE?;STEP?"),
+              "1;0;OFF;FIX;01P;2;1.000000;1.000000;1.000000;0.100000\n");
+    EXPECT_EQ(device.error(), kNoError);
 }
 
 TEST(Groups, HaveTheLimitsOfTheSelectedChannel)
@@ -262,9 +262,9 @@ TEST(Groups, HaveTheLimitsOfTheSelectedChannel)
     {
         const auto groupOf = [](const char* levels) { return std::string("LIST:GROUP:PARA 1,") + levels + ",1"; };
         device.exchange(std::string("INST:SELE ") + channel);
-        EXPECT_EQ(kNoError, device.errorOf(groupOf(fits))) << channel;
-        EXPECT_EQ(kOutOfRange, device.errorOf(groupOf(tooMuchVoltage))) << channel;
-        EXPECT_EQ(kOutOfRange, device.errorOf(groupOf(tooMuchCurrent))) << channel;
+        EXPECT_EQ(device.errorOf(groupOf(fits)), kNoError) << channel;
+        EXPECT_EQ(device.errorOf(groupOf(tooMuchVoltage)), kOutOfRange) << channel;
+        EXPECT_EQ(device.errorOf(groupOf(tooMuchCurrent)), kOutOfRange) << channel;
     }
 }
 
@@ -272,10 +272,10 @@ TEST(Groups, BelongToTheSelectedChannel)
 {
     ManualInstrument device;
     device.exchange("LIST:GROUP:PARA 1,1,1,1;:DELAY:GROUP:PARA 1,ON,1;:LIST:CYCLE 7;:DELAY:CYCLE 8");
-    EXPECT_EQ("0;0;1;1\n",
-              device.exchange("INST:SELE CH2;:LIST:GROUP:NUM?;:DELAY:GROUP:NUM?;:LIST:CYCLE?;:DELAY:CYCLE?"));
-    EXPECT_EQ("1;1;7;8\n",
-              device.exchange("INST:SELE CH1;:LIST:GROUP:NUM?;:DELAY:GROUP:NUM?;:LIST:CYCLE?;:DELAY:CYCLE?"));
+    EXPECT_EQ(device.exchange("INST:SELE CH2;:LIST:GROUP:NUM?;:DELAY:GROUP:NUM?;:LIST:CYCLE?;:DELAY:CYCLE?"),
+              "0;0;1;1\n");
+    EXPECT_EQ(device.exchange("INST:SELE CH1;:LIST:GROUP:NUM?;:DELAY:GROUP:NUM?;:LIST:CYCLE?;:DELAY:CYCLE?"),
+              "1;1;7;8\n");
 }
 
 TEST(Groups, AreAppendedInsertedAndDeleted)
@@ -283,14 +283,14 @@ TEST(Groups, AreAppendedInsertedAndDeleted)
     ManualInstrument device;
     device.exchange("LIST:GROUP:PARA 1,1,1,1;PARA 2,2,1,1;PARA 3,3,1,1");
     device.exchange("LIST:GROUP:INS 2;INS 5;DEL 1;PARA 2,9,0.5,2");
-    EXPECT_EQ("4\n", device.exchange("LIST:GROUP:NUM?"));
-    EXPECT_EQ("0.000000,0.100000,1.000000;9.000000,0.500000,2.000000;3.000000,1.000000,1.000000;"
-              "0.000000,0.100000,1.000000\n",
-              device.exchange("LIST:GROUP:PARA? 1;PARA? 2;PARA? 3;PARA? 4"));
+    EXPECT_EQ(device.exchange("LIST:GROUP:NUM?"), "4\n");
+    EXPECT_EQ(device.exchange("LIST:GROUP:PARA? 1;PARA? 2;PARA? 3;PARA? 4"),
+              "0.000000,0.100000,1.000000;9.000000,0.500000,2.000000;3.000000,1.000000,1.000000;"
+              "0.000000,0.100000,1.000000\n");
     device.exchange("DELAY:GROUP:PARA 1,ON,2;INS 1;PARA 3,1,3;DEL 2");
-    EXPECT_EQ("2;0,1.000000;1,3.000000\n", device.exchange("DELAY:GROUP:NUM?;PARA? 1;PARA? 2"));
-    EXPECT_EQ("0;0\n", device.exchange("LIST:GROUP:CLE;NUM?;:DELAY:GROUP:CLE;NUM?"));
-    EXPECT_EQ(kNoError, device.error());
+    EXPECT_EQ(device.exchange("DELAY:GROUP:NUM?;PARA? 1;PARA? 2"), "2;0,1.000000;1,3.000000\n");
+    EXPECT_EQ(device.exchange("LIST:GROUP:CLE;NUM?;:DELAY:GROUP:CLE;NUM?"), "0;0\n");
+    EXPECT_EQ(device.error(), kNoError);
 }
 
 TEST(Groups, AreAtMost512)
@@ -301,15 +301,15 @@ TEST(Groups, AreAtMost512)
         const auto number = std::to_string(i);
         device.exchange("LIST:GROUP:PARA " + number + ",1,1,1;:DELAY:GROUP:PARA " + number + ",ON,1");
     }
-    EXPECT_EQ(kTooMany, device.errorOf("LIST:GROUP:PARA 513,1,1,1"));
-    EXPECT_EQ(kTooMany, device.errorOf("LIST:GROUP:INS 1"));
-    EXPECT_EQ(kTooMany, device.errorOf("LIST:TEMP:CONST 513"));
-    EXPECT_EQ(kTooMany, device.errorOf("DELAY:GROUP:PARA 513,ON,1"));
-    EXPECT_EQ(kTooMany, device.errorOf("DELAY:GROUP:INS 513"));
-    EXPECT_EQ(kTooMany, device.errorOf("DELAY:GEN:CONST 512"));
-    EXPECT_EQ(kOutOfRange, device.errorOf("LIST:GROUP:PARA 514,1,1,1"));
-    EXPECT_EQ(kNoError, device.errorOf("LIST:GROUP:PARA 512,2,1,1"));
-    EXPECT_EQ("512;512\n", device.exchange("LIST:GROUP:NUM?;:DELAY:GROUP:NUM?"));
+    EXPECT_EQ(device.errorOf("LIST:GROUP:PARA 513,1,1,1"), kTooMany);
+    EXPECT_EQ(device.errorOf("LIST:GROUP:INS 1"), kTooMany);
+    EXPECT_EQ(device.errorOf("LIST:TEMP:CONST 513"), kTooMany);
+    EXPECT_EQ(device.errorOf("DELAY:GROUP:PARA 513,ON,1"), kTooMany);
+    EXPECT_EQ(device.errorOf("DELAY:GROUP:INS 513"), kTooMany);
+    EXPECT_EQ(device.errorOf("DELAY:GEN:CONST 512"), kTooMany);
+    EXPECT_EQ(device.errorOf("LIST:GROUP:PARA 514,1,1,1"), kOutOfRange);
+    EXPECT_EQ(device.errorOf("LIST:GROUP:PARA 512,2,1,1"), kNoError);
+    EXPECT_EQ(device.exchange("LIST:GROUP:NUM?;:DELAY:GROUP:NUM?"), "512;512\n");
 }
 
 } // namespace

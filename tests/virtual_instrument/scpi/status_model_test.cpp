@@ -10,9 +10,9 @@ using namespace kvxvirtual;
 TEST(StatusModel, StartsWithThePowerOnBitAndAnEmptyQueue)
 {
     StatusModel status;
-    EXPECT_EQ(0, status.nextError().code);
-    EXPECT_EQ(128U, status.takeEventStatus());
-    EXPECT_EQ(0U, status.takeEventStatus());
+    EXPECT_EQ(status.nextError().code, 0);
+    EXPECT_EQ(status.takeEventStatus(), 128U);
+    EXPECT_EQ(status.takeEventStatus(), 0U);
 }
 
 TEST(StatusModel, EveryErrorClassHasItsEventBit)
@@ -28,7 +28,7 @@ TEST(StatusModel, EveryErrorClassHasItsEventBit)
         StatusModel status;
         status.clear();
         status.report(code, "text");
-        EXPECT_EQ(bit, status.takeEventStatus()) << code;
+        EXPECT_EQ(status.takeEventStatus(), bit) << code;
     }
 }
 
@@ -38,30 +38,30 @@ TEST(StatusModel, OverflowReplacesTheNewestOfTwentyErrors)
     status.clear();
     for (int i = 0; i < 22; ++i)
         status.report(-101 - i, "number " + std::to_string(i));
-    EXPECT_EQ(32U + 8U, status.takeEventStatus());
+    EXPECT_EQ(status.takeEventStatus(), 32U + 8U);
     for (int i = 0; i < 19; ++i)
-        EXPECT_EQ("number " + std::to_string(i), status.nextError().text);
+        EXPECT_EQ(status.nextError().text, "number " + std::to_string(i));
     const auto last = status.nextError();
-    EXPECT_EQ(-350, last.code);
-    EXPECT_EQ("Queue overflow", last.text);
-    EXPECT_EQ("No error", status.nextError().text);
+    EXPECT_EQ(last.code, -350);
+    EXPECT_EQ(last.text, "Queue overflow");
+    EXPECT_EQ(status.nextError().text, "No error");
 }
 
 TEST(StatusModel, StatusByteSummarisesQueueAndEnabledEvents)
 {
     StatusModel status;
     status.clear();
-    EXPECT_EQ(0U, status.statusByte());
+    EXPECT_EQ(status.statusByte(), 0U);
     status.report(ErrorCode::UndefinedHeader);
-    EXPECT_EQ(4U, status.statusByte());
+    EXPECT_EQ(status.statusByte(), 4U);
     status.setEventEnable(32);
-    EXPECT_EQ(4U + 32U, status.statusByte());
+    EXPECT_EQ(status.statusByte(), 4U + 32U);
     status.setServiceEnable(255);
-    EXPECT_EQ(191U, status.serviceEnable());
-    EXPECT_EQ(4U + 32U + 64U, status.statusByte());
+    EXPECT_EQ(status.serviceEnable(), 191U);
+    EXPECT_EQ(status.statusByte(), 4U + 32U + 64U);
     status.clear();
-    EXPECT_EQ(0U, status.statusByte());
-    EXPECT_EQ(32U, status.eventEnable());
+    EXPECT_EQ(status.statusByte(), 0U);
+    EXPECT_EQ(status.eventEnable(), 32U);
 }
 
 } // namespace

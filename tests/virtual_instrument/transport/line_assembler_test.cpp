@@ -1,6 +1,7 @@
 #include "virtual_instrument/transport/line_assembler.h"
 
 #include <gmock/gmock.h>
+
 #include <vector>
 
 namespace

@@ -1,9 +1,10 @@
 #include "virtual_instrument/transport/server.h"
 
-#include <array>
 #include <asio.hpp>
-#include <chrono>
 #include <gtest/gtest.h>
+
+#include <array>
+#include <chrono>
 #include <sstream>
 
 namespace
@@ -57,7 +58,7 @@ TEST_F(HeldServer, HearsClientsThatItHasNotAcceptedBeforeTheControlActs)
 {
     auto control = connectTo(controlAddress_);
     send(control, "sync\n");
-    ASSERT_EQ("ok\n", lineFrom(control));
+    ASSERT_EQ(lineFrom(control), "ok\n");
 
     // The host reports the control first.
     send(control, "log\n");
@@ -65,7 +66,7 @@ TEST_F(HeldServer, HearsClientsThatItHasNotAcceptedBeforeTheControlActs)
     auto other = connectTo(address_);
     send(one, "*CLS\n");
     send(other, "*CLS\n");
-    EXPECT_EQ("ok 2 0\n*CLS\n*CLS\n", lineFrom(control));
+    EXPECT_EQ(lineFrom(control), "ok 2 0\n*CLS\n*CLS\n");
 }
 
 } // namespace

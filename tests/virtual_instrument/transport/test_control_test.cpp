@@ -11,44 +11,44 @@ TEST(TestControl, InjectsErrors)
 {
     ManualInstrument device;
     device.exchange("*CLS");
-    EXPECT_EQ("ok\n", device.control("inject -350 \"a text\""));
-    EXPECT_EQ("ok\n", device.control("inject 17 \"\""));
-    EXPECT_EQ("8\n", device.exchange("*ESR?"));
-    EXPECT_EQ("-350,\"a text\"\n", device.error());
-    EXPECT_EQ("17,\"\"\n", device.error());
+    EXPECT_EQ(device.control("inject -350 \"a text\""), "ok\n");
+    EXPECT_EQ(device.control("inject 17 \"\""), "ok\n");
+    EXPECT_EQ(device.exchange("*ESR?"), "8\n");
+    EXPECT_EQ(device.error(), "-350,\"a text\"\n");
+    EXPECT_EQ(device.error(), "17,\"\"\n");
 }
 
 TEST(TestControl, AnswersTheNextQueriesVerbatimWithoutExecutingThem)
 {
     ManualInstrument device;
-    EXPECT_EQ("ok\n", device.control("answer one\\r"));
-    EXPECT_EQ("ok\n", device.control("answer-bytes \\x00\\\\\\n\\n"));
-    EXPECT_EQ("ok\n", device.control("answer"));
-    EXPECT_EQ("", device.exchange("SOUR1:VOLT 5"));
-    EXPECT_EQ("one\r\n", device.exchange("*ESR?"));
-    EXPECT_EQ(std::string("\0\\\n\n", 4), device.exchange(":LIST:WHATEVER?"));
-    EXPECT_EQ("\n", device.exchange("*IDN?"));
-    EXPECT_EQ("128\n", device.exchange("*ESR?"));
-    EXPECT_EQ(kNoError, device.error());
+    EXPECT_EQ(device.control("answer one\\r"), "ok\n");
+    EXPECT_EQ(device.control("answer-bytes \\x00\\\\\\n\\n"), "ok\n");
+    EXPECT_EQ(device.control("answer"), "ok\n");
+    EXPECT_EQ(device.exchange("SOUR1:VOLT 5"), "");
+    EXPECT_EQ(device.exchange("*ESR?"), "one\r\n");
+    EXPECT_EQ(device.exchange(":LIST:WHATEVER?"), std::string("\0\\\n\n", 4));
+    EXPECT_EQ(device.exchange("*IDN?"), "\n");
+    EXPECT_EQ(device.exchange("*ESR?"), "128\n");
+    EXPECT_EQ(device.error(), kNoError);
 }
 
 TEST(TestControl, SwallowsReplies)
 {
     ManualInstrument device;
-    EXPECT_EQ("ok\n", device.control("swallow 2"));
-    EXPECT_EQ("", device.exchange("*ESR?"));
-    EXPECT_EQ("", device.exchange("*CLS"));
-    EXPECT_EQ("", device.exchange("*ESR?"));
-    EXPECT_EQ("0\n", device.exchange("*ESR?"));
+    EXPECT_EQ(device.control("swallow 2"), "ok\n");
+    EXPECT_EQ(device.exchange("*ESR?"), "");
+    EXPECT_EQ(device.exchange("*CLS"), "");
+    EXPECT_EQ(device.exchange("*ESR?"), "");
+    EXPECT_EQ(device.exchange("*ESR?"), "0\n");
 }
 
 TEST(TestControl, DelaysReplies)
 {
     ManualInstrument device;
-    EXPECT_EQ("ok\n", device.control("delay 250"));
-    EXPECT_EQ(std::chrono::milliseconds(250), device.instrument().receive("*OPC?")->delay);
-    EXPECT_EQ("ok\n", device.control("delay 0"));
-    EXPECT_EQ(std::chrono::milliseconds(0), device.instrument().receive("*OPC?")->delay);
+    EXPECT_EQ(device.control("delay 250"), "ok\n");
+    EXPECT_EQ(device.instrument().receive("*OPC?")->delay, std::chrono::milliseconds(250));
+    EXPECT_EQ(device.control("delay 0"), "ok\n");
+    EXPECT_EQ(device.instrument().receive("*OPC?")->delay, std::chrono::milliseconds(0));
 }
 
 TEST(TestControl, ForgetsAllFaults)
@@ -57,23 +57,23 @@ TEST(TestControl, ForgetsAllFaults)
     device.control("answer x");
     device.control("swallow 5");
     device.control("delay 5");
-    EXPECT_EQ("ok\n", device.control("clear-faults"));
+    EXPECT_EQ(device.control("clear-faults"), "ok\n");
     const auto response = device.instrument().receive("*OPC?");
     ASSERT_TRUE(response);
-    EXPECT_EQ("1\n", response->bytes);
-    EXPECT_EQ(std::chrono::milliseconds(0), response->delay);
+    EXPECT_EQ(response->bytes, "1\n");
+    EXPECT_EQ(response->delay, std::chrono::milliseconds(0));
 }
 
 TEST(TestControl, LogsExactBytes)
 {
     ManualInstrument device;
-    EXPECT_EQ("ok 0 0\n", device.control("log"));
+    EXPECT_EQ(device.control("log"), "ok 0 0\n");
     device.exchange("*IDN?\r");
     device.exchange("");
     device.exchange("A\\\x01\xFF");
-    EXPECT_EQ("ok 3 0\n*IDN?\\r\n\nA\\\\\\x01\\xFF\n", device.control("log"));
-    EXPECT_EQ("ok\n", device.control("clear-log"));
-    EXPECT_EQ("ok 0 0\n", device.control("log"));
+    EXPECT_EQ(device.control("log"), "ok 3 0\n*IDN?\\r\n\nA\\\\\\x01\\xFF\n");
+    EXPECT_EQ(device.control("clear-log"), "ok\n");
+    EXPECT_EQ(device.control("log"), "ok 0 0\n");
 }
 
 TEST(TestControl, SaysHowManyLinesTheLogHasLost)
@@ -83,40 +83,40 @@ TEST(TestControl, SaysHowManyLinesTheLogHasLost)
     const std::size_t kept = kvxvirtual::ReceivedLog::kMostBytes / (line.size() + sizeof(std::string));
     for (std::size_t i = 0; i < kept + 3; ++i)
         log.add(line);
-    EXPECT_EQ(kept, log.lines().size());
-    EXPECT_EQ(3U, log.lost());
+    EXPECT_EQ(log.lines().size(), kept);
+    EXPECT_EQ(log.lost(), 3U);
 }
 
 TEST(TestControl, SetsEventStatusBits)
 {
     ManualInstrument device;
     device.exchange("*CLS;*OPC");
-    EXPECT_EQ("ok\n", device.control("esr 36"));
-    EXPECT_EQ("37\n", device.exchange("*ESR?"));
+    EXPECT_EQ(device.control("esr 36"), "ok\n");
+    EXPECT_EQ(device.exchange("*ESR?"), "37\n");
 }
 
 TEST(TestControl, CutsClients)
 {
     ManualInstrument device;
-    EXPECT_EQ("ok\n", device.control("disconnect\r"));
-    EXPECT_EQ(1, device.disconnects());
+    EXPECT_EQ(device.control("disconnect\r"), "ok\n");
+    EXPECT_EQ(device.disconnects(), 1);
 }
 
 TEST(TestControl, SaysWhatItExpected)
 {
     ManualInstrument device;
-    EXPECT_EQ("error unknown command; help lists them\n", device.control(""));
-    EXPECT_EQ("error unknown command; help lists them\n", device.control("LOAD CH1 1"));
+    EXPECT_EQ(device.control(""), "error unknown command; help lists them\n");
+    EXPECT_EQ(device.control("LOAD CH1 1"), "error unknown command; help lists them\n");
     for (const auto* const line : {"load", "load CH7 1", "load CH1", "load CH1 -1", "load CH1 nan", "load CH1 1 2"})
-        EXPECT_EQ("error usage: load <channel> <ohms>|open\n", device.control(line)) << line;
+        EXPECT_EQ(device.control(line), "error usage: load <channel> <ohms>|open\n") << line;
     for (const auto* const line : {"inject", "inject 0 \"x\"", "inject -500 \"x\"", "inject -100 x", "inject -100 \""})
-        EXPECT_EQ("error usage: inject <code> \"<text>\"\n", device.control(line)) << line;
-    EXPECT_EQ("error usage: answer <escaped text>\n", device.control("answer \\q"));
-    EXPECT_EQ("error usage: swallow <count>\n", device.control("swallow -1"));
-    EXPECT_EQ("error usage: delay <milliseconds>\n", device.control("delay 86400001"));
-    EXPECT_EQ("error usage: advance <milliseconds>\n", device.control("advance 1.5"));
-    EXPECT_EQ("error usage: esr <bits>\n", device.control("esr 256"));
-    EXPECT_EQ("error usage: log\n", device.control("log 1"));
+        EXPECT_EQ(device.control(line), "error usage: inject <code> \"<text>\"\n") << line;
+    EXPECT_EQ(device.control("answer \\q"), "error usage: answer <escaped text>\n");
+    EXPECT_EQ(device.control("swallow -1"), "error usage: swallow <count>\n");
+    EXPECT_EQ(device.control("delay 86400001"), "error usage: delay <milliseconds>\n");
+    EXPECT_EQ(device.control("advance 1.5"), "error usage: advance <milliseconds>\n");
+    EXPECT_EQ(device.control("esr 256"), "error usage: esr <bits>\n");
+    EXPECT_EQ(device.control("log 1"), "error usage: log\n");
 }
 
 TEST(TestControl, ListsItsCommandsOnOneLine)
@@ -124,7 +124,7 @@ TEST(TestControl, ListsItsCommandsOnOneLine)
     ManualInstrument device;
     const auto help = device.control("help");
     EXPECT_TRUE(help.starts_with("ok load <channel> <ohms>|open; inject"));
-    EXPECT_EQ(help.size() - 1, help.find('\n'));
+    EXPECT_EQ(help.find('\n'), help.size() - 1);
 }
 
 } // namespace

@@ -1,4 +1,4 @@
-#include "tests/support/visa/visa_test_support.h"
+#include "tests/support/visa/visa_fixture.h"
 
 #include <gmock/gmock.h>
 

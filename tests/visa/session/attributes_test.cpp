@@ -1,6 +1,6 @@
 #include "tests/support/visa/serial_peer.h"
 #include "tests/support/visa/tcp_peer.h"
-#include "tests/support/visa/visa_test_support.h"
+#include "tests/support/visa/visa_fixture.h"
 
 #include <array>
 #include <cstring>

@@ -1,198 +1,261 @@
-#include "tests/support/visa/tcp_peer.h"
-#include "tests/support/visa/visa_test_support.h"
+#include "tests/support/visa/session_fixtures.h"
 
-#include <algorithm>
-#include <array>
-#include <vector>
+#include <chrono>
+#include <thread>
 
 namespace
 {
 
-using kvxtest::TcpPeer;
+using namespace kvxtest;
 
-class VisaSessions : public kvxtest::VisaTest
+TEST_F(VisaSocket, WriteOfNothingSucceedsAndSendsNothing)
 {
-protected:
-    TcpPeer peer_;
+    ViUInt32 written = 5;
+    EXPECT_EQ(viWrite(session_, nullptr, 0, &written), VI_SUCCESS);
+    EXPECT_EQ(written, 0U);
+    EXPECT_EQ(write(session_, "x"), VI_SUCCESS);
+    EXPECT_EQ(peer_.receive(1), "x");
+}
+
+TEST_F(VisaSocket, WriteIsNotChangedBySendEnd)
+{
+    set(VI_ATTR_SEND_END_EN, VI_FALSE);
+    EXPECT_EQ(write(session_, "abc"), VI_SUCCESS);
+    EXPECT_EQ(peer_.receive(3), "abc");
+}
+
+TEST_F(VisaSocket, ReadEndsAtTheTerminationCharacter)
+{
+    endAt('\n');
+    peer_.send("12.5\n");
+    EXPECT_EQ(read(session_, 100), (ReadResult{VI_SUCCESS_TERM_CHAR, "12.5\n"}));
+}
+
+TEST_F(VisaSocket, ReadEndsAtAnyByteThatIsTheTerminationCharacter)
+{
+    endAt('\xFE');
+    peer_.send("a\n\xFE");
+    EXPECT_EQ(read(session_, 100), (ReadResult{VI_SUCCESS_TERM_CHAR, "a\n\xFE"}));
+}
+
+TEST_F(VisaSocket, ReadEndsWhenTheCountIsReached)
+{
+    endAt('\n');
+    peer_.send("abcdef\n");
+    EXPECT_EQ(read(session_, 3), (ReadResult{VI_SUCCESS_MAX_CNT, "abc"}));
+    EXPECT_EQ(read(session_, 100), (ReadResult{VI_SUCCESS_TERM_CHAR, "def\n"}));
+}
+
+TEST_F(VisaSocket, TheTerminationCharacterWinsOverTheCount)
+{
+    endAt('\n');
+    peer_.send("ab\n");
+    EXPECT_EQ(read(session_, 3), (ReadResult{VI_SUCCESS_TERM_CHAR, "ab\n"}));
+}
+
+TEST_F(VisaSocket, ReadOfNothingIsCompleteAtOnce)
+{
+    EXPECT_EQ(read(session_, 0), (ReadResult{VI_SUCCESS_MAX_CNT, ""}));
+}
+
+TEST_F(VisaSocket, BytesBeyondTheEndBelongToTheNextReads)
+{
+    endAt('\n');
+    peer_.send("one\ntwo\nthree\n");
+    EXPECT_EQ(read(session_, 100), (ReadResult{VI_SUCCESS_TERM_CHAR, "one\n"}));
+    EXPECT_EQ(read(session_, 2), (ReadResult{VI_SUCCESS_MAX_CNT, "tw"}));
+    EXPECT_EQ(read(session_, 100), (ReadResult{VI_SUCCESS_TERM_CHAR, "o\n"}));
+    EXPECT_EQ(read(session_, 100), (ReadResult{VI_SUCCESS_TERM_CHAR, "three\n"}));
+}
+
+TEST_F(VisaSocket, WithoutTerminationCharacterAShortReplyEndsWithATimeoutAndIsDelivered)
+{
+    set(VI_ATTR_TMO_VALUE, kShortMs);
+    peer_.send("abc\n");
+    EXPECT_EQ(read(session_, 100), (ReadResult{VI_ERROR_TMO, "abc\n"}));
+}
+
+TEST_F(VisaSocket, ReadAndWriteRunAtTheSameTime)
+{
+    endAt('\n');
+    std::thread reader([&] { EXPECT_EQ(read(session_, 100), (ReadResult{VI_SUCCESS_TERM_CHAR, "reply\n"})); });
+    EXPECT_EQ(write(session_, "query\n"), VI_SUCCESS);
+    EXPECT_EQ(peer_.receive(6), "query\n");
+    peer_.send("reply\n");
+    reader.join();
+}
+
+TEST_F(VisaSocket, SetBufResults)
+{
+    EXPECT_EQ(viSetBuf(session_, VI_READ_BUF, 1024), VI_SUCCESS);
+    EXPECT_EQ(viSetBuf(session_, VI_WRITE_BUF, 2048), VI_SUCCESS);
+    EXPECT_EQ(viSetBuf(session_, VI_READ_BUF | VI_WRITE_BUF, 512), VI_SUCCESS);
+    EXPECT_EQ(viSetBuf(session_, VI_IO_IN_BUF, 1024), VI_WARN_NSUP_BUF);
+    EXPECT_EQ(viSetBuf(session_, VI_IO_OUT_BUF, 1024), VI_WARN_NSUP_BUF);
+    EXPECT_EQ(viSetBuf(session_, VI_READ_BUF | VI_IO_OUT_BUF, 1024), VI_WARN_NSUP_BUF);
+    for (const ViUInt16 mask : std::initializer_list<ViUInt16>{0, 4, 8, 64, 128, 1 | 4, 0x8000})
+        EXPECT_EQ(viSetBuf(session_, mask, 1024), VI_ERROR_INV_MASK) << mask;
+}
+
+TEST_F(VisaSocket, SizedBuffersDoNotLimitTransfers)
+{
+    EXPECT_EQ(viSetBuf(session_, VI_READ_BUF | VI_WRITE_BUF, 4), VI_SUCCESS);
+    EXPECT_EQ(write(session_, "0123456789"), VI_SUCCESS);
+    peer_.send(peer_.receive(10));
+    EXPECT_EQ(read(session_, 10), (ReadResult{VI_SUCCESS_MAX_CNT, "0123456789"}));
+}
+
+TEST_F(VisaSocket, SizingTheReceiveBufferDropsWhatHasArrived)
+{
+    endAt('\n');
+    peer_.send("old\nolder\n");
+    EXPECT_EQ(read(session_, 100), (ReadResult{VI_SUCCESS_TERM_CHAR, "old\n"}));
+    EXPECT_EQ(viSetBuf(session_, VI_IO_IN_BUF, 1024), VI_WARN_NSUP_BUF);
+    peer_.send("new\n");
+    EXPECT_EQ(read(session_, 100), (ReadResult{VI_SUCCESS_TERM_CHAR, "new\n"}));
+}
+
+TEST_F(VisaSocket, SizingTheReceiveBufferDoesNotWaitForAReadUnderWay)
+{
+    endAt('\n');
+    std::thread reader([&] { EXPECT_EQ(read(session_, 100), (ReadResult{VI_SUCCESS_TERM_CHAR, "reply\n"})); });
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    EXPECT_EQ(viSetBuf(session_, VI_IO_IN_BUF, 1024), VI_WARN_NSUP_BUF);
+    peer_.send("reply\n");
+    reader.join();
+}
+
+TEST_F(VisaSerial, EndInTermCharEndsWithSuccessAtTheTerminationCharacter)
+{
+    peer_.send("one\ntwo\n");
+    EXPECT_EQ(read(session_, 100), (ReadResult{VI_SUCCESS, "one\n"}));
+    EXPECT_EQ(read(session_, 100), (ReadResult{VI_SUCCESS, "two\n"}));
+}
+
+TEST_F(VisaSerial, EndWinsOverTheTerminationCharacterAndTheCount)
+{
+    set(VI_ATTR_TERMCHAR_EN, VI_TRUE);
+    peer_.send("ab\n");
+    EXPECT_EQ(read(session_, 3), (ReadResult{VI_SUCCESS, "ab\n"}));
+}
+
+TEST_F(VisaSerial, EndInTermCharFollowsTheAttribute)
+{
+    set(VI_ATTR_TERMCHAR, ';');
+    peer_.send("a\nb;");
+    EXPECT_EQ(read(session_, 100), (ReadResult{VI_SUCCESS, "a\nb;"}));
+}
+
+TEST_F(VisaSerial, EndInNoneWithTermCharEnabledEndsAtTheTerminationCharacter)
+{
+    set(VI_ATTR_ASRL_END_IN, VI_ASRL_END_NONE);
+    set(VI_ATTR_TERMCHAR_EN, VI_TRUE);
+    peer_.send("one\n");
+    EXPECT_EQ(read(session_, 100), (ReadResult{VI_SUCCESS_TERM_CHAR, "one\n"}));
+}
+
+TEST_F(VisaSerial, EndInNoneAloneEndsOnlyAtTheCountOrTheTimeout)
+{
+    set(VI_ATTR_ASRL_END_IN, VI_ASRL_END_NONE);
+    set(VI_ATTR_TMO_VALUE, kShortMs);
+    peer_.send("one\ntwo\n");
+    EXPECT_EQ(read(session_, 5), (ReadResult{VI_SUCCESS_MAX_CNT, "one\nt"}));
+    EXPECT_EQ(read(session_, 100), (ReadResult{VI_ERROR_TMO, "wo\n"}));
+}
+
+TEST_F(VisaSerial, SuppressedEndLeavesTheTerminationCharacter)
+{
+    set(VI_ATTR_SUPPRESS_END_EN, VI_TRUE);
+    set(VI_ATTR_TERMCHAR_EN, VI_TRUE);
+    peer_.send("one\n");
+    EXPECT_EQ(read(session_, 100), (ReadResult{VI_SUCCESS_TERM_CHAR, "one\n"}));
+}
+
+TEST_F(VisaSerial, EndInLastBitEndsAtTheByteWithItsTopDataBitSet)
+{
+    set(VI_ATTR_ASRL_END_IN, VI_ASRL_END_LAST_BIT);
+    peer_.send("a\nb\xE3rest\x80");
+    EXPECT_EQ(read(session_, 100), (ReadResult{VI_SUCCESS, "a\nb\xE3"}));
+    EXPECT_EQ(read(session_, 100), (ReadResult{VI_SUCCESS, "rest\x80"}));
+    set(VI_ATTR_ASRL_DATA_BITS, 5);
+    peer_.send("abq");
+    EXPECT_EQ(read(session_, 100), (ReadResult{VI_SUCCESS, "abq"}));
+}
+
+struct EndOutCase
+{
+    const char* name;
+    ViUInt32 endOut;
+    std::string sent;
 };
 
-TEST_F(VisaSessions, EachResourceManagerSessionIsItsOwn)
+class VisaSerialEndOut : public VisaSerial, public testing::WithParamInterface<EndOutCase>
 {
-    ViSession second = VI_NULL;
-    ASSERT_EQ(viOpenDefaultRM(&second), VI_SUCCESS);
-    EXPECT_NE(second, manager_);
-    EXPECT_EQ(viClose(second), VI_SUCCESS);
+};
+
+TEST_P(VisaSerialEndOut, DecidesWhatFollowsTheBytes)
+{
+    set(VI_ATTR_ASRL_END_OUT, GetParam().endOut);
+    ViUInt32 written = 0;
+    EXPECT_EQ(write(session_,
+                    "a\xC2"
+                    "c",
+                    &written),
+              VI_SUCCESS);
+    EXPECT_EQ(written, 3U);
+    set(VI_ATTR_ASRL_END_OUT, VI_ASRL_END_NONE);
+    EXPECT_EQ(write(session_, "|"), VI_SUCCESS);
+    EXPECT_EQ(peer_.receive(GetParam().sent.size() + 1), GetParam().sent + "|");
 }
 
-TEST_F(VisaSessions, HandlesAreNotReused)
+INSTANTIATE_TEST_SUITE_P(Modes, VisaSerialEndOut,
+                         testing::Values(EndOutCase{"None", VI_ASRL_END_NONE,
+                                                    "a\xC2"
+                                                    "c"},
+                                         EndOutCase{"LastBit", VI_ASRL_END_LAST_BIT, "a\x42\xE3"},
+                                         EndOutCase{"TermChar", VI_ASRL_END_TERMCHAR,
+                                                    "a\xC2"
+                                                    "c\n"},
+                                         EndOutCase{"Break", VI_ASRL_END_BREAK,
+                                                    "a\xC2"
+                                                    "c"}),
+                         [](const auto& instance) { return std::string(instance.param.name); });
+
+TEST_F(VisaSerial, LastBitMarksTheLastOfManyBytes)
 {
-    ViSession last = manager_;
-    for (int i = 0; i < 3; ++i) {
-        const ViSession session = open(peer_.resource());
-        EXPECT_GT(session, last);
-        last = session;
-        EXPECT_EQ(viClose(session), VI_SUCCESS);
-    }
+    set(VI_ATTR_ASRL_END_OUT, VI_ASRL_END_LAST_BIT);
+    const std::string bytes(1100, '\xFF');
+    std::string received;
+    std::thread receiver([&] { received = peer_.receive(bytes.size()); });
+    EXPECT_EQ(write(session_, bytes), VI_SUCCESS);
+    receiver.join();
+    EXPECT_EQ(received, std::string(1099, '\x7F') + '\xFF');
 }
 
-TEST_F(VisaSessions, ClosingNothingIsAWarning)
+TEST_F(VisaSerial, AvailNumCountsWhatANextReadCanTake)
 {
-    EXPECT_EQ(viClose(VI_NULL), VI_WARN_NULL_OBJECT);
-    EXPECT_EQ(viClose(VI_NULL), 0x3FFF0082);
+    peer_.send("one\ntwo\n");
+    EXPECT_EQ(read(session_, 100), (ReadResult{VI_SUCCESS, "one\n"}));
+    EXPECT_EQ(attribute<ViUInt32>(session_, VI_ATTR_ASRL_AVAIL_NUM), 4U);
+    EXPECT_EQ(read(session_, 100), (ReadResult{VI_SUCCESS, "two\n"}));
+    EXPECT_EQ(attribute<ViUInt32>(session_, VI_ATTR_ASRL_AVAIL_NUM), 0U);
 }
 
-TEST_F(VisaSessions, StaleAndUnknownHandlesAreRefused)
+TEST_F(VisaSerial, SetBufResults)
 {
-    const ViSession stale = open(peer_.resource());
-    ASSERT_EQ(viClose(stale), VI_SUCCESS);
-    for (const ViSession session : {stale, ViSession{0xFFFFFFF0}, ViSession{VI_NULL}}) {
-        std::array<ViByte, 4> buffer{};
-        ViUInt32 value = 17;
-        ViSession opened = 17;
-        EXPECT_EQ(viOpen(session, "ASRL1", VI_NULL, 0, &opened), VI_ERROR_INV_OBJECT);
-        EXPECT_EQ(opened, static_cast<ViSession>(VI_NULL));
-        EXPECT_EQ(viRead(session, buffer.data(), 4, &value), VI_ERROR_INV_OBJECT);
-        EXPECT_EQ(value, 0U);
-        EXPECT_EQ(viWrite(session, buffer.data(), 4, &value), VI_ERROR_INV_OBJECT);
-        EXPECT_EQ(viSetBuf(session, VI_READ_BUF, 4), VI_ERROR_INV_OBJECT);
-        EXPECT_EQ(viSetAttribute(session, VI_ATTR_TMO_VALUE, 4), VI_ERROR_INV_OBJECT);
-        EXPECT_EQ(viGetAttribute(session, VI_ATTR_TMO_VALUE, &value), VI_ERROR_INV_OBJECT);
-    }
-    EXPECT_EQ(viClose(stale), VI_ERROR_INV_OBJECT);
-    EXPECT_EQ(static_cast<ViUInt32>(VI_ERROR_INV_OBJECT), 0xBFFF000EU);
+    EXPECT_EQ(viSetBuf(session_, VI_READ_BUF | VI_WRITE_BUF, 1024), VI_SUCCESS);
+    EXPECT_EQ(viSetBuf(session_, VI_ASRL_IN_BUF, 1024), VI_WARN_NSUP_BUF);
+    EXPECT_EQ(viSetBuf(session_, VI_ASRL_OUT_BUF, 1024), VI_WARN_NSUP_BUF);
+    EXPECT_EQ(viSetBuf(session_, 0, 1024), VI_ERROR_INV_MASK);
 }
 
-TEST_F(VisaSessions, ClosingAResourceManagerClosesItsSessionsAndNoOthers)
+TEST_F(VisaSerial, SizingTheReceiveBufferDropsWhatHasArrived)
 {
-    ViSession other = VI_NULL;
-    ASSERT_EQ(viOpenDefaultRM(&other), VI_SUCCESS);
-    const ViSession first = open(peer_.resource());
-    const ViSession second = open(peer_.resource());
-    ViSession stays = VI_NULL;
-    ASSERT_EQ(viOpen(other, peer_.resource().c_str(), VI_NULL, 0, &stays), VI_SUCCESS);
-
-    EXPECT_EQ(viClose(manager_), VI_SUCCESS);
-    EXPECT_EQ(viClose(first), VI_ERROR_INV_OBJECT);
-    EXPECT_EQ(viClose(second), VI_ERROR_INV_OBJECT);
-    EXPECT_EQ(viClose(manager_), VI_ERROR_INV_OBJECT);
-    EXPECT_EQ(kvxtest::write(stays, "x"), VI_SUCCESS);
-    EXPECT_EQ(viClose(other), VI_SUCCESS);
-    EXPECT_EQ(viClose(stays), VI_ERROR_INV_OBJECT);
-}
-
-TEST_F(VisaSessions, OnlyResourceManagersOpenAndOnlyOthersTransfer)
-{
-    const ViSession session = open(peer_.resource());
-    ViSession opened = 17;
-    EXPECT_EQ(viOpen(session, peer_.resource().c_str(), VI_NULL, 0, &opened), VI_ERROR_NSUP_OPER);
-    EXPECT_EQ(opened, static_cast<ViSession>(VI_NULL));
-    EXPECT_EQ(kvxtest::read(manager_, 4).status, VI_ERROR_NSUP_OPER);
-    EXPECT_EQ(kvxtest::write(manager_, "x"), VI_ERROR_NSUP_OPER);
-    EXPECT_EQ(viSetBuf(manager_, VI_READ_BUF, 4), VI_ERROR_NSUP_OPER);
-}
-
-TEST_F(VisaSessions, AccessModes)
-{
-    ViSession session = 17;
-    for (const ViAccessMode mode : {2U, 8U, 1U | 2U, 0x80000000U}) {
-        EXPECT_EQ(viOpen(manager_, peer_.resource().c_str(), mode, 0, &session), VI_ERROR_INV_ACC_MODE) << mode;
-        EXPECT_EQ(session, static_cast<ViSession>(VI_NULL));
-    }
-    EXPECT_EQ(viOpen(manager_, peer_.resource().c_str(), VI_LOAD_CONFIG, 0, &session), VI_WARN_CONFIG_NLOADED);
-    EXPECT_EQ(kvxtest::write(session, "x"), VI_SUCCESS);
-}
-
-TEST_F(VisaSessions, ExclusiveLockKeepsOtherSessionsOut)
-{
-    const ViSession before = open(peer_.resource());
-    ViSession holder = VI_NULL;
-    ASSERT_EQ(viOpen(manager_, peer_.resource().c_str(), VI_EXCLUSIVE_LOCK, 0, &holder), VI_SUCCESS);
-    ViSession second = 17;
-    EXPECT_EQ(viOpen(manager_, peer_.resource().c_str(), VI_EXCLUSIVE_LOCK, 0, &second), VI_ERROR_RSRC_LOCKED);
-    EXPECT_EQ(second, static_cast<ViSession>(VI_NULL));
-    EXPECT_EQ(kvxtest::write(before, "x"), VI_ERROR_RSRC_LOCKED);
-    EXPECT_EQ(kvxtest::read(before, 1).status, VI_ERROR_RSRC_LOCKED);
-    EXPECT_EQ(viSetAttribute(before, VI_ATTR_TMO_VALUE, 1), VI_ERROR_RSRC_LOCKED);
-    EXPECT_EQ(viSetBuf(before, VI_READ_BUF, 1), VI_ERROR_RSRC_LOCKED);
-    EXPECT_EQ(kvxtest::attribute<ViUInt32>(before, VI_ATTR_TMO_VALUE), 2000U);
-    EXPECT_EQ(kvxtest::write(holder, "x"), VI_SUCCESS);
-    EXPECT_EQ(viClose(holder), VI_SUCCESS);
-    EXPECT_EQ(kvxtest::write(before, "x"), VI_SUCCESS);
-}
-
-TEST_F(VisaSessions, NullOutputPointersAreRefused)
-{
-    EXPECT_EQ(viOpenDefaultRM(nullptr), VI_ERROR_INV_PARAMETER);
-    EXPECT_EQ(viOpen(manager_, "ASRL1", VI_NULL, 0, nullptr), VI_ERROR_INV_PARAMETER);
-    EXPECT_EQ(viStatusDesc(manager_, VI_SUCCESS, nullptr), VI_ERROR_INV_PARAMETER);
-}
-
-TEST(VisaStatusDesc, EveryCodeHasATextOfItsOwn)
-{
-    std::vector<std::string> texts;
-    for (const ViStatus status : {VI_SUCCESS,
-                                  VI_SUCCESS_TERM_CHAR,
-                                  VI_SUCCESS_MAX_CNT,
-                                  VI_WARN_NULL_OBJECT,
-                                  VI_WARN_NSUP_ATTR_STATE,
-                                  VI_WARN_UNKNOWN_STATUS,
-                                  VI_WARN_NSUP_BUF,
-                                  VI_ERROR_SYSTEM_ERROR,
-                                  VI_ERROR_INV_OBJECT,
-                                  VI_ERROR_RSRC_LOCKED,
-                                  VI_ERROR_RSRC_NFOUND,
-                                  VI_ERROR_INV_RSRC_NAME,
-                                  VI_ERROR_INV_ACC_MODE,
-                                  VI_ERROR_TMO,
-                                  VI_ERROR_NSUP_ATTR,
-                                  VI_ERROR_NSUP_ATTR_STATE,
-                                  VI_ERROR_ATTR_READONLY,
-                                  VI_ERROR_ALLOC,
-                                  VI_ERROR_INV_MASK,
-                                  VI_ERROR_IO,
-                                  VI_ERROR_NLISTENERS,
-                                  VI_ERROR_NCIC,
-                                  VI_ERROR_NSUP_OPER,
-                                  VI_ERROR_ASRL_PARITY,
-                                  VI_ERROR_ASRL_FRAMING,
-                                  VI_ERROR_ASRL_OVERRUN,
-                                  VI_ERROR_RSRC_BUSY,
-                                  VI_ERROR_INV_PROT,
-                                  VI_ERROR_LIBRARY_NFOUND,
-                                  VI_ERROR_INTF_NUM_NCONFIG,
-                                  VI_ERROR_CONN_LOST,
-                                  VI_ERROR_NPERMISSION,
-                                  VI_SUCCESS_DEV_NPRESENT,
-                                  VI_WARN_CONFIG_NLOADED,
-                                  VI_ERROR_CLOSING_FAILED,
-                                  VI_ERROR_ABORT,
-                                  VI_ERROR_OUTP_PROT_VIOL,
-                                  VI_ERROR_INP_PROT_VIOL,
-                                  VI_ERROR_BERR,
-                                  VI_ERROR_INV_SETUP,
-                                  VI_ERROR_INV_PARAMETER,
-                                  VI_ERROR_NIMPL_OPER})
-    {
-        std::array<ViChar, 256> text{};
-        EXPECT_EQ(viStatusDesc(VI_NULL, status, text.data()), VI_SUCCESS) << std::hex << status;
-        EXPECT_STRNE(text.data(), "");
-        EXPECT_EQ(std::count(texts.begin(), texts.end(), text.data()), 0) << text.data();
-        texts.emplace_back(text.data());
-    }
-}
-
-TEST(VisaStatusDesc, UnknownCodeIsNamedWithAWarning)
-{
-    std::array<ViChar, 256> text{};
-    EXPECT_EQ(viStatusDesc(VI_NULL, static_cast<ViStatus>(0xBFFF0FFF), text.data()), VI_WARN_UNKNOWN_STATUS);
-    EXPECT_STREQ(text.data(), "Unknown status code 0xBFFF0FFF.");
-}
-
-TEST(VisaStatusDesc, TimeoutText)
-{
-    std::array<ViChar, 256> text{};
-    EXPECT_EQ(viStatusDesc(VI_NULL, VI_ERROR_TMO, text.data()), VI_SUCCESS);
-    EXPECT_STREQ(text.data(), "The time-out passed before the operation was complete.");
+    peer_.send("one\ntwo\n");
+    EXPECT_EQ(read(session_, 100), (ReadResult{VI_SUCCESS, "one\n"}));
+    EXPECT_EQ(viSetBuf(session_, VI_IO_IN_BUF, 1024), VI_WARN_NSUP_BUF);
+    peer_.send("new\n");
+    EXPECT_EQ(read(session_, 100), (ReadResult{VI_SUCCESS, "new\n"}));
 }
 
 } // namespace

@@ -37,26 +37,12 @@ TransferEnd endOf(DWORD error)
 
 } // namespace
 
-Handle::~Handle()
-{
-    if (isOpen())
-        CloseHandle(handle_);
-}
-
-Handle::Handle(Handle&& other) noexcept : handle_(std::exchange(other.handle_, INVALID_HANDLE_VALUE)) {}
-
-Handle& Handle::operator=(Handle&& other) noexcept
-{
-    std::swap(handle_, other.handle_);
-    return *this;
-}
-
 Handle makeEvent()
 {
-    HANDLE const event = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+    Handle event(CreateEventW(nullptr, TRUE, FALSE, nullptr));
     if (event == nullptr)
         throw std::system_error(static_cast<int>(GetLastError()), std::system_category());
-    return Handle(event);
+    return event;
 }
 
 ComPort::ComPort(Handle port) : port_(std::move(port)) {}

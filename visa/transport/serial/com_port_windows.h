@@ -1,36 +1,15 @@
 #pragma once
 
+#include "platform/common/windows_handle.h"
 #include "visa/host/deadline.h"
-
-#include <winsock2.h>
-
-#include <windows.h>
 
 #include <cstddef>
 #include <span>
-#include <string>
 
 namespace visa
 {
 
-/// Owner of a handle of Windows.
-class Handle
-{
-public:
-    Handle() = default;
-    explicit Handle(HANDLE handle) : handle_(handle) {}
-    ~Handle();
-    Handle(Handle&& other) noexcept;
-    Handle& operator=(Handle&& other) noexcept;
-    Handle(const Handle&) = delete;
-    Handle& operator=(const Handle&) = delete;
-
-    HANDLE get() const { return handle_; }
-    bool isOpen() const { return handle_ != INVALID_HANDLE_VALUE; }
-
-private:
-    HANDLE handle_ = INVALID_HANDLE_VALUE;
-};
+using platform::Handle;
 
 /// An event that stays signalled until it is reset. Throws std::system_error when there are no handles left.
 Handle makeEvent();

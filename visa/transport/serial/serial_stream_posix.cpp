@@ -1,10 +1,12 @@
-#include "visa/transport/serial/serial_stream_posix.h"
+#include "visa/transport/serial/serial_stream.h"
 
 #include "visa/host/close_on_exec_posix.h"
 #include "visa/host/host_error.h"
+#include "visa/host/io_context.h"
 #include "visa/host/wait_status_posix.h"
-#include "visa/transport/backends.h"
 #include "visa/transport/serial/serial_native_posix.h"
+
+#include <asio/serial_port.hpp>
 
 #include <algorithm>
 #include <array>
@@ -91,29 +93,30 @@ constexpr std::array<Setting, 5> kSettings{{
      }},
 }};
 
-} // namespace
-
-ViStatus openSerialStream(const ResourceName& name, const Deadline&, std::unique_ptr<Stream>& stream)
+/// A serial port (ASRL INSTR) in raw mode.
+class SerialStream : public Stream
 {
-    const std::string path = name.address.empty() ? serialDevicePath(name.board) : name.address;
-    if (path.empty())
-        return VI_ERROR_RSRC_NFOUND;
-    serial_port port(ioContext());
-    asio::error_code error;
-    port.open(path, error);
-    if (error)
-        return openStatus(error);
-    closeOnExec(port.native_handle());
-    stream = std::make_unique<SerialStream>(std::move(port));
-    return VI_SUCCESS;
-}
+public:
+    explicit SerialStream(serial_port port) : port_(std::move(port)) {}
 
-SerialStream::SerialStream(serial_port port) : port_(std::move(port)) {}
+    ViStatus readSome(std::span<ViByte> buffer, const Deadline& deadline, std::size_t& count) noexcept override;
+    ViStatus writeAll(std::span<const ViByte> bytes, const Deadline& deadline, std::size_t& count) noexcept override;
+    void discardInput() noexcept override { discardReceived(handle()); }
+    ViUInt32 available() noexcept override { return bytesWaiting(handle()); }
+    ViStatus sendBreak(const Deadline& deadline) noexcept override;
+    ViStatus setAttribute(ViAttr attribute, ViUInt32 value) noexcept override;
+    void interrupt() noexcept override { interrupter_.interrupt(); }
 
-ViStatus SerialStream::wait(Direction direction, const Deadline& deadline) noexcept
-{
-    return visa::statusOf(interrupter_.wait(handle(), direction, deadline));
-}
+private:
+    NativeHandle handle() noexcept { return static_cast<NativeHandle>(port_.native_handle()); }
+    ViStatus wait(Direction direction, const Deadline& deadline) noexcept
+    {
+        return visa::statusOf(interrupter_.wait(handle(), direction, deadline));
+    }
+
+    serial_port port_;
+    Interrupter interrupter_;
+};
 
 ViStatus SerialStream::readSome(std::span<ViByte> buffer, const Deadline& deadline, std::size_t& count) noexcept
 {
@@ -147,16 +150,6 @@ ViStatus SerialStream::writeAll(std::span<const ViByte> bytes, const Deadline& d
     return VI_SUCCESS;
 }
 
-void SerialStream::discardInput() noexcept
-{
-    discardReceived(handle());
-}
-
-ViUInt32 SerialStream::available() noexcept
-{
-    return bytesWaiting(handle());
-}
-
 ViStatus SerialStream::sendBreak(const Deadline& deadline) noexcept
 {
     // The host would wait without limit for output that flow control holds back, so wait here first.
@@ -178,9 +171,21 @@ ViStatus SerialStream::setAttribute(ViAttr attribute, ViUInt32 value) noexcept
     return setting == kSettings.end() ? VI_ERROR_NSUP_ATTR : setting->apply(port_, value);
 }
 
-void SerialStream::interrupt() noexcept
+} // namespace
+
+ViStatus openSerialStream(const ResourceName& name, const Deadline&, std::unique_ptr<Stream>& stream)
 {
-    interrupter_.interrupt();
+    const std::string path = name.address.empty() ? serialDevicePath(name.board) : name.address;
+    if (path.empty())
+        return VI_ERROR_RSRC_NFOUND;
+    serial_port port(ioContext());
+    asio::error_code error;
+    port.open(path, error);
+    if (error)
+        return openStatus(error);
+    closeOnExec(port.native_handle());
+    stream = std::make_unique<SerialStream>(std::move(port));
+    return VI_SUCCESS;
 }
 
 } // namespace visa

@@ -1,8 +1,9 @@
+#include "visa/transport/serial/serial_stream.h"
+
+#include "platform/common/windows_environment.h"
 #include "visa/host/host_error.h"
-#include "visa/transport/backends.h"
 #include "visa/transport/serial/com_port_windows.h"
 #include "visa/transport/serial/line_settings_windows.h"
-#include "visa/transport/stream.h"
 
 #include <string_view>
 #include <system_error>
@@ -84,13 +85,9 @@ ViStatus SerialStream::sendBreak(const Deadline&) noexcept
 /// when there is none.
 std::wstring deviceOf(ViUInt16 board)
 {
-    constexpr DWORD kLongestVariable = 32767;
     const std::wstring number = std::to_wstring(board);
-    std::wstring device(kLongestVariable, L'\0');
-    device.resize(GetEnvironmentVariableW((L"VISA_ASRL" + number).c_str(), device.data(), kLongestVariable));
-    if (device.empty() && board != 0)
-        device = L"COM" + number;
-    return device;
+    std::wstring device = platform::environmentVariable(L"VISA_ASRL" + number).value_or(L"");
+    return device.empty() && board != 0 ? L"COM" + number : device;
 }
 
 /// The name that opens a device: without its prefix only the first nine ports have one.
@@ -115,9 +112,9 @@ ViStatus openSerialStream(const ResourceName& name, const Deadline&, std::unique
     const std::wstring device = name.address.empty() ? deviceOf(name.board) : std::wstring();
     if (device.empty())
         return VI_ERROR_RSRC_NFOUND;
-    Handle port(CreateFileW(pathOf(device).c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING,
-                            FILE_FLAG_OVERLAPPED, nullptr));
-    if (!port.isOpen())
+    Handle port = platform::owned(CreateFileW(pathOf(device).c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr,
+                                              OPEN_EXISTING, FILE_FLAG_OVERLAPPED, nullptr));
+    if (port == nullptr)
         return openStatus(GetLastError());
     if (!makeRaw(port.get()))
         return VI_ERROR_RSRC_NFOUND;

@@ -1,13 +1,15 @@
 #include "visa/transport/tcp/tcp_stream.h"
 
 #include "visa/host/host_error.h"
-#include "visa/transport/backends.h"
+#include "visa/host/io_context.h"
 #include "visa/transport/tcp/tcp_connect.h"
+#include "visa/transport/tcp/tcp_transfer.h"
 
 #include <asio/buffer.hpp>
 
 #include <array>
 #include <limits>
+#include <string>
 
 namespace visa
 {
@@ -56,27 +58,30 @@ ViStatus connect(tcp::socket& socket, const tcp::resolver::results_type& endpoin
     return connectStatus(error);
 }
 
-} // namespace
-
-ViStatus openTcpStream(const ResourceName& name, const Deadline& deadline, std::unique_ptr<Stream>& stream)
+/// A raw TCP connection (TCPIP SOCKET).
+class TcpStream : public Stream
 {
-    asio::io_context context(1);
-    asio::error_code error;
-    const auto endpoints =
-        tcp::resolver(context).resolve(name.address, std::to_string(name.port), tcp::resolver::numeric_service, error);
-    if (error)
-        return connectStatus(error);
-    tcp::socket socket(ioContext());
-    const ViStatus status = connect(socket, endpoints, deadline);
-    if (status == VI_SUCCESS)
-        stream = std::make_unique<TcpStream>(std::move(socket));
-    return status;
-}
+public:
+    /// Takes over a connected socket in blocking mode.
+    explicit TcpStream(tcp::socket socket)
+        : socket_(std::move(socket)), transfer_(static_cast<NativeHandle>(socket_.native_handle()))
+    {
+    }
 
-TcpStream::TcpStream(tcp::socket socket)
-    : socket_(std::move(socket)), transfer_(static_cast<NativeHandle>(socket_.native_handle()))
-{
-}
+    ViStatus readSome(std::span<ViByte> buffer, const Deadline& deadline, std::size_t& count) noexcept override;
+    ViStatus writeAll(std::span<const ViByte> bytes, const Deadline& deadline, std::size_t& count) noexcept override;
+    void discardInput() noexcept override;
+    ViStatus setAttribute(ViAttr attribute, ViUInt32 value) noexcept override;
+    std::string address() const override;
+    void interrupt() noexcept override { transfer_.stop(); }
+
+private:
+    template <class Transfer>
+    ViStatus attempt(const Deadline& deadline, Transfer transfer) noexcept;
+
+    tcp::socket socket_;
+    TcpTransfer transfer_;
+};
 
 /// Runs one transfer until it has moved bytes, and tells how it ended.
 template <class Transfer>
@@ -142,9 +147,21 @@ std::string TcpStream::address() const
     return error ? std::string() : remote.address().to_string();
 }
 
-void TcpStream::interrupt() noexcept
+} // namespace
+
+ViStatus openTcpStream(const ResourceName& name, const Deadline& deadline, std::unique_ptr<Stream>& stream)
 {
-    transfer_.stop();
+    asio::io_context context(1);
+    asio::error_code error;
+    const auto endpoints =
+        tcp::resolver(context).resolve(name.address, std::to_string(name.port), tcp::resolver::numeric_service, error);
+    if (error)
+        return connectStatus(error);
+    tcp::socket socket(ioContext());
+    const ViStatus status = connect(socket, endpoints, deadline);
+    if (status == VI_SUCCESS)
+        stream = std::make_unique<TcpStream>(std::move(socket));
+    return status;
 }
 
 } // namespace visa

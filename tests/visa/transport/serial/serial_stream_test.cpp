@@ -1,41 +1,13 @@
-#include "tests/support/visa/serial_peer.h"
 #include "tests/support/visa/serial_settings.h"
-#include "tests/support/visa/visa_test_support.h"
+#include "tests/support/visa/session_fixtures.h"
 
-#include <array>
-#include <atomic>
 #include <chrono>
 #include <thread>
 
 namespace
 {
 
-using kvxtest::attribute;
-using kvxtest::read;
-using kvxtest::ReadResult;
-using kvxtest::SerialPeer;
-using kvxtest::SettingCase;
-using kvxtest::write;
-
-constexpr ViUInt32 kShortMs = 20;
-constexpr ViUInt32 kLongMs = 60000;
-constexpr std::size_t kMebibyte = 1048576;
-
-class VisaSerial : public kvxtest::VisaTest
-{
-protected:
-    void SetUp() override
-    {
-        VisaTest::SetUp();
-        session_ = open(peer_.resource());
-        set(VI_ATTR_TMO_VALUE, kLongMs);
-    }
-
-    void set(ViAttr attribute, ViAttrState value) { ASSERT_EQ(viSetAttribute(session_, attribute, value), VI_SUCCESS); }
-
-    SerialPeer peer_;
-    ViSession session_ = VI_NULL;
-};
+using namespace kvxtest;
 
 TEST_F(VisaSerial, TheLineIsRaw)
 {
@@ -47,102 +19,6 @@ TEST_F(VisaSerial, TheLineIsRaw)
     EXPECT_EQ(read(session_, 9), (ReadResult{VI_SUCCESS_MAX_CNT, bytes}));
 }
 
-TEST_F(VisaSerial, EndInTermCharEndsWithSuccessAtTheTerminationCharacter)
-{
-    peer_.send("one\ntwo\n");
-    EXPECT_EQ(read(session_, 100), (ReadResult{VI_SUCCESS, "one\n"}));
-    EXPECT_EQ(read(session_, 100), (ReadResult{VI_SUCCESS, "two\n"}));
-}
-
-TEST_F(VisaSerial, EndWinsOverTheTerminationCharacterAndTheCount)
-{
-    set(VI_ATTR_TERMCHAR_EN, VI_TRUE);
-    peer_.send("ab\n");
-    EXPECT_EQ(read(session_, 3), (ReadResult{VI_SUCCESS, "ab\n"}));
-}
-
-TEST_F(VisaSerial, EndInTermCharFollowsTheAttribute)
-{
-    set(VI_ATTR_TERMCHAR, ';');
-    peer_.send("a\nb;");
-    EXPECT_EQ(read(session_, 100), (ReadResult{VI_SUCCESS, "a\nb;"}));
-}
-
-TEST_F(VisaSerial, EndInNoneWithTermCharEnabledEndsAtTheTerminationCharacter)
-{
-    set(VI_ATTR_ASRL_END_IN, VI_ASRL_END_NONE);
-    set(VI_ATTR_TERMCHAR_EN, VI_TRUE);
-    peer_.send("one\n");
-    EXPECT_EQ(read(session_, 100), (ReadResult{VI_SUCCESS_TERM_CHAR, "one\n"}));
-}
-
-TEST_F(VisaSerial, EndInNoneAloneEndsOnlyAtTheCountOrTheTimeout)
-{
-    set(VI_ATTR_ASRL_END_IN, VI_ASRL_END_NONE);
-    set(VI_ATTR_TMO_VALUE, kShortMs);
-    peer_.send("one\ntwo\n");
-    EXPECT_EQ(read(session_, 5), (ReadResult{VI_SUCCESS_MAX_CNT, "one\nt"}));
-    EXPECT_EQ(read(session_, 100), (ReadResult{VI_ERROR_TMO, "wo\n"}));
-}
-
-TEST_F(VisaSerial, SuppressedEndLeavesTheTerminationCharacter)
-{
-    set(VI_ATTR_SUPPRESS_END_EN, VI_TRUE);
-    set(VI_ATTR_TERMCHAR_EN, VI_TRUE);
-    peer_.send("one\n");
-    EXPECT_EQ(read(session_, 100), (ReadResult{VI_SUCCESS_TERM_CHAR, "one\n"}));
-}
-
-TEST_F(VisaSerial, EndInLastBitEndsAtTheByteWithItsTopDataBitSet)
-{
-    set(VI_ATTR_ASRL_END_IN, VI_ASRL_END_LAST_BIT);
-    peer_.send("a\nb\xE3rest\x80");
-    EXPECT_EQ(read(session_, 100), (ReadResult{VI_SUCCESS, "a\nb\xE3"}));
-    EXPECT_EQ(read(session_, 100), (ReadResult{VI_SUCCESS, "rest\x80"}));
-    set(VI_ATTR_ASRL_DATA_BITS, 5);
-    peer_.send("abq");
-    EXPECT_EQ(read(session_, 100), (ReadResult{VI_SUCCESS, "abq"}));
-}
-
-struct EndOutCase
-{
-    const char* name;
-    ViUInt32 endOut;
-    std::string sent;
-};
-
-class VisaSerialEndOut : public VisaSerial, public testing::WithParamInterface<EndOutCase>
-{
-};
-
-TEST_P(VisaSerialEndOut, DecidesWhatFollowsTheBytes)
-{
-    set(VI_ATTR_ASRL_END_OUT, GetParam().endOut);
-    ViUInt32 written = 0;
-    EXPECT_EQ(write(session_,
-                    "a\xC2"
-                    "c",
-                    &written),
-              VI_SUCCESS);
-    EXPECT_EQ(written, 3U);
-    set(VI_ATTR_ASRL_END_OUT, VI_ASRL_END_NONE);
-    EXPECT_EQ(write(session_, "|"), VI_SUCCESS);
-    EXPECT_EQ(peer_.receive(GetParam().sent.size() + 1), GetParam().sent + "|");
-}
-
-INSTANTIATE_TEST_SUITE_P(Modes, VisaSerialEndOut,
-                         testing::Values(EndOutCase{"None", VI_ASRL_END_NONE,
-                                                    "a\xC2"
-                                                    "c"},
-                                         EndOutCase{"LastBit", VI_ASRL_END_LAST_BIT, "a\x42\xE3"},
-                                         EndOutCase{"TermChar", VI_ASRL_END_TERMCHAR,
-                                                    "a\xC2"
-                                                    "c\n"},
-                                         EndOutCase{"Break", VI_ASRL_END_BREAK,
-                                                    "a\xC2"
-                                                    "c"}),
-                         [](const auto& instance) { return std::string(instance.param.name); });
-
 TEST_F(VisaSerial, BreakOnASlowLineStaysWithinTheUsualTimeout)
 {
     constexpr ViUInt32 kUsualMs = 2000;
@@ -153,17 +29,6 @@ TEST_F(VisaSerial, BreakOnASlowLineStaysWithinTheUsualTimeout)
     EXPECT_EQ(write(session_, "abc", &written), VI_SUCCESS);
     EXPECT_EQ(written, 3U);
     EXPECT_EQ(peer_.receive(3), "abc");
-}
-
-TEST_F(VisaSerial, LastBitMarksTheLastOfManyBytes)
-{
-    set(VI_ATTR_ASRL_END_OUT, VI_ASRL_END_LAST_BIT);
-    const std::string bytes(1100, '\xFF');
-    std::string received;
-    std::thread receiver([&] { received = peer_.receive(bytes.size()); });
-    EXPECT_EQ(write(session_, bytes), VI_SUCCESS);
-    receiver.join();
-    EXPECT_EQ(received, std::string(1099, '\x7F') + '\xFF');
 }
 
 TEST_F(VisaSerial, WriteThatNobodyReadsEndsWithATimeoutAndTellsWhatWentOut)
@@ -215,38 +80,7 @@ TEST_F(VisaSerial, LineThatHangsUpDuringAReadIsLost)
 TEST_F(VisaSerial, CloseByAnotherThreadEndsAnInfiniteRead)
 {
     set(VI_ATTR_TMO_VALUE, VI_TMO_INFINITE);
-    std::atomic<ViStatus> status{VI_SUCCESS};
-    std::thread reader([&] { status = read(session_, 100).status; });
-    std::this_thread::sleep_for(std::chrono::milliseconds(50));
-    EXPECT_EQ(viClose(session_), VI_SUCCESS);
-    reader.join();
-    EXPECT_EQ(status, VI_ERROR_INV_OBJECT);
-}
-
-TEST_F(VisaSerial, AvailNumCountsWhatANextReadCanTake)
-{
-    peer_.send("one\ntwo\n");
-    EXPECT_EQ(read(session_, 100), (ReadResult{VI_SUCCESS, "one\n"}));
-    EXPECT_EQ(attribute<ViUInt32>(session_, VI_ATTR_ASRL_AVAIL_NUM), 4U);
-    EXPECT_EQ(read(session_, 100), (ReadResult{VI_SUCCESS, "two\n"}));
-    EXPECT_EQ(attribute<ViUInt32>(session_, VI_ATTR_ASRL_AVAIL_NUM), 0U);
-}
-
-TEST_F(VisaSerial, SetBufResults)
-{
-    EXPECT_EQ(viSetBuf(session_, VI_READ_BUF | VI_WRITE_BUF, 1024), VI_SUCCESS);
-    EXPECT_EQ(viSetBuf(session_, VI_ASRL_IN_BUF, 1024), VI_WARN_NSUP_BUF);
-    EXPECT_EQ(viSetBuf(session_, VI_ASRL_OUT_BUF, 1024), VI_WARN_NSUP_BUF);
-    EXPECT_EQ(viSetBuf(session_, 0, 1024), VI_ERROR_INV_MASK);
-}
-
-TEST_F(VisaSerial, SizingTheReceiveBufferDropsWhatHasArrived)
-{
-    peer_.send("one\ntwo\n");
-    EXPECT_EQ(read(session_, 100), (ReadResult{VI_SUCCESS, "one\n"}));
-    EXPECT_EQ(viSetBuf(session_, VI_IO_IN_BUF, 1024), VI_WARN_NSUP_BUF);
-    peer_.send("new\n");
-    EXPECT_EQ(read(session_, 100), (ReadResult{VI_SUCCESS, "new\n"}));
+    EXPECT_EQ(statusOnClose([&] { return read(session_, 100).status; }), VI_ERROR_INV_OBJECT);
 }
 
 class VisaSerialSetting : public VisaSerial, public testing::WithParamInterface<SettingCase>
@@ -287,7 +121,7 @@ INSTANTIATE_TEST_SUITE_P(
                     SettingCase{"EndOut4", VI_ATTR_ASRL_END_OUT, 4, VI_ERROR_NSUP_ATTR_STATE}),
     [](const auto& instance) { return std::string(instance.param.name); });
 
-INSTANTIATE_TEST_SUITE_P(ValuesOfTheHost, VisaSerialSetting, testing::ValuesIn(kvxtest::hostSettings()),
+INSTANTIATE_TEST_SUITE_P(ValuesOfTheHost, VisaSerialSetting, testing::ValuesIn(hostSettings()),
                          [](const auto& instance) { return std::string(instance.param.name); });
 
 TEST_F(VisaSerial, BoardNumberIsNamedByTheEnvironment)
@@ -297,7 +131,7 @@ TEST_F(VisaSerial, BoardNumberIsNamedByTheEnvironment)
     const ViSession session = open("asrl42::instr");
     EXPECT_EQ(write(session, "x"), VI_SUCCESS);
     EXPECT_EQ(other.receive(1), "x");
-    EXPECT_EQ(kvxtest::textAttribute(session, VI_ATTR_RSRC_NAME), "ASRL42::INSTR");
+    EXPECT_EQ(textAttribute(session, VI_ATTR_RSRC_NAME), "ASRL42::INSTR");
     EXPECT_EQ(attribute<ViUInt16>(session, VI_ATTR_INTF_NUM), 42);
 }
 

@@ -1,12 +1,9 @@
-#include "tests/support/visa/tcp_peer.h"
-#include "tests/support/visa/visa_test_support.h"
+#include "tests/support/visa/session_fixtures.h"
 
 #include <asio/connect.hpp>
 #include <asio/ip/tcp.hpp>
 
 #include <algorithm>
-#include <array>
-#include <atomic>
 #include <chrono>
 #include <memory>
 #include <thread>
@@ -15,37 +12,7 @@
 namespace
 {
 
-using kvxtest::read;
-using kvxtest::ReadResult;
-using kvxtest::TcpPeer;
-using kvxtest::write;
-
-constexpr ViUInt32 kShortMs = 20;
-constexpr ViUInt32 kLongMs = 60000;
-constexpr std::size_t kMebibyte = 1048576;
-
-class VisaSocket : public kvxtest::VisaTest
-{
-protected:
-    void SetUp() override
-    {
-        VisaTest::SetUp();
-        session_ = open(peer_.resource());
-        peer_.accept();
-        set(VI_ATTR_TMO_VALUE, kLongMs);
-    }
-
-    void set(ViAttr attribute, ViAttrState value) { ASSERT_EQ(viSetAttribute(session_, attribute, value), VI_SUCCESS); }
-
-    void endAt(char terminator)
-    {
-        set(VI_ATTR_TERMCHAR, static_cast<ViByte>(terminator));
-        set(VI_ATTR_TERMCHAR_EN, VI_TRUE);
-    }
-
-    TcpPeer peer_;
-    ViSession session_ = VI_NULL;
-};
+using namespace kvxtest;
 
 TEST_F(VisaSocket, WriteSendsExactlyTheBytesGiven)
 {
@@ -54,22 +21,6 @@ TEST_F(VisaSocket, WriteSendsExactlyTheBytesGiven)
     EXPECT_EQ(write(session_, bytes, &written), VI_SUCCESS);
     EXPECT_EQ(written, 8U);
     EXPECT_EQ(peer_.receive(8), bytes);
-}
-
-TEST_F(VisaSocket, WriteOfNothingSucceedsAndSendsNothing)
-{
-    ViUInt32 written = 5;
-    EXPECT_EQ(viWrite(session_, nullptr, 0, &written), VI_SUCCESS);
-    EXPECT_EQ(written, 0U);
-    EXPECT_EQ(write(session_, "x"), VI_SUCCESS);
-    EXPECT_EQ(peer_.receive(1), "x");
-}
-
-TEST_F(VisaSocket, WriteIsNotChangedBySendEnd)
-{
-    set(VI_ATTR_SEND_END_EN, VI_FALSE);
-    EXPECT_EQ(write(session_, "abc"), VI_SUCCESS);
-    EXPECT_EQ(peer_.receive(3), "abc");
 }
 
 TEST_F(VisaSocket, WriteOfManyBytesReachesASlowReaderWhole)
@@ -97,50 +48,6 @@ TEST_F(VisaSocket, WriteThatNobodyReadsEndsWithATimeoutAndTellsWhatWentOut)
     EXPECT_LT(written, bytes.size());
 }
 
-TEST_F(VisaSocket, ReadEndsAtTheTerminationCharacter)
-{
-    endAt('\n');
-    peer_.send("12.5\n");
-    EXPECT_EQ(read(session_, 100), (ReadResult{VI_SUCCESS_TERM_CHAR, "12.5\n"}));
-}
-
-TEST_F(VisaSocket, ReadEndsAtAnyByteThatIsTheTerminationCharacter)
-{
-    endAt('\xFE');
-    peer_.send("a\n\xFE");
-    EXPECT_EQ(read(session_, 100), (ReadResult{VI_SUCCESS_TERM_CHAR, "a\n\xFE"}));
-}
-
-TEST_F(VisaSocket, ReadEndsWhenTheCountIsReached)
-{
-    endAt('\n');
-    peer_.send("abcdef\n");
-    EXPECT_EQ(read(session_, 3), (ReadResult{VI_SUCCESS_MAX_CNT, "abc"}));
-    EXPECT_EQ(read(session_, 100), (ReadResult{VI_SUCCESS_TERM_CHAR, "def\n"}));
-}
-
-TEST_F(VisaSocket, TheTerminationCharacterWinsOverTheCount)
-{
-    endAt('\n');
-    peer_.send("ab\n");
-    EXPECT_EQ(read(session_, 3), (ReadResult{VI_SUCCESS_TERM_CHAR, "ab\n"}));
-}
-
-TEST_F(VisaSocket, ReadOfNothingIsCompleteAtOnce)
-{
-    EXPECT_EQ(read(session_, 0), (ReadResult{VI_SUCCESS_MAX_CNT, ""}));
-}
-
-TEST_F(VisaSocket, BytesBeyondTheEndBelongToTheNextReads)
-{
-    endAt('\n');
-    peer_.send("one\ntwo\nthree\n");
-    EXPECT_EQ(read(session_, 100), (ReadResult{VI_SUCCESS_TERM_CHAR, "one\n"}));
-    EXPECT_EQ(read(session_, 2), (ReadResult{VI_SUCCESS_MAX_CNT, "tw"}));
-    EXPECT_EQ(read(session_, 100), (ReadResult{VI_SUCCESS_TERM_CHAR, "o\n"}));
-    EXPECT_EQ(read(session_, 100), (ReadResult{VI_SUCCESS_TERM_CHAR, "three\n"}));
-}
-
 TEST_F(VisaSocket, ReadJoinsTheReplysPieces)
 {
     endAt('\n');
@@ -160,13 +67,6 @@ TEST_F(VisaSocket, ReadOfManyBytesIsWhole)
     std::thread sender([&] { peer_.send(bytes); });
     EXPECT_EQ(read(session_, static_cast<ViUInt32>(bytes.size())), (ReadResult{VI_SUCCESS_MAX_CNT, bytes}));
     sender.join();
-}
-
-TEST_F(VisaSocket, WithoutTerminationCharacterAShortReplyEndsWithATimeoutAndIsDelivered)
-{
-    set(VI_ATTR_TMO_VALUE, kShortMs);
-    peer_.send("abc\n");
-    EXPECT_EQ(read(session_, 100), (ReadResult{VI_ERROR_TMO, "abc\n"}));
 }
 
 TEST_F(VisaSocket, ReadWithoutInputEndsWithATimeout)
@@ -218,24 +118,14 @@ TEST_F(VisaSocket, ResetConnectionIsLostForReadsAndWrites)
 TEST_F(VisaSocket, CloseByAnotherThreadEndsAnInfiniteRead)
 {
     set(VI_ATTR_TMO_VALUE, VI_TMO_INFINITE);
-    std::atomic<ViStatus> status{VI_SUCCESS};
-    std::thread reader([&] { status = read(session_, 100).status; });
-    std::this_thread::sleep_for(std::chrono::milliseconds(50));
-    EXPECT_EQ(viClose(session_), VI_SUCCESS);
-    reader.join();
-    EXPECT_EQ(status, VI_ERROR_INV_OBJECT);
+    EXPECT_EQ(statusOnClose([&] { return read(session_, 100).status; }), VI_ERROR_INV_OBJECT);
 }
 
 TEST_F(VisaSocket, CloseByAnotherThreadEndsAnInfiniteWrite)
 {
     set(VI_ATTR_TMO_VALUE, VI_TMO_INFINITE);
     const std::string bytes(64 * kMebibyte, 'w');
-    std::atomic<ViStatus> status{VI_SUCCESS};
-    std::thread writer([&] { status = write(session_, bytes); });
-    std::this_thread::sleep_for(std::chrono::milliseconds(50));
-    EXPECT_EQ(viClose(session_), VI_SUCCESS);
-    writer.join();
-    EXPECT_EQ(status, VI_ERROR_INV_OBJECT);
+    EXPECT_EQ(statusOnClose([&] { return write(session_, bytes); }), VI_ERROR_INV_OBJECT);
 }
 
 TEST_F(VisaSocket, CloseDuringReadsAndWritesIsSafe)
@@ -253,16 +143,6 @@ TEST_F(VisaSocket, CloseDuringReadsAndWritesIsSafe)
         reader.join();
         writer.join();
     }
-}
-
-TEST_F(VisaSocket, ReadAndWriteRunAtTheSameTime)
-{
-    endAt('\n');
-    std::thread reader([&] { EXPECT_EQ(read(session_, 100), (ReadResult{VI_SUCCESS_TERM_CHAR, "reply\n"})); });
-    EXPECT_EQ(write(session_, "query\n"), VI_SUCCESS);
-    EXPECT_EQ(peer_.receive(6), "query\n");
-    peer_.send("reply\n");
-    reader.join();
 }
 
 TEST_F(VisaSocket, SessionsWorkInParallel)
@@ -289,65 +169,7 @@ TEST_F(VisaSocket, SessionsWorkInParallel)
         thread.join();
 }
 
-TEST_F(VisaSocket, CountsMayBeNull)
-{
-    std::array<ViByte, 4> buffer{};
-    peer_.send("abcd");
-    EXPECT_EQ(viRead(session_, buffer.data(), 4, nullptr), VI_SUCCESS_MAX_CNT);
-    EXPECT_EQ(viWrite(session_, buffer.data(), 4, nullptr), VI_SUCCESS);
-    EXPECT_EQ(peer_.receive(4), "abcd");
-}
-
-TEST_F(VisaSocket, NullBuffersAreRefused)
-{
-    ViUInt32 count = 7;
-    EXPECT_EQ(viRead(session_, nullptr, 4, &count), VI_ERROR_INV_PARAMETER);
-    EXPECT_EQ(count, 0U);
-    EXPECT_EQ(viWrite(session_, nullptr, 4, &count), VI_ERROR_INV_PARAMETER);
-    EXPECT_EQ(count, 0U);
-}
-
-TEST_F(VisaSocket, SetBufResults)
-{
-    EXPECT_EQ(viSetBuf(session_, VI_READ_BUF, 1024), VI_SUCCESS);
-    EXPECT_EQ(viSetBuf(session_, VI_WRITE_BUF, 2048), VI_SUCCESS);
-    EXPECT_EQ(viSetBuf(session_, VI_READ_BUF | VI_WRITE_BUF, 512), VI_SUCCESS);
-    EXPECT_EQ(viSetBuf(session_, VI_IO_IN_BUF, 1024), VI_WARN_NSUP_BUF);
-    EXPECT_EQ(viSetBuf(session_, VI_IO_OUT_BUF, 1024), VI_WARN_NSUP_BUF);
-    EXPECT_EQ(viSetBuf(session_, VI_READ_BUF | VI_IO_OUT_BUF, 1024), VI_WARN_NSUP_BUF);
-    for (const ViUInt16 mask : std::initializer_list<ViUInt16>{0, 4, 8, 64, 128, 1 | 4, 0x8000})
-        EXPECT_EQ(viSetBuf(session_, mask, 1024), VI_ERROR_INV_MASK) << mask;
-}
-
-TEST_F(VisaSocket, SizedBuffersDoNotLimitTransfers)
-{
-    EXPECT_EQ(viSetBuf(session_, VI_READ_BUF | VI_WRITE_BUF, 4), VI_SUCCESS);
-    EXPECT_EQ(write(session_, "0123456789"), VI_SUCCESS);
-    peer_.send(peer_.receive(10));
-    EXPECT_EQ(read(session_, 10), (ReadResult{VI_SUCCESS_MAX_CNT, "0123456789"}));
-}
-
-TEST_F(VisaSocket, SizingTheReceiveBufferDropsWhatHasArrived)
-{
-    endAt('\n');
-    peer_.send("old\nolder\n");
-    EXPECT_EQ(read(session_, 100), (ReadResult{VI_SUCCESS_TERM_CHAR, "old\n"}));
-    EXPECT_EQ(viSetBuf(session_, VI_IO_IN_BUF, 1024), VI_WARN_NSUP_BUF);
-    peer_.send("new\n");
-    EXPECT_EQ(read(session_, 100), (ReadResult{VI_SUCCESS_TERM_CHAR, "new\n"}));
-}
-
-TEST_F(VisaSocket, SizingTheReceiveBufferDoesNotWaitForAReadUnderWay)
-{
-    endAt('\n');
-    std::thread reader([&] { EXPECT_EQ(read(session_, 100), (ReadResult{VI_SUCCESS_TERM_CHAR, "reply\n"})); });
-    std::this_thread::sleep_for(std::chrono::milliseconds(20));
-    EXPECT_EQ(viSetBuf(session_, VI_IO_IN_BUF, 1024), VI_WARN_NSUP_BUF);
-    peer_.send("reply\n");
-    reader.join();
-}
-
-class VisaConnect : public kvxtest::VisaTest
+class VisaConnect : public VisaTest
 {
 protected:
     ViStatus tryToOpen(const std::string& resource, ViUInt32 timeoutMs = 0)
@@ -414,8 +236,8 @@ TEST_F(VisaConnect, Ipv6AddressesAreUnderstoodInBrackets)
     peer->accept();
     EXPECT_EQ(write(session, "six"), VI_SUCCESS);
     EXPECT_EQ(peer->receive(3), "six");
-    EXPECT_EQ(kvxtest::textAttribute(session, VI_ATTR_TCPIP_ADDR), "::1");
-    EXPECT_EQ(kvxtest::textAttribute(session, VI_ATTR_TCPIP_HOSTNAME), "::1");
+    EXPECT_EQ(textAttribute(session, VI_ATTR_TCPIP_ADDR), "::1");
+    EXPECT_EQ(textAttribute(session, VI_ATTR_TCPIP_HOSTNAME), "::1");
 }
 
 TEST_F(VisaConnect, ConnectionIsClosedWithItsSession)
