@@ -89,8 +89,8 @@ case "${1-}" in
 --all)
     install_packages build test check
     check_format
-    check_manual
     run_tests release
+    check_manual
     check_tidy -v '^tests/'
     run_tests asan-ubsan
     run_tests tsan
@@ -100,35 +100,8 @@ case "${1-}" in
 --long)
     install_packages build test check
     build release
-<<<<<<< HEAD
     check_tidy '^tests/'
     fuzz 1000000
     ;;
 *) fail "usage: ./test.sh [--all | --long]" ;;
 esac
-=======
-    check_tidy '^$'
-    exit
-fi
-check_format
-run_tests release
-check_manual
-check_tidy '^tests/'
-run_tests asan-ubsan
-run_tests tsan
-
-# Each fuzzer starts from its corpus, if it has one, and ends after a fixed number of inputs.
-build fuzz fuzzers
-step "Fuzzing"
-for fuzzer in build/fuzz/bin/fuzz_*; do
-    name=$(basename "$fuzzer")
-    say "$name"
-    corpus=fuzz/corpus/${name#fuzz_}
-    [ -d "$corpus" ] || corpus=
-    found=build/fuzz/found/$name
-    rm -rf "$found" && mkdir -p "$found"
-    "$fuzzer" -runs=50000 -seed=1 -max_len=512 "$found" $corpus >build/fuzz/fuzzer.log 2>&1 || { cat build/fuzz/fuzzer.log; fail "$fuzzer"; }
-done
-
-test_windows
->>>>>>> main
