@@ -46,6 +46,7 @@ sources() { git ls-files '*.h' '*.hpp' '*.c' '*.cpp'; }
 check_format() {
     step "Checking the format"
     [ -n "$(sources)" ] || fail "git lists no sources"
+    sources | xargs /usr/bin/python3 -B cmake/check_dialect.py
     sources | xargs -P "$(nproc)" -n 50 clang-format --dry-run --Werror
 }
 

@@ -1,4 +1,5 @@
 #include "tests/support/fakes/fake_platform.h"
+#include "tests/support/fakes/platform_fakes.h"
 
 #include <algorithm>
 #include <type_traits>

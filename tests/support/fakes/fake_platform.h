@@ -1,6 +1,9 @@
 #pragma once
 
-#include "tests/support/fakes/platform_fakes.h"
+#include "tests/support/fakes/platform_contents.h"
+
+#include <IviCShared.h>
+#include <visa.h>
 
 #include <condition_variable>
 #include <deque>

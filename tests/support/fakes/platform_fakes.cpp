@@ -1,3 +1,5 @@
+#include "tests/support/fakes/platform_fakes.h"
+
 #include "tests/support/fakes/fake_platform.h"
 
 #include <algorithm>

@@ -1,16 +1,15 @@
 #pragma once
 
+#include "tests/support/fakes/platform_contents.h"
+
 #include <IviCShared.h>
 #include <IviConfigServer.h>
 #include <visa.h>
 
 #include <cstddef>
 #include <iosfwd>
-#include <map>
-#include <optional>
 #include <string>
 #include <string_view>
-#include <variant>
 #include <vector>
 
 /// Stand-ins, at link time, of the C functions that the driver calls: VISA, the IVI session service and the IVI
@@ -25,99 +24,12 @@ constexpr ViStatus code(ViUInt32 bits)
     return static_cast<ViStatus>(bits);
 }
 
-/// A data component of the fake configuration store.
-struct StoredDataComponent
-{
-    std::string name;
-    /// The word for its type, which need not fit the value.
-    std::string type;
-    /// Nothing for a structure.
-    std::variant<std::monostate, std::string, ViInt32, ViReal64, ViBoolean> value;
-    /// What a structure consists of.
-    std::vector<StoredDataComponent> components;
-};
-
 // Data components with the words that the configuration server uses for their types.
 StoredDataComponent stringComponent(std::string name, std::string value);
 StoredDataComponent integerComponent(std::string name, ViInt32 value);
 StoredDataComponent realComponent(std::string name, ViReal64 value);
 StoredDataComponent booleanComponent(std::string name, ViBoolean value);
 StoredDataComponent structureComponent(std::string name, std::vector<StoredDataComponent> components);
-
-/// What a component of the fake configuration store has apart from its own properties.
-struct StoredComponent
-{
-    std::vector<StoredDataComponent> dataComponents;
-
-    /// The contents of the structure "Configurable Initial Settings", which comes to be when there is none.
-    std::vector<StoredDataComponent>& settings();
-};
-
-struct StoredPhysicalName
-{
-    std::string name;
-    std::string repeatedCapability = "OutputChannel";
-};
-
-struct StoredSoftwareModule : StoredComponent
-{
-    std::string name = "KVX2800T";
-    std::vector<StoredPhysicalName> physicalNames;
-};
-
-struct StoredVirtualRange
-{
-    ViInt32 minimum = 0;
-    ViInt32 maximum = 0;
-    ViInt32 startingPhysicalIndex = 0;
-};
-
-struct StoredVirtualName
-{
-    std::string name;
-    std::string mapTo;
-    std::vector<StoredVirtualRange> ranges;
-};
-
-/// A driver session of the fake configuration store, and what it refers to.
-struct StoredDriverSession : StoredComponent
-{
-    std::string name = "KVX2800T";
-    ViBoolean cache = VI_FALSE;
-    ViBoolean interchangeCheck = VI_FALSE;
-    ViBoolean queryInstrumentStatus = VI_FALSE;
-    ViBoolean rangeCheck = VI_FALSE;
-    ViBoolean recordCoercions = VI_FALSE;
-    ViBoolean simulate = VI_FALSE;
-    std::string driverSetup;
-    /// The I/O resource descriptor of its hardware asset; nothing when the session has no asset.
-    std::optional<std::string> ioResourceDescriptor;
-    std::vector<StoredVirtualName> virtualNames;
-    /// The name of its software module; nothing when it refers to none.
-    std::optional<std::string> softwareModule;
-};
-
-/// The fake configuration store.
-struct ConfigurationStore
-{
-    std::string processDefaultLocation = "/store/process.xml";
-    std::string masterLocation = "/store/master.xml";
-    /// The entry of the driver itself.
-    std::optional<StoredDriverSession> driverSession;
-    std::vector<StoredDriverSession> furtherSessions;
-    /// Logical names, and the names of the driver sessions they stand for; they hide driver sessions of the same name.
-    std::map<std::string, std::string, std::less<>> logicalNames;
-    std::vector<StoredSoftwareModule> softwareModules;
-};
-
-/// A status and its text, as the session service keeps them.
-struct ErrorEntry
-{
-    ViStatus code = VI_SUCCESS;
-    std::string text;
-
-    bool operator==(const ErrorEntry&) const = default;
-};
 
 /// How GoogleTest shows an entry.
 void PrintTo(const ErrorEntry& entry, std::ostream* stream);
