@@ -65,7 +65,8 @@ protected:
 /// One driver session: its options, what it was opened with, and its instrument.
 ///
 /// Used only under the IVI session lock. Every operation returns a status; a negative one has been recorded on the
-/// session by the operation that met it. The virtual operations stand in a fixed order: a new one goes to the end.
+/// session by the operation that met it. The virtual operations stand in a fixed order: a new one goes behind those
+/// that are there.
 class DriverSession : public IoSession
 {
 public:
@@ -210,10 +211,6 @@ public:
     {
         return drivekit::ReportErrorWithElaboration(vi_, code, elaboration, arguments);
     }
-    virtual ViStatus ReportErrorText(ViStatus code, std::string_view text, MessageArguments arguments = {})
-    {
-        return drivekit::ReportErrorText(vi_, code, text, arguments);
-    }
 
     /// Records a failure of the configuration server. The server has left its own text in the thread's error record
     /// (IVI-3.5 section 5.2.1).
@@ -248,6 +245,12 @@ public:
 
     virtual ViStatus ReadVirtualNames(IviDriverSessionHandle configured);
     virtual ViStatus ReadPhysicalNames(IviSoftwareModuleHandle module);
+
+    /// The third reporter.
+    virtual ViStatus ReportErrorText(ViStatus code, std::string_view text, MessageArguments arguments = {})
+    {
+        return drivekit::ReportErrorText(vi_, code, text, arguments);
+    }
 
     /// Lets a simulated instrument take the place of a real one, which is closed.
     virtual ViStatus StartSimulation() = 0;
