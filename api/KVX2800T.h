@@ -19,7 +19,7 @@
  * instrument, OutputChannel5 is the series and OutputChannel6 the parallel combination of outputs 1 and 2. Functions
  * that configure take one name, a list ("OutputChannel1,OutputChannel3") or a range ("OutputChannel1-3"); attribute
  * getters take exactly one name. "CH1" to "CH6" stand for the six names, and virtual names of the IVI configuration
- * store for what they map to. Letter case counts.
+ * store for what they map to, which may be any of these. Letter case counts.
  *
  * @par Status
  * Every function returns 0 (VI_SUCCESS), a positive warning or a negative error. Unless a function says otherwise, an

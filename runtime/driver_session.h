@@ -176,7 +176,8 @@ public:
     /// The physical names that the store lists for the driver, by repeated capability.
     virtual const NamedValues<std::vector<std::string>>& physicalNames() const { return configuration_.physicalNames; }
     /// Appends the selector text that a token stands for, as a virtual name or, failing that, as "CH1" to "CH6"; false,
-    /// and nothing appended, when it stands for itself.
+    /// and nothing appended, when it stands for itself. "CH1" to "CH6" in what a virtual name maps to are replaced,
+    /// too.
     virtual bool mappedText(std::string_view token, std::string& text) const;
 
     /// The pairs of the DriverSetup text, and the inherent options that option strings have given.
