@@ -445,7 +445,7 @@ ViStatus _VI_FUNC KVX2800T_close(ViSession Vi);
  *
  * @param Vi             the session.
  * @param CallerHasLock  null; or a variable, VI_FALSE at first, that lets a function lock on several paths and unlock
- *                       once: VI_TRUE means that nothing is to be done (IVI-3.2 section 6.13).
+ *                       once: VI_TRUE means that nothing is to be done (IVI-3.2 section 6.18).
  * @return 0, or the session service's status.
  */
 ViStatus _VI_FUNC KVX2800T_LockSession(ViSession Vi, ViBoolean* CallerHasLock);
