@@ -76,7 +76,7 @@ public:
     /// Creates the instrument object and opens it on the session's connection descriptor.
     virtual ViStatus OpenInstrument() = 0;
 
-    /// Closes the instrument's connection.
+    /// Closes the instrument's connection; nothing without an instrument.
     virtual ViStatus CloseInstrument() = 0;
 
     /// Clears the instrument's status and checks it; nothing when simulating.
