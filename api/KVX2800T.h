@@ -19,7 +19,7 @@
  * instrument, OutputChannel5 is the series and OutputChannel6 the parallel combination of outputs 1 and 2. Functions
  * that configure take one name, a list ("OutputChannel1,OutputChannel3") or a range ("OutputChannel1-3"); attribute
  * getters take exactly one name. "CH1" to "CH6" stand for the six names, and virtual names of the IVI configuration
- * store for what they map to. Letter case counts.
+ * store for what they map to, which may be any of these. Letter case counts.
  *
  * @par Status
  * Every function returns 0 (VI_SUCCESS), a positive warning or a negative error. Unless a function says otherwise, an
@@ -29,8 +29,8 @@
  * @par Exceptions
  * A reply that the driver cannot read as the number or switch it has asked for, and a channel range with a number
  * beyond 32 bits, leave as a C++ standard exception (std::invalid_argument, std::out_of_range), with nothing recorded
- * and the session still locked by the calling thread. One that leaves init has stored the session in Vi, which can be
- * closed.
+ * and the session still locked by the calling thread. One that leaves init, which takes no lock, has stored the session
+ * in Vi; it can be closed.
  *
  * @par Threads
  * Any function may be called from any thread. Calls on one session run one after the other; calls on different
@@ -445,7 +445,7 @@ ViStatus _VI_FUNC KVX2800T_close(ViSession Vi);
  *
  * @param Vi             the session.
  * @param CallerHasLock  null; or a variable, VI_FALSE at first, that lets a function lock on several paths and unlock
- *                       once: VI_TRUE means that nothing is to be done (IVI-3.2 section 6.13).
+ *                       once: VI_TRUE means that nothing is to be done (IVI-3.2 section 6.18).
  * @return 0, or the session service's status.
  */
 ViStatus _VI_FUNC KVX2800T_LockSession(ViSession Vi, ViBoolean* CallerHasLock);

@@ -8,7 +8,8 @@ namespace api
 
 void copyText(ViChar buffer[], std::size_t bufferSize, std::string_view text)
 {
-    const std::size_t count = text.copy(buffer, bufferSize - 1);
+    const std::string_view shown = text.substr(0, text.find('\0'));
+    const std::size_t count = shown.copy(buffer, bufferSize - 1);
     buffer[count] = '\0';
 }
 

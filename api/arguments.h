@@ -12,7 +12,8 @@ namespace api
 /// The size that callers give a text buffer whose size is no argument (IVI-3.2 section 3.1.2.1).
 inline constexpr std::size_t kTextBufferSize = 256;
 
-/// Copies as much of `text` as the buffer holds in front of a NUL; writes no byte behind the NUL.
+/// Copies as much of `text` as the buffer holds in front of a NUL, up to a NUL of its own; writes no byte behind the
+/// NUL.
 void copyText(ViChar buffer[], std::size_t bufferSize, std::string_view text);
 
 /// Records that the pointer at `position` of a function's `parameters`, a comma-separated list of names, is null.

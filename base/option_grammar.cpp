@@ -40,7 +40,8 @@ std::string_view takeName(std::string_view& text, Class inClass)
     return takeRun(text, inClass);
 }
 
-/// Takes blanks, one of `separators` and more blanks; false, with nothing taken but blanks, when it is not there.
+/// Takes blanks and one of `separators`; false, with nothing taken but blanks, when it is not there. Blanks behind it
+/// stay: the text of DriverSetup begins with them, values skip them.
 bool takeSeparator(std::string_view& text, std::string_view separators)
 {
     text = ascii::skipBlanks(text);

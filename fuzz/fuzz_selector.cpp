@@ -24,10 +24,6 @@ public:
     using KVX2800TDriverSession::KVX2800TDriverSession;
 
     const drivekit::VirtualNames& virtualNames() const override { return names; }
-    bool mappedText(std::string_view token, std::string& text) const override
-    {
-        return names.append(token, text) || KVX2800TDriverSession::mappedText(token, text);
-    }
 
     drivekit::VirtualNames names;
 };

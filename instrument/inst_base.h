@@ -15,6 +15,13 @@ namespace TSRO
 /// The command that switches all outputs off at once, for writeRaw(): no operation of a channel spells "ALL".
 inline constexpr const char* kAllOutputsOff = ":OUTPut:STATe ALL,OFF";
 
+/// What an instrument takes from a session's option string.
+struct InstrumentOptions : base::InherentOptions
+{
+    /// The model that DriverSetup names; "" when it names none. The instrument's own is in its identity.
+    std::string model = {};
+};
+
 /// A KVX2800T power supply, real or simulated: one operation for each SCPI command.
 ///
 /// Channels are numbered 1 to 4 for the outputs, 5 for the series and 6 for the parallel combination of outputs 1
@@ -275,17 +282,17 @@ public:
     virtual ViStatus setTriggerInputEnabled(ViInt32 channel, bool enabled) = 0;
     virtual ViStatus triggerInputEnabled(ViInt32 channel, bool& enabled) = 0;
 
-    /// The instrument's own copy of the inherent options, as open() found them in the option string.
-    const base::InherentOptions& options() const { return options_; }
+    /// The instrument's own copy of the options, as open() found them in the option string.
+    const InstrumentOptions& options() const { return options_; }
 
 protected:
     explicit InstBase(Identity identity) : identity_(std::make_shared<Identity>(std::move(identity))) {}
 
     Identity& mutableIdentity() { return *identity_; }
-    void setOptions(const base::InherentOptions& options) { options_ = options; }
+    void setOptions(InstrumentOptions options) { options_ = std::move(options); }
 
 private:
-    base::InherentOptions options_ = base::kDefaultOptions;
+    InstrumentOptions options_{base::kDefaultOptions};
     std::shared_ptr<Identity> identity_ = std::make_shared<Identity>();
 };
 

@@ -1,22 +1,38 @@
 #include "instrument/kvx2800t.h"
 
+#include "base/ascii.h"
+
 namespace TSRO
 {
 namespace
 {
 
-/// The session has checked the text and reported what is wrong with it; what is left to do here is to read it.
-base::InherentOptions readOptions(const std::string& optionString)
+void readInherentOptions(std::string_view text, base::InherentOptions& options)
 {
-    base::InherentOptions options = base::kDefaultOptions;
-    const std::string text = base::lowerCased(base::splitOptionString(optionString).inherent);
-    std::string_view rest = text;
+    const std::string lower = base::lowerCased(text);
+    std::string_view rest = lower;
     while (const auto option = base::nextInherentOption(rest)) {
         const auto flag = base::inherentOption(option->name);
         const auto value = base::parseOptionValue(option->value);
         if (flag != nullptr && value)
             options.*flag = *value;
     }
+}
+
+void readDriverSetup(std::string_view text, std::string& model)
+{
+    while (const auto option = base::nextDriverSetupOption(text))
+        if (base::ascii::equalIgnoringCase(option->name, base::kModelKey))
+            model = option->value;
+}
+
+/// The session has checked the text and reported what is wrong with it; what is left to do here is to read it.
+InstrumentOptions readOptions(const std::string& optionString)
+{
+    InstrumentOptions options{base::kDefaultOptions};
+    const base::OptionText text = base::splitOptionString(optionString);
+    readInherentOptions(text.inherent, options);
+    readDriverSetup(text.driverSetup.value_or(""), options.model);
     return options;
 }
 

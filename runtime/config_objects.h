@@ -44,6 +44,40 @@ private:
     IviConfigHandle handle_ = nullptr;
 };
 
+/// A configuration store that this object has opened.
+class ConfigStore
+{
+public:
+    ConfigStore() = default;
+    ConfigStore(const ConfigStore&) = delete;
+    ConfigStore& operator=(const ConfigStore&) = delete;
+    ~ConfigStore()
+    {
+        if (isOpen_)
+            close();
+    }
+
+    /// Opens an empty store; nothing is open after a failure. Nothing is open before.
+    ViStatus open()
+    {
+        const ViStatus status = IviConfig_Initialize(&handle_);
+        isOpen_ = status >= 0;
+        return status;
+    }
+
+    ViStatus close()
+    {
+        isOpen_ = false;
+        return IviConfig_Close(handle_);
+    }
+
+    IviConfigStoreHandle get() const { return handle_; }
+
+private:
+    IviConfigStoreHandle handle_ = nullptr;
+    bool isOpen_ = false;
+};
+
 /// The first failure of two statuses.
 inline ViStatus firstFailure(ViStatus earlier, ViStatus later)
 {

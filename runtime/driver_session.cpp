@@ -2,6 +2,7 @@
 
 #include "runtime/attribute_registry.h"
 #include "runtime/repeated_capability.h"
+#include "runtime/selector_grammar.h"
 
 #include <utility>
 
@@ -21,6 +22,19 @@ bool appendChannelAlias(std::string_view token, std::string& text)
         return false;
     text += RepCapBase<OutputChannel>::physicalName(position).text();
     return true;
+}
+
+/// Appends what a virtual name maps to, with the short names of channels in it replaced. Virtual names in it are none.
+void appendMapped(std::string_view mapped, std::string& text)
+{
+    std::string_view rest = mapped;
+    while (!rest.empty()) {
+        const std::string_view token = selector::nextToken(rest);
+        text += mapped.substr(0, static_cast<std::size_t>(token.data() - mapped.data()));
+        if (!appendChannelAlias(token, text))
+            text += token;
+        mapped = rest;
+    }
 }
 
 } // namespace
@@ -65,7 +79,11 @@ ViStatus DriverSession::checkIdentity()
 
 bool DriverSession::mappedText(std::string_view token, std::string& text) const
 {
-    return virtualNames().append(token, text) || appendChannelAlias(token, text);
+    std::string mapped;
+    if (!virtualNames().append(token, mapped))
+        return appendChannelAlias(token, text);
+    appendMapped(mapped, text);
+    return true;
 }
 
 void DriverSession::InvalidateAllAttributes()

@@ -65,7 +65,8 @@ protected:
 /// One driver session: its options, what it was opened with, and its instrument.
 ///
 /// Used only under the IVI session lock. Every operation returns a status; a negative one has been recorded on the
-/// session by the operation that met it. The virtual operations stand in a fixed order: a new one goes to the end.
+/// session by the operation that met it. The virtual operations stand in a fixed order: a new one goes behind those
+/// that are there.
 class DriverSession : public IoSession
 {
 public:
@@ -75,7 +76,7 @@ public:
     /// Creates the instrument object and opens it on the session's connection descriptor.
     virtual ViStatus OpenInstrument() = 0;
 
-    /// Closes the instrument's connection.
+    /// Closes the instrument's connection; nothing without an instrument.
     virtual ViStatus CloseInstrument() = 0;
 
     /// Clears the instrument's status and checks it; nothing when simulating.
@@ -175,7 +176,8 @@ public:
     /// The physical names that the store lists for the driver, by repeated capability.
     virtual const NamedValues<std::vector<std::string>>& physicalNames() const { return configuration_.physicalNames; }
     /// Appends the selector text that a token stands for, as a virtual name or, failing that, as "CH1" to "CH6"; false,
-    /// and nothing appended, when it stands for itself.
+    /// and nothing appended, when it stands for itself. "CH1" to "CH6" in what a virtual name maps to are replaced,
+    /// too.
     virtual bool mappedText(std::string_view token, std::string& text) const;
 
     /// The pairs of the DriverSetup text, and the inherent options that option strings have given.
@@ -209,10 +211,6 @@ public:
                                                 MessageArguments arguments = {})
     {
         return drivekit::ReportErrorWithElaboration(vi_, code, elaboration, arguments);
-    }
-    virtual ViStatus ReportErrorText(ViStatus code, std::string_view text, MessageArguments arguments = {})
-    {
-        return drivekit::ReportErrorText(vi_, code, text, arguments);
     }
 
     /// Records a failure of the configuration server. The server has left its own text in the thread's error record
@@ -248,6 +246,12 @@ public:
 
     virtual ViStatus ReadVirtualNames(IviDriverSessionHandle configured);
     virtual ViStatus ReadPhysicalNames(IviSoftwareModuleHandle module);
+
+    /// The third reporter.
+    virtual ViStatus ReportErrorText(ViStatus code, std::string_view text, MessageArguments arguments = {})
+    {
+        return drivekit::ReportErrorText(vi_, code, text, arguments);
+    }
 
     /// Lets a simulated instrument take the place of a real one, which is closed.
     virtual ViStatus StartSimulation() = 0;

@@ -326,12 +326,12 @@ private:
 ViStatus DriverSession::ResolveConfiguration(const std::string& resourceName, const std::string& optionString)
 {
     configuration_ = {.connectionDescriptor = resourceName};
-    IviConfigStoreHandle store = nullptr;
-    const ViStatus opened = IviConfig_Initialize(&store);
+    ConfigStore store;
+    const ViStatus opened = store.open();
     if (opened < 0)
         return ReportConfigurationError(opened);
-    const ViStatus status = StoreReader(*this, store).apply(resourceName, optionString);
-    const ViStatus closed = IviConfig_Close(store);
+    const ViStatus status = StoreReader(*this, store.get()).apply(resourceName, optionString);
+    const ViStatus closed = store.close();
     if (status >= 0 && closed < 0)
         return ReportConfigurationError(closed);
     return status;

@@ -29,6 +29,9 @@ ViStatus KVX2800TDriverSession::OpenInstrument()
 
 ViStatus KVX2800TDriverSession::CloseInstrument()
 {
+    // An exception may have ended init before there was one.
+    if (!instrument())
+        return VI_SUCCESS;
     const ViStatus status = instrument()->close();
     return status < 0 ? ReportError(status) : status;
 }

@@ -7,8 +7,9 @@
 /// Repeated capability selectors (IVI-3.1 section 4.4): from the text a caller passes to the channels it names.
 ///
 /// A selector is a list of names and ranges: "OutputChannel1", "OutputChannel1,OutputChannel3", "OutputChannel1-3",
-/// "[OutputChannel1, OutputChannel2]". Letter case counts. Virtual names of the configuration store, and "CH1" to
-/// "CH6", stand for what they map to. What is wrong with a selector is recorded on the session and returned.
+/// "[OutputChannel1, OutputChannel2]". Letter case counts. Virtual names of the configuration store, which may map
+/// to "CH1" to "CH6", and these themselves stand for what they map to. What is wrong with a selector is recorded on the
+/// session and returned.
 namespace drivekit
 {
 

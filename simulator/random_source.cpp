@@ -13,10 +13,16 @@ namespace TSRO
 namespace
 {
 
-/// The generator of the process, seeded when the first draws are fetched.
+/// The generator of the process, seeded from the system when the first draws are fetched.
 class SharedGenerator
 {
 public:
+    void seed(std::uint32_t seed)
+    {
+        const std::lock_guard guard(lock_);
+        generator_.emplace(seed);
+    }
+
     void draw(std::span<std::uint32_t> draws)
     {
         const std::lock_guard guard(lock_);
@@ -34,6 +40,11 @@ constinit SharedGenerator generator;
 
 } // namespace
 
+void RandomSource::seedGenerator(std::uint32_t seed)
+{
+    generator.seed(seed);
+}
+
 std::uint32_t RandomSource::draw()
 {
     const std::size_t place = used_ % kFetched;
@@ -43,17 +54,11 @@ std::uint32_t RandomSource::draw()
     return draws_[place];
 }
 
-std::uint64_t RandomSource::drawTwo()
-{
-    const std::uint64_t low = draw();
-    const std::uint64_t high = draw();
-    return high << 32U | low;
-}
-
 double RandomSource::uniformReal()
 {
-    constexpr double kScale = 1.0 / 9007199254740992.0; // 2^-53: never rounds up to 1
-    return static_cast<double>(drawTwo() >> 11U) * kScale;
+    const std::uint32_t low = draw();
+    const std::uint32_t high = draw();
+    return canonicalReal(low, high);
 }
 
 double RandomSource::uniformReal(double minimum, double maximum)

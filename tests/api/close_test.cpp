@@ -51,6 +51,19 @@ TEST_F(Close, ClosesTheConnectionAndDisposesOfTheHandleWithoutALock)
     vi = VI_NULL;
 }
 
+TEST_F(Close, OfASessionWithoutAnInstrumentDisposesOfTheHandle)
+{
+    EXPECT_EQ(KVX2800T_close(vi), VI_SUCCESS);
+    IviSession_New(&vi);
+    IviSession_SetDataPtr(vi, static_cast<drivekit::DriverSession*>(new TestSession(vi)));
+    clearLog();
+    EXPECT_EQ(KVX2800T_close(vi), VI_SUCCESS);
+    EXPECT_THAT(calls(),
+                ElementsAre("IviSession_GetDataPtr(1002)", "IviSession_GetDataPtr(1002)", "IviSession_Dispose(1002)"));
+    EXPECT_EQ(openIviSessions(), 0U);
+    vi = VI_NULL;
+}
+
 TEST_F(Close, ASecondTimeTheSessionIsUnknown)
 {
     EXPECT_EQ(KVX2800T_close(vi), VI_SUCCESS);

@@ -166,6 +166,14 @@ TEST_F(ErrorFunctions, ErrorQueryCutsAMessageTo255Characters)
     EXPECT_EQ(text[256], '#');
 }
 
+TEST_F(ErrorFunctions, ErrorQueryWritesNothingBehindANulOfTheMessage)
+{
+    answer(":SYSTem:ERRor?", std::string("1,x\0y", 5));
+    EXPECT_EQ(errorQuery(), VI_SUCCESS);
+    EXPECT_STREQ(text.data(), "x");
+    EXPECT_EQ(text[2], '#');
+}
+
 TEST_F(ErrorFunctions, ErrorQueryRecordsAFailureOnceAndWritesNothing)
 {
     for (const char* function : {"viWrite", "viRead"}) {

@@ -317,6 +317,19 @@ TEST_F(InherentAttributes, ATextOfNineCharactersNeedsElevenBytesToBeSureOfIt)
     EXPECT_STREQ(buffer.data(), "NineChars");
 }
 
+TEST_F(InherentAttributes, ATextEndsAtANulOfItsOwnAndNothingIsWrittenBehindIt)
+{
+    answer("*IDN?", std::string("a,b\0c,d,e", 9));
+    open();
+    std::array<ViChar, 8> buffer{};
+    for (const ViInt32 size : {8, 4, 3, -1}) {
+        buffer.fill('#');
+        EXPECT_EQ(KVX2800T_GetAttributeViString(vi, "", KVX2800T_ATTR_INSTRUMENT_MODEL, size, buffer.data()),
+                  VI_SUCCESS);
+        EXPECT_EQ(std::string_view(buffer.data(), buffer.size()), std::string_view("b\0######", 8)) << size;
+    }
+}
+
 TEST_F(InherentAttributes, ATextBeyondTheLargestSizeIsCutForABufferOfUnknownSize)
 {
     const std::string setup = "Trace:" + std::string(5000, 'x');

@@ -1,5 +1,7 @@
 #include "tests/support/driver/api_fixture.h"
 
+#include <stdexcept>
+
 // Init with one platform call failing, again and again with the next one, until none is left.
 
 namespace
@@ -145,6 +147,27 @@ TEST_P(InitFailure, ThatCannotBeRecordedReturnsTheSessionServicesStatus)
     EXPECT_EQ(vi, ViSession{VI_NULL});
     EXPECT_EQ(openVisaSessions(), 0U);
 }
+
+class InitException : public ApiTest, public testing::WithParamInterface<const char*>
+{
+};
+
+TEST_P(InitException, LeavesASessionThatCanBeClosedAndNothingOpenBehindIt)
+{
+    answer("*ESR?", GetParam());
+    EXPECT_THROW(init("QueryInstrStatus=1", &vi, VI_TRUE, VI_TRUE), std::logic_error);
+    EXPECT_THAT(written(), testing::ElementsAre("*IDN?\n", "*CLS\n", "*ESR?\n"));
+    EXPECT_EQ(vi, kFirstSession);
+    EXPECT_EQ(timesRecorded(), 0U);
+    EXPECT_EQ(lockDepth(vi), 0U);
+    EXPECT_EQ(openConfigHandles(), 0U);
+    EXPECT_EQ(KVX2800T_close(vi), VI_SUCCESS);
+    EXPECT_EQ(openVisaSessions(), 0U);
+    EXPECT_EQ(openIviSessions(), 0U);
+    vi = VI_NULL;
+}
+
+INSTANTIATE_TEST_SUITE_P(Replies, InitException, testing::Values("no number", "", "99999999999"));
 
 INSTANTIATE_TEST_SUITE_P(Ways, InitFailure,
                          testing::Values(Way{"plain", "", VI_FALSE, VI_FALSE, false},

@@ -119,6 +119,15 @@ TEST_F(UtilityFunctions, RevisionQueryCutsALongRevision)
     EXPECT_EQ(instrument[256], '#');
 }
 
+TEST_F(UtilityFunctions, RevisionQueryWritesNothingBehindANulOfTheRevision)
+{
+    answer("*IDN?", std::string("a,b,c,d\0e", 9));
+    open();
+    EXPECT_EQ(KVX2800T_revision_query(vi, driver.data(), instrument.data()), VI_SUCCESS);
+    EXPECT_STREQ(instrument.data(), "d");
+    EXPECT_EQ(instrument[2], '#');
+}
+
 TEST_F(UtilityFunctions, RevisionQueryReportsNullPointersInOrder)
 {
     open();

@@ -146,12 +146,12 @@ TEST_F(StoreEndToEnd, AnEntryOfTheStoreToolReachesItsChannels)
 {
     const Outcome added =
         runStoreTool({"--store", storePath(), "add", "Bench 1", "--create", "--logical", "BenchSupply", "--resource",
-                      instrument.resource(), "--virtual-range", "Rail=OutputChannel:1-3@2"});
+                      instrument.resource(), "--virtual-range", "Rail=OutputChannel:1-3@2", "--virtual", "Aux=CH4"});
     ASSERT_EQ(added.exitCode, 0) << added.errors;
     std::string name = "BenchSupply";
     ASSERT_EQ(KVX2800T_init(name.data(), VI_TRUE, VI_FALSE, &vi), VI_SUCCESS) << recordedError(VI_NULL).text;
-    EXPECT_EQ(KVX2800T_ConfigureVoltageLevel(vi, "Rail1", 3.0), VI_SUCCESS);
-    EXPECT_EQ(voltageLines(), Lines{":SOUR2:VOLT 3.000000"});
+    EXPECT_EQ(KVX2800T_ConfigureVoltageLevel(vi, "Rail1,Aux", 3.0), VI_SUCCESS);
+    EXPECT_EQ(voltageLines(), (Lines{":SOUR2:VOLT 3.000000", ":SOUR4:VOLT 3.000000"}));
 }
 #endif
 

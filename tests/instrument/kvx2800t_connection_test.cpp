@@ -303,6 +303,7 @@ TEST_F(InstrumentOnVisa, HasTheDefaultOptionsOfASession)
     EXPECT_FALSE(options.queryInstrumentStatus);
     EXPECT_FALSE(options.recordCoercions);
     EXPECT_FALSE(options.simulate);
+    EXPECT_EQ(instrument.options().model, "");
 }
 
 TEST_F(InstrumentOnVisa, ReadsItsOptionsFromTheOptionString)
@@ -317,6 +318,29 @@ TEST_F(InstrumentOnVisa, ReadsItsOptionsFromTheOptionString)
     EXPECT_FALSE(options.rangeCheck);
     EXPECT_TRUE(options.recordCoercions);
     EXPECT_TRUE(options.simulate);
+}
+
+TEST_F(InstrumentOnVisa, ReadsTheModelOfTheDriverSetup)
+{
+    const std::pair<const char*, const char*> models[] = {
+        {"Cache=0, DriverSetup=Model:KVX2803T", "KVX2803T"},
+        {"driversetup = Foo:Bar, MODEL= KVX2833T B ,Model+:x", "KVX2833T B "},
+        {"DriverSetup=Model:A,model=B", "B"},
+        {"Model=KVX2803T", ""},
+        {"DriverSetup=Models:KVX2803T", ""},
+        {"DriverSetup=", ""}};
+    for (const auto& [options, model] : models) {
+        ASSERT_EQ(instrument.open(kResource, options), 0);
+        EXPECT_EQ(instrument.options().model, model) << options;
+    }
+}
+
+TEST_F(InstrumentOnVisa, TheModelOfTheDriverSetupIsNotThatOfTheIdentity)
+{
+    kvxtest::answer("*IDN?", "Tessaro Instruments,KVX2833T,SN1,V2.34");
+    ASSERT_EQ(instrument.open(kResource, "DriverSetup=Model:KVX2803T"), 0);
+    EXPECT_EQ(instrument.identity()->model, "KVX2833T");
+    EXPECT_EQ(instrument.options().model, "KVX2803T");
 }
 
 TEST_F(InstrumentOnVisa, ReadsItsOptionsBeforeItConnects)

@@ -1,5 +1,6 @@
 #include "tests/support/driver/configuration_store_fixture.h"
 
+#include <new>
 #include <ostream>
 
 // What becomes of a resolution when the configuration server fails.
@@ -333,6 +334,55 @@ TEST_F(ConfigurationStoreFailure, AFailureOfTheVirtualNamesEndsTheReadingOfAnEnt
     EXPECT_EQ(timesRecorded(), 0U);
     EXPECT_EQ(calls("IviConfig_GetSessionHardwareAssetReference").size(), 0U);
     EXPECT_EQ(openConfigHandles(), 0U);
+}
+
+/// A session of which one step of a resolution leaves by an exception.
+class ThrowingSession : public TestSession
+{
+public:
+    ThrowingSession(ViSession vi, std::string step) : TestSession(vi), throwing_(std::move(step)) {}
+
+    ViStatus ReadVirtualNames(IviDriverSessionHandle entry) override
+    {
+        return reach("ReadVirtualNames"), TestSession::ReadVirtualNames(entry);
+    }
+    ViStatus ApplyConfiguredModel() override
+    {
+        return reach("ApplyConfiguredModel"), TestSession::ApplyConfiguredModel();
+    }
+    ViStatus ParseOptionString(const std::string& options) override
+    {
+        return reach("ParseOptionString"), TestSession::ParseOptionString(options);
+    }
+    ViStatus ReadPhysicalNames(IviSoftwareModuleHandle module) override
+    {
+        return reach("ReadPhysicalNames"), TestSession::ReadPhysicalNames(module);
+    }
+
+private:
+    void reach(std::string_view step) const
+    {
+        if (step == throwing_)
+            throw std::bad_alloc();
+    }
+
+    std::string throwing_;
+};
+
+TEST_F(ConfigurationStoreFailure, AnExceptionGivesEveryHandleBackAndClosesTheStoreLast)
+{
+    for (const char* step : {"ReadVirtualNames", "ApplyConfiguredModel", "ParseOptionString", "ReadPhysicalNames"}) {
+        SCOPED_TRACE(step);
+        startOver();
+        storeRichEntry();
+        storeRichFurtherSession();
+        ThrowingSession throwing(vi, step);
+        EXPECT_THROW(throwing.ResolveConfiguration("BenchSupply", ""), std::bad_alloc);
+        EXPECT_EQ(openConfigHandles(), 0U);
+        EXPECT_THAT(calls("IviConfig_Close"), SizeIs(1));
+        EXPECT_EQ(calls().back(), "IviConfig_Close(store)");
+        EXPECT_EQ(timesRecorded(), 0U);
+    }
 }
 
 TEST_F(ConfigurationStoreFailure, HandlesOfTheWrongKindAreFailuresOfEachReader)

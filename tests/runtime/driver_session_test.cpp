@@ -1,4 +1,5 @@
 #include "tests/support/driver/runtime_fixture.h"
+#include "tests/support/driver/virtual_places.h"
 
 #include <map>
 #include <vector>
@@ -234,6 +235,94 @@ TEST_F(DriverSessionTest, CloseClosesTheInstrumentAndReturnsItsStatus)
     session.statuses["CloseInstrument"] = kFailed;
     EXPECT_EQ(session.Close(), kFailed);
     EXPECT_THAT(session.steps, ElementsAre("CloseInstrument"));
+}
+
+TEST(DriverSessionOperations, StandInTheirOrder)
+{
+    if (!kPlacesAreKnown)
+        GTEST_SKIP();
+    using D = drivekit::DriverSession;
+    expectConsecutive({
+        placeOf(&D::OpenInstrument),
+        placeOf(&D::CloseInstrument),
+        placeOf(&D::InitializeStatus),
+        placeOf(&D::ReadIdentity),
+        placeOf(&D::CheckStatus),
+        placeOf(&D::Initialize),
+        placeOf(&D::Close),
+        placeOf(&D::GetViSession),
+        placeOf(&D::cache),
+        placeOf(&D::interchangeCheck),
+        placeOf(&D::queryInstrumentStatus),
+        placeOf(&D::rangeCheck),
+        placeOf(&D::recordCoercions),
+        placeOf(&D::simulate),
+        placeOf(&D::initialCache),
+        placeOf(&D::initialInterchangeCheck),
+        placeOf(&D::initialQueryInstrumentStatus),
+        placeOf(&D::initialRangeCheck),
+        placeOf(&D::initialRecordCoercions),
+        placeOf(&D::initialSimulate),
+        placeOf(&D::setCache),
+        placeOf(&D::setInterchangeCheck),
+        placeOf(&D::setQueryInstrumentStatus),
+        placeOf(&D::setRangeCheck),
+        placeOf(&D::setRecordCoercions),
+        placeOf(&D::setSimulate),
+        placeOf(&D::optionString),
+        placeOf(&D::resourceName),
+        placeOf(&D::idQuery),
+        placeOf(&D::reset),
+        placeOf(&D::logicalName),
+        placeOf(&D::ioResourceDescriptor),
+        placeOf(&D::driverSetup),
+        placeOf(&D::manufacturer),
+        placeOf(&D::model),
+        placeOf(&D::serialNumber),
+        placeOf(&D::firmwareRevision),
+        placeOf(&D::openTimeoutMs),
+        placeOf(&D::ioTimeoutMs),
+        placeOf(&D::closeTimeoutMs),
+        placeOf(&D::interchangeCheckSupported),
+        placeOf(&D::settlingTimeMs),
+        placeOf(&D::configuredBooleans),
+        placeOf(&D::configuredIntegers),
+        placeOf(&D::configuredReals),
+        placeOf(&D::configuredStrings),
+        placeOf(&D::configuredString),
+        placeOf(&D::configuredInteger),
+        placeOf(&D::configuredReal),
+        placeOf(&D::configuredBoolean),
+        placeOf(&D::virtualNames),
+        placeOf(&D::physicalNames),
+        placeOf(&D::mappedText),
+        placeOf(&D::driverSetupOptions),
+        placeOf(&D::inherentOptionTable),
+        placeOf(&D::driverSetupOption),
+        placeOf(&D::IsModelSupported),
+        placeOf(&D::namesStoreEntry),
+        placeOf(&D::IsModel),
+        // IsModelOfFamily, the sixtieth operation, is static and has no place.
+        placeOf(&D::connectionDescriptor),
+        placeOf(&D::ReportError),
+        placeOf(&D::ReportErrorWithElaboration),
+        placeOf(&D::ReportConfigurationError),
+        placeOf(&D::InvalidateAllAttributes),
+        placeOf(&D::ResolveConfiguration),
+        placeOf(&D::ReadDriverSession),
+        placeOf(&D::ReadConfigurableInitialSettings),
+        placeOf(&D::ApplyConfiguredModel),
+        placeOf(&D::ParseOptionString),
+        placeOf(&D::ParseDriverSetup),
+        placeOf(&D::ApplyDriverSetupOption),
+        placeOf(&D::ParseInherentOptions),
+        placeOf(&D::ParseBooleanOptionValue),
+        placeOf(&D::ReadVirtualNames),
+        placeOf(&D::ReadPhysicalNames),
+        // Those added later.
+        placeOf(&D::ReportErrorText),
+        placeOf(&D::StartSimulation),
+    });
 }
 
 TEST_F(DriverSessionTest, InvalidatingAttributesAsksNothing)

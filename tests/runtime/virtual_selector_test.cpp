@@ -93,10 +93,43 @@ TEST_F(VirtualSelectors, AreWholeTokensInTheirExactCase)
 
 TEST_F(VirtualSelectors, AreReplacedInOnePass)
 {
-    setVirtualNames({{"A", "B", {}}, {"B", "OutputChannel1", {}}, {"C", "CH1", {}}});
+    setVirtualNames({{"A", "B", {}}, {"B", "OutputChannel1", {}}});
     expectUnknown("A", "B");
     expectNames("B", {"OutputChannel1"});
-    expectUnknown("C", "CH1");
+}
+
+TEST_F(VirtualSelectors, MayMapToAliases)
+{
+    setVirtualNames({{"Aux", "CH4", {}},
+                     {"Pair", "[ CH6 , CH1 ]", {}},
+                     {"Run", "CH2-3", {}},
+                     {"All", "CH1-CH6", {}},
+                     {"Rail", "CH", {{1, 3, 4}}},
+                     {"Long", "OutputChannel2,CH", {{7, 7, 3}}}});
+    expectNames("Aux", {"OutputChannel4"});
+    expectNames("Pair", {"OutputChannel6", "OutputChannel1"});
+    expectNames("Run,CH5", {"OutputChannel2", "OutputChannel3", "OutputChannel5"});
+    expectNames("All", kAllChannels);
+    expectNames("Rail3,Rail1", {"OutputChannel6", "OutputChannel4"});
+    expectNames("Long7", {"OutputChannel2", "OutputChannel3"});
+    expectError("Aux,CH4", code(0xBFFA0066), kBadlyFormed);
+}
+
+TEST_F(VirtualSelectors, MapToAliasesThatAreWholeTokensOnly)
+{
+    for (const char* text : {"ch4", "CH7", "CH04", "xCH4", "CH4x", "!CH4", "CH"}) {
+        setVirtualNames({{"Aux", text, {}}});
+        expectUnknown("Aux", text);
+    }
+}
+
+TEST_F(VirtualSelectors, InTheTextOfAnotherAreNotLookedUp)
+{
+    setVirtualNames({{"Aux", "CH4", {}}, {"CH4", "OutputChannel1", {}}, {"OutputChannel4", "OutputChannel2", {}}});
+    expectNames("Aux", {"OutputChannel4"});
+    expectNames("CH4", {"OutputChannel1"});
+    setVirtualNames({{"CH1", "CH2", {}}, {"CH2", "CH1", {}}});
+    expectNames("CH1,CH2", {"OutputChannel2", "OutputChannel1"});
 }
 
 TEST_F(VirtualSelectors, MayBePhysicalNames)
@@ -314,7 +347,7 @@ TEST_F(VirtualSelectors, ComeInTheOrderOfTheStoreWhateverTheirKind)
 
 TEST_F(VirtualSelectors, AppendTheirTextAndNothingElse)
 {
-    setVirtualNames({{"Core", "OutputChannel1", {}}, {"Rail", "OutputChannel", {{1, 3, 2}}}});
+    setVirtualNames({{"Core", "OutputChannel1", {}}, {"Rail", "OutputChannel", {{1, 3, 2}}}, {"Aux", " CH4,CH9 ", {}}});
     std::string text = "before,";
     for (const char* token : {"", "core", "Rail", "Rail4", "OutputChannel1", "CH7"}) {
         EXPECT_FALSE(session.mappedText(token, text)) << token;
@@ -326,6 +359,8 @@ TEST_F(VirtualSelectors, AppendTheirTextAndNothingElse)
     EXPECT_EQ(text, "before,OutputChannel1OutputChannel4");
     EXPECT_TRUE(session.mappedText("CH6", text));
     EXPECT_EQ(text, "before,OutputChannel1OutputChannel4OutputChannel6");
+    EXPECT_TRUE(session.mappedText("Aux", text));
+    EXPECT_EQ(text, "before,OutputChannel1OutputChannel4OutputChannel6 OutputChannel4,CH9 ");
 }
 
 TEST_F(VirtualSelectors, WhoseTextWouldFillTheMemoryEndInAStatus)

@@ -5,7 +5,9 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstdint>
+#include <random>
 #include <set>
 #include <string>
 #include <thread>
@@ -16,6 +18,8 @@
 namespace
 {
 
+using TSRO::canonicalReal;
+
 constexpr int kDraws = 10000;
 
 TEST(UniformReal, LiesBetweenZeroAndOneWithoutOne)
@@ -25,6 +29,41 @@ TEST(UniformReal, LiesBetweenZeroAndOneWithoutOne)
         const double value = source.uniformReal();
         ASSERT_GE(value, 0.0);
         ASSERT_LT(value, 1.0);
+    }
+}
+
+TEST(CanonicalReal, RoundsToTheNearestOfItsFiftyThreeBits)
+{
+    EXPECT_EQ(canonicalReal(0, 0), 0.0);
+    EXPECT_EQ(canonicalReal(1, 0), 0x1p-64);
+    EXPECT_EQ(canonicalReal(0, 1), 0x1p-32);
+    EXPECT_EQ(canonicalReal(0, 0x80000000), 0.5);
+    // The last bit of [0.5, 1) is 2^-53, 2^11 of the low word; halves go to the even neighbour.
+    EXPECT_EQ(canonicalReal(0x3FF, 0x80000000), 0.5);
+    EXPECT_EQ(canonicalReal(0x400, 0x80000000), 0.5);
+    EXPECT_EQ(canonicalReal(0x401, 0x80000000), 0.5 + 0x1p-53);
+    EXPECT_EQ(canonicalReal(0xC00, 0x80000000), 0.5 + 0x1p-52);
+}
+
+TEST(CanonicalReal, NeverReachesOne)
+{
+    const double largest = std::nextafter(1.0, 0.0);
+    EXPECT_EQ(canonicalReal(0xFFFFFFFF, 0xFFFFFFFF), largest);
+    EXPECT_EQ(canonicalReal(0xFFFFFC00, 0xFFFFFFFF), largest);
+    EXPECT_EQ(canonicalReal(0xFFFFFBFF, 0xFFFFFFFF), largest);
+    EXPECT_EQ(canonicalReal(0xFFFFF3FF, 0xFFFFFFFF), std::nextafter(largest, 0.0));
+}
+
+TEST(UniformReal, IsTheStandardsCanonicalValueOfTheDraws)
+{
+    for (const std::uint32_t seed : {1U, 5489U, 4294967295U}) {
+        TSRO::RandomSource::seedGenerator(seed);
+        TSRO::RandomSource source;
+        std::mt19937 generator(seed);
+        for (int i = 0; i < kDraws; ++i) {
+            const double expected = std::generate_canonical<double, 53>(generator);
+            ASSERT_EQ(source.uniformReal(), expected) << "draw " << i << " of seed " << seed;
+        }
     }
 }
 

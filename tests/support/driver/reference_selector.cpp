@@ -120,26 +120,10 @@ SelectorResult namesOf(const std::vector<Item>& items)
     return result;
 }
 
-/// Every token that is a virtual name, and what it stands for. Ranges are written out.
-std::map<std::string, std::string> replacements(const std::vector<StoredVirtualName>& virtualNames)
-{
-    std::map<std::string, std::string> texts;
-    for (int channel = 1; channel <= 6; ++channel)
-        texts["CH" + std::to_string(channel)] = "OutputChannel" + std::to_string(channel);
-    for (const StoredVirtualName& name : virtualNames) {
-        if (name.ranges.empty())
-            texts[name.name] = name.mapTo;
-        for (const StoredVirtualRange& range : name.ranges) {
-            const auto [first, last] = std::minmax(range.minimum, range.maximum);
-            for (long long i = first; i <= last; ++i)
-                texts[name.name + std::to_string(i)] =
-                    name.mapTo + std::to_string(range.startingPhysicalIndex + (i - first));
-        }
-    }
-    return texts;
-}
+/// Tokens, and what stands in their places.
+using Texts = std::map<std::string, std::string>;
 
-std::string substituted(const std::string& selector, const std::map<std::string, std::string>& texts)
+std::string substituted(const std::string& selector, const Texts& texts)
 {
     static const std::regex kToken(R"([\w_!]+)", std::regex::optimize);
     std::string result;
@@ -153,6 +137,33 @@ std::string substituted(const std::string& selector, const std::map<std::string,
         copied = (*match)[0].second;
     }
     return result.append(copied, selector.end());
+}
+
+/// The short names of the channels.
+Texts aliases()
+{
+    Texts texts;
+    for (int channel = 1; channel <= 6; ++channel)
+        texts["CH" + std::to_string(channel)] = "OutputChannel" + std::to_string(channel);
+    return texts;
+}
+
+/// Every token that is a virtual name or an alias, and what it stands for. Ranges are written out.
+Texts replacements(const std::vector<StoredVirtualName>& virtualNames)
+{
+    const Texts channels = aliases();
+    Texts texts = channels;
+    for (const StoredVirtualName& name : virtualNames) {
+        if (name.ranges.empty())
+            texts[name.name] = substituted(name.mapTo, channels);
+        for (const StoredVirtualRange& range : name.ranges) {
+            const auto [first, last] = std::minmax(range.minimum, range.maximum);
+            for (long long i = first; i <= last; ++i)
+                texts[name.name + std::to_string(i)] =
+                    substituted(name.mapTo + std::to_string(range.startingPhysicalIndex + (i - first)), channels);
+        }
+    }
+    return texts;
 }
 
 /// A level that fits the grammar.

@@ -206,6 +206,15 @@ TEST_F(Program, TakesTextsThatLookLikeListsAsTheyStand)
     EXPECT_THAT(readFile(path_), HasSubstr("<MapTo>[OutputChannel1,OutputChannel2]</MapTo>"));
 }
 
+TEST_F(Program, TakesShortNamesOfChannelsAsTargetsOfVirtualNames)
+{
+    EXPECT_EQ(
+        run({"add", "Rack", "--resource", "x", "--virtual", "Aux=CH4", "--virtual-range", "Rail=CH:1-3@2"}).output,
+        "added hardware asset 'Rack'\nadded driver session 'Rack'\n");
+    EXPECT_THAT(readFile(path_), HasSubstr("<MapTo>CH4</MapTo>"));
+    EXPECT_EQ(run({"check"}).exitCode, 0);
+}
+
 TEST_F(Program, ExplainsItself)
 {
     for (const std::vector<std::string>& arguments : std::vector<std::vector<std::string>>{
