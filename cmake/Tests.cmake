@@ -5,7 +5,7 @@ set(CMAKE_POSITION_INDEPENDENT_CODE OFF)
 
 # What every test program has beside its cases. What is tested is optimised; the tests themselves need not be.
 set(support ${PROJECT_SOURCE_DIR}/tests/support)
-add_library(test_frame OBJECT ${support}/running_case.cpp ${support}/time_limit_${KVX_HOST}.cpp)
+add_library(test_frame OBJECT EXCLUDE_FROM_ALL ${support}/running_case.cpp ${support}/time_limit_${KVX_HOST}.cpp)
 target_link_libraries(test_frame PUBLIC kvx_options GTest::gmock_main)
 target_compile_options(test_frame PUBLIC $<$<CONFIG:Release>:-O0>)
 # Their common headers, compiled once; sources still include what they use.

@@ -93,38 +93,6 @@ TEST_F(AttributeFunctions, ReadingChecksNoStatus)
     expectRead<ViReal64>("OutputChannel1", 1250001, ":SOUR1:VOLT?", "5", 5.0);
 }
 
-TEST_F(AttributeFunctions, AnUnknownIdIsNamed)
-{
-    expectRefusal<ViInt32>("OutputChannel1", 0, code(0xBFFA000C), "Attribute ID '0' not recognized.");
-    expectRefusal<ViReal64>("OutputChannel1", 1250099, code(0xBFFA000C), "Attribute ID '1250099' not recognized.");
-    expectRefusal<ViBoolean>("OutputChannel1", 1250000, code(0xBFFA000C), "Attribute ID '1250000' not recognized.");
-}
-
-TEST_F(AttributeFunctions, AnotherTypeIsNamedWithTheAttributesOwn)
-{
-    const auto text = [](const char* called, const char* name, const char* type) {
-        return std::string("GetAttribute") + called + " called for attribute 'KVX2800T_ATTR_" + name + "' of type '" +
-               type + "'.";
-    };
-    const ViStatus status = code(0xBFFA0015);
-    expectRefusal<ViInt32>("", 1250001, status, text("ViInt32", "VOLTAGE_LEVEL", "ViReal64"));
-    expectRefusal<ViInt32>("", 1250005, status, text("ViInt32", "CURRENT_LIMIT", "ViReal64"));
-    expectRefusal<ViInt32>("", 1250006, status, text("ViInt32", "OUTPUT_ENABLED", "ViBoolean"));
-    expectRefusal<ViReal64>("", 1250004, status, text("ViReal64", "CURRENT_LIMIT_BEHAVIOR", "ViInt32"));
-    expectRefusal<ViReal64>("", 1250006, status, text("ViReal64", "OUTPUT_ENABLED", "ViBoolean"));
-    expectRefusal<ViBoolean>("", 1250001, status, text("ViBoolean", "VOLTAGE_LEVEL", "ViReal64"));
-    expectRefusal<ViBoolean>("", 1250004, status, text("ViBoolean", "CURRENT_LIMIT_BEHAVIOR", "ViInt32"));
-    expectRefusal<ViBoolean>("", 1250005, status, text("ViBoolean", "CURRENT_LIMIT", "ViReal64"));
-}
-
-TEST_F(AttributeFunctions, TheDispatchNeitherLooksTheSessionUpNorLocksIt)
-{
-    ViInt32 value = 0;
-    get("OutputChannel1", 0, value);
-    get("OutputChannel1", 1250001, value);
-    EXPECT_EQ(calls().size(), timesRecorded());
-}
-
 TEST_F(AttributeFunctions, ANullValueIsReportedBeforeEverythingElse)
 {
     const auto expectNull = [this](ViStatus status, const char* function) {

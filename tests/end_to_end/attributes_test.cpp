@@ -106,18 +106,6 @@ TEST_F(AttributesEndToEnd, TheParallelChannelIsUsableRightAfterTheModeChange)
               (Lines{":SOUR:Mode?", ":SOUR:Mode PARA", ":SOUR6:CURR 6.400000", ":SOUR6:CURR:PROT 6.400000", "*ESR?"}));
 }
 
-TEST_F(AttributesEndToEnd, ABadBehaviorChangesTheModeAndNothingElse)
-{
-    open();
-    newLines();
-    EXPECT_EQ(KVX2800T_SetAttributeViInt32(vi, "OutputChannel5", KVX2800T_ATTR_CURRENT_LIMIT_BEHAVIOR, 2),
-              KVX2800T_ERROR_VALUE_OUT_OF_RANGE);
-    EXPECT_EQ(newLines(), (Lines{":SOUR:Mode?", ":SOUR:Mode SER"}));
-    EXPECT_EQ(recordedError(vi),
-              (RecordedError{KVX2800T_ERROR_VALUE_OUT_OF_RANGE,
-                             "Attribute or function parameter value is invalid (out of range or not supported)."}));
-}
-
 TEST_F(AttributesEndToEnd, AProtectionLevelThatTheInstrumentRefusesIsFoundByStatusChecking)
 {
     open();

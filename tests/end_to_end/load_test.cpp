@@ -25,6 +25,8 @@ TEST(LoadedLibrary, WorksAgainAfterItWasUnloaded)
     }
 }
 
+// What loading can break: each function is found, and takes its arguments in their order.
+
 class LoadedSession : public LoadedDriverTest
 {
 };
@@ -58,39 +60,6 @@ TEST_F(LoadedSession, InitWithOptionsClearsChecksAndResets)
     EXPECT_EQ(newLines(), (Lines{"*IDN?", "*CLS", "*ESR?", "*RST"}));
 }
 
-TEST_F(LoadedSession, BothInitsRefuseANullSessionUnrecorded)
-{
-    std::string resource = instrument.resource();
-    EXPECT_EQ(driver.init(resource.data(), VI_FALSE, VI_FALSE, nullptr), IVI_ERROR_NULL_POINTER);
-    EXPECT_EQ(driver.InitWithOptions(resource.data(), VI_FALSE, VI_FALSE, "", nullptr), IVI_ERROR_NULL_POINTER);
-    EXPECT_EQ(recorded(VI_NULL), (RecordedError{VI_SUCCESS, ""}));
-    EXPECT_EQ(newLines(), Lines{});
-}
-
-TEST_F(LoadedSession, AFailedInitLeavesNoHandleAndItsTextToTheThread)
-{
-    vi = 4711;
-    EXPECT_EQ(init("InterchangeCheck=1"), IVI_ERROR_BAD_OPTION_VALUE);
-    EXPECT_EQ(vi, static_cast<ViSession>(VI_NULL));
-    EXPECT_EQ(recorded(VI_NULL), (RecordedError{IVI_ERROR_BAD_OPTION_VALUE,
-                                                "The 'True' value in the option string is unknown.  Interchange "
-                                                "checking is not supported by the driver."}));
-    EXPECT_EQ(newLines(), Lines{});
-}
-
-TEST_F(LoadedSession, SelfTestIsNotSupported)
-{
-    open();
-    ViInt16 result = 77;
-    std::array<ViChar, 256> message{"as it was"};
-    EXPECT_EQ(driver.self_test(vi, &result, message.data()), IVI_WARN_NSUP_SELF_TEST);
-    EXPECT_EQ(result, 77);
-    EXPECT_STREQ(message.data(), "as it was");
-    expectNullPointerRefused(driver.self_test(vi, nullptr, message.data()), "KVX2800T_self_test", "TestResult");
-    expectNullPointerRefused(driver.self_test(vi, &result, nullptr), "KVX2800T_self_test", "TestMessage");
-    EXPECT_EQ(newLines(), Lines{});
-}
-
 TEST_F(LoadedSession, RevisionQueryTellsWhatInitHasRead)
 {
     open();
@@ -100,40 +69,6 @@ TEST_F(LoadedSession, RevisionQueryTellsWhatInitHasRead)
     EXPECT_STREQ(ofDriver.data(), "1.0.0.0");
     EXPECT_STREQ(ofInstrument.data(), "V1.00");
     EXPECT_EQ(newLines(), Lines{});
-}
-
-TEST_F(LoadedSession, RevisionQueryOfASimulationNamesTheDriversRevision)
-{
-    open("Simulate=1");
-    std::array<ViChar, 256> ofDriver{};
-    std::array<ViChar, 256> ofInstrument{};
-    EXPECT_EQ(driver.revision_query(vi, ofDriver.data(), ofInstrument.data()), VI_SUCCESS);
-    EXPECT_STREQ(ofDriver.data(), "1.0.0.0");
-    EXPECT_STREQ(ofInstrument.data(), "Sim1.0.0.0");
-}
-
-TEST_F(LoadedSession, ErrorMessageGivesTemplates)
-{
-    std::array<ViChar, 256> text{};
-    EXPECT_EQ(driver.error_message(VI_NULL, IVI_ERROR_NULL_POINTER, text.data()), VI_SUCCESS);
-    EXPECT_STREQ(text.data(), "Null pointer passed for function '%s', parameter '%s'.");
-    EXPECT_EQ(driver.error_message(VI_NULL, VI_SUCCESS, text.data()), VI_SUCCESS);
-    EXPECT_STREQ(text.data(), "Success.");
-    EXPECT_EQ(driver.error_message(VI_NULL, IVI_WARN_NSUP_RESET, text.data()), VI_SUCCESS);
-    EXPECT_STREQ(text.data(), "Reset is not supported by this instrument.");
-}
-
-TEST_F(LoadedSession, ErrorMessageOfAnUnknownCodeIsRecordedOnASessionOnly)
-{
-    open();
-    std::array<ViChar, 256> text{"as it was"};
-    EXPECT_EQ(driver.error_message(VI_NULL, 12345, text.data()), IVI_ERROR_INVALID_VALUE);
-    EXPECT_EQ(recorded(VI_NULL), (RecordedError{VI_SUCCESS, ""}));
-    expectRefused(driver.error_message(vi, 12345, text.data()), IVI_ERROR_INVALID_VALUE,
-                  "Invalid value '12345' for function 'error_message', parameter 'ErrorCode'.  The error code supplied "
-                  "is not defined by the driver.");
-    EXPECT_STREQ(text.data(), "as it was");
-    expectNullPointerRefused(driver.error_message(vi, VI_SUCCESS, nullptr), "KVX2800T_error_message", "ErrorMessage");
 }
 
 TEST_F(LoadedSession, ErrorQueryReadsTheInstrumentsQueue)
@@ -146,16 +81,13 @@ TEST_F(LoadedSession, ErrorQueryReadsTheInstrumentsQueue)
     EXPECT_EQ(code, -113);
     EXPECT_STREQ(message.data(), "\"Undefined header\"");
     EXPECT_EQ(newLines(), Lines{":SYSTem:ERRor?"});
-    expectNullPointerRefused(driver.error_query(vi, nullptr, message.data()), "KVX2800T_error_query", "ErrorCode");
-    expectNullPointerRefused(driver.error_query(vi, &code, nullptr), "KVX2800T_error_query", "ErrorMessage");
-    EXPECT_EQ(newLines(), Lines{});
 }
 
 TEST_F(LoadedSession, GetErrorFollowsTheBufferRulesAndClearErrorForgets)
 {
     open();
     EXPECT_EQ(driver.ConfigureVoltageLevel(vi, "OutputChannel3", 99.0), KVX2800T_ERROR_VALUE_OUT_OF_RANGE);
-    const ViInt32 needed = static_cast<ViInt32>(std::string(kOutOfRangeText).size()) + 1;
+    const ViInt32 needed = 82;
     ViStatus code = 0;
     std::array<ViChar, 10> text{};
     EXPECT_EQ(driver.GetError(vi, &code, 0, nullptr), needed);
@@ -193,44 +125,89 @@ TEST_F(LoadedSession, LocksCountAndTheVariableLetsOneUnlockMatchSeveral)
     EXPECT_EQ(newLines(), Lines{});
 }
 
-TEST_F(LoadedSession, NoFunctionTakesAClosedSession)
+TEST_F(LoadedSession, SelfTestWarnsAndWritesNothing)
 {
     open();
-    const ViSession gone = closed();
+    ViInt16 result = 77;
+    std::array<ViChar, 256> message{"as it was"};
+    EXPECT_EQ(driver.self_test(vi, &result, message.data()), IVI_WARN_NSUP_SELF_TEST);
+    EXPECT_EQ(result, 77);
+    EXPECT_STREQ(message.data(), "as it was");
+}
+
+TEST_F(LoadedSession, SettingsSendTheirArguments)
+{
+    open();
+    EXPECT_EQ(driver.ConfigureOutputEnabled(vi, "OutputChannel3", 9), VI_SUCCESS);
+    EXPECT_EQ(driver.ConfigureVoltageLevel(vi, "OutputChannel3", 1.5), VI_SUCCESS);
+    EXPECT_EQ(driver.ConfigureCurrentLimit(vi, "OutputChannel4", KVX2800T_VAL_CURRENT_TRIP, 2.5), VI_SUCCESS);
+    EXPECT_EQ(driver.ConfigureOVP(vi, "OutputChannel3", VI_FALSE, 6.0), VI_SUCCESS);
+    EXPECT_EQ(driver.ConfigureOutputRange(vi, "OutputChannel3", KVX2800T_VAL_RANGE_CURRENT, 10.0), VI_SUCCESS);
+    EXPECT_EQ(driver.ResetOutputProtection(vi, "OutputChannel3"), VI_SUCCESS);
+    EXPECT_EQ(newLines(),
+              (Lines{":OUTP:STAT CH3,ON", ":SOUR3:VOLT 1.500000", ":SOUR4:CURR 2.500000", ":SOUR4:CURR:PROT 2.500000",
+                     ":SOUR4:CURR:PROT:STAT ON", ":SOUR3:VOLT:PROT 6.000000", ":SOUR3:VOLT:PROT:STAT OFF"}));
+}
+
+TEST_F(LoadedSession, QueriesWriteTheirOutput)
+{
+    open();
+    EXPECT_EQ(driver.ConfigureVoltageLevel(vi, "OutputChannel4", 5.25), VI_SUCCESS);
+    newLines();
+    ViReal64 volts = -1.0;
+    ViReal64 amperes = -1.0;
+    ViReal64 measured = -1.0;
+    ViBoolean isIn = 77;
+    std::array<ViChar, 16> name{};
+    EXPECT_EQ(driver.QueryMaxVoltageLevel(vi, "OutputChannel1", 1e9, &volts), VI_SUCCESS);
+    EXPECT_EQ(driver.QueryMaxCurrentLimit(vi, "OutputChannel4", -1e9, &amperes), VI_SUCCESS);
+    EXPECT_EQ(driver.QueryOutputState(vi, "OutputChannel3", KVX2800T_VAL_OUTPUT_CONSTANT_CURRENT, &isIn), VI_SUCCESS);
+    EXPECT_EQ(driver.Measure(vi, "OutputChannel4", KVX2800T_VAL_MEASURE_VOLTAGE, &measured), VI_SUCCESS);
+    EXPECT_EQ(driver.GetChannelName(vi, 6, 16, name.data()), VI_SUCCESS);
+    EXPECT_EQ(volts, 33.0);
+    EXPECT_EQ(amperes, 10.5);
+    EXPECT_EQ(isIn, VI_FALSE);
+    EXPECT_EQ(measured, 5.25);
+    EXPECT_STREQ(name.data(), "OutputChannel6");
+    EXPECT_EQ(newLines(), (Lines{":STATus:QUEStionable:INSTrument:ISUMmary3:CONDition?", ":SOUR4:VOLT?"}));
+}
+
+TEST_F(LoadedSession, AttributesAreSetAndReadByTheFunctionOfTheirType)
+{
+    open();
     const char* const channel = "OutputChannel3";
-    ViInt16 result = 0;
-    ViInt32 number = 0;
-    ViReal64 value = 0.0;
-    ViBoolean state = VI_FALSE;
-    std::array<ViChar, 256> text{};
-    const std::array returned = {
-        driver.close(gone),
-        driver.LockSession(gone, nullptr),
-        driver.UnlockSession(gone, nullptr),
-        driver.GetError(gone, &number, 256, text.data()),
-        driver.ClearError(gone),
-        driver.error_message(gone, 12345, text.data()),
-        driver.error_query(gone, &number, text.data()),
-        driver.reset(gone),
-        driver.ResetWithDefaults(gone),
-        driver.Disable(gone),
-        driver.self_test(gone, &result, text.data()),
-        driver.revision_query(gone, text.data(), text.data()),
-        driver.InvalidateAllAttributes(gone),
-        driver.ConfigureOutputEnabled(gone, channel, VI_TRUE),
-        driver.ConfigureVoltageLevel(gone, channel, 1.0),
-        driver.ConfigureCurrentLimit(gone, channel, KVX2800T_VAL_CURRENT_TRIP, 1.0),
-        driver.ConfigureOVP(gone, channel, VI_TRUE, 1.0),
-        driver.ConfigureOutputRange(gone, channel, KVX2800T_VAL_RANGE_VOLTAGE, 1.0),
-        driver.ResetOutputProtection(gone, channel),
-        driver.QueryMaxCurrentLimit(gone, channel, 0.0, &value),
-        driver.QueryMaxVoltageLevel(gone, channel, 0.0, &value),
-        driver.QueryOutputState(gone, channel, KVX2800T_VAL_OUTPUT_CONSTANT_VOLTAGE, &state),
-        driver.Measure(gone, channel, KVX2800T_VAL_MEASURE_VOLTAGE, &value),
-        driver.GetChannelName(gone, 1, 256, text.data()),
-    };
-    for (std::size_t i = 0; i < returned.size(); ++i)
-        EXPECT_EQ(returned[i], KVX2800T_ERROR_INVALID_SESSION_HANDLE) << i;
+    EXPECT_EQ(driver.SetAttributeViReal64(vi, channel, KVX2800T_ATTR_VOLTAGE_LEVEL, 2.5), VI_SUCCESS);
+    EXPECT_EQ(driver.SetAttributeViInt32(vi, channel, KVX2800T_ATTR_CURRENT_LIMIT_BEHAVIOR, KVX2800T_VAL_CURRENT_TRIP),
+              VI_SUCCESS);
+    EXPECT_EQ(driver.SetAttributeViBoolean(vi, channel, KVX2800T_ATTR_OVP_ENABLED, VI_TRUE), VI_SUCCESS);
+    EXPECT_EQ(newLines(), (Lines{":SOUR3:VOLT 2.500000", ":SOUR3:CURR:PROT:STAT ON", ":SOUR3:VOLT:PROT:STAT ON"}));
+    ViReal64 volts = -1.0;
+    ViInt32 behavior = -1;
+    ViBoolean protection = 77;
+    std::array<ViChar, 6> model{};
+    EXPECT_EQ(driver.GetAttributeViReal64(vi, channel, KVX2800T_ATTR_VOLTAGE_LEVEL, &volts), VI_SUCCESS);
+    EXPECT_EQ(driver.GetAttributeViInt32(vi, channel, KVX2800T_ATTR_CURRENT_LIMIT_BEHAVIOR, &behavior), VI_SUCCESS);
+    EXPECT_EQ(driver.GetAttributeViBoolean(vi, channel, KVX2800T_ATTR_OVP_ENABLED, &protection), VI_SUCCESS);
+    EXPECT_EQ(driver.GetAttributeViString(vi, "", KVX2800T_ATTR_INSTRUMENT_MODEL, 5, model.data()), 4096);
+    EXPECT_EQ(volts, 2.5);
+    EXPECT_EQ(behavior, KVX2800T_VAL_CURRENT_TRIP);
+    EXPECT_EQ(protection, VI_TRUE);
+    EXPECT_STREQ(model.data(), "KVX2");
+}
+
+TEST_F(LoadedSession, TheFunctionsOfTypesWithoutASettableAttributeRefuseTheirs)
+{
+    open();
+    ViSession session = 77;
+    const ViAttr level = KVX2800T_ATTR_VOLTAGE_LEVEL;
+    const std::string ofType = " called for attribute 'KVX2800T_ATTR_VOLTAGE_LEVEL' of type 'ViReal64'.";
+    EXPECT_EQ(driver.GetAttributeViSession(vi, "", level, &session), IVI_ERROR_TYPES_DO_NOT_MATCH);
+    EXPECT_EQ(recorded(vi), (RecordedError{IVI_ERROR_TYPES_DO_NOT_MATCH, "GetAttributeViSession" + ofType}));
+    EXPECT_EQ(driver.SetAttributeViSession(vi, "", level, 1), IVI_ERROR_TYPES_DO_NOT_MATCH);
+    EXPECT_EQ(recorded(vi), (RecordedError{IVI_ERROR_TYPES_DO_NOT_MATCH, "SetAttributeViSession" + ofType}));
+    EXPECT_EQ(driver.SetAttributeViString(vi, "", level, "text"), IVI_ERROR_TYPES_DO_NOT_MATCH);
+    EXPECT_EQ(recorded(vi), (RecordedError{IVI_ERROR_TYPES_DO_NOT_MATCH, "SetAttributeViString" + ofType}));
+    EXPECT_EQ(session, 77U);
     EXPECT_EQ(newLines(), Lines{});
 }
 

@@ -68,10 +68,7 @@ struct LoadedDriver
 class LoadedDriverTest : public testing::Test
 {
 public:
-    explicit LoadedDriverTest(const Lines& instrumentOptions = {}) : instrument(instrumentOptions)
-    {
-        driver.ClearError(VI_NULL);
-    }
+    LoadedDriverTest() { driver.ClearError(VI_NULL); }
     LoadedDriverTest(const LoadedDriverTest&) = delete;
     LoadedDriverTest& operator=(const LoadedDriverTest&) = delete;
     ~LoadedDriverTest() override
@@ -93,15 +90,6 @@ public:
         newLines();
     }
 
-    /// Closes the session; the handle stays, for calls that are to be refused.
-    ViSession closed()
-    {
-        const ViSession handle = vi;
-        EXPECT_EQ(driver.close(handle), VI_SUCCESS);
-        vi = VI_NULL;
-        return handle;
-    }
-
     /// Reads, and clears, what is recorded on a session or on VI_NULL.
     RecordedError recorded(ViSession session) const
     {
@@ -112,19 +100,6 @@ public:
         return error;
     }
 
-    /// Expects that a call on the session has been refused with this status and record.
-    void expectRefused(ViStatus returned, ViStatus expected, const std::string& text) const
-    {
-        EXPECT_EQ(returned, expected);
-        EXPECT_EQ(recorded(vi), (RecordedError{expected, text}));
-    }
-
-    void expectNullPointerRefused(ViStatus returned, const std::string& function, const std::string& parameter) const
-    {
-        expectRefused(returned, IVI_ERROR_NULL_POINTER,
-                      "Null pointer passed for function '" + function + "', parameter '" + parameter + "'.");
-    }
-
     /// What the instrument has received since the last call.
     Lines newLines()
     {
@@ -132,9 +107,6 @@ public:
         instrument.clearLog();
         return lines;
     }
-
-    static constexpr const char* kOutOfRangeText =
-        "Attribute or function parameter value is invalid (out of range or not supported).";
 
     const LoadedDriver driver;
     VirtualInstrumentProcess instrument;
