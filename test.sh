@@ -38,7 +38,7 @@ run_tests() {
 count_cases() {
     awk '/^\[  PASSED  \] / { passed += $4 } /^\[  SKIPPED \] [0-9]+ test/ { skipped += $4 }
          /^\[  FAILED  \] [0-9]+ test/ { failed += $4 }
-         END { printf "%d cases passed, %d failed, %d skipped", passed, failed, skipped }' "$1"
+         END { printf "cases: %d passed, %d failed, %d skipped", passed, failed, skipped }' "$1"
 }
 
 sources() { git ls-files '*.h' '*.hpp' '*.c' '*.cpp'; }
