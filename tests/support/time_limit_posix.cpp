@@ -6,7 +6,7 @@
 
 void kvxtest::restartTimeLimit(void (*handler)(int signal))
 {
-    constexpr unsigned kSeconds = 120;
+    constexpr unsigned kSeconds = 300;
     std::signal(SIGALRM, handler);
     ::alarm(kSeconds);
 }
