@@ -65,11 +65,6 @@ bool VirtualNames::append(std::string_view token, std::string& text) const
     return isName;
 }
 
-void VirtualNames::clear()
-{
-    *this = VirtualNames();
-}
-
 /// Every split of the token into a name and an index is tried: "Rail12" may be "Rail" and 12, or "Rail1" and 2.
 VirtualNames::RangeMatch VirtualNames::findRange(std::string_view token) const
 {

@@ -28,7 +28,6 @@ public:
     bool append(std::string_view token, std::string& text) const;
 
     bool empty() const { return names_.empty() && ranges_.empty(); }
-    void clear();
 
 private:
     struct Name
