@@ -4,7 +4,8 @@
 #   ./test.sh --all   also the format, the manual, clang-tidy, the tests under AddressSanitizer with
 #                     UndefinedBehaviorSanitizer and under ThreadSanitizer, a short run of the fuzzers, and the builds for
 #                     Windows with their tests under Wine
-#   ./test.sh --long  what takes too long for every change: clang-tidy over the tests, a long run of the fuzzers
+#   ./test.sh --long  what takes too long for every change: clang-tidy over the tests, the driver broken one line at a time
+#                     (tests/mutants), a long run of the fuzzers
 set -eu
 cd "$(dirname "$0")"
 . ./cmake/scripts.sh
@@ -72,6 +73,11 @@ fuzz() {
     ls build/fuzz/bin/fuzz_* | xargs -P "$(nproc)" -I {} fuzz/run.sh {} "$1"
 }
 
+try_faults() {
+    step "Breaking the driver line by line"
+    tests/mutants/run.sh
+}
+
 test_windows() {
     wine_prefix=$(mktemp -d)
     export WINEPREFIX="$wine_prefix"
@@ -102,6 +108,7 @@ case "${1-}" in
     install_packages build test check
     build release
     check_tidy '^tests/'
+    try_faults
     fuzz 1000000
     ;;
 *) fail "usage: ./test.sh [--all | --long]" ;;
