@@ -873,4 +873,6 @@ ViStatus _VI_FUNC KVX2800T_SetAttributeViString(ViSession Vi, ViConstString RepC
 }
 #endif
 
+#include "KVX2800TInstrument.h"
+
 #endif

@@ -5,10 +5,12 @@
 namespace base
 {
 
+inline constexpr const char* kInvalidKey = "invalid map<K, T> key";
+
 /// A value or a channel that its table does not hold.
 [[noreturn]] inline void throwInvalidKey()
 {
-    throw std::out_of_range("invalid map<K, T> key");
+    throw std::out_of_range(kInvalidKey);
 }
 
 /// A field that a reply is too short for.

@@ -44,9 +44,18 @@ kvx_add_layer(api
     api/arguments.cpp
     api/attribute_functions.cpp
     api/attribute_table.cpp
+    api/channel_functions.cpp
+    api/delay_functions.cpp
+    api/direct_io_functions.cpp
+    api/guarded_frame.cpp
+    api/inherent_functions.cpp
+    api/list_functions.cpp
+    api/measurement_functions.cpp
     api/output_functions.cpp
     api/query_functions.cpp
-    api/session_functions.cpp)
+    api/session_functions.cpp
+    api/source_functions.cpp
+    api/status_functions.cpp)
 set(KVX_LAYERS kvx_base kvx_io kvx_instrument kvx_simulator kvx_runtime kvx_api)
 list(TRANSFORM KVX_LAYERS REPLACE "(.+)" "$<TARGET_OBJECTS:\\1>" OUTPUT_VARIABLE driver_objects)
 

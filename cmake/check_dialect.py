@@ -8,7 +8,7 @@ import pathlib
 import re
 import sys
 
-FOR_USERS = re.compile(r"api/KVX2800T\.h|\w+/include/.*|examples/.*|tests/api/header/.*")
+FOR_USERS = re.compile(r"api/KVX2800T\w*\.h|\w+/include/.*|examples/.*|tests/api/header/.*")
 
 RULES = (
     (r"template <[^;{\n]*\btypename \w+[,>= ]", "template parameters are a class"),

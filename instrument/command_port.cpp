@@ -109,6 +109,16 @@ ViStatus CommandPort::query(std::string_view command, std::string& reply)
     return status < 0 ? status : connection->read(reply);
 }
 
+ViStatus CommandPort::readMessage(std::span<ViByte> buffer, std::size_t& count)
+{
+    count = 0;
+    const auto connection = holder_.connection;
+    if (!connection)
+        return VI_ERROR_INV_OBJECT;
+    const ViStatus status = connection->readMessage(buffer, count);
+    return status == VI_SUCCESS_MAX_CNT ? base::kWarnArrayTruncated : status;
+}
+
 ViStatus CommandPort::send(const Header& header)
 {
     line_.clear();

@@ -5,6 +5,8 @@
 #include "instrument/reply_parsing.h"
 #include "io/visa_io.h"
 
+#include <cstddef>
+#include <span>
 #include <string>
 #include <string_view>
 #include <type_traits>
@@ -83,6 +85,10 @@ public:
     /// As write(), then one read. `reply` changes only when bytes arrived.
     ViStatus query(std::string_view command, std::string& reply);
 
+    /// One whole message as it came; base::kWarnArrayTruncated when the rest of it has been dropped, otherwise as
+    /// write(). `count` tells the bytes in the buffer.
+    ViStatus readMessage(std::span<ViByte> buffer, std::size_t& count);
+
     /// The header alone.
     ViStatus send(const Header& header);
 
@@ -114,6 +120,9 @@ public:
         appendArguments(line_, argument);
         return queryLine(values...);
     }
+
+    /// What the last exchange of get() and getFor() has brought.
+    std::string_view lastReply() const { return reply_; }
 
 private:
     ViStatus sendLine();

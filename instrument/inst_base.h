@@ -1,12 +1,16 @@
 #pragma once
 
 #include "base/option_grammar.h"
+#include "base/status_codes.h"
 #include "instrument/channel_limits.h"
 #include "instrument/enumerations.h"
 #include "instrument/identity.h"
 
+#include <cstddef>
 #include <memory>
+#include <span>
 #include <string>
+#include <string_view>
 #include <utility>
 
 namespace TSRO
@@ -281,6 +285,24 @@ public:
 
     virtual ViStatus setTriggerInputEnabled(ViInt32 channel, bool enabled) = 0;
     virtual ViStatus triggerInputEnabled(ViInt32 channel, bool& enabled) = 0;
+
+    // For messages that no operation has, and for who asks what went wrong. The simulator has none of these.
+
+    /// The reply that the last query has read, "" when nothing came. A view of what the next query replaces.
+    virtual std::string_view lastReply() const { return {}; }
+
+    /// Sends a message, ended by the termination character unless it ends with it already. Reports the connection's own
+    /// status.
+    virtual ViStatus writeMessage(std::string_view /*message*/) { return base::kErrorOperationNotSupported; }
+
+    /// Reads one whole message as it came, termination character included. Of one that is longer than the buffer the
+    /// rest is read and dropped, and base::kWarnArrayTruncated returned; otherwise the connection's own status.
+    /// `count` tells the bytes in the buffer, also after a failure.
+    virtual ViStatus readMessage(std::span<ViByte> /*buffer*/, std::size_t& count)
+    {
+        count = 0;
+        return base::kErrorOperationNotSupported;
+    }
 
     /// The instrument's own copy of the options, as open() found them in the option string.
     const InstrumentOptions& options() const { return options_; }

@@ -173,6 +173,13 @@ public:
     ViStatus setTriggerInputEnabled(ViInt32 channel, bool enabled) override;
     ViStatus triggerInputEnabled(ViInt32 channel, bool& enabled) override;
 
+    std::string_view lastReply() const override { return port_.lastReply(); }
+    ViStatus writeMessage(std::string_view message) override { return port_.write(message); }
+    ViStatus readMessage(std::span<ViByte> buffer, std::size_t& count) override
+    {
+        return port_.readMessage(buffer, count);
+    }
+
 private:
     ViStatus identify();
 

@@ -1,5 +1,9 @@
 #include "io/visa_io.h"
 
+#include <algorithm>
+#include <chrono>
+#include <limits>
+
 namespace InstLink
 {
 namespace
@@ -55,6 +59,32 @@ ViStatus VisaIO::read(std::string& reply)
     if (stripTermChar_ && reply.back() == static_cast<char>(termChar_))
         reply.pop_back();
     return status;
+}
+
+ViStatus VisaIO::readMessage(std::span<ViByte> buffer, std::size_t& count)
+{
+    count = 0;
+    if (!isOpen())
+        return VI_ERROR_INV_OBJECT;
+    const std::size_t size = std::min<std::size_t>(buffer.size(), std::numeric_limits<ViUInt32>::max());
+    ViUInt32 received = 0;
+    const ViStatus status = viRead(session_, buffer.data(), static_cast<ViUInt32>(size), &received);
+    count = received;
+    return status == VI_SUCCESS_MAX_CNT ? dropRest() : status;
+}
+
+/// Reads on to the end of a message. An instrument that never ends one must not hold its caller for ever.
+ViStatus VisaIO::dropRest()
+{
+    const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(timeoutMs_);
+    ViStatus status = VI_SUCCESS_MAX_CNT;
+    while (status == VI_SUCCESS_MAX_CNT) {
+        if (std::chrono::steady_clock::now() > end)
+            return VI_ERROR_TMO;
+        ViUInt32 received = 0;
+        status = viRead(session_, readBuffer_.data(), static_cast<ViUInt32>(readBuffer_.size()), &received);
+    }
+    return status < 0 ? status : VI_SUCCESS_MAX_CNT;
 }
 
 ViStatus VisaIO::close()

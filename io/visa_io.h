@@ -4,8 +4,10 @@
 
 #include <visa.h>
 
+#include <cstddef>
 #include <initializer_list>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -55,6 +57,11 @@ public:
     /// has left stays with the instrument for the next read.
     ViStatus read(std::string& reply) override;
 
+    /// Reads one whole message as it came, termination character included. Of one that is longer than the buffer the
+    /// rest is read and dropped, for as long as one time-out, and VI_SUCCESS_MAX_CNT returned. `count` tells the bytes
+    /// in the buffer, also after a failure.
+    ViStatus readMessage(std::span<ViByte> buffer, std::size_t& count);
+
     /// A negative status keeps the sessions.
     ViStatus close() override;
 
@@ -103,6 +110,8 @@ protected:
     ViUInt32 writeBufferSize() const { return writeBufferSize_; }
 
 private:
+    ViStatus dropRest();
+
     std::string resourceName_;
     ViUInt8 termChar_ = '\n';
     bool termCharEnabled_ = true;

@@ -8,7 +8,7 @@
 #include <string_view>
 
 /// Status codes to messages, and the reporters that record them on an IVI session. The table, in error_messages.cpp,
-/// and the eleven texts beside it are constant: any thread may read them, with or without a session.
+/// and the texts beside it are constant: any thread may read them, with or without a session.
 namespace drivekit
 {
 
@@ -25,7 +25,15 @@ inline constexpr std::string_view kNoInstrument =
     "Insufficient location information or resource not present in the system";
 inline constexpr std::string_view kRepeatedDriverSetup = "DriverSetup option '%s' appears more than once.";
 inline constexpr std::string_view kRepeatedInherentOption = "Inherent option '%s' appears more than once.";
+inline constexpr std::string_view kUnreadReply = "The reply was '%s'.";
+inline constexpr std::string_view kNotFinite = "%s is no finite number.";
+inline constexpr std::string_view kNoMember = "%s is none of the values.";
+inline constexpr std::string_view kLevelBeyondLimits = "%s%s takes %s %s to %s %s, not %s %s.";
+inline constexpr std::string_view kThrown = "%s";
 } // namespace elaborations
+
+/// The text of a status of VISA, which the table has none for.
+inline constexpr std::string_view kTransferFailed = "The transfer has failed with VISA's status %s.";
 
 /// The texts that take the place of the table's, for what is wrong with a selector.
 namespace selector_texts
@@ -61,6 +69,24 @@ public:
 private:
     std::array<char, 24> text_{};
     std::size_t length_ = 0;
+};
+
+/// A status as a message argument: "0xBFFF0015".
+class HexadecimalArgument
+{
+public:
+    explicit HexadecimalArgument(ViStatus status)
+    {
+        constexpr std::string_view kDigits = "0123456789ABCDEF";
+        auto bits = static_cast<ViUInt32>(status);
+        for (std::size_t place = text_.size() - 1; place >= 2; --place, bits >>= 4U)
+            text_[place] = kDigits[bits & 0xFU];
+    }
+
+    operator std::string_view() const { return {text_.data(), text_.size()}; } // NOLINT(google-explicit-constructor)
+
+private:
+    std::array<char, 10> text_{'0', 'x'};
 };
 
 /// Records `code` with its message as the error of `vi` (VI_NULL: of the calling thread). A description has at most

@@ -29,13 +29,16 @@ std::optional<TSRO::SourceMode> requiredMode(ViInt32 channel)
 ViStatus ensureSourceMode(TSRO::InstBase& instrument, ViInt32 channel)
 {
     const auto required = requiredMode(channel);
-    if (!required)
-        return VI_SUCCESS;
+    return required ? changeSourceMode(instrument, *required) : VI_SUCCESS;
+}
+
+ViStatus changeSourceMode(TSRO::InstBase& instrument, TSRO::SourceMode required)
+{
     auto mode = TSRO::SourceMode::Normal;
     ViStatus status = instrument.sourceMode(mode);
-    if (status != VI_SUCCESS || mode == *required)
+    if (status != VI_SUCCESS || mode == required)
         return status;
-    status = instrument.setSourceMode(*required);
+    status = instrument.setSourceMode(required);
     if (status == VI_SUCCESS)
         busyWait(kTicksPerSecond);
     return status;

@@ -10,4 +10,7 @@ namespace drivekit
 /// outputs need. Returns the status of the operation that failed, or of the last one; records nothing.
 ViStatus ensureSourceMode(TSRO::InstBase& instrument, ViInt32 channel);
 
+/// As ensureSourceMode, for a mode by itself.
+ViStatus changeSourceMode(TSRO::InstBase& instrument, TSRO::SourceMode required);
+
 } // namespace drivekit

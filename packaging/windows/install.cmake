@@ -10,7 +10,7 @@ set(import_libraries ${CMAKE_ARCHIVE_OUTPUT_DIRECTORY})
 set(own_folder Drivers/KVX2800T)
 
 install(TARGETS KVX2800T RUNTIME DESTINATION Bin)
-install(FILES ${PROJECT_SOURCE_DIR}/api/KVX2800T.h DESTINATION Include)
+install(FILES ${PROJECT_SOURCE_DIR}/api/KVX2800T.h ${PROJECT_SOURCE_DIR}/api/KVX2800TInstrument.h DESTINATION Include)
 install(FILES ${import_libraries}/KVX2800T.lib ${import_libraries}/KVX2800T.def DESTINATION ${libraries}/msc)
 install(FILES $<TARGET_LINKER_FILE:KVX2800T> DESTINATION ${libraries}/mingw RENAME libKVX2800T.dll.a)
 

@@ -1,7 +1,7 @@
 #!/usr/bin/python3
 """What the driver's DLL and its import libraries show to the outside, read from the files by binutils.
 
-Environment: OBJDUMP, NM, DLL, HEADER, EXPORTS; separated by semicolons, IMPORT_LIBRARIES and the PROGRAMS linked with
+Environment: OBJDUMP, NM, DLL, HEADER, INSTRUMENT_HEADER, EXPORTS; separated by semicolons, IMPORT_LIBRARIES and the PROGRAMS linked with
 them.
 """
 
@@ -11,7 +11,7 @@ import subprocess
 import unittest
 
 SYSTEM_LIBRARIES = {"KERNEL32.dll", "msvcrt.dll"}
-EXPORT_COUNT = 36
+EXPORT_COUNT = 169
 
 
 def output(*command):
@@ -33,15 +33,16 @@ class Dll(unittest.TestCase):
         cls.decorated = dict(re.findall(r" T _(KVX2800T_\w+)@(\d+)$", symbols, re.M))
         cls.declared = {
             name: parameters.split(",")
-            for name, parameters in re.findall(r"_VI_FUNC\s+(KVX2800T_\w+)\s*\(([^;]*)\);", content("HEADER"))}
+            for name, parameters in re.findall(r"_VI_FUNC\s+(KVX2800T_\w+)\s*\(([^;]*)\);",
+                                               content("HEADER") + content("INSTRUMENT_HEADER"))}
 
     def exported(self):
         table = self.headers.split("[Ordinal/Name Pointer] Table")[1]
         return re.findall(r"^\t\[ *\d+\] (\S+)$", table.split("\n\n")[0], re.M)
 
     def parameter_bytes(self, name):
-        """What the callee takes off the stack: a ViReal64 by value has two words, everything else one."""
-        return sum(8 if re.match(r"\s*ViReal64 \w+$", parameter) else 4 for parameter in self.declared[name])
+        """What the callee takes off the stack: numbers of 64 bits by value have two words, everything else one."""
+        return sum(8 if re.match(r"\s*Vi(?:Real|Int)64 \w+$", parameter) else 4 for parameter in self.declared[name])
 
     def test_exports_the_functions_of_the_header_undecorated_and_nothing_else(self):
         self.assertEqual(self.exported(), sorted(self.declared))

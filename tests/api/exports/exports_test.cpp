@@ -50,9 +50,14 @@ Names exportedSymbols()
     return allMatches(outputOf("nm -D --defined-only --no-demangle '" KVX_LIBRARY "'"), R"([0-9a-f]+ \w (\S+))");
 }
 
+std::string headers()
+{
+    return contentOf(KVX_HEADER) + contentOf(KVX_INSTRUMENT_HEADER);
+}
+
 Names declaredFunctions()
 {
-    return allMatches(contentOf(KVX_HEADER), R"(_VI_FUNC\s+(KVX2800T_\w+)\s*\()");
+    return allMatches(headers(), R"(_VI_FUNC\s+(KVX2800T_\w+)\s*\()");
 }
 
 Names listedFunctions()
@@ -73,7 +78,7 @@ TEST(Exports, TheListOfExportsIsWhatTheHeaderDeclares)
 
 TEST(Exports, EveryDeclarationHasTheStandardsCallingConvention)
 {
-    EXPECT_EQ(allMatches(contentOf(KVX_HEADER), R"((?:^|\n)ViStatus[^\n;]*?(KVX2800T_\w+)\s*\()"), declaredFunctions());
+    EXPECT_EQ(allMatches(headers(), R"((?:^|\n)ViStatus[^\n;]*?(KVX2800T_\w+)\s*\()"), declaredFunctions());
 }
 
 TEST(Exports, TheLibraryNeedsTheRuntimeAndThePlatformOnly)

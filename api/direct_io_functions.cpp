@@ -1,0 +1,80 @@
+#include "api/KVX2800T.h"
+#include "api/guarded_frame.h"
+
+namespace
+{
+
+/// Records a size that a function cannot use.
+ViStatus reportSize(drivekit::DriverSession& session, ViInt64 size, std::string_view function,
+                    std::string_view parameter)
+{
+    return session.ReportError(base::kErrorInvalidValue, {drivekit::DecimalArgument(size), function, parameter});
+}
+
+/// VISA's completion codes end here; its errors keep their code, for which the driver has no message of its own.
+ViStatus recordTransfer(drivekit::DriverSession& session, ViStatus status)
+{
+    if (status == base::kErrorOperationNotSupported)
+        return session.ReportError(status);
+    if (status < 0)
+        return session.ReportErrorText(status, drivekit::kTransferFailed,
+                                       {drivekit::HexadecimalArgument(status)});
+    return status == base::kWarnArrayTruncated ? status : VI_SUCCESS;
+}
+
+} // namespace
+
+ViStatus _VI_FUNC KVX2800T_viRead(ViSession DriverSession, ViInt64 BufferSize, ViByte Buffer[], ViInt64* ReturnCount)
+{
+    const std::string_view function = __func__;
+    return api::guardedSession(DriverSession, [&](drivekit::DriverSession& session) {
+        ViStatus status = api::checkPointers(DriverSession, function, "Buffer, ReturnCount", Buffer, ReturnCount);
+        if (status < 0)
+            return status;
+        *ReturnCount = 0;
+        if (BufferSize < 1)
+            return reportSize(session, BufferSize, "viRead", "BufferSize");
+        std::size_t count = 0;
+        status = session.instrument()->readMessage({Buffer, static_cast<std::size_t>(BufferSize)}, count);
+        *ReturnCount = static_cast<ViInt64>(count);
+        return recordTransfer(session, status);
+    });
+}
+
+ViStatus _VI_FUNC KVX2800T_viWrite(ViSession DriverSession, ViByte Buffer[], ViInt64 Count, ViInt64* ReturnCount)
+{
+    const std::string_view function = __func__;
+    return api::guardedSession(DriverSession, [&](drivekit::DriverSession& session) {
+        ViStatus status = api::checkPointers(DriverSession, function, "Buffer, ReturnCount", Buffer, ReturnCount);
+        if (status < 0)
+            return status;
+        *ReturnCount = 0;
+        if (Count < 0)
+            return reportSize(session, Count, "viWrite", "Count");
+        const auto size = static_cast<std::size_t>(Count);
+        status = session.instrument()->writeMessage({reinterpret_cast<const char*>(Buffer), size});
+        if (status >= 0)
+            *ReturnCount = Count;
+        return recordTransfer(session, status);
+    });
+}
+
+ViStatus _VI_FUNC KVX2800T_GetIoTimeout(ViSession vi, ViInt32* milliseconds)
+{
+    const std::string_view function = __func__;
+    return api::guardedSession(vi, [&](drivekit::DriverSession& session) {
+        const ViStatus status = api::checkPointers(vi, function, "Milliseconds", milliseconds);
+        if (status >= 0)
+            *milliseconds = session.instrument()->ioTimeout();
+        return status;
+    });
+}
+
+ViStatus _VI_FUNC KVX2800T_SetIoTimeout(ViSession vi, ViInt32 milliseconds)
+{
+    return api::guardedSession(vi, [milliseconds](drivekit::DriverSession& session) {
+        if (milliseconds < 0)
+            return session.ReportError(base::kErrorValueOutOfRange);
+        return api::recordFailure(session, session.instrument()->setIoTimeout(milliseconds));
+    });
+}
