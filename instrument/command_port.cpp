@@ -72,7 +72,7 @@ ViStatus CommandPort::close()
     if (status < 0)
         return status;
     holder_.connection.reset();
-    return VI_SUCCESS;
+    return status;
 }
 
 bool CommandPort::isOpen() const

@@ -22,7 +22,8 @@ public:
     /// identification fails. An identification reply that has not exactly four fields leaves the identity as it was.
     ViStatus open(const std::string& resource, const std::string& options) override;
 
-    /// The connection's own status when it refuses to close, VI_ERROR_INV_OBJECT when there is none.
+    /// The connection's own status, a warning included; VI_ERROR_INV_OBJECT when there is none. A negative one keeps
+    /// it.
     ViStatus close() override;
     bool isOpen() override;
     ViStatus writeRaw(const std::string& command) override;

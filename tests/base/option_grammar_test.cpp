@@ -144,6 +144,16 @@ TEST(InherentOptions, AreSixFlags)
         EXPECT_EQ(base::inherentOption(name), nullptr) << name;
 }
 
+TEST(InherentOptions, AreOffButForTheCacheAndTheRangeCheck)
+{
+    EXPECT_TRUE(base::kDefaultOptions.cache);
+    EXPECT_TRUE(base::kDefaultOptions.rangeCheck);
+    EXPECT_FALSE(base::kDefaultOptions.interchangeCheck);
+    EXPECT_FALSE(base::kDefaultOptions.queryInstrumentStatus);
+    EXPECT_FALSE(base::kDefaultOptions.recordCoercions);
+    EXPECT_FALSE(base::kDefaultOptions.simulate);
+}
+
 TEST(InherentOptions, AreTrueOrFalseByThreeWordsEach)
 {
     for (const char* word : {"true", "vi_true", "1"})
@@ -162,6 +172,11 @@ TEST(LowerCased, ChangesLettersOfAsciiOnly)
 }
 
 // ---- DriverSetup
+
+TEST(DriverSetup, NamesTheModelByTheKeyModel)
+{
+    EXPECT_EQ(base::kModelKey, "Model");
+}
 
 TEST(DriverSetup, HasPairsWithEitherSign)
 {

@@ -469,7 +469,7 @@ TEST_F(CommandPortTest, CloseLetsGoOfTheConnection)
 TEST_F(CommandPortTest, CloseWithAWarningLetsGoOfTheConnection)
 {
     connection->closeStatus = kWarning;
-    EXPECT_GE(port.close(), 0);
+    EXPECT_EQ(port.close(), kWarning);
     EXPECT_EQ(connection.use_count(), 1);
     EXPECT_EQ(port.close(), kNoConnection);
 }
@@ -519,6 +519,17 @@ TEST_F(CommandPortTest, StoresTheTimeoutForTheNextConnection)
     EXPECT_EQ(unconnected.setIoTimeout(5000), 0);
     EXPECT_EQ(unconnected.ioTimeout(), 5000);
     EXPECT_THAT(kvxtest::calls(), IsEmpty());
+}
+
+TEST_F(CommandPortTest, HasTheTimeoutOfTheNextConnectionOnceItIsClosed)
+{
+    connection->open = false;
+    ASSERT_EQ(port.setIoTimeout(5000), 0);
+    ASSERT_EQ(port.close(), 0);
+    EXPECT_EQ(port.ioTimeout(), 2000);
+    EXPECT_EQ(port.setIoTimeout(7000), 0);
+    EXPECT_EQ(port.ioTimeout(), 7000);
+    EXPECT_EQ(connection->timeout(), 5000);
 }
 
 TEST_F(CommandPortTest, StoresTheTimeoutInAConnectionThatIsNotOpen)

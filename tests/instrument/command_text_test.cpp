@@ -129,6 +129,9 @@ TEST(SourceHeader, StaysEmptyWhenItIsEmpty)
 
 TEST(SourceHeader, SpellsAnyChannelNumberInDecimal)
 {
+    EXPECT_EQ(text(Header::ofSource(":SOUR:VOLT", 0)), ":SOUR0:VOLT");
+    EXPECT_EQ(text(Header::ofSource(":SOUR:VOLT", 9)), ":SOUR9:VOLT");
+    EXPECT_EQ(text(Header::ofSource(":SOUR:VOLT", 10)), ":SOUR10:VOLT");
     EXPECT_EQ(text(Header::ofSource(":SOUR:VOLT", 12)), ":SOUR12:VOLT");
     EXPECT_EQ(text(Header::ofSource(":SOUR:VOLT", -1)), ":SOUR-1:VOLT");
     EXPECT_EQ(text(Header::ofSource(":SOUR:VOLT", std::numeric_limits<ViInt32>::min())), ":SOUR-2147483648:VOLT");
@@ -168,6 +171,14 @@ TEST(SuffixedHeader, HasTheChannelInThePlaceOfTheBraces)
     EXPECT_EQ(text(Header::withSuffix(":STATus:QUEStionable:INSTrument:ISUMmary{}:CONDition?", 2)),
               ":STATus:QUEStionable:INSTrument:ISUMmary2:CONDition?");
     EXPECT_EQ(text(Header::withSuffix("{}", 6)), "6");
+    EXPECT_EQ(text(Header::withSuffix(":ISUM{}:COND{}", 6)), ":ISUM6:COND{}");
+    EXPECT_EQ(text(Header::withSuffix(":ISUM{}", 10)), ":ISUM10");
+}
+
+TEST(SuffixedHeader, StandsAsItIsWithoutBraces)
+{
+    EXPECT_EQ(text(Header::withSuffix(":ISUM:COND?", 2)), ":ISUM:COND?");
+    EXPECT_EQ(text(Header::withSuffix("", 2)), "");
 }
 
 // ---- Arguments

@@ -1,9 +1,12 @@
 #include "instrument/kvx2800t.h"
 
 #include "tests/support/fakes/platform_fakes.h"
+#include "tests/support/thrown.h"
 
 #include <memory>
+#include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <gmock/gmock.h>
@@ -12,6 +15,7 @@ namespace
 {
 
 using kvxtest::calls;
+using kvxtest::throwsExactly;
 using testing::AllOf;
 using testing::Contains;
 using testing::ElementsAre;
@@ -143,6 +147,16 @@ TEST_F(InstrumentOnVisa, CloseClosesTheResourceManagersSessionOnce)
     EXPECT_FALSE(instrument.isOpen());
 }
 
+TEST_F(InstrumentOnVisa, CloseReturnsVisasWarningAndEndsTheConnection)
+{
+    ASSERT_EQ(instrument.open(kResource, ""), 0);
+    kvxtest::failCall("viClose", kWarning);
+    EXPECT_EQ(instrument.close(), kWarning);
+    EXPECT_FALSE(instrument.isOpen());
+    EXPECT_EQ(instrument.close(), kNoConnection);
+    EXPECT_EQ(kvxtest::openVisaSessions(), 0U);
+}
+
 TEST_F(InstrumentOnVisa, CloseThatFailsKeepsTheConnection)
 {
     ASSERT_EQ(instrument.open(kResource, ""), 0);
@@ -201,6 +215,14 @@ TEST_F(InstrumentOnVisa, IdentificationFieldsStandAsTheyAre)
     EXPECT_THAT(identityFields(), ElementsAre(" a ", " b", "", "V1.00\r"));
 }
 
+TEST_F(InstrumentOnVisa, AnIdentificationOfThreeCommasEmptiesTheIdentity)
+{
+    ASSERT_EQ(instrument.open(kResource, ""), 0);
+    kvxtest::answer("*IDN?", ",,,");
+    EXPECT_EQ(instrument.open(kResource, ""), 0);
+    EXPECT_THAT(identityFields(), ElementsAre("", "", "", ""));
+}
+
 TEST_F(InstrumentOnVisa, EveryHolderOfTheIdentitySeesALaterRefresh)
 {
     const auto held = instrument.identity();
@@ -245,6 +267,72 @@ TEST_F(InstrumentOnVisa, AReplyThatFillsTheBufferIsCutThere)
     EXPECT_EQ(rest, 5.0);
 }
 
+/// As many bytes as the buffer takes.
+std::string filledTo1024(const std::string& beginning, char filler, const std::string& end)
+{
+    return beginning + std::string(1024 - beginning.size() - end.size(), filler) + end;
+}
+
+TEST_F(InstrumentOnVisa, AReplyOfSeveralFieldsIsCutWithinItsLastField)
+{
+    ASSERT_EQ(instrument.open(kResource, ""), 0);
+    kvxtest::queueReply(filledTo1024("5.5,1.25,", '0', "12") + ".5\n");
+    double volts = -1.0;
+    double amperes = -2.0;
+    double watts = -3.0;
+    EXPECT_EQ(instrument.measureAll(4, volts, amperes, watts), 0);
+    EXPECT_EQ(volts, 5.5);
+    EXPECT_EQ(amperes, 1.25);
+    EXPECT_EQ(watts, 12.0);
+    double rest = -4.0;
+    EXPECT_EQ(instrument.voltageLevel(1, rest), 0);
+    EXPECT_EQ(rest, 0.5);
+}
+
+TEST_F(InstrumentOnVisa, AReplyThatIsCutInFrontOfAFieldHasNoSuchField)
+{
+    ASSERT_EQ(instrument.open(kResource, ""), 0);
+    kvxtest::queueReply(filledTo1024("RUNNING,1.5", '0', "") + ",2,7\n");
+    auto state = TSRO::ListRunState::Stopped;
+    double seconds = -1.0;
+    ViInt32 group = -2;
+    ViInt32 cycles = -3;
+    EXPECT_TRUE(throwsExactly<std::out_of_range>("invalid vector subscript",
+                                                 [&] { instrument.listStatus(state, seconds, group, cycles); }));
+    EXPECT_EQ(state, TSRO::ListRunState::Running);
+    EXPECT_EQ(seconds, 1.5);
+    EXPECT_EQ(group, -2);
+    EXPECT_EQ(cycles, -3);
+    std::string rest;
+    EXPECT_EQ(instrument.queryRaw("?", rest), 0);
+    EXPECT_EQ(rest, ",2,7");
+}
+
+TEST_F(InstrumentOnVisa, AReplyThatIsCutBehindACommaHasAnEmptyField)
+{
+    ASSERT_EQ(instrument.open(kResource, ""), 0);
+    kvxtest::queueReply(filledTo1024("5.", '0', ",") + "1,0.1\n");
+    double volts = -1.0;
+    double amperes = -2.0;
+    double seconds = -3.0;
+    EXPECT_TRUE(throwsExactly<std::invalid_argument>("invalid stod argument",
+                                                     [&] { instrument.listGroup(3, volts, amperes, seconds); }));
+    EXPECT_EQ(volts, 5.0);
+    EXPECT_EQ(amperes, -2.0);
+    EXPECT_EQ(seconds, -3.0);
+}
+
+TEST_F(InstrumentOnVisa, AnErrorMessageIsCutAtTheBufferToo)
+{
+    ASSERT_EQ(instrument.open(kResource, ""), 0);
+    kvxtest::queueReply(filledTo1024("-113,\"", 'a', "") + "a\"\n");
+    ViInt32 errorCode = 0;
+    std::string message;
+    EXPECT_EQ(instrument.nextError(errorCode, message), 0);
+    EXPECT_EQ(errorCode, -113);
+    EXPECT_EQ(message, '"' + std::string(1018, 'a'));
+}
+
 // ---- Time-out
 
 TEST_F(InstrumentOnVisa, TheTimeoutIsTwoSecondsAtFirst)
@@ -272,11 +360,51 @@ TEST_F(InstrumentOnVisa, ATimeoutSetWhileOpenIsAppliedAtOnce)
     EXPECT_THAT(calls(), ElementsAre("viSetAttribute(2, VI_ATTR_TMO_VALUE, 5000)"));
 }
 
-TEST_F(InstrumentOnVisa, ATimeoutThatVisaRefusesIsAnIoError)
+TEST_F(InstrumentOnVisa, ATimeoutSetWhileOpenIsThatConnectionsAlone)
+{
+    ASSERT_EQ(instrument.setIoTimeout(3000), 0);
+    ASSERT_EQ(instrument.open(kResource, ""), 0);
+    ASSERT_EQ(instrument.setIoTimeout(5000), 0);
+    kvxtest::clearLog();
+    ASSERT_EQ(instrument.open(kResource, ""), 0);
+    EXPECT_EQ(instrument.ioTimeout(), 3000);
+    EXPECT_THAT(calls(), Contains("viSetAttribute(4, VI_ATTR_TMO_VALUE, 3000)"));
+}
+
+TEST_F(InstrumentOnVisa, AFailedOpenKeepsTheTimeoutOfThePreviousConnection)
 {
     ASSERT_EQ(instrument.open(kResource, ""), 0);
+    ASSERT_EQ(instrument.setIoTimeout(5000), 0);
+    kvxtest::failCall("viOpen", kNotFound);
+    ASSERT_EQ(instrument.open(kResource, ""), kIoError);
+    EXPECT_EQ(instrument.ioTimeout(), 5000);
+}
+
+TEST_F(InstrumentOnVisa, ATimeoutSetAfterCloseHoldsForTheNextConnection)
+{
+    ASSERT_EQ(instrument.setIoTimeout(3000), 0);
+    ASSERT_EQ(instrument.open(kResource, ""), 0);
+    ASSERT_EQ(instrument.setIoTimeout(5000), 0);
+    ASSERT_EQ(instrument.close(), 0);
+    kvxtest::clearLog();
+    EXPECT_EQ(instrument.ioTimeout(), 3000);
+    EXPECT_EQ(instrument.setIoTimeout(7000), 0);
+    EXPECT_EQ(instrument.ioTimeout(), 7000);
+    EXPECT_THAT(calls(), IsEmpty());
+    ASSERT_EQ(instrument.open(kResource, ""), 0);
+    EXPECT_EQ(instrument.ioTimeout(), 7000);
+    EXPECT_THAT(calls(), Contains("viSetAttribute(4, VI_ATTR_TMO_VALUE, 7000)"));
+}
+
+TEST_F(InstrumentOnVisa, ATimeoutThatVisaRefusesIsAnIoErrorAndStaysStored)
+{
+    ASSERT_EQ(instrument.open(kResource, ""), 0);
+    kvxtest::clearLog();
     kvxtest::failCall("viSetAttribute", kTimedOut);
     EXPECT_EQ(instrument.setIoTimeout(5000), kIoError);
+    EXPECT_EQ(instrument.ioTimeout(), 5000);
+    EXPECT_THAT(calls(), ElementsAre("viSetAttribute(2, VI_ATTR_TMO_VALUE, 5000)"));
+    EXPECT_TRUE(instrument.isOpen());
     kvxtest::clearFailures();
     kvxtest::failCall("viSetAttribute", kWarning);
     EXPECT_EQ(instrument.setIoTimeout(6000), 0);

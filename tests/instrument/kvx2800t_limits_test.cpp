@@ -83,6 +83,13 @@ TEST_P(Levels, OfCurrentAreSentUpToBothLimits)
                                                  prefix("CURR") + "0.000000", prefix("CURR") + maxima.amperesText));
 }
 
+TEST_P(Levels, OfZeroKeepTheirSign)
+{
+    EXPECT_EQ(instrument.setVoltageLevel(GetParam().channel, -0.0), 0);
+    EXPECT_EQ(instrument.setCurrentLevel(GetParam().channel, -0.0), 0);
+    EXPECT_THAT(connection->written, ElementsAre(prefix("VOLT") + "-0.000000", prefix("CURR") + "-0.000000"));
+}
+
 TEST_P(Levels, OfVoltageOutsideTheLimitsAreRefusedUnsent)
 {
     for (const double volts : outside(0.0, GetParam().volts))
@@ -104,12 +111,15 @@ TEST_P(Levels, OutsideTheLimitsAreRefusedWithoutAConnectionToo)
     EXPECT_EQ(unconnected.setCurrentLevel(GetParam().channel, GetParam().amperes + 1.0), kOutOfRange);
 }
 
-TEST_P(Levels, OfCurrentProtectionAreSentUnchecked)
+TEST_P(Levels, OfProtectionAreSentUnchecked)
 {
-    EXPECT_EQ(instrument.setCurrentProtectionLevel(GetParam().channel, 1000.0), 0);
-    EXPECT_EQ(instrument.setCurrentProtectionLevel(GetParam().channel, -1.0), 0);
+    for (const double level : {1000.0, -1.0}) {
+        EXPECT_EQ(instrument.setVoltageProtectionLevel(GetParam().channel, level), 0);
+        EXPECT_EQ(instrument.setCurrentProtectionLevel(GetParam().channel, level), 0);
+    }
     EXPECT_THAT(connection->written,
-                ElementsAre(prefix("CURR:PROT") + "1000.000000", prefix("CURR:PROT") + "-1.000000"));
+                ElementsAre(prefix("VOLT:PROT") + "1000.000000", prefix("CURR:PROT") + "1000.000000",
+                            prefix("VOLT:PROT") + "-1.000000", prefix("CURR:PROT") + "-1.000000"));
 }
 
 TEST_P(Levels, AreLimitedAsTheInstrumentSays)
@@ -137,8 +147,12 @@ TEST(LevelsOfUnknownChannels, AreInvalidKeysAndNothingIsSent)
                                   std::numeric_limits<ViInt32>::max()})
     {
         SCOPED_TRACE(channel);
-        EXPECT_TRUE(throwsExactly<std::out_of_range>(kInvalidKey, [&] { instrument.setVoltageLevel(channel, 1.0); }));
-        EXPECT_TRUE(throwsExactly<std::out_of_range>(kInvalidKey, [&] { instrument.setCurrentLevel(channel, 1.0); }));
+        for (const double level : {1.0, -1.0, 1e9, std::nan("")}) {
+            EXPECT_TRUE(
+                throwsExactly<std::out_of_range>(kInvalidKey, [&] { instrument.setVoltageLevel(channel, level); }));
+            EXPECT_TRUE(
+                throwsExactly<std::out_of_range>(kInvalidKey, [&] { instrument.setCurrentLevel(channel, level); }));
+        }
         EXPECT_TRUE(throwsExactly<std::out_of_range>(kInvalidKey, [&] { instrument.channelLimits(channel); }));
     }
     EXPECT_THAT(connection->written, IsEmpty());

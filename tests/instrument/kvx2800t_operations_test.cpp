@@ -70,6 +70,43 @@ TEST(OperationTable, HasEveryOperationThatExchangesMessages)
     EXPECT_EQ(numbers, expected);
 }
 
+std::vector<std::string> variedLines(const std::string& name)
+{
+    std::vector<std::string> lines;
+    for (const Operation& operation : kvxtest::operations())
+        if (operation.name == name)
+            for (const Operation::Variation& variation : operation.variations)
+                lines.push_back(variation.line);
+    return lines;
+}
+
+TEST(OperationTable, VariesEachArgumentOfTheFirstRowOfAnOperation)
+{
+    EXPECT_THAT(variedLines("setCurrentRate"),
+                ElementsAre(":MEAS:CURR:RATE CH1,8000", ":MEAS:CURR:RATE CH2,8000", ":MEAS:CURR:RATE CH3,8000",
+                            ":MEAS:CURR:RATE CH4,8000", ":MEAS:CURR:RATE SER,8000", ":MEAS:CURR:RATE PAR,8000",
+                            ":MEAS:CURR:RATE CH2,62", ":MEAS:CURR:RATE CH2,4000", ":MEAS:CURR:RATE CH2,8000"));
+    EXPECT_THAT(variedLines("setVoltageProtectionEnabled"),
+                ElementsAre(":SOUR1:VOLT:PROT:STAT ON", ":SOUR2:VOLT:PROT:STAT ON", ":SOUR3:VOLT:PROT:STAT ON",
+                            ":SOUR4:VOLT:PROT:STAT ON", ":SOUR5:VOLT:PROT:STAT ON", ":SOUR6:VOLT:PROT:STAT ON",
+                            ":SOUR1:VOLT:PROT:STAT ON", ":SOUR1:VOLT:PROT:STAT OFF"));
+    EXPECT_THAT(variedLines("setListTemplateObject"),
+                ElementsAre(":LIST:TEMP:OBJ V,5.000000", ":LIST:TEMP:OBJ C,5.000000", ":LIST:TEMP:OBJ V,0.000000",
+                            ":LIST:TEMP:OBJ V,-0.000000", ":LIST:TEMP:OBJ V,1.250000", ":LIST:TEMP:OBJ V,3.200000",
+                            ":LIST:TEMP:OBJ V,-1.000000", ":LIST:TEMP:OBJ V,1000.000000"));
+    EXPECT_THAT(variedLines("setListCycles"), ElementsAre(":LIST:CYCLE 0", ":LIST:CYCLE 1", ":LIST:CYCLE 512",
+                                                          ":LIST:CYCLE -1", ":LIST:CYCLE 2147483647"));
+    EXPECT_THAT(variedLines("questionableEvent"), ElementsAre(":STATus:QUEStionable:INSTrument:ISUMmary1:EVENt?",
+                                                              ":STATus:QUEStionable:INSTrument:ISUMmary2:EVENt?",
+                                                              ":STATus:QUEStionable:INSTrument:ISUMmary3:EVENt?",
+                                                              ":STATus:QUEStionable:INSTrument:ISUMmary4:EVENt?",
+                                                              ":STATus:QUEStionable:INSTrument:ISUMmary5:EVENt?",
+                                                              ":STATus:QUEStionable:INSTrument:ISUMmary6:EVENt?"));
+    EXPECT_THAT(variedLines("measurePower"), ElementsAre(":MEAS:POWE? CH1", ":MEAS:POWE? CH2", ":MEAS:POWE? CH3",
+                                                         ":MEAS:POWE? CH4", ":MEAS:POWE? SER", ":MEAS:POWE? PAR"));
+    EXPECT_THAT(variedLines("setListEnabledOff"), IsEmpty());
+}
+
 TEST(InstrumentOperations, StandInTheirOrder)
 {
     if (!kvxtest::kPlacesAreKnown)
@@ -245,6 +282,16 @@ TEST_P(EverySetting, SendsOneLine)
     EXPECT_EQ(connection->reads, 0);
 }
 
+TEST_P(EverySetting, SendsEveryValueOfItsArguments)
+{
+    for (const Operation::Variation& variation : GetParam().variations) {
+        kvxtest::Values none;
+        connection->written.clear();
+        EXPECT_EQ(variation.run(instrument, none), 0) << variation.line;
+        EXPECT_THAT(connection->written, ElementsAre(variation.line));
+    }
+}
+
 TEST_P(EverySetting, TakesAWarningForSuccess)
 {
     connection->writeStatus = kWarning;
@@ -393,6 +440,18 @@ TEST_P(EveryQueryOperation, SendsOneLineAndReadsOneReply)
     EXPECT_EQ(runWith(query.reply), (Outcome{.outputs = query.results}));
     EXPECT_THAT(connection->written, ElementsAre(query.line));
     EXPECT_EQ(connection->reads, 1);
+}
+
+TEST_P(EveryQueryOperation, AsksForEveryChannelAndGroup)
+{
+    for (const Operation::Variation& variation : query.variations) {
+        Outcome outcome;
+        connection->written.clear();
+        connection->answer(query.reply);
+        outcome.status = variation.run(instrument, outcome.outputs);
+        EXPECT_EQ(outcome, (Outcome{.outputs = query.results})) << variation.line;
+        EXPECT_THAT(connection->written, ElementsAre(variation.line));
+    }
 }
 
 TEST_P(EveryQueryOperation, TakesCompletionCodesForSuccess)
@@ -599,6 +658,25 @@ TEST_P(EveryQueryThatBeginsWithAKeyword, ReadsEveryKeywordOfItsTableWhateverTheL
     }
 }
 
+/// The words that the replies of all queries begin with.
+std::set<std::string> wordsOfAllTables()
+{
+    std::set<std::string> words = {"ON", "D1", "D2", "D3", "D4"};
+    for (const Operation& query : kvxtest::queries())
+        for (const auto& [keyword, value] : query.fields.front().keywords)
+            words.insert(keyword);
+    return words;
+}
+
+TEST_P(EveryQueryThatBeginsWithAKeyword, ReadsNoWordOfAnotherTable)
+{
+    std::set<std::string> words = wordsOfAllTables();
+    for (const auto& [keyword, value] : query.fields.front().keywords)
+        words.erase(keyword);
+    for (const std::string& word : words)
+        EXPECT_EQ(runWith(replyWith(0, word)), unreadable(query, word)) << word;
+}
+
 INSTANTIATE_TEST_SUITE_P(Operations, EveryQueryThatBeginsWithAKeyword, queriesThat([](const Operation& query) {
                              return query.fields.front().kind == FieldKind::Keyword;
                          }),
@@ -770,6 +848,12 @@ TEST_F(KVX2800TTest, ARawQueryReturnsZeroForACompletionCode)
     EXPECT_EQ(reply, "5");
 }
 
+TEST_F(KVX2800TTest, SwitchesAllOutputsOffByARawCommand)
+{
+    EXPECT_EQ(instrument.writeRaw(kAllOutputsOff), 0);
+    EXPECT_THAT(connection->written, ElementsAre(":OUTPut:STATe ALL,OFF"));
+}
+
 // ---- Closing
 
 TEST_F(KVX2800TTest, CloseEndsTheConnectionOnce)
@@ -789,6 +873,15 @@ TEST_F(KVX2800TTest, CloseThatFailsCanBeTriedAgain)
     connection->closeStatus = VI_SUCCESS;
     EXPECT_EQ(instrument.close(), 0);
     EXPECT_FALSE(instrument.isOpen());
+}
+
+TEST_F(KVX2800TTest, CloseReturnsTheWarningThatItEndedWith)
+{
+    connection->closeStatus = kWarning;
+    EXPECT_EQ(instrument.close(), kWarning);
+    EXPECT_FALSE(instrument.isOpen());
+    EXPECT_EQ(instrument.close(), kNoConnection);
+    EXPECT_EQ(connection->closes, 1);
 }
 
 TEST_F(KVX2800TTest, CloseWithoutAConnectionIsAnInvalidObject)

@@ -2,16 +2,21 @@
 
 #include "simulator/kvx2800t_simulator.h"
 
+#include "instrument/kvx2800t.h"
 #include "tests/support/driver/operation_table.h"
+#include "tests/support/driver/virtual_places.h"
 #include "tests/support/fakes/platform_fakes.h"
+#include "tests/support/processes/finished_program.h"
 #include "tests/support/thrown.h"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstdint>
 #include <limits>
 #include <map>
 #include <numeric>
+#include <random>
 #include <set>
 #include <stdexcept>
 #include <string>
@@ -29,6 +34,7 @@ using kvxtest::Operation;
 using kvxtest::throwsExactly;
 using testing::AnyOf;
 using testing::Each;
+using testing::ElementsAre;
 using testing::IsEmpty;
 using TSRO::KVX2800TSimulator;
 
@@ -64,6 +70,19 @@ TEST_F(Simulator, KeepsItsIdentityWhenItIsOpened)
     EXPECT_EQ(simulator.identity()->model, "KVX2803T");
 }
 
+TEST_F(Simulator, ReplacesEveryOperationButTheIdentityAndTheLimits)
+{
+    if (!kvxtest::kPlacesAreKnown)
+        GTEST_SKIP();
+    const TSRO::KVX2800T instrument;
+    std::set<std::size_t> inherited;
+    for (std::size_t place = 1; place <= 145; ++place)
+        if (kvxtest::functionAt(simulator, place) == kvxtest::functionAt(instrument, place))
+            inherited.insert(place);
+    EXPECT_THAT(inherited, ElementsAre(kvxtest::placeOf(&TSRO::InstBase::identity),
+                                       kvxtest::placeOf(&TSRO::InstBase::channelLimits)));
+}
+
 TEST_F(Simulator, IsConnectedBetweenOpenAndClose)
 {
     EXPECT_FALSE(simulator.isOpen());
@@ -83,8 +102,10 @@ TEST_F(Simulator, ConnectsToAnyDescriptorAnyNumberOfTimes)
     EXPECT_EQ(simulator.close(), 0);
 }
 
-TEST_F(Simulator, HasTheDefaultOptions)
+TEST_F(Simulator, HasTheDefaultOptionsWhateverItIsOpenedWith)
 {
+    ASSERT_EQ(simulator.open("", "Cache=0,RangeCheck=0,Simulate=1,DriverSetup=Model:KVX2833T"), 0);
+    EXPECT_EQ(simulator.options().model, "");
     const base::InherentOptions& options = simulator.options();
     EXPECT_TRUE(options.cache);
     EXPECT_TRUE(options.rangeCheck);
@@ -130,8 +151,11 @@ TEST_F(Simulator, HasNoStatusAndNoErrors)
 TEST_F(Simulator, TakesEverySetting)
 {
     kvxtest::Values none;
-    for (const Operation& setting : kvxtest::settings())
+    for (const Operation& setting : kvxtest::settings()) {
         EXPECT_EQ(setting.run(simulator, none), 0) << setting.name;
+        for (const Operation::Variation& variation : setting.variations)
+            EXPECT_EQ(variation.run(simulator, none), 0) << setting.name;
+    }
 }
 
 TEST_F(Simulator, ChecksNoArgumentOfASetting)
@@ -139,15 +163,19 @@ TEST_F(Simulator, ChecksNoArgumentOfASetting)
     for (const Operation& setting : kvxtest::settings())
         for (const auto& call : setting.invalidCalls)
             EXPECT_EQ(call(simulator), 0) << setting.name;
-    EXPECT_EQ(simulator.setVoltageLevel(7, 1e9), 0);
-    EXPECT_EQ(simulator.setCurrentLevel(0, -1e9), 0);
+    for (const double level : {1e9, -1e9, std::nan("")}) {
+        EXPECT_EQ(simulator.setVoltageLevel(1, level), 0);
+        EXPECT_EQ(simulator.setVoltageLevel(7, level), 0);
+        EXPECT_EQ(simulator.setCurrentLevel(1, level), 0);
+        EXPECT_EQ(simulator.setCurrentLevel(0, level), 0);
+    }
     EXPECT_EQ(simulator.setListGroup(-1, 1e9, 1e9, -1.0), 0);
 }
 
 TEST_F(Simulator, HasTheLimitsOfTheInstrument)
 {
-    EXPECT_EQ(simulator.channelLimits(4).currentMax, 10.5);
-    EXPECT_EQ(simulator.channelLimits(5).voltageMax, 66.0);
+    for (ViInt32 channel = 1; channel <= 6; ++channel)
+        EXPECT_EQ(&simulator.channelLimits(channel), &TSRO::channelLimitsOf(channel));
 }
 
 TEST_F(Simulator, ForgetsLevelsOnceTheyAreSet)
@@ -206,10 +234,10 @@ struct Drawn
         Fixed,
         /// True and false alike often, as 1 and 0.
         Switch,
-        /// Every integer of a range.
-        EveryInteger,
-        /// The integers of a range too wide to see each of them.
-        WideInteger,
+        /// The integers of a range, from one 32-bit draw.
+        Integer,
+        /// The integers from 0 on, from a real draw.
+        Scaled,
         Real,
         /// Between 0 and the channel's maximum.
         Voltage,
@@ -223,6 +251,8 @@ struct Drawn
     Kind kind;
     double least = 0.0;
     double most = 1.0;
+    /// How many 32-bit draws are thrown away before it is drawn.
+    int discarded = 0;
 };
 
 Drawn fixed(double value)
@@ -232,7 +262,7 @@ Drawn fixed(double value)
 
 Drawn every(int least, int most)
 {
-    return {Drawn::Kind::EveryInteger, double(least), double(most)};
+    return {Drawn::Kind::Integer, double(least), double(most)};
 }
 
 const Drawn kSwitch{Drawn::Kind::Switch};
@@ -242,7 +272,9 @@ const Drawn kCurrent{Drawn::Kind::Current};
 const Drawn kPower{Drawn::Kind::Power};
 const Drawn kUnit{Drawn::Kind::Real, 0.0, 1.0};
 const Drawn kSeconds{Drawn::Kind::Real, 0.001, 3600.0};
-const Drawn kCycles{Drawn::Kind::WideInteger, 0.0, 99998.0};
+const Drawn kGroups{Drawn::Kind::Scaled, 0.0, 510.0};
+const Drawn kCycles{Drawn::Kind::Scaled, 0.0, 99998.0};
+const Drawn kSwitchBehindADiscardedDraw{Drawn::Kind::Switch, 0.0, 1.0, 1};
 
 /// By the number of the query; an output for each element.
 const std::map<int, std::vector<Drawn>>& drawnByQuery()
@@ -283,10 +315,10 @@ const std::map<int, std::vector<Drawn>>& drawnByQuery()
         {70, {every(0, 2)}},
         {72, {every(0, 2)}},
         {74, {kSwitch}},
-        {75, {every(0, 3), kSeconds, every(0, 510), kCycles}},
+        {75, {every(0, 3), kSeconds, kGroups, kCycles}},
         {77, {kCycles}},
         {79, {every(0, 1)}},
-        {80, {every(0, 510)}},
+        {80, {kGroups}},
         {85, {{Drawn::Kind::Real, 0.0, 33.0}, {Drawn::Kind::Real, 0.0, 3.2}, kSeconds}},
         {87, {every(0, 7)}},
         {89, {every(0, 1), kUnit}},
@@ -302,13 +334,13 @@ const std::map<int, std::vector<Drawn>>& drawnByQuery()
         {109, {every(1, 512)}},
         {111, {every(1, 512)}},
         {113, {every(0, 10)}},
-        {114, {every(0, 510)}},
+        {114, {kGroups}},
         {117, {kSwitch}},
-        {118, {every(0, 1), kSeconds, every(0, 510), kCycles}},
+        {118, {every(0, 1), kSeconds, kGroups, kCycles}},
         {120, {kCycles}},
         {122, {every(0, 2)}},
         {123, {every(0, 512)}},
-        {128, {kSwitch, kSeconds}},
+        {128, {kSwitchBehindADiscardedDraw, kSeconds}},
         {130, {every(0, 2)}},
         {132, {every(0, 1)}},
         {134, {every(1, 512)}},
@@ -390,7 +422,7 @@ public:
     {
         std::size_t count = kDraws;
         for (const Drawn& drawn : outputs)
-            if (drawn.kind == Drawn::Kind::EveryInteger)
+            if (isSeenWhole(drawn))
                 count = std::max(count, static_cast<std::size_t>(drawn.most - drawn.least + 1) * 80);
         return count;
     }
@@ -408,14 +440,9 @@ public:
             EXPECT_THAT(numbers, Each(AnyOf(0.0, 1.0)));
             expectHalves(drawn, numbers);
             break;
-        case Drawn::Kind::EveryInteger:
-            expectEveryInteger(drawn, numbers);
-            break;
-        case Drawn::Kind::WideInteger:
-            EXPECT_TRUE(
-                std::all_of(numbers.begin(), numbers.end(), [](double each) { return each == std::floor(each); }));
-            expectOuterTenths(drawn, numbers);
-            expectHalves(drawn, numbers);
+        case Drawn::Kind::Integer:
+        case Drawn::Kind::Scaled:
+            expectIntegers(drawn, numbers);
             break;
         case Drawn::Kind::Real:
             expectOuterTenths(drawn, numbers);
@@ -430,6 +457,21 @@ public:
     const std::vector<Drawn>& outputs = drawnByQuery().at(query.number);
 
 private:
+    /// Whether it is an integer of a range so small that each of its values comes.
+    static bool isSeenWhole(const Drawn& drawn)
+    {
+        return (drawn.kind == Drawn::Kind::Integer || drawn.kind == Drawn::Kind::Scaled) && drawn.most < 1000.0;
+    }
+
+    static void expectIntegers(const Drawn& drawn, const Numbers& numbers)
+    {
+        if (isSeenWhole(drawn))
+            return expectEveryInteger(drawn, numbers);
+        EXPECT_TRUE(std::all_of(numbers.begin(), numbers.end(), [](double each) { return each == std::floor(each); }));
+        expectOuterTenths(drawn, numbers);
+        expectHalves(drawn, numbers);
+    }
+
     static void expectEveryInteger(const Drawn& drawn, const Numbers& numbers)
     {
         std::vector<double> expected(static_cast<std::size_t>(drawn.most - drawn.least) + 1);
@@ -458,6 +500,69 @@ private:
         EXPECT_LT(lower, all * 55 / 100);
     }
 };
+
+/// The answers that a generator's draws lead to.
+class ExpectedAnswers
+{
+public:
+    explicit ExpectedAnswers(std::uint32_t seed) : generator_(seed) {}
+
+    std::vector<double> next(const Operation& query, const std::vector<Drawn>& outputs, ViInt32 channel)
+    {
+        std::vector<double> answers;
+        for (std::size_t i = 0; i < outputs.size(); ++i)
+            answers.push_back(outputs[i].kind == Drawn::Kind::Unchanged ? numberOf(query.before[i])
+                              : outputs[i].kind == Drawn::Kind::Product ? answers[0] * answers[1]
+                                                                        : answer(forChannel(outputs[i], channel)));
+        return answers;
+    }
+
+private:
+    double answer(const Drawn& drawn)
+    {
+        generator_.discard(static_cast<unsigned long long>(drawn.discarded));
+        switch (drawn.kind) {
+        case Drawn::Kind::Switch:
+            return real() < 0.5 ? 1.0 : 0.0;
+        case Drawn::Kind::Integer:
+            return drawn.least + integerBelow(static_cast<std::uint32_t>(drawn.most - drawn.least) + 1);
+        case Drawn::Kind::Scaled:
+            return std::floor(real() * (drawn.most + 1.0));
+        case Drawn::Kind::Real:
+            return drawn.least + real() * (drawn.most - drawn.least);
+        default:
+            return drawn.least;
+        }
+    }
+
+    double real() { return std::generate_canonical<double, 53>(generator_); }
+
+    /// Of ranges so small that none of these draws is rejected.
+    double integerBelow(std::uint32_t count)
+    {
+        return static_cast<double>((std::uint64_t{generator_()} * count) >> 32U);
+    }
+
+    std::mt19937 generator_;
+};
+
+TEST_P(SimulatedQuery, AnswersFromTheGeneratorsDrawsInTheirOrder)
+{
+    constexpr std::uint32_t kSeed = 20240611;
+    for (ViInt32 channel = 1; channel <= 6; ++channel) {
+        TSRO::RandomSource::seedGenerator(kSeed);
+        KVX2800TSimulator seeded;
+        ExpectedAnswers expected(kSeed);
+        for (int i = 0; i < 100; ++i) {
+            kvxtest::Values values;
+            ASSERT_EQ(query.runFor ? query.runFor(seeded, channel, values) : query.run(seeded, values), 0);
+            std::vector<double> answers;
+            for (const kvxtest::Value& value : values)
+                answers.push_back(numberOf(value));
+            ASSERT_EQ(answers, expected.next(query, outputs, channel)) << "answer " << i << " of channel " << channel;
+        }
+    }
+}
 
 /// The sample number of a query, or every channel when it matters.
 std::vector<ViInt32> numbersToAskFor(const std::vector<Drawn>& outputs)
@@ -531,7 +636,7 @@ INSTANTIATE_TEST_SUITE_P(Operations, SimulatedQueryWithoutLimits,
                          })),
                          nameOf);
 
-// ---- Threads
+// ---- Draws
 
 TEST_F(Simulator, ADelayGroupCostsADrawThatNobodyGets)
 {
@@ -545,6 +650,18 @@ TEST_F(Simulator, ADelayGroupCostsADrawThatNobodyGets)
     EXPECT_EQ(between - before, 1U + 2U + 2U);
     EXPECT_EQ(instrument.drawCount() - between, 2U);
 }
+
+TEST_F(Simulator, EachProcessIsSeededBySomethingElse)
+{
+    const kvxtest::FinishedProgram first = kvxtest::runProgram(KVX_SIMULATED_LEVELS, {});
+    const kvxtest::FinishedProgram second = kvxtest::runProgram(KVX_SIMULATED_LEVELS, {});
+    EXPECT_EQ(first.exitCode, 0);
+    EXPECT_EQ(second.exitCode, 0);
+    EXPECT_NE(first.output, "");
+    EXPECT_NE(first.output, second.output);
+}
+
+// ---- Threads
 
 TEST_F(Simulator, SimulatedSessionsOfEightThreadsWorkAtOnce)
 {

@@ -154,6 +154,104 @@ TEST(LargeUniformInteger, IsRejectedWhereItWouldBeMoreLikelyThanOthers)
     }
 }
 
+/// The high word of a draw's product with the count; a draw whose low word is below 2^32 modulo the count is rejected.
+std::uint32_t integerBelow(std::uint32_t count, std::mt19937& generator)
+{
+    const std::uint64_t rejected = (std::uint64_t{1} << 32U) % count;
+    for (;;) {
+        const std::uint64_t product = std::uint64_t{generator()} * count;
+        if ((product & 0xFFFFFFFFU) >= rejected)
+            return static_cast<std::uint32_t>(product >> 32U);
+    }
+}
+
+TEST(SeededSource, MakesIntegersOfTheHighWordOfADrawsProduct)
+{
+    for (const std::uint32_t count : {1U, 2U, 3U, 7U, 8U, 256U, 511U, 0x80000000U, 0xC0000000U, 0xFFFFFFFFU}) {
+        TSRO::RandomSource::seedGenerator(20240611);
+        TSRO::RandomSource source;
+        std::mt19937 generator(20240611);
+        for (int i = 0; i < 3000; ++i)
+            ASSERT_EQ(source.uniformInteger(count), integerBelow(count, generator))
+                << "draw " << i << " below " << count;
+    }
+}
+
+TEST(SeededSource, MakesEveryKindOfValueOfTheNextDraws)
+{
+    TSRO::RandomSource::seedGenerator(20240612);
+    TSRO::RandomSource source;
+    std::mt19937 generator(20240612);
+    const auto real = [&generator] { return std::generate_canonical<double, 53>(generator); };
+    std::uint64_t used = 0;
+    for (int i = 0; i < 3000; ++i) {
+        ASSERT_EQ(source.uniformReal(), real());
+        ASSERT_EQ(source.boolean(), real() < 0.5);
+        source.discard();
+        generator.discard(1);
+        ASSERT_EQ(source.uniformReal(0.001, 3600.0), 0.001 + real() * (3600.0 - 0.001));
+        ASSERT_EQ(source.uniformInteger(8), generator() >> 29U);
+        used += 2 + 2 + 1 + 2 + 1;
+        ASSERT_EQ(source.drawCount(), used);
+    }
+}
+
+// ---- One generator
+
+/// The next draws of 32 bits.
+std::vector<std::uint32_t> drawsOf(TSRO::RandomSource& source, std::uint64_t count)
+{
+    std::vector<std::uint32_t> draws;
+    const std::uint64_t before = source.drawCount();
+    while (draws.size() < count) {
+        // Of the largest count, integers are one less than the draws; the draw 0 is passed over.
+        const std::uint32_t draw = source.uniformInteger(0xFFFFFFFFU) + 1;
+        draws.resize(source.drawCount() - before);
+        draws.back() = draw;
+    }
+    return draws;
+}
+
+TEST(SeededSource, DrawsFromTheStandardsMersenneTwister)
+{
+    TSRO::RandomSource::seedGenerator(5489);
+    TSRO::RandomSource source;
+    const std::vector<std::uint32_t> draws = drawsOf(source, 10000);
+    EXPECT_EQ(draws.front(), 3499211612U);
+    // What the C++ standard requires of the default seed.
+    EXPECT_EQ(draws.back(), 4123659995U);
+}
+
+/// A word of the generator's state, from the draw that was made of it.
+std::uint32_t stateOf(std::uint32_t draw)
+{
+    draw ^= draw >> 18U;
+    draw ^= (draw << 15U) & 0xEFC60000U;
+    std::uint32_t word = draw;
+    for (int i = 0; i < 4; ++i)
+        word = draw ^ ((word << 7U) & 0x9D2C5680U);
+    draw = word;
+    for (int i = 0; i < 2; ++i)
+        word = draw ^ (word >> 11U);
+    return word;
+}
+
+TEST(RandomSource, IsFedByOneGeneratorThatIsSeededOnce)
+{
+    // As many draws at a time as a source fetches: they follow each other, whatever the generator was seeded with.
+    TSRO::RandomSource first;
+    TSRO::RandomSource second;
+    std::vector<std::uint32_t> words;
+    for (TSRO::RandomSource* source : {&first, &second, &first, &second})
+        for (const std::uint32_t draw : drawsOf(*source, 1024))
+            words.push_back(stateOf(draw));
+    for (std::size_t i = 0; i + 624 < words.size(); ++i) {
+        const std::uint32_t joined = (words[i] & 0x80000000U) | (words[i + 1] & 0x7FFFFFFFU);
+        const std::uint32_t twisted = (joined >> 1U) ^ (joined % 2 != 0 ? 0x9908B0DFU : 0U);
+        ASSERT_EQ(words[i + 624], words[i + 397] ^ twisted) << "draw " << i + 624;
+    }
+}
+
 TEST(Boolean, IsTrueAndFalseAlikeOften)
 {
     TSRO::RandomSource source;

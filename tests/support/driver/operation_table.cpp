@@ -243,11 +243,81 @@ void addField(Operation& operation, const Call<Parameters...>& /*call*/, const A
         operation.fields.push_back(fieldOf(argument));
 }
 
+// ---- Other values of an argument
+
+/// What an argument can be, and how commands spell it.
+template <class Argument>
+using Spellings = std::vector<std::pair<decltype(parameter(std::declval<const Argument&>())), std::string>>;
+
+/// Whether the instrument refuses numbers: a level that the channel does not have.
+bool hasLimits(const Operation& operation)
+{
+    return operation.name == "setVoltageLevel" || operation.name == "setCurrentLevel";
+}
+
+template <class Argument>
+Spellings<Argument> spellings(const Operation& operation, bool isChannelNumber)
+{
+    if constexpr (kHasKeywords<Argument>) {
+        Spellings<Argument> all;
+        for (const auto& [keyword, number] : kKeywords<Argument>) {
+            const auto value = static_cast<decltype(parameter(std::declval<const Argument&>()))>(number);
+            if (all.empty() || all.back().first != value)
+                all.emplace_back(value, keyword);
+        }
+        return all;
+    } else if constexpr (std::is_same_v<Argument, bool>)
+        return {{true, "ON"}, {false, "OFF"}};
+    else if constexpr (std::is_same_v<Argument, double>) {
+        Spellings<Argument> all = {{0.0, "0.000000"}, {-0.0, "-0.000000"}, {1.25, "1.250000"}, {3.2, "3.200000"}};
+        if (!hasLimits(operation))
+            all.insert(all.end(), {{-1.0, "-1.000000"}, {1000.0, "1000.000000"}});
+        return all;
+    } else if (isChannelNumber)
+        return {{1, "1"}, {2, "2"}, {3, "3"}, {4, "4"}, {5, "5"}, {6, "6"}};
+    else
+        return {{0, "0"}, {1, "1"}, {512, "512"}, {-1, "-1"}, {2147483647, "2147483647"}};
+}
+
+/// `line` with another text in the place of one of its arguments, counted from 0.
+std::string withArgument(std::string line, std::size_t index, const std::string& text)
+{
+    std::size_t begin = line.find(' ') + 1;
+    for (; index > 0; --index)
+        begin = line.find(',', begin) + 1;
+    return line.replace(begin, std::min(line.find(',', begin), line.size()) - begin, text);
+}
+
+/// `line` with another channel in its header, where the channel is the only digit.
+std::string withChannel(std::string line, const std::string& text)
+{
+    return line.replace(line.find_first_of("0123456789"), 1, text);
+}
+
+template <std::size_t kIndex, class Argument, class... Parameters>
+void addVariations(Operation& operation, const Call<Parameters...>& call, const Argument& /*argument*/)
+{
+    using Parameter = std::tuple_element_t<kIndex, std::tuple<Parameters...>>;
+    if constexpr (!std::is_reference_v<Parameter>) {
+        constexpr std::size_t kInputs = (std::size_t{!std::is_reference_v<Parameters>} + ...);
+        const std::string& line = operation.line;
+        const bool hasArguments = line.find(' ') != std::string::npos;
+        const auto behindHeader =
+            hasArguments ? static_cast<std::size_t>(std::count(line.begin(), line.end(), ',')) + 1 : std::size_t{0};
+        const std::size_t inHeader = kInputs - behindHeader;
+        for (const auto& [value, text] : spellings<Argument>(operation, kIndex < inHeader))
+            operation.variations.push_back(
+                {runOf(call.template with<kIndex>(value)),
+                 kIndex < inHeader ? withChannel(line, text) : withArgument(line, kIndex - inHeader, text)});
+    }
+}
+
 template <class... Parameters, class... Arguments, std::size_t... kIndices>
 void describeArguments(Operation& operation, const Call<Parameters...>& call, std::index_sequence<kIndices...>,
                        const Arguments&... arguments)
 {
     (addInvalidCalls<kIndices>(operation, call, arguments), ...);
+    (addVariations<kIndices>(operation, call, arguments), ...);
     (addField<kIndices>(operation, call, arguments), ...);
 }
 
@@ -573,6 +643,9 @@ std::vector<Operation> allOperations()
         std::vector<Operation> rows = part();
         std::move(rows.begin(), rows.end(), std::back_inserter(all));
     }
+    for (std::size_t i = 1; i < all.size(); ++i)
+        if (all[i].number == all[i - 1].number)
+            all[i].variations.clear();
     return all;
 }
 

@@ -52,6 +52,13 @@ struct Operation
         std::string line;
     };
 
+    /// The operation with another value in the place of one argument, and the line that it sends then.
+    struct Variation
+    {
+        Run run;
+        std::string line;
+    };
+
     /// Its place among the virtual operations of InstBase.
     int number = 0;
     /// The method's; with an addition where an operation has several rows.
@@ -68,6 +75,9 @@ struct Operation
     std::function<ViStatus(TSRO::InstBase&, ViInt32 number, Values& outputs)> runFor = {};
     /// The same operation with a channel that has no name, or a setting outside its keyword table.
     std::vector<std::function<ViStatus(TSRO::InstBase&)>> invalidCalls = {};
+    /// Every channel, every member of an enumeration, on and off, and a few of the numbers in the place of each
+    /// argument; in the first row of an operation alone.
+    std::vector<Variation> variations = {};
 
     bool isQuery() const { return !reply.empty(); }
 };

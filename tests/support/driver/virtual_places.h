@@ -28,6 +28,16 @@ std::size_t placeOf(Method operation)
     return (offset - 1) / sizeof(void*) - 1;
 }
 
+/// What a call of the virtual operation in this place of the object's class leads to.
+template <class Object>
+const void* functionAt(const Object& object, std::size_t place)
+{
+    const void* const* functions = nullptr;
+    static_assert(sizeof object >= sizeof functions);
+    std::memcpy(&functions, &object, sizeof functions);
+    return functions[place + 1];
+}
+
 /// Expects that these are the places behind the destructor, in order and without a gap.
 inline void expectConsecutive(const std::vector<std::size_t>& places)
 {
