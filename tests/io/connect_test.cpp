@@ -39,9 +39,20 @@ TEST(MakeConnection, ChoosesTheClassByTheBeginningOfTheDescriptor)
     EXPECT_EQ(typeFor("TCPIP0::192.0.2.1::inst0::INSTR"), typeid(InstLink::VisaTCPIP));
 }
 
+TEST(MakeConnection, ChoosesTheClassWhateverFollowsTheInterface)
+{
+    EXPECT_EQ(typeFor("ASRL"), typeid(InstLink::VisaSerial));
+    EXPECT_EQ(typeFor("ASRL/dev/ttyUSB0::INSTR"), typeid(InstLink::VisaSerial));
+    EXPECT_EQ(typeFor("USB"), typeid(InstLink::VisaUSB));
+    EXPECT_EQ(typeFor("GPIB"), typeid(InstLink::VisaGPIB));
+    EXPECT_EQ(typeFor("TCPIP::h::1::SOCKET"), typeid(InstLink::VisaTCPIPSocket));
+    EXPECT_EQ(typeFor("TCPIP::h::INSTR"), typeid(InstLink::VisaTCPIP));
+}
+
 TEST(MakeConnection, ChoosesThePlainConnectionForAnythingElse)
 {
-    for (const char* resource : {"PXI0::5::INSTR", "", "A", "ASR", "TCPI", "VXI0::1", " USB0::1", "KVX", "SOCKET"})
+    for (const char* resource : {"PXI0::5::INSTR", "", "A", "ASR", "US", "GPI", "TCPI", "VXI0::1", " USB0::1", "KVX",
+                                 "SOCKET", "::ASRL", "TCPI0"})
         EXPECT_EQ(typeFor(resource), typeid(InstLink::VisaIO)) << resource;
 }
 
