@@ -204,16 +204,19 @@ TEST_P(ConfigurationStoreTorture, NothingIsReadBehindAFailure)
     }
 }
 
-TEST_P(ConfigurationStoreTorture, OfTwoFailuresTheFirstIsReturned)
+TEST_P(ConfigurationStoreTorture, OfSeveralFailuresTheFirstIsReturned)
 {
     const std::vector<std::string> sequence = undisturbedCalls();
+    std::size_t disposals = 0;
     for (std::size_t n = 2; n <= sequence.size(); ++n) {
         const std::string& failing = sequence[n - 1];
-        if (!matters(failing) || releases(failing))
+        disposals += failing.starts_with("IviConfig_DisposeHandle") ? 1 : 0;
+        if (!matters(failing) || failing.starts_with("IviConfig_Close"))
             continue;
         SCOPED_TRACE(failing + ", call " + std::to_string(n));
-        const ViStatus status = resolveWith([n] {
+        const ViStatus status = resolveWith([&] {
             failNthCall(n, kFailed);
+            failNthCallOf("IviConfig_DisposeHandle", disposals + 1, IVICONFIG_ERROR_INVALID_HANDLE);
             failCall("IviConfig_Close", IVICONFIG_ERROR_INVALID_HANDLE);
         });
         EXPECT_EQ(status, kFailed);
@@ -499,18 +502,21 @@ private:
 
 TEST_F(ConfigurationStoreFailure, AnExceptionGivesEveryHandleBackAndClosesTheStoreLast)
 {
-    for (const char* step : {"ReadVirtualNames", "ApplyConfiguredModel", "ParseOptionString", "ReadPhysicalNames"}) {
-        SCOPED_TRACE(step);
-        startOver();
-        storeRichEntry();
-        storeRichFurtherSession();
-        ThrowingSession throwing(vi, step);
-        EXPECT_THROW(throwing.ResolveConfiguration("BenchSupply", ""), std::bad_alloc);
-        EXPECT_EQ(openConfigHandles(), 0U);
-        EXPECT_THAT(calls("IviConfig_Close"), SizeIs(1));
-        EXPECT_EQ(calls().back(), "IviConfig_Close(store)");
-        EXPECT_EQ(timesRecorded(), 0U);
-    }
+    for (const ViStatus opened : {VI_SUCCESS, kWarning})
+        for (const char* step : {"ReadVirtualNames", "ApplyConfiguredModel", "ParseOptionString", "ReadPhysicalNames"})
+        {
+            SCOPED_TRACE(step);
+            startOver();
+            storeRichEntry();
+            storeRichFurtherSession();
+            failCall("IviConfig_Initialize", opened);
+            ThrowingSession throwing(vi, step);
+            EXPECT_THROW(throwing.ResolveConfiguration("BenchSupply", ""), std::bad_alloc);
+            EXPECT_EQ(openConfigHandles(), 0U);
+            EXPECT_THAT(calls("IviConfig_Close"), SizeIs(1));
+            EXPECT_EQ(calls().back(), "IviConfig_Close(store)");
+            EXPECT_EQ(timesRecorded(), 0U);
+        }
 }
 
 TEST_F(ConfigurationStoreFailure, HandlesOfTheWrongKindAreFailuresOfEachReader)
