@@ -1,6 +1,7 @@
 #include "io/visa_io.h"
 #include "tests/support/fakes/platform_fakes.h"
 
+#include <initializer_list>
 #include <memory>
 #include <string>
 #include <typeindex>
@@ -30,39 +31,32 @@ std::type_index typeFor(const std::string& resource)
     return typeid(object);
 }
 
-TEST(MakeConnection, ChoosesTheClassByTheBeginningOfTheDescriptor)
+void expectType(std::type_index type, std::initializer_list<const char*> resources)
 {
-    EXPECT_EQ(typeFor("ASRL1::INSTR"), typeid(InstLink::VisaSerial));
-    EXPECT_EQ(typeFor("USB0::0x1234::0x5678::SN::INSTR"), typeid(InstLink::VisaUSB));
-    EXPECT_EQ(typeFor("GPIB0::5::INSTR"), typeid(InstLink::VisaGPIB));
-    EXPECT_EQ(typeFor("TCPIP0::192.0.2.1::5025::SOCKET"), typeid(InstLink::VisaTCPIPSocket));
-    EXPECT_EQ(typeFor("TCPIP0::192.0.2.1::inst0::INSTR"), typeid(InstLink::VisaTCPIP));
+    for (const char* resource : resources)
+        EXPECT_EQ(typeFor(resource), type) << resource;
 }
 
-TEST(MakeConnection, ChoosesThePlainConnectionForAnythingElse)
+TEST(MakeConnection, ChoosesTheClassByTheInterfaceInAnyLetterCaseWhateverFollows)
 {
-    for (const char* resource : {"PXI0::5::INSTR", "", "A", "ASR", "TCPI", "VXI0::1", " USB0::1", "KVX", "SOCKET"})
-        EXPECT_EQ(typeFor(resource), typeid(InstLink::VisaIO)) << resource;
-}
-
-TEST(MakeConnection, IgnoresTheLetterCase)
-{
-    EXPECT_EQ(typeFor("asrl1::INSTR"), typeid(InstLink::VisaSerial));
-    EXPECT_EQ(typeFor("Usb0::1::2::3"), typeid(InstLink::VisaUSB));
-    EXPECT_EQ(typeFor("gpib0::5::instr"), typeid(InstLink::VisaGPIB));
-    EXPECT_EQ(typeFor("tcpip0::h::5025::socket"), typeid(InstLink::VisaTCPIPSocket));
-    EXPECT_EQ(typeFor("Tcpip0::h::5025::Socket"), typeid(InstLink::VisaTCPIPSocket));
-    EXPECT_EQ(typeFor("tcpip0::h::instr"), typeid(InstLink::VisaTCPIP));
+    expectType(typeid(InstLink::VisaSerial), {"ASRL1::INSTR", "asrl1::INSTR", "ASRL", "ASRL/dev/ttyUSB0::INSTR"});
+    expectType(typeid(InstLink::VisaUSB), {"USB0::0x1234::0x5678::SN::INSTR", "Usb0::1::2::3", "USB", "USB0::SOCKET"});
+    expectType(typeid(InstLink::VisaGPIB), {"GPIB0::5::INSTR", "gpib0::5::instr", "GPIB", "GPIB0::SOCKET"});
+    expectType(typeid(InstLink::VisaTCPIP), {"TCPIP0::192.0.2.1::inst0::INSTR", "tcpip0::h::instr", "TCPIP::h::INSTR",
+                                             "TCPIP", "TCPIP0::h::5025::SOCKE"});
 }
 
 TEST(MakeConnection, FindsASocketAnywhereInALanDescriptor)
 {
-    EXPECT_EQ(typeFor("TCPIPSOCKET"), typeid(InstLink::VisaTCPIPSocket));
-    EXPECT_EQ(typeFor("TCPIP0::socket.example::inst0::INSTR"), typeid(InstLink::VisaTCPIPSocket));
-    EXPECT_EQ(typeFor("TCPIP"), typeid(InstLink::VisaTCPIP));
-    EXPECT_EQ(typeFor("TCPIP0::h::5025::SOCKE"), typeid(InstLink::VisaTCPIP));
-    EXPECT_EQ(typeFor("USB0::SOCKET"), typeid(InstLink::VisaUSB));
-    EXPECT_EQ(typeFor("GPIB0::SOCKET"), typeid(InstLink::VisaGPIB));
+    expectType(typeid(InstLink::VisaTCPIPSocket),
+               {"TCPIP0::192.0.2.1::5025::SOCKET", "TCPIP::h::1::SOCKET", "tcpip0::h::5025::socket",
+                "Tcpip0::h::5025::Socket", "TCPIPSOCKET", "TCPIP0::socket.example::inst0::INSTR"});
+}
+
+TEST(MakeConnection, ChoosesThePlainConnectionForAnythingElse)
+{
+    expectType(typeid(InstLink::VisaIO), {"PXI0::5::INSTR", "", "A", "ASR", "US", "GPI", "TCPI", "VXI0::1", " USB0::1",
+                                          "KVX", "SOCKET", "::ASRL", "TCPI0"});
 }
 
 class Connect : public testing::Test

@@ -22,6 +22,7 @@ constexpr ViStatus kTermChar = 0x3FFF0005;
 constexpr ViStatus kMaxCount = 0x3FFF0006;
 constexpr ViStatus kWarning = 0x3FFF0084;
 constexpr ViStatus kTimedOut = static_cast<ViStatus>(0xBFFF0015);
+constexpr ViStatus kNoObject = static_cast<ViStatus>(0xBFFF000E);
 constexpr ViStatus kNotFound = static_cast<ViStatus>(0xBFFF0011);
 constexpr ViStatus kClosingFailed = static_cast<ViStatus>(0xBFFF0016);
 
@@ -288,6 +289,49 @@ TEST_F(Connection, CanBeOpenedAgain)
     EXPECT_EQ(io.open("GPIB0::6::INSTR"), 0);
     EXPECT_TRUE(io.isOpen());
     EXPECT_EQ(readOf("5\n"), "5");
+}
+
+TEST_F(Connection, LeavesItToVisaToRefuseWhatFollowsAClose)
+{
+    EXPECT_EQ(io.close(), 0);
+    kvxtest::clearLog();
+    queueReply("5\n");
+    std::string reply = "before";
+    EXPECT_EQ(io.write("*CLS"), kNoObject);
+    EXPECT_EQ(io.read(reply), kNoObject);
+    EXPECT_EQ(reply, "before");
+    EXPECT_THAT(calls(), ElementsAre("viWrite(0, \"*CLS\\n\")", "viRead(0, 1024)"));
+    EXPECT_EQ(io.setTimeout(5000), 0);
+    EXPECT_THAT(calls("viSetAttribute"), IsEmpty());
+}
+
+TEST_F(Connection, WorksOnItsNewSessionsWhenItIsOpenedTwice)
+{
+    EXPECT_EQ(io.open("GPIB0::6::INSTR"), 0);
+    EXPECT_THAT(calls(), ElementsAre("viOpenDefaultRM()", "viOpen(3, \"GPIB0::6::INSTR\", 0, 2000)",
+                                     "viSetAttribute(4, VI_ATTR_TMO_VALUE, 2000)", "viSetBuf(4, VI_READ_BUF, 1024)",
+                                     "viSetBuf(4, VI_WRITE_BUF, 1024)"));
+    kvxtest::clearLog();
+    EXPECT_EQ(io.write("*CLS"), 0);
+    EXPECT_EQ(readOf("5\n"), "5");
+    EXPECT_EQ(io.close(), 0);
+    EXPECT_THAT(calls(), ElementsAre("viWrite(4, \"*CLS\\n\")", "viRead(4, 1024)", "viClose(3)"));
+    // The sessions before are nobody's: open() closes nothing.
+    EXPECT_EQ(kvxtest::openVisaSessions(), 2U);
+}
+
+TEST_F(Connection, IsNotOpenWhenItsSecondOpenFailsInEitherSession)
+{
+    for (const char* function : {"viOpen", "viOpenDefaultRM"}) {
+        kvxtest::failNthCallOf(function, 1, kNotFound);
+        EXPECT_EQ(io.open("GPIB0::6::INSTR"), kNotFound) << function;
+        EXPECT_FALSE(io.isOpen()) << function;
+        kvxtest::clearLog();
+        EXPECT_EQ(io.close(), 0) << function;
+        EXPECT_THAT(calls(), IsEmpty()) << function;
+        io.releaseSessions();
+        EXPECT_EQ(io.open("GPIB0::5::INSTR"), 0) << function;
+    }
 }
 
 TEST_F(Connection, ReleasesItsSessionsWhateverVisaSays)

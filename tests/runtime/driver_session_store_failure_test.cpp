@@ -1,7 +1,9 @@
 #include "tests/support/driver/configuration_store_fixture.h"
 
+#include <memory>
 #include <new>
 #include <ostream>
+#include <sstream>
 
 // What becomes of a resolution when the configuration server fails.
 
@@ -15,6 +17,7 @@ using testing::Not;
 using testing::SizeIs;
 
 constexpr ViStatus kFailed = code(0xBFFA1777);
+constexpr ViStatus kWarning = code(0x3FFA1777);
 
 /// A store, and a resource name to resolve with it.
 struct Scene
@@ -69,18 +72,65 @@ std::string functionOf(const std::string& call)
     return call.substr(0, call.find('('));
 }
 
+/// Whether this status of a function says that something is not there, which need not be.
+bool isAbsence(const std::string& call, ViStatus status)
+{
+    const std::string function = functionOf(call);
+    if (status == IVICONFIG_ERROR_SESSION_NOT_FOUND)
+        return function == "IviConfig_GetDriverSession";
+    return status == IVICONFIG_ERROR_NOT_EXIST &&
+           (function == "IviConfig_GetSoftwareModuleItemByName" || function == "IviConfig_GetDataComponentItemByName");
+}
+
+std::string orDash(const std::string& text)
+{
+    return text.empty() ? "-" : text;
+}
+
+/// What a token of a selector stands for.
+std::string meaning(const drivekit::DriverSession& session, const char* token)
+{
+    std::string text;
+    session.mappedText(token, text);
+    return orDash(text);
+}
+
+/// What a resolution has found out, in one text.
+std::string findings(const drivekit::DriverSession& session)
+{
+    std::ostringstream text;
+    text << session.cache() << session.interchangeCheck() << session.queryInstrumentStatus() << session.rangeCheck()
+         << session.recordCoercions() << session.simulate() << session.initialCache() << session.namesStoreEntry()
+         << ' ' << session.connectionDescriptor() << ' ' << session.logicalName() << ' '
+         << session.ioResourceDescriptor() << ' ' << session.driverSetup() << ' ' << session.model() << ' '
+         << testing::PrintToString(session.configuredBooleans()) << testing::PrintToString(session.configuredIntegers())
+         << testing::PrintToString(session.configuredReals()) << testing::PrintToString(session.configuredStrings())
+         << testing::PrintToString(session.physicalNames());
+    for (const char* name : {"Core", "Rail", "Rail2"})
+        text << ' ' << meaning(session, name);
+    return text.str();
+}
+
 class ConfigurationStoreTorture : public ConfigurationStoreTest, public testing::WithParamInterface<Scene>
 {
 public:
-    /// Resolves in a fresh scene.
-    ViStatus resolveAnew(std::size_t failingCall)
+    /// Resolves in a fresh scene, with the platform prepared behind it.
+    template <class Prepare>
+    ViStatus resolveWith(Prepare prepare)
     {
         startOver();
         GetParam().store();
-        if (failingCall > 0)
-            failNthCall(failingCall, kFailed);
-        TestSession fresh(vi);
-        return fresh.ResolveConfiguration(GetParam().resourceName, "Cache=0");
+        prepare();
+        fresh = std::make_unique<TestSession>(vi);
+        return fresh->ResolveConfiguration(GetParam().resourceName, "Cache=0");
+    }
+
+    ViStatus resolveAnew(std::size_t callWithStatus, ViStatus status = kFailed)
+    {
+        return resolveWith([=] {
+            if (callWithStatus > 0)
+                failNthCall(callWithStatus, status);
+        });
     }
 
     std::vector<std::string> undisturbedCalls()
@@ -88,6 +138,8 @@ public:
         EXPECT_EQ(resolveAnew(0), VI_SUCCESS);
         return calls();
     }
+
+    std::unique_ptr<TestSession> fresh;
 };
 
 TEST_P(ConfigurationStoreTorture, EveryFailureOfTheServerIsRecordedOnceAndReturned)
@@ -152,23 +204,95 @@ TEST_P(ConfigurationStoreTorture, NothingIsReadBehindAFailure)
     }
 }
 
-TEST_P(ConfigurationStoreTorture, OfTwoFailuresTheFirstIsReturned)
+TEST_P(ConfigurationStoreTorture, OfSeveralFailuresTheFirstIsReturned)
 {
     const std::vector<std::string> sequence = undisturbedCalls();
+    std::size_t disposals = 0;
     for (std::size_t n = 2; n <= sequence.size(); ++n) {
         const std::string& failing = sequence[n - 1];
-        if (!matters(failing) || releases(failing))
+        disposals += failing.starts_with("IviConfig_DisposeHandle") ? 1 : 0;
+        if (!matters(failing) || failing.starts_with("IviConfig_Close"))
             continue;
         SCOPED_TRACE(failing + ", call " + std::to_string(n));
-        startOver();
-        GetParam().store();
-        failNthCall(n, kFailed);
-        failCall("IviConfig_Close", IVICONFIG_ERROR_INVALID_HANDLE);
-        TestSession fresh(vi);
-        EXPECT_EQ(fresh.ResolveConfiguration(GetParam().resourceName, ""), kFailed);
+        const ViStatus status = resolveWith([&] {
+            failNthCall(n, kFailed);
+            failNthCallOf("IviConfig_DisposeHandle", disposals + 1, IVICONFIG_ERROR_INVALID_HANDLE);
+            failCall("IviConfig_Close", IVICONFIG_ERROR_INVALID_HANDLE);
+        });
+        EXPECT_EQ(status, kFailed);
         EXPECT_EQ(recorded(), (ErrorEntry{kFailed, ""}));
         EXPECT_EQ(timesRecorded(), 1U);
     }
+}
+
+TEST_P(ConfigurationStoreTorture, AnAbsenceIsAFailureUnlessSomethingWasLookedUp)
+{
+    const std::vector<std::string> sequence = undisturbedCalls();
+    for (const ViStatus absence : {IVICONFIG_ERROR_SESSION_NOT_FOUND, IVICONFIG_ERROR_NOT_EXIST})
+        for (std::size_t n = 1; n <= sequence.size(); ++n) {
+            const std::string& failing = sequence[n - 1];
+            SCOPED_TRACE(failing + ", call " + std::to_string(n));
+            const bool isFailure = matters(failing) && !isAbsence(failing, absence);
+            EXPECT_EQ(resolveAnew(n, absence), isFailure ? absence : VI_SUCCESS);
+            EXPECT_EQ(recorded(), isFailure ? (ErrorEntry{absence, ""}) : ErrorEntry());
+            EXPECT_EQ(timesRecorded(), isFailure ? 1U : 0U);
+            const bool isForgotten = isAbsence(failing, absence);
+            EXPECT_TRUE(!isForgotten || errorOf(VI_NULL) == ErrorEntry());
+            EXPECT_EQ(openConfigHandles(), releases(failing) ? 1U : 0U);
+        }
+}
+
+TEST_P(ConfigurationStoreTorture, AWarningChangesNothing)
+{
+    const std::vector<std::string> sequence = undisturbedCalls();
+    const std::string found = findings(*fresh);
+    for (std::size_t n = 1; n <= sequence.size(); ++n) {
+        SCOPED_TRACE(sequence[n - 1] + ", call " + std::to_string(n));
+        EXPECT_EQ(resolveAnew(n, kWarning), VI_SUCCESS);
+        EXPECT_TRUE(failureHappened());
+        EXPECT_EQ(calls(), sequence);
+        EXPECT_EQ(findings(*fresh), found);
+        EXPECT_EQ(openConfigHandles(), 0U);
+    }
+}
+
+TEST_P(ConfigurationStoreTorture, AWarningHidesNoFailureBehindIt)
+{
+    const std::vector<std::string> sequence = undisturbedCalls();
+    for (std::size_t n = 1; n < sequence.size(); ++n) {
+        if (!matters(sequence[n]))
+            continue;
+        SCOPED_TRACE(sequence[n] + ", call " + std::to_string(n + 1));
+        const ViStatus status = resolveWith([n] {
+            failNthCall(n, kWarning);
+            failNthCall(n + 1, kFailed);
+        });
+        EXPECT_EQ(status, kFailed);
+        EXPECT_EQ(recorded(), (ErrorEntry{kFailed, ""}));
+    }
+}
+
+TEST_P(ConfigurationStoreTorture, ANullHandleIsNothingToRead)
+{
+    const std::vector<std::string> sequence = undisturbedCalls();
+    // The first call opens the store, without which nothing can be read.
+    for (std::size_t n = 2; n <= sequence.size(); ++n) {
+        SCOPED_TRACE(sequence[n - 1] + ", call " + std::to_string(n));
+        EXPECT_EQ(resolveWith([n] { giveNullAtNthCall(n); }), VI_SUCCESS);
+        EXPECT_TRUE(failureHappened());
+        EXPECT_THAT(calls(), Not(Contains(HasSubstr("null"))));
+        EXPECT_EQ(timesRecorded(), 0U);
+        EXPECT_EQ(errorOf(VI_NULL), ErrorEntry());
+        EXPECT_EQ(openConfigHandles(), 0U);
+    }
+}
+
+TEST_P(ConfigurationStoreTorture, ANullStoreIsTheServersToRefuse)
+{
+    EXPECT_EQ(resolveWith([] { giveNull("IviConfig_Initialize"); }), IVICONFIG_ERROR_INVALID_HANDLE);
+    EXPECT_EQ(recorded(), (ErrorEntry{IVICONFIG_ERROR_INVALID_HANDLE, ""}));
+    EXPECT_EQ(timesRecorded(), 1U);
+    EXPECT_EQ(calls().back(), "IviConfig_Close(null)");
 }
 
 INSTANTIATE_TEST_SUITE_P(Stores, ConfigurationStoreTorture, testing::ValuesIn(kScenes),
@@ -185,6 +309,54 @@ public:
         EXPECT_EQ(openConfigHandles(), 0U);
     }
 };
+
+TEST_F(ConfigurationStoreFailure, OfANullHandleNothingIsTaken)
+{
+    // Descriptor, "Core", "Rail", "Rail2", settings, physical names.
+    const std::pair<const char*, const char*> findingsWithout[] = {
+        {"none of them", "ASRL1::INSTR OutputChannel1 - OutputChannel3 1 2"},
+        {"IviConfig_GetDriverSession", "- - - - 0 2"},
+        {"IviConfig_GetSessionHardwareAssetReference", "- OutputChannel1 - OutputChannel3 1 2"},
+        {"IviConfig_GetSessionVirtualNameCollection", "ASRL1::INSTR - - - 1 2"},
+        {"IviConfig_GetVirtualNameItemByIndex", "ASRL1::INSTR - - - 1 2"},
+        {"IviConfig_GetVirtualNameVirtualRangeCollection", "ASRL1::INSTR OutputChannel1 OutputChannel - 1 2"},
+        {"IviConfig_GetVirtualRangeItemByIndex", "ASRL1::INSTR OutputChannel1 OutputChannel - 1 2"},
+        {"IviConfig_GetConfigComponentDataComponentCollection", "ASRL1::INSTR OutputChannel1 - OutputChannel3 0 2"},
+        {"IviConfig_GetDataComponentItemByName", "ASRL1::INSTR OutputChannel1 - OutputChannel3 0 2"},
+        {"IviConfig_GetStructureDataComponentCollection", "ASRL1::INSTR OutputChannel1 - OutputChannel3 0 2"},
+        {"IviConfig_GetDataComponentItemByIndex", "ASRL1::INSTR OutputChannel1 - OutputChannel3 0 2"},
+        {"IviConfig_GetSessionSoftwareModuleReference", "ASRL1::INSTR OutputChannel1 - OutputChannel3 1 0"},
+        {"IviConfig_GetSoftwareModulePhysicalNameCollection", "ASRL1::INSTR OutputChannel1 - OutputChannel3 1 0"},
+        {"IviConfig_GetPhysicalNameItemByIndex", "ASRL1::INSTR OutputChannel1 - OutputChannel3 1 0"},
+    };
+    for (const auto& [function, expected] : findingsWithout) {
+        startOver();
+        storeRichEntry();
+        giveNull(function);
+        TestSession fresh(vi);
+        EXPECT_EQ(fresh.ResolveConfiguration("KVX2800T", ""), VI_SUCCESS) << function;
+        const auto* const physicalNames = drivekit::valueOf(fresh.physicalNames(), "OutputChannel");
+        std::ostringstream found;
+        found << orDash(fresh.ioResourceDescriptor()) << ' ' << meaning(fresh, "Core") << ' ' << meaning(fresh, "Rail")
+              << ' ' << meaning(fresh, "Rail2") << ' ' << fresh.configuredStrings().size() << ' '
+              << (physicalNames == nullptr ? 0 : physicalNames->size());
+        EXPECT_EQ(found.str(), expected) << function;
+    }
+}
+
+TEST_F(ConfigurationStoreFailure, WithoutAModuleOrItsCollectionThereIsNoneToRead)
+{
+    for (const char* function :
+         {"IviConfig_GetConfigStoreSoftwareModuleCollection", "IviConfig_GetSoftwareModuleItemByName"})
+    {
+        startOver();
+        storeRichEntry();
+        configurationStore().driverSession.reset();
+        giveNull(function);
+        EXPECT_EQ(resolve(), VI_SUCCESS) << function;
+        EXPECT_THAT(session.physicalNames(), testing::IsEmpty()) << function;
+    }
+}
 
 TEST_F(ConfigurationStoreFailure, AFailedClearOfAnExpectedErrorIsIgnored)
 {
@@ -213,47 +385,6 @@ TEST_F(ConfigurationStoreFailure, AnEarlierErrorOfTheThreadStays)
     EXPECT_EQ(resolve(), kFailed);
     EXPECT_EQ(recorded(), (ErrorEntry{kFailed, ""}));
     EXPECT_EQ(errorOf(VI_NULL), earlier);
-}
-
-TEST_F(ConfigurationStoreFailure, OnlyTheLookUpsOfEntriesMayFindNoSession)
-{
-    storeRichEntry();
-    for (const char* function : {"IviConfig_Deserialize", "IviConfig_GetSessionVirtualNameCollection",
-                                 "IviConfig_GetDataComponentItemByName", "IviConfig_GetSessionHardwareAssetReference"})
-    {
-        SCOPED_TRACE(function);
-        failNthCallOf(function, 1, IVICONFIG_ERROR_SESSION_NOT_FOUND);
-        expectFailure("resource", IVICONFIG_ERROR_SESSION_NOT_FOUND);
-        IviSession_ClearError(vi);
-        clearLog();
-    }
-}
-
-TEST_F(ConfigurationStoreFailure, OnlyTheModuleAndTheSettingsMayBeNoSuchItem)
-{
-    storeRichEntry();
-    for (const char* function : {"IviConfig_GetDriverSession", "IviConfig_GetVirtualNameItemByIndex",
-                                 "IviConfig_GetDataComponentItemByIndex", "IviConfig_GetPhysicalNameItemByIndex"})
-    {
-        SCOPED_TRACE(function);
-        failNthCallOf(function, 1, IVICONFIG_ERROR_NOT_EXIST);
-        expectFailure("resource", IVICONFIG_ERROR_NOT_EXIST);
-        IviSession_ClearError(vi);
-        clearLog();
-    }
-}
-
-TEST_F(ConfigurationStoreFailure, AModuleThatCannotBeLookedUpIsAFailure)
-{
-    failCall("IviConfig_GetSoftwareModuleItemByName", IVICONFIG_ERROR_SESSION_NOT_FOUND);
-    expectFailure("resource", IVICONFIG_ERROR_SESSION_NOT_FOUND);
-}
-
-TEST_F(ConfigurationStoreFailure, AResourceNameThatCannotBeLookedUpIsAFailure)
-{
-    storeRichEntry();
-    failNthCallOf("IviConfig_GetDriverSession", 2, IVICONFIG_ERROR_NOT_EXIST);
-    expectFailure("BenchSupply", IVICONFIG_ERROR_NOT_EXIST);
 }
 
 TEST_F(ConfigurationStoreFailure, ASettingThatIsNotOfItsTypeIsAFailure)
@@ -371,18 +502,21 @@ private:
 
 TEST_F(ConfigurationStoreFailure, AnExceptionGivesEveryHandleBackAndClosesTheStoreLast)
 {
-    for (const char* step : {"ReadVirtualNames", "ApplyConfiguredModel", "ParseOptionString", "ReadPhysicalNames"}) {
-        SCOPED_TRACE(step);
-        startOver();
-        storeRichEntry();
-        storeRichFurtherSession();
-        ThrowingSession throwing(vi, step);
-        EXPECT_THROW(throwing.ResolveConfiguration("BenchSupply", ""), std::bad_alloc);
-        EXPECT_EQ(openConfigHandles(), 0U);
-        EXPECT_THAT(calls("IviConfig_Close"), SizeIs(1));
-        EXPECT_EQ(calls().back(), "IviConfig_Close(store)");
-        EXPECT_EQ(timesRecorded(), 0U);
-    }
+    for (const ViStatus opened : {VI_SUCCESS, kWarning})
+        for (const char* step : {"ReadVirtualNames", "ApplyConfiguredModel", "ParseOptionString", "ReadPhysicalNames"})
+        {
+            SCOPED_TRACE(step);
+            startOver();
+            storeRichEntry();
+            storeRichFurtherSession();
+            failCall("IviConfig_Initialize", opened);
+            ThrowingSession throwing(vi, step);
+            EXPECT_THROW(throwing.ResolveConfiguration("BenchSupply", ""), std::bad_alloc);
+            EXPECT_EQ(openConfigHandles(), 0U);
+            EXPECT_THAT(calls("IviConfig_Close"), SizeIs(1));
+            EXPECT_EQ(calls().back(), "IviConfig_Close(store)");
+            EXPECT_EQ(timesRecorded(), 0U);
+        }
 }
 
 TEST_F(ConfigurationStoreFailure, HandlesOfTheWrongKindAreFailuresOfEachReader)

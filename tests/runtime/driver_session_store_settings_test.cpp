@@ -1,6 +1,7 @@
 #include "tests/support/driver/configuration_store_fixture.h"
 
 #include <limits>
+#include <optional>
 
 // What a session takes from driver sessions and software modules of the configuration store, and whose values hold.
 
@@ -227,18 +228,34 @@ TEST_F(ConfiguredSettings, ThePrefixWithoutAnEntryIsAName)
     EXPECT_EQ(session.connectionDescriptor(), "KVX2800T");
 }
 
-TEST_F(ConfiguredSettings, AnEntryWithoutADescriptorLeavesTheResourceName)
+TEST_F(ConfiguredSettings, AnEntryWithoutADescriptorLeavesTheResourceNameAndTheDescriptorOfTheDriversOwn)
 {
-    for (const bool hasAsset : {false, true}) {
-        configurationStore() = {};
-        if (hasAsset)
-            storeFurtherSession("BenchSupply").ioResourceDescriptor = "";
-        else
-            storeFurtherSession("BenchSupply");
-        EXPECT_EQ(resolveName("BenchSupply"), VI_SUCCESS);
+    const std::optional<std::string> descriptors[] = {std::nullopt, "", "ASRL1::INSTR"};
+    for (const auto& own : descriptors)
+        for (const bool hasAsset : {false, true}) {
+            configurationStore() = {};
+            storeDriverSession().ioResourceDescriptor = own;
+            if (hasAsset)
+                storeFurtherSession("BenchSupply").ioResourceDescriptor = "";
+            else
+                storeFurtherSession("BenchSupply");
+            EXPECT_EQ(resolveName("BenchSupply"), VI_SUCCESS);
+            EXPECT_TRUE(session.namesStoreEntry());
+            EXPECT_EQ(session.logicalName(), "");
+            EXPECT_EQ(session.connectionDescriptor(), "BenchSupply");
+            EXPECT_EQ(session.ioResourceDescriptor(), own.value_or(""));
+        }
+}
+
+TEST_F(ConfiguredSettings, TheDriversOwnEntryWithoutADescriptorLeavesThePrefix)
+{
+    for (const std::optional<std::string>& descriptor : {std::optional<std::string>(), std::optional<std::string>("")})
+    {
+        storeDriverSession().ioResourceDescriptor = descriptor;
+        EXPECT_EQ(resolveName("KVX2800T"), VI_SUCCESS);
         EXPECT_TRUE(session.namesStoreEntry());
         EXPECT_EQ(session.logicalName(), "");
-        EXPECT_EQ(session.connectionDescriptor(), "BenchSupply");
+        EXPECT_EQ(session.connectionDescriptor(), "KVX2800T");
     }
 }
 
@@ -332,6 +349,24 @@ TEST_F(ConfiguredSettings, PhysicalNamesAreKeptByTheirRepeatedCapability)
     EXPECT_THAT(session.physicalNames(),
                 ElementsAre(Pair("OutputChannel", ElementsAre("OutputChannel2", "OutputChannel1")),
                             Pair("Trigger", ElementsAre("Trigger1"))));
+}
+
+TEST_F(ConfiguredSettings, PhysicalNamesThatAreReadTwiceAreThereOnce)
+{
+    storeRichEntry();
+    for (int i = 0; i < 2; ++i) {
+        EXPECT_EQ(resolve(), VI_SUCCESS);
+        EXPECT_THAT(session.physicalNames(),
+                    ElementsAre(Pair("OutputChannel", ElementsAre("OutputChannel1", "OutputChannel2"))));
+    }
+}
+
+TEST_F(ConfiguredSettings, APhysicalNameThatTheStoreListsTwiceIsThereTwice)
+{
+    storeRichEntry();
+    configurationStore().softwareModules.front().physicalNames = {{"B"}, {"A"}, {"B"}};
+    EXPECT_EQ(resolve(), VI_SUCCESS);
+    EXPECT_THAT(session.physicalNames(), ElementsAre(Pair("OutputChannel", ElementsAre("B", "A", "B"))));
 }
 
 TEST_F(ConfiguredSettings, WithoutAModuleThereAreNoPhysicalNames)

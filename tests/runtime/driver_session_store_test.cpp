@@ -1,5 +1,7 @@
 #include "tests/support/driver/configuration_store_fixture.h"
 
+#include <ostream>
+
 namespace
 {
 
@@ -70,29 +72,36 @@ TEST_F(ConfigurationStoreTest, AnEntryOfAnotherNameIsNotRead)
     EXPECT_FALSE(session.simulate());
 }
 
+/// A flag of an entry, and the option that it reaches.
+struct Flag
+{
+    ViBoolean StoredDriverSession::*stored;
+    bool (drivekit::DriverSession::*current)() const;
+    bool (drivekit::DriverSession::*initial)() const;
+    void (drivekit::DriverSession::*set)(bool);
+};
+
+using Session = drivekit::DriverSession;
+
+const Flag kFlags[] = {
+    {&StoredDriverSession::cache, &Session::cache, &Session::initialCache, &Session::setCache},
+    {&StoredDriverSession::interchangeCheck, &Session::interchangeCheck, &Session::initialInterchangeCheck,
+     &Session::setInterchangeCheck},
+    {&StoredDriverSession::queryInstrumentStatus, &Session::queryInstrumentStatus,
+     &Session::initialQueryInstrumentStatus, &Session::setQueryInstrumentStatus},
+    {&StoredDriverSession::rangeCheck, &Session::rangeCheck, &Session::initialRangeCheck, &Session::setRangeCheck},
+    {&StoredDriverSession::recordCoercions, &Session::recordCoercions, &Session::initialRecordCoercions,
+     &Session::setRecordCoercions},
+    {&StoredDriverSession::simulate, &Session::simulate, &Session::initialSimulate, &Session::setSimulate},
+};
+
 TEST_F(ConfigurationStoreTest, EachFlagOfAnEntryReachesItsOption)
 {
-    struct Flag
-    {
-        ViBoolean StoredDriverSession::*stored;
-        bool (drivekit::DriverSession::*current)() const;
-        bool (drivekit::DriverSession::*initial)() const;
-    };
-    using Session = drivekit::DriverSession;
-    const Flag flags[] = {
-        {&StoredDriverSession::cache, &Session::cache, &Session::initialCache},
-        {&StoredDriverSession::interchangeCheck, &Session::interchangeCheck, &Session::initialInterchangeCheck},
-        {&StoredDriverSession::queryInstrumentStatus, &Session::queryInstrumentStatus,
-         &Session::initialQueryInstrumentStatus},
-        {&StoredDriverSession::rangeCheck, &Session::rangeCheck, &Session::initialRangeCheck},
-        {&StoredDriverSession::recordCoercions, &Session::recordCoercions, &Session::initialRecordCoercions},
-        {&StoredDriverSession::simulate, &Session::simulate, &Session::initialSimulate},
-    };
-    for (const Flag& chosen : flags) {
+    for (const Flag& chosen : kFlags) {
         storeDriverSession().*chosen.stored = VI_TRUE;
         TestSession fresh(vi);
         EXPECT_EQ(fresh.ResolveConfiguration("", ""), VI_SUCCESS);
-        for (const Flag& other : flags) {
+        for (const Flag& other : kFlags) {
             const bool expected = other.stored == chosen.stored;
             EXPECT_EQ((fresh.*other.current)(), expected);
             EXPECT_EQ((fresh.*other.initial)(), expected);
@@ -147,13 +156,6 @@ TEST_F(ConfigurationStoreTest, ABadSetupTextOfAnEntryFails)
     EXPECT_EQ(openConfigHandles(), 0U);
 }
 
-TEST_F(ConfigurationStoreTest, ASetupTextThatIsTooLongIsCut)
-{
-    storeDriverSession().driverSetup = std::string(2000, 'x');
-    EXPECT_EQ(resolve(), VI_SUCCESS);
-    EXPECT_EQ(session.driverSetup(), std::string(1023, 'x'));
-}
-
 TEST_F(ConfigurationStoreTest, TheOptionStringOverridesTheEntry)
 {
     StoredDriverSession& entry = storeDriverSession();
@@ -178,9 +180,13 @@ TEST_F(ConfigurationStoreTest, TheOptionStringOverridesTheDefaults)
 
 TEST_F(ConfigurationStoreTest, LaterChangesLeaveTheInitialFlags)
 {
-    EXPECT_EQ(resolve("QueryInstrStatus=1"), VI_SUCCESS);
-    session.setQueryInstrumentStatus(false);
-    EXPECT_TRUE(session.initialQueryInstrumentStatus());
+    EXPECT_EQ(resolve(), VI_SUCCESS);
+    for (const Flag& flag : kFlags) {
+        const bool initial = (session.*flag.current)();
+        (session.*flag.set)(!initial);
+        EXPECT_EQ((session.*flag.current)(), !initial);
+        EXPECT_EQ((session.*flag.initial)(), initial);
+    }
 }
 
 TEST_F(ConfigurationStoreTest, ASimulatedSessionWithoutAModelGetsTheDefaultOne)
@@ -294,32 +300,6 @@ TEST_F(ConfigurationStoreTest, AFailedResolutionLeavesTheInitialFlags)
     EXPECT_FALSE(session.initialSimulate());
 }
 
-TEST_F(ConfigurationStoreTest, TextsThatAreTooLongAreCutAndAccepted)
-{
-    const std::string tooLong(2000, 'x');
-    const std::string cut(1023, 'x');
-    StoredDriverSession& entry = storeRichEntry();
-    entry.ioResourceDescriptor = tooLong;
-    entry.virtualNames = {{"Core", tooLong, {}}};
-    entry.settings() = {stringComponent(tooLong, tooLong)};
-    configurationStore().softwareModules.front().physicalNames = {{tooLong, tooLong}};
-    EXPECT_EQ(resolve(), VI_SUCCESS);
-    EXPECT_EQ(session.ioResourceDescriptor(), cut);
-    EXPECT_THAT(session.configuredString(cut), Pointee(cut));
-    EXPECT_THAT(session.physicalNames(), ElementsAre(Pair(cut, ElementsAre(cut))));
-    std::string mapped;
-    EXPECT_TRUE(session.mappedText("Core", mapped));
-    EXPECT_EQ(mapped, cut);
-    EXPECT_EQ(timesRecorded(), 0U);
-}
-
-TEST_F(ConfigurationStoreTest, ALocationThatIsTooLongIsCut)
-{
-    configurationStore().processDefaultLocation = std::string(300, 'p');
-    EXPECT_EQ(resolve(), VI_SUCCESS);
-    EXPECT_THAT(calls(), Contains("IviConfig_Deserialize(store, \"" + std::string(259, 'p') + "\")"));
-}
-
 TEST_F(ConfigurationStoreTest, EveryResolutionStartsFromNothing)
 {
     storeRichEntry();
@@ -334,7 +314,89 @@ TEST_F(ConfigurationStoreTest, EveryResolutionStartsFromNothing)
     EXPECT_THAT(session.configuredIntegers(), IsEmpty());
     EXPECT_THAT(session.configuredReals(), IsEmpty());
     EXPECT_THAT(session.configuredStrings(), IsEmpty());
+    EXPECT_THAT(session.physicalNames(), IsEmpty());
+    EXPECT_TRUE(session.virtualNames().empty());
     EXPECT_TRUE(session.cache());
 }
+
+// ---- Texts as long as the buffers they are read into
+
+/// A length that a text has more than its buffer, and whether the server ends a text that it cuts with a NUL.
+struct TextLength
+{
+    int beyondBuffer;
+    bool endsWithNul;
+};
+
+void PrintTo(const TextLength& length, std::ostream* stream)
+{
+    *stream << length.beyondBuffer << (length.endsWithNul ? "" : ", without a NUL");
+}
+
+class StoredTexts : public ConfigurationStoreTest, public testing::WithParamInterface<TextLength>
+{
+public:
+    StoredTexts()
+    {
+        if (!GetParam().endsWithNul)
+            fillBuffersWithoutNul();
+    }
+
+    /// A text that is so much longer than a buffer of this size; no two places in a row are alike.
+    static std::string textFor(int bufferSize)
+    {
+        std::string text;
+        while (text.size() < static_cast<std::size_t>(bufferSize + GetParam().beyondBuffer))
+            text += static_cast<char>('a' + text.size() % 26);
+        return text;
+    }
+
+    void expectLocation(const std::string& text)
+    {
+        EXPECT_EQ(resolve(), VI_SUCCESS);
+        EXPECT_THAT(calls("IviConfig_Deserialize"),
+                    ElementsAre("IviConfig_Deserialize(store, \"" + text.substr(0, 259) + "\")"));
+        EXPECT_EQ(timesRecorded(), 0U);
+        clearLog();
+    }
+};
+
+TEST_P(StoredTexts, AreCutWhereTheirBufferEnds)
+{
+    const std::string text = textFor(1024);
+    const std::string cut = text.substr(0, 1023);
+    StoredDriverSession& entry = storeRichEntry();
+    entry.ioResourceDescriptor = text;
+    entry.driverSetup = text;
+    entry.virtualNames = {{"Core", text, {}}, {text, "OutputChannel3", {}}};
+    entry.settings() = {stringComponent(text, text)};
+    configurationStore().softwareModules.front().physicalNames = {{text, text}};
+    EXPECT_EQ(resolve(), VI_SUCCESS);
+    EXPECT_EQ(session.ioResourceDescriptor(), cut);
+    EXPECT_EQ(session.driverSetup(), cut);
+    EXPECT_THAT(session.configuredStrings(), ElementsAre(Pair(cut, cut)));
+    EXPECT_THAT(session.physicalNames(), ElementsAre(Pair(cut, ElementsAre(cut))));
+    std::string mapped;
+    EXPECT_TRUE(session.mappedText("Core", mapped));
+    EXPECT_EQ(mapped, cut);
+    mapped.clear();
+    EXPECT_TRUE(session.mappedText(cut, mapped));
+    EXPECT_EQ(mapped, "OutputChannel3");
+    EXPECT_EQ(timesRecorded(), 0U);
+}
+
+TEST_P(StoredTexts, OfLocationsAreCutWhereTheirBufferEnds)
+{
+    configurationStore().processDefaultLocation = textFor(260);
+    expectLocation(textFor(260));
+    configurationStore().processDefaultLocation = "";
+    configurationStore().masterLocation = textFor(260);
+    expectLocation(textFor(260));
+}
+
+INSTANTIATE_TEST_SUITE_P(Lengths, StoredTexts,
+                         testing::Values(TextLength{-2, true}, TextLength{-1, true}, TextLength{0, true},
+                                         TextLength{1, true}, TextLength{1000, true}, TextLength{0, false},
+                                         TextLength{1, false}, TextLength{1000, false}));
 
 } // namespace

@@ -78,6 +78,16 @@ TEST_F(DriverSessionTest, ANewSessionHasItsSettings)
     EXPECT_EQ(session.model(), "");
 }
 
+TEST(DriverIdentity, IsWhatTheDriverSaysOfItself)
+{
+    EXPECT_EQ(drivekit::kDriverPrefix, "KVX2800T");
+    EXPECT_EQ(drivekit::kDriverVendor, "Tessaro Instruments");
+    EXPECT_EQ(drivekit::kDriverDescription, "IVI-C Driver for KVX2800T");
+    EXPECT_EQ(drivekit::kDriverRevision, "1.0.0.0");
+    EXPECT_EQ(drivekit::kGroupCapabilities, "IviDCPwrBase,IviDCPwrMeasurement");
+    EXPECT_EQ(drivekit::kSupportedModels, "KVX2833T");
+}
+
 TEST_F(DriverSessionTest, FlagsKeepWhatTheirSettersAreGiven)
 {
     for (const bool value : {true, false}) {
@@ -98,12 +108,15 @@ TEST_F(DriverSessionTest, FlagsKeepWhatTheirSettersAreGiven)
 
 TEST_F(DriverSessionTest, InitializeKeepsItsArguments)
 {
-    EXPECT_EQ(session.Initialize("resource", true, true, "options"), VI_SUCCESS);
-    EXPECT_EQ(session.resourceName(), "resource");
-    EXPECT_EQ(session.optionString(), "options");
-    EXPECT_TRUE(session.idQuery());
-    EXPECT_TRUE(session.reset());
-    EXPECT_EQ(session.resolvedWith, "resource|options");
+    for (const bool idQuery : {true, false})
+        for (const bool reset : {true, false}) {
+            EXPECT_EQ(session.Initialize("resource", idQuery, reset, "options"), VI_SUCCESS);
+            EXPECT_EQ(session.resourceName(), "resource");
+            EXPECT_EQ(session.optionString(), "options");
+            EXPECT_EQ(session.idQuery(), idQuery);
+            EXPECT_EQ(session.reset(), reset);
+            EXPECT_EQ(session.resolvedWith, "resource|options");
+        }
 }
 
 TEST_F(DriverSessionTest, InitializeResolvesOpensAndIdentifies)

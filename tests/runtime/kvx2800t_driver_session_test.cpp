@@ -68,6 +68,17 @@ TEST_F(KVX2800TSessionTest, AFailedStatusReadIsRecordedOnceAndReturned)
     EXPECT_EQ(timesRecorded(), 1U);
 }
 
+TEST_F(KVX2800TSessionTest, APositiveStatusOfTheStatusReadIsReturnedUnlessThereIsAnError)
+{
+    session.setQueryInstrumentStatus(true);
+    instrumentHasStatus(0xC3, 5);
+    EXPECT_EQ(session.CheckStatus(), 5);
+    EXPECT_EQ(timesRecorded(), 0U);
+    instrumentHasStatus(4, 5);
+    EXPECT_EQ(session.CheckStatus(), code(0xBFFA0001));
+    EXPECT_EQ(timesRecorded(), 1U);
+}
+
 TEST_F(KVX2800TSessionTest, InitializeStatusClearsAndChecks)
 {
     session.setQueryInstrumentStatus(true);
@@ -100,6 +111,46 @@ TEST_F(KVX2800TSessionTest, AFailedCloseIsRecordedAndReturned)
     EXPECT_EQ(recorded(), (ErrorEntry{VI_ERROR_INV_OBJECT, ""}));
     EXPECT_EQ(session.CloseInstrument(), VI_SUCCESS);
     EXPECT_EQ(timesRecorded(), 1U);
+}
+
+TEST_F(KVX2800TSessionTest, APositiveStatusOfACloseIsReturned)
+{
+    EXPECT_CALL(*instrument, close).WillOnce(Return(5));
+    EXPECT_EQ(session.CloseInstrument(), 5);
+    EXPECT_EQ(timesRecorded(), 0U);
+}
+
+TEST_F(KVX2800TSessionTest, ClosingBeforeThereIsAnInstrumentDoesNothing)
+{
+    TestSession unopened(vi);
+    EXPECT_EQ(unopened.CloseInstrument(), VI_SUCCESS);
+    EXPECT_EQ(unopened.Close(), VI_SUCCESS);
+    EXPECT_EQ(timesRecorded(), 0U);
+}
+
+TEST_F(KVX2800TSessionTest, AnInstrumentThatTakesThePlaceOfAnotherClosesItWhateverItSays)
+{
+    EXPECT_CALL(*instrument, close).WillOnce(Return(VI_ERROR_INV_OBJECT));
+    const auto next = std::make_shared<StrictInstrument>();
+    session.setInstrument(next, true);
+    EXPECT_EQ(session.instrument(), next);
+    EXPECT_TRUE(session.runsSimulated());
+    EXPECT_EQ(timesRecorded(), 0U);
+    EXPECT_CALL(*next, close);
+    session.setInstrument(nullptr, false);
+    EXPECT_EQ(session.instrument(), nullptr);
+    EXPECT_FALSE(session.runsSimulated());
+}
+
+TEST_F(KVX2800TSessionTest, ASimulationTakesThePlaceOfTheInstrumentWhateverTheOptionSays)
+{
+    EXPECT_CALL(*instrument, close);
+    EXPECT_EQ(session.StartSimulation(), VI_SUCCESS);
+    EXPECT_NE(dynamic_cast<TSRO::KVX2800TSimulator*>(session.instrument().get()), nullptr);
+    EXPECT_TRUE(session.instrument()->isOpen());
+    EXPECT_TRUE(session.runsSimulated());
+    EXPECT_FALSE(session.simulate());
+    EXPECT_THAT(calls(), IsEmpty());
 }
 
 TEST_F(KVX2800TSessionTest, ReadIdentityCopiesTheInstrumentsRecord)
@@ -136,6 +187,7 @@ TEST_F(KVX2800TInitializeTest, OpensTheResourceAndKeepsTheIdentity)
     EXPECT_EQ(session.model(), "KVX2833T");
     EXPECT_EQ(session.serialNumber(), "SN1");
     EXPECT_EQ(session.firmwareRevision(), "V2.34");
+    EXPECT_FALSE(session.runsSimulated());
     EXPECT_EQ(session.Close(), VI_SUCCESS);
     EXPECT_EQ(openVisaSessions(), 0U);
     EXPECT_EQ(openConfigHandles(), 0U);
@@ -202,6 +254,7 @@ TEST_F(KVX2800TInitializeTest, SimulatingNeedsNoVisaAndChecksNoStatus)
     EXPECT_THAT(calls("vi"), IsEmpty());
     EXPECT_NE(dynamic_cast<TSRO::KVX2800TSimulator*>(session.instrument().get()), nullptr);
     EXPECT_TRUE(session.instrument()->isOpen());
+    EXPECT_TRUE(session.runsSimulated());
     EXPECT_EQ(session.Close(), VI_SUCCESS);
     EXPECT_FALSE(session.instrument()->isOpen());
 }

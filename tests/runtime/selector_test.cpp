@@ -93,6 +93,11 @@ TEST_F(SelectorTest, MoreThanOneLevelIsTooMany)
 {
     expectError("OutputChannel1:OutputChannel2", code(0xBFFA0063), kLevels);
     expectError("[a]:[b]:c1-2", code(0xBFFA0063), kLevels);
+    for (const char* levels : {"[a] : [b]", " [ a ] : [ b ]", "[a]\t:\n[b]", "a : b ", "[a : b]", "a] : [b1 - 2]"})
+        expectError(levels, code(0xBFFA0063), kLevels);
+    // Blanks end a selector, but not behind a bracket.
+    for (const char* levels : {"[a] : [b] ", "[a] :", "[a] : ", ": [b]", "[a] : : [b]", "[a] [b]", "[a] : [] "})
+        expectError(levels, code(0xBFFA0066), kBadlyFormed);
 }
 
 TEST_F(SelectorTest, ARangeThatDoesNotCountUpIsRefused)
@@ -127,6 +132,9 @@ TEST_F(SelectorTest, NamesThatOnlyLookAlikeAreNoDuplicates)
 {
     expectUnknown("OutputChannel1,outputchannel1", "outputchannel1");
     expectUnknown("OutputChannel1-2,OutputChannel02", "OutputChannel02");
+    expectUnknown("x,x0", "x");
+    expectUnknown("x0,x", "x0");
+    expectUnknown("x1-2,x", "x1");
 }
 
 TEST_F(SelectorTest, AnUnknownNameIsNamed)

@@ -372,6 +372,17 @@ TEST_F(VirtualSelectors, WhoseTextWouldFillTheMemoryEndInAStatus)
     expectError(selector + "x", code(0xBFFA0066), kBadlyFormed);
 }
 
+TEST_F(VirtualSelectors, MayAddSixtyFourMebibytesToASelector)
+{
+    setVirtualNames({{"x", std::string(1023, 'y'), {}}});
+    constexpr std::size_t kTokens = (std::size_t{64} << 20U) / 1022;
+    std::string selector = "x";
+    while (selector.size() < 2 * kTokens - 1)
+        selector += ":x";
+    expectError(selector, code(0xBFFA0063), kLevels);
+    expectError(selector + ":x", code(0xBFFA0066), kBadlyFormed);
+}
+
 TEST_F(VirtualSelectors, OfTenThousandEachStandForTheirText)
 {
     std::vector<StoredVirtualName> names;

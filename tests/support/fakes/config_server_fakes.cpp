@@ -93,9 +93,11 @@ std::string configArgument(IviConfigHandle handle)
 
 // Handles
 
+/// The handle of a new object; null when a test wants the call at work to give that.
 IviConfigHandle addConfigObject(Platform& fakes, ConfigObject object)
 {
-    return fakes.configObjects.emplace_back(std::make_unique<ConfigObject>(std::move(object))).get();
+    return fakes.givesNull ? nullptr
+                           : fakes.configObjects.emplace_back(std::make_unique<ConfigObject>(std::move(object))).get();
 }
 
 /// The object of a handle of the kind `Data`; null for every other handle.
@@ -205,6 +207,15 @@ ViStatus performCount(IviConfigHandle collection, std::string_view function, ViI
         });
 }
 
+ViStatus putStoredText(const Platform& fakes, const std::string& text, ViInt32 bufferSize, ViChar* buffer)
+{
+    const ViStatus status = putText(text, bufferSize, buffer);
+    const bool isCut = status > 0 && bufferSize > 0;
+    if (isCut && fakes.leavesOutNul)
+        buffer[bufferSize - 1] = text[static_cast<std::size_t>(bufferSize) - 1];
+    return status;
+}
+
 /// A text property: `find` gives a pointer to the text, null for a property that is none.
 template <class Data, class Find>
 ViStatus performText(IviConfigHandle handle, std::string_view function, ViInt32 property, ViInt32 bufferSize,
@@ -214,7 +225,8 @@ ViStatus performText(IviConfigHandle handle, std::string_view function, ViInt32 
         handle, function,
         [&](Platform& fakes, const ConfigObject& /*object*/, const Data& data) -> ViStatus {
             const std::string* const text = find(fakes, data);
-            return text == nullptr ? IVICONFIG_ERROR_INVALID_PROPERTY_ID : putText(*text, bufferSize, buffer);
+            return text == nullptr ? IVICONFIG_ERROR_INVALID_PROPERTY_ID
+                                   : putStoredText(fakes, *text, bufferSize, buffer);
         },
         property, bufferSize);
 }

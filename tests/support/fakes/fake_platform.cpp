@@ -67,11 +67,14 @@ std::optional<ViStatus> plannedStatus(Platform& fakes, std::string_view function
 {
     std::optional<ViStatus> status;
     std::vector<Failure> remaining;
+    fakes.givesNull = false;
     for (Failure& failure : fakes.failures) {
         const bool forEver = failure.callsToGo == 0;
         const bool strikesNow = strikes(failure, function);
-        if (strikesNow)
+        if (strikesNow) {
             status = failure.status;
+            fakes.givesNull = failure.givesNull;
+        }
         if (forEver || !strikesNow)
             remaining.push_back(failure);
         else

@@ -80,6 +80,8 @@ struct Failure
     /// 0: every call.
     std::size_t callsToGo = 0;
     ViStatus status = VI_SUCCESS;
+    /// The call succeeds, and a handle that it gives is null.
+    bool givesNull = false;
 };
 
 /// Everything that the fakes know. One lock over all of it.
@@ -92,6 +94,8 @@ struct Platform
     std::vector<std::string> written;
     std::vector<Failure> failures;
     bool failureHappened = false;
+    /// Whether the call at work gives null in place of a handle.
+    bool givesNull = false;
 
     std::map<ViSession, VisaSession> visaSessions;
     ViSession nextVisaSession = kFirstVisaSession;
@@ -104,6 +108,7 @@ struct Platform
 
     std::vector<std::unique_ptr<ConfigObject>> configObjects;
     ConfigurationStore store;
+    bool leavesOutNul = false;
 };
 
 Platform& platform();

@@ -140,6 +140,7 @@ void reset()
         fakes.threadErrors.clear();
         fakes.configObjects.clear();
         fakes.store = {};
+        fakes.leavesOutNul = false;
     });
 }
 
@@ -191,6 +192,21 @@ void failNthCallOf(std::string_view function, std::size_t n, ViStatus status)
 void failCall(std::string_view function, ViStatus status)
 {
     addFailure({std::string(function), 0, status});
+}
+
+void giveNullAtNthCall(std::size_t n)
+{
+    addFailure({"", n, VI_SUCCESS, true});
+}
+
+void giveNull(std::string_view function)
+{
+    addFailure({std::string(function), 0, VI_SUCCESS, true});
+}
+
+void fillBuffersWithoutNul()
+{
+    locked([](Platform& fakes) { fakes.leavesOutNul = true; });
 }
 
 bool failureHappened()

@@ -72,7 +72,13 @@ void failNthCall(std::size_t n, ViStatus status);
 void failNthCallOf(std::string_view function, std::size_t n, ViStatus status);
 /// Every further call of one function.
 void failCall(std::string_view function, ViStatus status);
-/// Whether the call of failNthCall() or failNthCallOf() has come.
+/// The n-th call from now on succeeds; if it is one that gives a handle of the configuration server, that is null.
+void giveNullAtNthCall(std::size_t n);
+/// Every further call of one function succeeds with a null handle.
+void giveNull(std::string_view function);
+/// From now on a text of the configuration server that does not fit fills the whole buffer, and no NUL ends it.
+void fillBuffersWithoutNul();
+/// Whether the call of failNthCall(), failNthCallOf() or giveNullAtNthCall() has come.
 bool failureHappened();
 void clearFailures();
 
