@@ -68,6 +68,17 @@ TEST_F(KVX2800TSessionTest, AFailedStatusReadIsRecordedOnceAndReturned)
     EXPECT_EQ(timesRecorded(), 1U);
 }
 
+TEST_F(KVX2800TSessionTest, AWarningOfTheStatusReadHidesNoErrorBit)
+{
+    session.setQueryInstrumentStatus(true);
+    instrumentHasStatus(0x3C, 5);
+    EXPECT_EQ(session.CheckStatus(), code(0xBFFA0001));
+    EXPECT_EQ(recorded().code, code(0xBFFA0001));
+    instrumentHasStatus(0xC3, 5);
+    EXPECT_EQ(session.CheckStatus(), 5);
+    EXPECT_EQ(timesRecorded(), 1U);
+}
+
 TEST_F(KVX2800TSessionTest, InitializeStatusClearsAndChecks)
 {
     session.setQueryInstrumentStatus(true);

@@ -92,6 +92,8 @@ struct Platform
     std::vector<std::string> written;
     std::vector<Failure> failures;
     bool failureHappened = false;
+    /// The calls of IviSession_GetDataPtr up to the one that gives null; 0: none does.
+    std::size_t callsToNullDataPtr = 0;
 
     std::map<ViSession, VisaSession> visaSessions;
     ViSession nextVisaSession = kFirstVisaSession;

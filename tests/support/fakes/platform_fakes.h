@@ -72,6 +72,8 @@ void failNthCall(std::size_t n, ViStatus status);
 void failNthCallOf(std::string_view function, std::size_t n, ViStatus status);
 /// Every further call of one function.
 void failCall(std::string_view function, ViStatus status);
+/// The n-th call of IviSession_GetDataPtr from now on succeeds and gives null.
+void giveNullDataPtr(std::size_t n);
 /// Whether the call of failNthCall() or failNthCallOf() has come.
 bool failureHappened();
 void clearFailures();
