@@ -251,11 +251,6 @@ TEST_F(ChannelAttributes, ABehaviorThatIsNeitherRegulateNorTripIsRefused)
         expectOutOfRange(setBehavior("OutputChannel3-4", behavior), {});
 }
 
-TEST_F(ChannelAttributes, ABadBehaviorIsRefusedOnlyBehindTheChangeOfTheMode)
-{
-    expectOutOfRange(setBehavior("OutputChannel5,OutputChannel3", 2), {":SOUR:Mode?\n", ":SOUR:Mode SER\n"});
-}
-
 TEST_F(ChannelAttributes, ABadBehaviorComesBehindABadSelectorAndAFailedMode)
 {
     EXPECT_EQ(setBehavior("OutputChannel7", 2), code(0xBFFA0067));

@@ -30,6 +30,7 @@ TEST_P(ModeChange, IsFollowedByASecondUnderTheLockInFrontOfEverythingElse)
     EXPECT_EQ(set("OutputChannel5"), GetParam().status);
     EXPECT_EQ(ScriptedClock::last(), 10'000'000);
     EXPECT_THAT(written(), ElementsAreArray(linesOfSeriesChannel(GetParam())));
+    EXPECT_EQ(recorded().code, GetParam().status);
     EXPECT_EQ(lockDepth(vi), 0U);
 }
 
