@@ -33,7 +33,7 @@ public:
         for (const int number : numbers) {
             if (channel(number).needsMode())
                 lines.emplace_back(":SOUR:Mode?\n");
-            for (std::string& line : GetParam().commands(channel(number)))
+            for (std::string& line : GetParam().linesTo(channel(number)))
                 lines.push_back(std::move(line));
         }
         return lines;
