@@ -4,8 +4,8 @@
 #   ./test.sh --all   also the format, the manual, clang-tidy, the tests under AddressSanitizer with
 #                     UndefinedBehaviorSanitizer and under ThreadSanitizer, a short run of the fuzzers, and the builds for
 #                     Windows with their tests under Wine
-#   ./test.sh --long  what takes too long for every change: clang-tidy over the tests, the driver broken one line at a time
-#                     (tests/mutants), a long run of the fuzzers
+#   ./test.sh --long  what takes too long for every change: clang-tidy over the tests, its analyzer over all sources, the
+#                     driver broken one line at a time (tests/mutants), a long run of the fuzzers
 set -eu
 cd "$(dirname "$0")"
 . ./cmake/scripts.sh
@@ -51,13 +51,19 @@ check_format() {
     sources | xargs -P "$(nproc)" -n 50 clang-format --dry-run --Werror
 }
 
-# check_tidy [-v] FILES: a pattern for grep. clang does not read the precompiled header, which is g++'s.
+# Where clang's analyzer follows every path in --all; in --long it does so everywhere.
+driver='^\(api\|runtime\|instrument\|simulator\|io\|base\|binding\)/'
+
+# check_tidy CHECKS [-v] FILES: checks beside those of .clang-tidy, a pattern for grep. clang does not read the precompiled
+# header, which is g++'s.
 check_tidy() {
     step "Checking with clang-tidy"
+    checks=$1
+    shift
     mkdir -p build/tidy
     sed 's/-Winvalid-pch -include [^ ]*//' build/release/compile_commands.json >build/tidy/compile_commands.json
     sources | grep '\.cpp$' | grep -v -e '^fuzz/' -e '^benchmarks/' -e windows -e mingw | grep "$@" |
-        xargs -P "$(nproc)" -n 4 clang-tidy --quiet --extra-arg=-Wno-unknown-warning-option -p build/tidy 2>/dev/null
+        xargs -P "$(nproc)" -n 4 clang-tidy --quiet --checks="$checks" --extra-arg=-Wno-unknown-warning-option -p build/tidy 2>/dev/null
 }
 
 check_manual() {
@@ -98,7 +104,8 @@ case "${1-}" in
     check_format
     run_tests release
     check_manual
-    check_tidy -v '^tests/'
+    check_tidy '' "$driver"
+    check_tidy '-clang-analyzer-*' -v -e '^tests/' -e "$driver"
     run_tests asan-ubsan
     run_tests tsan
     fuzz 50000
@@ -107,7 +114,7 @@ case "${1-}" in
 --long)
     install_packages build test check
     build release
-    check_tidy '^tests/'
+    check_tidy '' -v "$driver"
     try_faults
     fuzz 1000000
     ;;
