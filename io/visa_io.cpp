@@ -63,9 +63,6 @@ ViStatus VisaIO::read(std::string& reply)
 
 ViStatus VisaIO::readMessage(std::span<ViByte> buffer, std::size_t& count)
 {
-    count = 0;
-    if (!isOpen())
-        return VI_ERROR_INV_OBJECT;
     const std::size_t size = std::min<std::size_t>(buffer.size(), std::numeric_limits<ViUInt32>::max());
     ViUInt32 received = 0;
     const ViStatus status = viRead(session_, buffer.data(), static_cast<ViUInt32>(size), &received);

@@ -330,6 +330,33 @@ TEST_F(AttributeIds, AnUnknownOneIsWrittenAsAnUnsignedDecimalNumber)
         }
 }
 
+TEST_F(AttributeIds, ANullValueIsReportedOnTheHandleWhateverThatIs)
+{
+    KVX2800T_close(vi);
+    vi = VI_NULL;
+    // The session service refuses a record on a handle that it does not know; on none, the thread has the record.
+    for (const auto& [handle, status] :
+         {std::pair(kFirstSession, kInvalidSession), std::pair(kUnknownSession, kInvalidSession),
+          std::pair(ViSession{VI_NULL}, kNullPointer)})
+    {
+        const auto record = [handle = handle](const std::string& function, const char* parameter) {
+            return "IviSession_SetError(" + std::to_string(handle) +
+                   ", 0xBFFA0058, \"Null pointer passed for function '" + function + "', parameter '" + parameter +
+                   "'.\")";
+        };
+        for (const AccessFunction& function : kAccessFunctions) {
+            if (function.callWithNull == nullptr)
+                continue;
+            clearLog();
+            EXPECT_EQ(function.callWithNull(handle, "OutputChannel3", KVX2800T_ATTR_VOLTAGE_LEVEL), status);
+            EXPECT_THAT(calls(), ElementsAre(record("KVX2800T_" + function.name(), "AttributeValue")));
+        }
+        clearLog();
+        EXPECT_EQ(KVX2800T_GetAttributeViString(handle, "", KVX2800T_ATTR_INSTRUMENT_MODEL, 10, nullptr), status);
+        EXPECT_THAT(calls(), ElementsAre(record("GetAttributeViString", "AttributeValueBufferSize")));
+    }
+}
+
 TEST_F(AttributeIds, AnUnknownTextIsReportedBeforeItsBuffer)
 {
     EXPECT_EQ(KVX2800T_GetAttributeViString(vi, "", 0, 0, nullptr), code(0xBFFA000C));

@@ -1,11 +1,10 @@
-#include "tests/support/driver/api_fixture.h"
-#include "tests/support/driver/channel_limits.h"
+#include "tests/support/driver/channel_settings.h"
 
 #include <cmath>
 #include <initializer_list>
 #include <limits>
 
-// Setting the attributes of channels.
+// Setting the attributes of channels, and the functions of the same purpose.
 
 namespace
 {
@@ -17,60 +16,24 @@ using testing::IsEmpty;
 
 using Lines = std::vector<std::string>;
 
-/// An attribute with a value, and what setting it sends to a channel.
-struct Setting
-{
-    const char* name;
-    ViStatus (*set)(ViSession vi, ViConstString channel);
-    Lines (*commands)(const ChannelMaximum& channel);
-};
-
-void PrintTo(const Setting& setting, std::ostream* stream)
-{
-    *stream << setting.name;
-}
-
-const Setting kSettings[] = {
-    {"CURRENT_LIMIT_BEHAVIOR",
-     [](ViSession vi, ViConstString channel) { return KVX2800T_SetAttributeViInt32(vi, channel, 1250004, 1); },
-     [](const ChannelMaximum& channel) { return Lines{channel.source() + ":CURR:PROT:STAT ON\n"}; }},
-    {"CURRENT_LIMIT",
-     [](ViSession vi, ViConstString channel) { return KVX2800T_SetAttributeViReal64(vi, channel, 1250005, 2.5); },
-     [](const ChannelMaximum& channel) {
-         return Lines{channel.source() + ":CURR 2.500000\n", channel.source() + ":CURR:PROT 2.500000\n"};
-     }},
-    {"OUTPUT_ENABLED",
-     [](ViSession vi, ViConstString channel) { return KVX2800T_SetAttributeViBoolean(vi, channel, 1250006, VI_TRUE); },
-     [](const ChannelMaximum& channel) { return Lines{std::string(":OUTP:STAT ") + channel.keyword + ",ON\n"}; }},
-    {"OVP_ENABLED",
-     [](ViSession vi, ViConstString channel) { return KVX2800T_SetAttributeViBoolean(vi, channel, 1250002, VI_TRUE); },
-     [](const ChannelMaximum& channel) { return Lines{channel.source() + ":VOLT:PROT:STAT ON\n"}; }},
-    {"OVP_LIMIT",
-     [](ViSession vi, ViConstString channel) { return KVX2800T_SetAttributeViReal64(vi, channel, 1250003, 6.25); },
-     [](const ChannelMaximum& channel) { return Lines{channel.source() + ":VOLT:PROT 6.250000\n"}; }},
-    {"VOLTAGE_LEVEL",
-     [](ViSession vi, ViConstString channel) { return KVX2800T_SetAttributeViReal64(vi, channel, 1250001, 5.5); },
-     [](const ChannelMaximum& channel) { return Lines{channel.source() + ":VOLT 5.500000\n"}; }},
-};
-
 const ChannelMaximum& channel(int number)
 {
     return kChannelMaxima.at(static_cast<std::size_t>(number) - 1);
 }
 
-class ChannelSetting : public ApiTest, public testing::WithParamInterface<Setting>
+class ChannelSetting : public ApiTest, public testing::WithParamInterface<SettingCall>
 {
 public:
     ViStatus set(ViConstString channel) const { return GetParam().set(vi, channel); }
 
-    /// Everything that setting the attribute on these channels sends while the source mode suits them.
+    /// Everything that the call for these channels sends while the source mode suits them.
     static Lines commandsOf(std::initializer_list<int> numbers)
     {
         Lines lines;
         for (const int number : numbers) {
             if (channel(number).needsMode())
                 lines.emplace_back(":SOUR:Mode?\n");
-            for (std::string& line : GetParam().commands(channel(number)))
+            for (std::string& line : GetParam().linesTo(channel(number)))
                 lines.push_back(std::move(line));
         }
         return lines;
@@ -197,7 +160,7 @@ TEST_P(ChannelSetting, OfASimulatedInstrumentSendsNothing)
     EXPECT_THAT(calls("vi"), IsEmpty());
 }
 
-INSTANTIATE_TEST_SUITE_P(Attributes, ChannelSetting, testing::ValuesIn(kSettings),
+INSTANTIATE_TEST_SUITE_P(Calls, ChannelSetting, testing::ValuesIn(kSettingCalls),
                          [](const auto& setting) { return std::string(setting.param.name); });
 
 class ChannelAttributes : public ApiTest
@@ -286,11 +249,6 @@ TEST_F(ChannelAttributes, ABehaviorThatIsNeitherRegulateNorTripIsRefused)
 {
     for (const ViInt32 behavior : std::initializer_list<ViInt32>{2, -1, 1001, std::numeric_limits<ViInt32>::min()})
         expectOutOfRange(setBehavior("OutputChannel3-4", behavior), {});
-}
-
-TEST_F(ChannelAttributes, ABadBehaviorIsRefusedOnlyBehindTheChangeOfTheMode)
-{
-    expectOutOfRange(setBehavior("OutputChannel5,OutputChannel3", 2), {":SOUR:Mode?\n", ":SOUR:Mode SER\n"});
 }
 
 TEST_F(ChannelAttributes, ABadBehaviorComesBehindABadSelectorAndAFailedMode)

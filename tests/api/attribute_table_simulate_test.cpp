@@ -24,6 +24,15 @@ public:
         return value;
     }
 
+    std::string instrumentRevision() const
+    {
+        std::array<ViChar, 256> driver{};
+        std::array<ViChar, 256> instrument{};
+        EXPECT_EQ(KVX2800T_revision_query(vi, driver.data(), instrument.data()), VI_SUCCESS);
+        EXPECT_STREQ(driver.data(), "1.0.0.0");
+        return instrument.data();
+    }
+
     void expectRefusedToGoBack() const
     {
         forget();
@@ -154,14 +163,19 @@ TEST_F(SimulateAttribute, TheIdentityIsThatOfTheInstrumentThatIsThereNow)
     EXPECT_EQ(text(KVX2800T_ATTR_INSTRUMENT_FIRMWARE_REVISION), "V1.00");
 }
 
-TEST_F(SimulateAttribute, TheRevisionQueryFollows)
+TEST_F(SimulateAttribute, TheRevisionQueryFollowsTheFlagAndOtherwiseTellsTheInstrumentsThatIsThereNow)
 {
     open();
+    EXPECT_EQ(simulate(2), VI_SUCCESS);
+    EXPECT_EQ(instrumentRevision(), "V2.34");
     EXPECT_EQ(simulate(VI_TRUE), VI_SUCCESS);
-    std::array<ViChar, 256> driver{};
-    std::array<ViChar, 256> instrument{};
-    EXPECT_EQ(KVX2800T_revision_query(vi, driver.data(), instrument.data()), VI_SUCCESS);
-    EXPECT_STREQ(instrument.data(), "Sim1.0.0.0");
+    EXPECT_EQ(instrumentRevision(), "Sim1.0.0.0");
+    EXPECT_EQ(simulate(2), VI_SUCCESS);
+    EXPECT_EQ(instrumentRevision(), "V1.00");
+    KVX2800T_close(vi);
+    open("Simulate=1");
+    EXPECT_EQ(simulate(2), VI_SUCCESS);
+    EXPECT_EQ(instrumentRevision(), "V1.00");
 }
 
 TEST_F(SimulateAttribute, TheDescriptorStaysWhatTheConnectionWasOpenedOn)

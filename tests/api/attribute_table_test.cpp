@@ -153,6 +153,16 @@ TEST_F(SetAttribute, LeavesTheSessionsOptionsWhereTheAttributeIsIgnored)
         }
 }
 
+TEST_F(SetAttribute, IsForgottenWhenAllAttributesAreInvalidated)
+{
+    open();
+    auto& remembered = session().attributeCaches().of<ViReal64>();
+    remembered.invalidate(KVX2800T_ATTR_VOLTAGE_LEVEL, "OutputChannel1");
+    ASSERT_NE(remembered.find(KVX2800T_ATTR_VOLTAGE_LEVEL, "OutputChannel1"), nullptr);
+    EXPECT_EQ(KVX2800T_InvalidateAllAttributes(vi), VI_SUCCESS);
+    EXPECT_EQ(remembered.find(KVX2800T_ATTR_VOLTAGE_LEVEL, "OutputChannel1"), nullptr);
+}
+
 TEST_F(SetAttribute, SimulateSwapsAnOpenSimulatorInBeforeTheConnectionIsClosed)
 {
     open();

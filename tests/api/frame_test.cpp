@@ -27,6 +27,26 @@ public:
     }
 
     static ViStatus call(ViSession session) { return GetParam().call(session); }
+
+    /// Whether the work is the driver session's: it is looked up once more.
+    static bool needsSession()
+    {
+        const std::string name = GetParam().name;
+        return name != "LockSession" && name != "UnlockSession" && name != "self_test";
+    }
+
+    /// Expects that a call has found no session under the lock, if it has looked for one.
+    void expectRefusedUnderTheLock(ViStatus status) const
+    {
+        EXPECT_EQ(status, needsSession() ? kInvalidSession : GetParam().success);
+        if (needsSession()) {
+            EXPECT_THAT(calls(), ElementsAre("IviSession_GetDataPtr(1001)", "IviSession_Lock(1001, null)",
+                                             "IviSession_GetDataPtr(1001)", "IviSession_Unlock(1001, null)"));
+        }
+        EXPECT_EQ(timesRecorded(), 0U);
+        EXPECT_EQ(errorOf(VI_NULL), ErrorEntry());
+        EXPECT_EQ(lockDepth(vi), 0U);
+    }
 };
 
 TEST_P(Frame, LooksTheSessionUpLocksAndUnlocks)
@@ -74,6 +94,28 @@ TEST_P(Frame, MapsAnyFailureOfTheLookUpToAnInvalidSession)
     failNthCall(1, kInjected);
     EXPECT_EQ(call(vi), kInvalidSession);
     EXPECT_EQ(calls().size(), 1U);
+}
+
+TEST_P(Frame, MapsAnyFailureOfTheLookUpUnderTheLockToAnInvalidSession)
+{
+    failNthCallOf("IviSession_GetDataPtr", 2, kInjected);
+    expectRefusedUnderTheLock(call(vi));
+    EXPECT_EQ(failureHappened(), needsSession());
+}
+
+TEST_P(Frame, RefusesAHandleThatHasLostItsDriverSessionUnderTheLock)
+{
+    giveNullDataPtr(2);
+    expectRefusedUnderTheLock(call(vi));
+}
+
+TEST_P(Frame, TakesAWarningOfTheSessionServiceForSuccess)
+{
+    failNthCallOf("IviSession_GetDataPtr", 1, 5);
+    failNthCallOf("IviSession_GetDataPtr", 2, 5);
+    failNthCallOf("IviSession_Lock", 1, 5);
+    EXPECT_EQ(call(vi), GetParam().success);
+    EXPECT_EQ(timesRecorded(), 0U);
 }
 
 TEST_P(Frame, ReturnsALockFailureAndDoesNothingElse)

@@ -305,14 +305,6 @@ TEST_F(OutputFunctions, TheOvpLevelIsTheInstrumentsToJudge)
                                        ":SOUR4:VOLT:PROT 1000000.000000\n", ":SOUR4:VOLT:PROT:STAT OFF\n"));
 }
 
-TEST_F(OutputFunctions, OvpOfACombinationChangesTheModeFirst)
-{
-    open("QueryInstrStatus=1");
-    EXPECT_EQ(KVX2800T_ConfigureOVP(vi, "OutputChannel5", VI_TRUE, 60.0), VI_SUCCESS);
-    EXPECT_THAT(written(), ElementsAre(":SOUR:Mode?\n", ":SOUR:Mode SER\n", ":SOUR5:VOLT:PROT 60.000000\n",
-                                       ":SOUR5:VOLT:PROT:STAT ON\n", "*ESR?\n"));
-}
-
 TEST_F(OutputFunctions, AFailedOvpCommandEndsTheCall)
 {
     open("QueryInstrStatus=1");

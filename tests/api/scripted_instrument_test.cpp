@@ -36,6 +36,8 @@ TEST_F(ScriptedInstrument, AWarningEndsTheCallUnrecordedAndUnchecked)
 
 TEST_F(ScriptedInstrument, AWarningOfAStepEndsTheStepsOfAChannel)
 {
+    EXPECT_CALL(*instrument, setCurrentLevel(4, 1.0)).WillOnce(Return(kWarning));
+    expectWarning(KVX2800T_ConfigureCurrentLimit(vi, "OutputChannel4", 1, 1.0));
     EXPECT_CALL(*instrument, setCurrentLevel(3, 1.0)).WillOnce(Return(VI_SUCCESS));
     EXPECT_CALL(*instrument, setCurrentProtectionLevel(3, 1.0)).WillOnce(Return(5));
     EXPECT_EQ(KVX2800T_ConfigureCurrentLimit(vi, "OutputChannel3", 1, 1.0), 5);
@@ -120,6 +122,60 @@ TEST_F(ScriptedInstrument, AWarningEndsAGetterUnrecorded)
     ViBoolean enabled = 77;
     expectWarning(KVX2800T_GetAttributeViBoolean(vi, "OutputChannel2", KVX2800T_ATTR_OUTPUT_ENABLED, &enabled));
     EXPECT_EQ(enabled, 77);
+}
+
+TEST_F(ScriptedInstrument, AFailedWriteOfDisableIsRecordedOnceAndReturned)
+{
+    EXPECT_CALL(*instrument, writeRaw(":OUTPut:STATe ALL,OFF")).WillOnce(Return(kIoError));
+    EXPECT_EQ(KVX2800T_Disable(vi), kIoError);
+    expectRecordedOnce(kIoError, "I/O error.");
+}
+
+TEST_F(ScriptedInstrument, AWarningOfDisableOrOfAResetIsTheCallsStatus)
+{
+    EXPECT_CALL(*instrument, writeRaw).WillOnce(Return(kWarning));
+    expectWarning(KVX2800T_Disable(vi));
+    EXPECT_CALL(*instrument, reset).Times(2).WillRepeatedly(Return(kWarning));
+    expectWarning(KVX2800T_reset(vi));
+    expectWarning(KVX2800T_ResetWithDefaults(vi));
+}
+
+TEST_F(ScriptedInstrument, AWarningOfTheErrorQueueLeavesBothOutputs)
+{
+    EXPECT_CALL(*instrument, nextError)
+        .WillOnce(DoAll(SetArgReferee<0>(-113), SetArgReferee<1>("message"), Return(kWarning)));
+    ViInt32 number = 77;
+    std::array<ViChar, 256> text{};
+    text.fill('#');
+    expectWarning(KVX2800T_error_query(vi, &number, text.data()));
+    EXPECT_EQ(number, 77);
+    EXPECT_THAT(text, testing::Each('#'));
+}
+
+TEST_F(ScriptedInstrument, ErrorBitsBehindAWarningOfTheStatusCheckAreAnError)
+{
+    EXPECT_CALL(*instrument, setVoltageLevel(3, 1.0)).WillOnce(Return(0));
+    EXPECT_CALL(*instrument, eventStatus).WillOnce(DoAll(SetArgReferee<0>(0x20), Return(kWarning)));
+    EXPECT_EQ(KVX2800T_ConfigureVoltageLevel(vi, "OutputChannel3", 1.0), code(0xBFFA0001));
+    expectRecordedOnce(code(0xBFFA0001), "Instrument error detected.  Use ErrorQuery() to determine the error(s).");
+}
+
+TEST_F(ScriptedInstrument, ASimulatorThatDoesNotOpenIsRecordedOnceAndTheInstrumentStays)
+{
+    session->simulationStatus = kIoError;
+    EXPECT_EQ(KVX2800T_SetAttributeViBoolean(vi, "", KVX2800T_ATTR_SIMULATE, VI_TRUE), kIoError);
+    expectRecordedOnce(kIoError, "I/O error.");
+    EXPECT_EQ(session->instrument(), instrument);
+    EXPECT_FALSE(session->runsSimulated());
+    // The option has been set by then.
+    ViBoolean simulates = VI_FALSE;
+    EXPECT_EQ(KVX2800T_GetAttributeViBoolean(vi, "", KVX2800T_ATTR_SIMULATE, &simulates), VI_SUCCESS);
+    EXPECT_EQ(simulates, VI_TRUE);
+    session->simulationStatus = kWarning;
+    clearLog();
+    expectWarning(KVX2800T_SetAttributeViBoolean(vi, "", KVX2800T_ATTR_SIMULATE, VI_TRUE));
+    EXPECT_EQ(KVX2800T_SetAttributeViBoolean(vi, "", KVX2800T_ATTR_SIMULATE, VI_FALSE), VI_SUCCESS);
+    EXPECT_FALSE(session->simulate());
 }
 
 TEST_F(ScriptedInstrument, AWarningOfTheStatusCheckIsTheCallsStatus)

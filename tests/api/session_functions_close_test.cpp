@@ -108,6 +108,42 @@ TEST_F(Close, WithoutItsObjectTheHandleIsNotDisposed)
     vi = VI_NULL;
 }
 
+TEST_F(Close, OfAHandleWithoutASessionTellsTheListenersAndDisposesOfNothing)
+{
+    ViSession empty = VI_NULL;
+    IviSession_New(&empty);
+    clearLog();
+    std::vector<ViSession> told;
+    onClose() = [&told](ViSession session) { told.push_back(session); };
+    EXPECT_EQ(KVX2800T_close(empty), VI_SUCCESS);
+    EXPECT_THAT(told, ElementsAre(empty));
+    EXPECT_THAT(calls(), ElementsAre("IviSession_GetDataPtr(1002)", "IviSession_GetDataPtr(1002)"));
+    EXPECT_EQ(openIviSessions(), 2U);
+}
+
+TEST_F(Close, OfAHandleWhoseSessionTheFirstLookUpMissesClosesItAllTheSame)
+{
+    std::vector<ViSession> told;
+    onClose() = [&told](ViSession session) { told.push_back(session); };
+    giveNullDataPtr(1);
+    EXPECT_EQ(KVX2800T_close(vi), VI_SUCCESS);
+    EXPECT_THAT(told, ElementsAre(kFirstSession));
+    EXPECT_EQ(openVisaSessions(), 0U);
+    EXPECT_EQ(openIviSessions(), 0U);
+    vi = VI_NULL;
+}
+
+TEST_F(Close, GoesOnAfterAWarningOfTheSessionService)
+{
+    failNthCallOf("IviSession_GetDataPtr", 1, 5);
+    failNthCallOf("IviSession_GetDataPtr", 2, 5);
+    EXPECT_EQ(KVX2800T_close(vi), VI_SUCCESS);
+    EXPECT_TRUE(failureHappened());
+    EXPECT_EQ(openVisaSessions(), 0U);
+    EXPECT_EQ(openIviSessions(), 0U);
+    vi = VI_NULL;
+}
+
 TEST_F(Close, AFailedFirstLookUpIsAnInvalidSession)
 {
     failNthCall(1, kInjected);

@@ -1,4 +1,5 @@
 #include "tests/support/driver/api_fixture.h"
+#include "tests/support/driver/message_rows.h"
 
 namespace
 {
@@ -70,20 +71,14 @@ TEST_F(ErrorFunctions, ClearErrorPassesTheSessionOn)
     EXPECT_EQ(errorOf(VI_NULL), ErrorEntry());
 }
 
-TEST_F(ErrorFunctions, ErrorMessageGivesTheTemplateUnfilled)
+TEST_F(ErrorFunctions, ErrorMessageGivesEveryTemplateUnfilledWithAndWithoutASession)
 {
-    const std::pair<ViStatus, const char*> messages[] = {
-        {code(0xBFFA0058), "Null pointer passed for function '%s', parameter '%s'."},
-        {VI_SUCCESS, "Success."},
-        {code(0x3FFA0066), "Reset is not supported by this instrument."},
-        {code(0x3FFA4001), "Array data truncated. Parameter not large enough for data. Required size:"},
-        {code(0xBFFA1190), "Invalid session handle."}};
-    for (const auto& [status, message] : messages)
+    for (const MessageRow& row : kMessageRows)
         for (const ViSession any : {vi, ViSession{VI_NULL}, kUnknownSession}) {
             text.fill('#');
-            EXPECT_EQ(KVX2800T_error_message(any, status, text.data()), VI_SUCCESS);
-            EXPECT_STREQ(text.data(), message);
-            EXPECT_EQ(text[std::string_view(message).size() + 1], '#');
+            EXPECT_EQ(KVX2800T_error_message(any, row.code, text.data()), VI_SUCCESS);
+            EXPECT_EQ(text.data(), row.text);
+            EXPECT_EQ(text[row.text.size() + 1], '#');
         }
     EXPECT_THAT(calls(), IsEmpty());
 }

@@ -16,6 +16,7 @@ struct Way
     ViBoolean idQuery;
     ViBoolean reset;
     bool hasStoreEntry;
+    bool checksStatus = false;
 };
 
 void PrintTo(const Way& way, std::ostream* stream)
@@ -51,6 +52,9 @@ public:
         closeSession();
         return sequence;
     }
+
+    /// What is sent last without a reset.
+    static std::string lastCommandOfOpening() { return GetParam().checksStatus ? "*ESR?\n" : "*IDN?\n"; }
 
     static std::string functionOf(const std::string& call) { return call.substr(0, call.find('(')); }
 };
@@ -143,9 +147,37 @@ TEST_P(InitFailure, ThatCannotBeRecordedReturnsTheSessionServicesStatus)
     failCall("viOpen", VI_ERROR_RSRC_NFOUND);
     failCall("IviSession_SetError", kInjected);
     vi = 77;
-    EXPECT_LT(initialize(), 0);
+    EXPECT_EQ(initialize(), kInjected);
     EXPECT_EQ(vi, ViSession{VI_NULL});
+    EXPECT_EQ(errorOf(kFirstSession), ErrorEntry());
+    EXPECT_EQ(errorOf(VI_NULL), ErrorEntry());
     EXPECT_EQ(openVisaSessions(), 0U);
+    EXPECT_EQ(openIviSessions(), 1U);
+}
+
+TEST_P(InitFailure, IsNoWarningOfTheSessionService)
+{
+    prepare();
+    for (const char* function : {"IviSession_New", "IviSession_SetDataPtr", "IviSession_GetDataPtr"})
+        failCall(function, 5);
+    // That of the last look-up is the whole call's.
+    EXPECT_EQ(initialize(), 5);
+    EXPECT_EQ(vi, kFirstSession);
+    EXPECT_EQ(written().back(), GetParam().reset == VI_FALSE ? lastCommandOfOpening() : "*RST\n");
+    EXPECT_EQ(timesRecorded(), 0U);
+    closeSession();
+}
+
+TEST_P(InitFailure, OfAHandleWithoutItsSessionLeavesTheHandleAndResetsNothing)
+{
+    prepare();
+    giveNullDataPtr(1);
+    EXPECT_EQ(initialize(), kInvalidSession);
+    EXPECT_EQ(vi, kFirstSession);
+    EXPECT_EQ(written().back(), lastCommandOfOpening());
+    EXPECT_EQ(timesRecorded(), 0U);
+    EXPECT_EQ(lockDepth(vi), 0U);
+    closeSession();
 }
 
 class InitException : public ApiTest, public testing::WithParamInterface<const char*>
@@ -169,12 +201,12 @@ TEST_P(InitException, LeavesASessionThatCanBeClosedAndNothingOpenBehindIt)
 
 INSTANTIATE_TEST_SUITE_P(Replies, InitException, testing::Values("no number", "", "99999999999"));
 
-INSTANTIATE_TEST_SUITE_P(Ways, InitFailure,
-                         testing::Values(Way{"plain", "", VI_FALSE, VI_FALSE, false},
-                                         Way{"withStatusCheck", "queryinstrstatus=true", VI_FALSE, VI_FALSE, false},
-                                         Way{"withIdQuery", "", VI_TRUE, VI_FALSE, false},
-                                         Way{"withReset", "", VI_FALSE, VI_TRUE, false},
-                                         Way{"withStoreEntry", "", VI_FALSE, VI_FALSE, true}),
-                         [](const auto& way) { return std::string(way.param.name); });
+INSTANTIATE_TEST_SUITE_P(
+    Ways, InitFailure,
+    testing::Values(Way{"plain", "", VI_FALSE, VI_FALSE, false},
+                    Way{"withStatusCheck", "queryinstrstatus=true", VI_FALSE, VI_FALSE, false, true},
+                    Way{"withIdQuery", "", VI_TRUE, VI_FALSE, false}, Way{"withReset", "", VI_FALSE, VI_TRUE, false},
+                    Way{"withStoreEntry", "", VI_FALSE, VI_FALSE, true}),
+    [](const auto& way) { return std::string(way.param.name); });
 
 } // namespace

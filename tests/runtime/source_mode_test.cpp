@@ -92,6 +92,17 @@ TEST_F(SourceModeTest, AFailedChangeIsReturnedWithoutAWait)
     EXPECT_EQ(ScriptedClock::reads(), 0U);
 }
 
+TEST_F(SourceModeTest, AWarningEndsTheStepWithoutAWait)
+{
+    EXPECT_CALL(instrument, sourceMode)
+        .WillOnce(DoAll(SetArgReferee<0>(SourceMode::Series), Return(5)))
+        .WillOnce(DoAll(SetArgReferee<0>(SourceMode::Series), Return(VI_SUCCESS)));
+    EXPECT_EQ(ensureSourceMode(instrument, 1), 5);
+    EXPECT_CALL(instrument, setSourceMode(SourceMode::Normal)).WillOnce(Return(6));
+    EXPECT_EQ(ensureSourceMode(instrument, 1), 6);
+    EXPECT_EQ(ScriptedClock::reads(), 0U);
+}
+
 TEST_F(SourceModeTest, NothingIsRecorded)
 {
     reset();

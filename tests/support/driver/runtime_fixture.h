@@ -8,6 +8,7 @@
 #include <gmock/gmock.h>
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -64,7 +65,15 @@ public:
     {
     }
 
+    ViStatus StartSimulation() override
+    {
+        return simulationStatus ? *simulationStatus : KVX2800TDriverSession::StartSimulation();
+    }
+
     using KVX2800TDriverSession::setInstrument;
+
+    /// What comes of starting the simulation, in place of a simulator.
+    std::optional<ViStatus> simulationStatus;
 };
 
 /// A fresh platform with one IVI session in it.

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <utility>
 #include <vector>
 
@@ -27,6 +28,8 @@ public:
     static std::size_t reads() { return script().reads; }
     /// The time that was read last.
     static std::int64_t last() { return script().last; }
+    /// Lets every read begin with `action`.
+    static void whenRead(std::function<void()> action) { script().onRead = std::move(action); }
 
 private:
     struct Script
@@ -34,6 +37,7 @@ private:
         std::vector<std::int64_t> times;
         std::size_t reads = 0;
         std::int64_t last = 0;
+        std::function<void()> onRead = {};
     };
 
     static Script& script()
@@ -45,6 +49,8 @@ private:
     static std::int64_t read()
     {
         Script& current = script();
+        if (current.onRead)
+            current.onRead();
         const std::size_t index = current.reads++;
         if (index < current.times.size())
             current.last = current.times[index];

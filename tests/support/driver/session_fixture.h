@@ -30,14 +30,16 @@ public:
     {
         EXPECT_CALL(*instrument, close).WillOnce(testing::Return(VI_SUCCESS));
         IviSession_New(&vi);
-        auto* const scripted = new TestSession(vi);
-        scripted->setQueryInstrumentStatus(true);
-        scripted->setInstrument(instrument, false);
-        IviSession_SetDataPtr(vi, static_cast<drivekit::DriverSession*>(scripted));
+        session = new TestSession(vi);
+        session->setQueryInstrumentStatus(true);
+        session->setInstrument(instrument, false);
+        IviSession_SetDataPtr(vi, static_cast<drivekit::DriverSession*>(session));
         clearLog();
     }
 
     std::shared_ptr<StrictInstrument> instrument = std::make_shared<StrictInstrument>();
+    /// KVX2800T_close deletes it.
+    TestSession* session = nullptr;
 };
 
 } // namespace kvxtest

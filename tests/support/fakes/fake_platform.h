@@ -96,6 +96,8 @@ struct Platform
     bool failureHappened = false;
     /// Whether the call at work gives null in place of a handle.
     bool givesNull = false;
+    /// The calls of IviSession_GetDataPtr up to the one that gives null; 0: none does.
+    std::size_t callsToNullDataPtr = 0;
 
     std::map<ViSession, VisaSession> visaSessions;
     ViSession nextVisaSession = kFirstVisaSession;

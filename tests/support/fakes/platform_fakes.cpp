@@ -131,6 +131,7 @@ void reset()
         fakes.written.clear();
         fakes.failures.clear();
         fakes.failureHappened = false;
+        fakes.callsToNullDataPtr = 0;
         fakes.visaSessions.clear();
         fakes.nextVisaSession = kFirstVisaSession;
         fakes.replies.clear();
@@ -209,6 +210,11 @@ void fillBuffersWithoutNul()
     locked([](Platform& fakes) { fakes.leavesOutNul = true; });
 }
 
+void giveNullDataPtr(std::size_t n)
+{
+    locked([n](Platform& fakes) { fakes.callsToNullDataPtr = n; });
+}
+
 bool failureHappened()
 {
     return locked([](Platform& fakes) { return fakes.failureHappened; });
@@ -216,7 +222,10 @@ bool failureHappened()
 
 void clearFailures()
 {
-    locked([](Platform& fakes) { fakes.failures.clear(); });
+    locked([](Platform& fakes) {
+        fakes.failures.clear();
+        fakes.callsToNullDataPtr = 0;
+    });
 }
 
 std::size_t openVisaSessions()
@@ -372,8 +381,9 @@ ViStatus _VI_FUNC IviSession_SetDataPtr(ViSession handle, ViAddr dataPtr)
 ViStatus _VI_FUNC IviSession_GetDataPtr(ViSession handle, ViAddr* dataPtr)
 {
     return perform("IviSession_GetDataPtr", callText("IviSession_GetDataPtr", handle), [=](Platform& fakes) {
-        return withIviSession(fakes, handle, [=](const IviSession& session) {
-            *dataPtr = session.data;
+        return withIviSession(fakes, handle, [&](const IviSession& session) {
+            const bool givesNull = fakes.callsToNullDataPtr != 0 && --fakes.callsToNullDataPtr == 0;
+            *dataPtr = givesNull ? nullptr : session.data;
             return VI_SUCCESS;
         });
     });

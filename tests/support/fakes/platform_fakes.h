@@ -78,6 +78,8 @@ void giveNullAtNthCall(std::size_t n);
 void giveNull(std::string_view function);
 /// From now on a text of the configuration server that does not fit fills the whole buffer, and no NUL ends it.
 void fillBuffersWithoutNul();
+/// The n-th call of IviSession_GetDataPtr from now on succeeds and gives null.
+void giveNullDataPtr(std::size_t n);
 /// Whether the call of failNthCall(), failNthCallOf() or giveNullAtNthCall() has come.
 bool failureHappened();
 void clearFailures();
