@@ -1,6 +1,7 @@
 #include "base/spin_lock.h"
 
 #include <atomic>
+#include <chrono>
 #include <mutex>
 #include <thread>
 
@@ -25,8 +26,7 @@ TEST(SpinLock, IsHeldByOneThreadAtATime)
         while (arrived == 0)
             std::this_thread::yield();
         // Time enough to come in where nothing keeps it out.
-        for (int i = 0; i < 10000; ++i)
-            std::this_thread::yield();
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
         EXPECT_FALSE(entered);
     }
     other.join();
