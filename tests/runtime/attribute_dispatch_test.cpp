@@ -69,6 +69,8 @@ constexpr std::array kAttributes = {
     AttributeInfo{60, "MUTE_TEXT", Accessors<ViString>{}},
     AttributeInfo{70, "MUTE_WHOLE", Accessors<ViInt32>{}},
     AttributeInfo{80, "MUTE_FLAG", Accessors<ViBoolean>{}},
+    AttributeInfo{90, "FIXED", Accessors<ViInt32>{getSeven<ViInt32>, nullptr}},
+    AttributeInfo{100, "SECRET", Accessors<ViInt32>{nullptr, setNumber<ViInt32>}},
 };
 constexpr drivekit::AttributeRegistry kRegistry{kAttributes};
 
@@ -303,6 +305,15 @@ TEST_F(AttributeDispatch, AnAttributeWithoutASetterIsReadOnly)
     expectNoSet<ViInt32>(70, kReadOnly, "Attribute 'MUTE_WHOLE' is read-only.");
     expectNoSet<ViBoolean>(80, kReadOnly, "Attribute 'MUTE_FLAG' is read-only.");
     expectRefused(setString(60, "value"), kReadOnly, "Attribute 'MUTE_TEXT' is read-only.");
+}
+
+TEST_F(AttributeDispatch, AnAttributeWithOneAccessorHasTheUseOfThat)
+{
+    expectNoSet<ViInt32>(90, kReadOnly, "Attribute 'FIXED' is read-only.");
+    expectNoGet<ViInt32>(100, kWriteOnly, "Attribute 'SECRET' is write-only.");
+    expectValue<ViInt32>(90);
+    EXPECT_EQ(set<ViInt32>(100, 3), VI_SUCCESS);
+    EXPECT_EQ(lastCall->number, 3);
 }
 
 TEST_F(AttributeDispatch, AnotherTypeComesBeforeAMissingAccessor)
