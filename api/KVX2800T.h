@@ -30,7 +30,7 @@
  * A reply that the driver cannot read as the number or switch it has asked for, and a channel range with a number
  * beyond 32 bits, leave as a C++ standard exception (std::invalid_argument, std::out_of_range), with nothing recorded
  * and the session still locked by the calling thread. One that leaves init, which takes no lock, has stored the session
- * in Vi; it can be closed.
+ * in Vi; it can be closed. The functions of KVX2800TInstrument.h, which is included below, return a status instead.
  *
  * @par Threads
  * Any function may be called from any thread. Calls on one session run one after the other; calls on different
