@@ -97,6 +97,10 @@ extern "C" {
 /** The attribute has another type. */
 #define IVI_ERROR_TYPES_DO_NOT_MATCH ((ViStatus)0xBFFA0015UL)
 #endif
+#ifndef IVI_ERROR_NOT_INITIALIZED
+/** There is no connection to the instrument: an exception has ended init. */
+#define IVI_ERROR_NOT_INITIALIZED ((ViStatus)0xBFFA001DUL)
+#endif
 #ifndef IVI_ERROR_CHANNEL_NAME_REQUIRED
 /** No channel is named, and there is more than one. */
 #define IVI_ERROR_CHANNEL_NAME_REQUIRED ((ViStatus)0xBFFA0044UL)
@@ -108,6 +112,10 @@ extern "C" {
 #ifndef IVI_ERROR_BAD_OPTION_VALUE
 /** The option string has an unknown value. */
 #define IVI_ERROR_BAD_OPTION_VALUE ((ViStatus)0xBFFA004CUL)
+#endif
+#ifndef IVI_ERROR_OUT_OF_MEMORY
+/** There is not enough memory; the IVI shared components return it, too. */
+#define IVI_ERROR_OUT_OF_MEMORY ((ViStatus)0xBFFA0056UL)
 #endif
 #ifndef IVI_ERROR_NULL_POINTER
 /** A pointer is null. */
@@ -180,10 +188,6 @@ extern "C" {
 /** A value that the instrument class defines is not supported. */
 #define IVI_ERROR_VALUE_NOT_SUPPORTED ((ViStatus)0xBFFA0013UL)
 #endif
-#ifndef IVI_ERROR_NOT_INITIALIZED
-/** There is no connection to the instrument. */
-#define IVI_ERROR_NOT_INITIALIZED ((ViStatus)0xBFFA001DUL)
-#endif
 #ifndef IVI_ERROR_UNKNOWN_CHANNEL_NAME
 /** The channel is unknown. */
 #define IVI_ERROR_UNKNOWN_CHANNEL_NAME ((ViStatus)0xBFFA0020UL)
@@ -199,10 +203,6 @@ extern "C" {
 #ifndef IVI_ERROR_MISSING_OPTION_VALUE
 /** The option string lacks the value of an option. */
 #define IVI_ERROR_MISSING_OPTION_VALUE ((ViStatus)0xBFFA004AUL)
-#endif
-#ifndef IVI_ERROR_OUT_OF_MEMORY
-/** There is not enough memory; the IVI shared components return it, too. */
-#define IVI_ERROR_OUT_OF_MEMORY ((ViStatus)0xBFFA0056UL)
 #endif
 #ifndef IVI_ERROR_OPERATION_PENDING
 /** An operation is under way. */
@@ -423,7 +423,7 @@ ViStatus _VI_FUNC KVX2800T_init(ViRsrc ResourceName, ViBoolean IdQuery, ViBoolea
  *                      VI_TRUE, 1, False, VI_FALSE, 0. "DriverSetup=..." comes last and holds "Name:Value" pairs, of
  *                      which "Model" has an effect. Without an entry: Cache and RangeCheck are on, the others off.
  *                      With QueryInstrStatus on, the instrument's event status is checked after every function that
- *                      configures or queries channels.
+ *                      configures channels and, in this header, after every one that queries them.
  * @param Vi            receives the session, or 0 on failure.
  *
  * @return as KVX2800T_init; 0xBFFA004B and 0xBFFA004C for an unknown option name or value, and for InterchangeCheck,

@@ -22,8 +22,9 @@
  * read is IVI_ERROR_UNEXPECTED_RESPONSE, with the reply in the recorded text; lack of memory IVI_ERROR_OUT_OF_MEMORY.
  * Arguments are checked before anything is sent: numbers must be finite, enumerations one of their values
  * (KVX2800T_ERROR_VALUE_OUT_OF_RANGE otherwise). Only voltage and current levels have limits in the driver, the
- * instrument judges the rest: KVX2800T_error_query tells what it has refused, and with status checking on the function
- * returns IVI_ERROR_INSTRUMENT_STATUS.
+ * instrument judges the rest: KVX2800T_error_query tells what it has refused, and with status checking on a function
+ * that configures returns IVI_ERROR_INSTRUMENT_STATUS. A query that the instrument refuses has no reply: it is
+ * KVX2800T_ERROR_IO once the time-out is over.
  *
  * Common status codes: IVI_ERROR_NULL_POINTER, KVX2800T_ERROR_VALUE_OUT_OF_RANGE, 0xBFFA0044 and 0xBFFA0063 to
  * 0xBFFA0067 for channelName, KVX2800T_ERROR_IO, IVI_ERROR_UNEXPECTED_RESPONSE, IVI_ERROR_INSTRUMENT_STATUS. Outputs
@@ -294,8 +295,9 @@ ViStatus _VI_FUNC KVX2800T_QueryQuestionableEvent(ViSession vi, ViConstString ch
  * @param overVoltage  receives VI_TRUE when the over-voltage protection has switched the output off.
  * @param overCurrent  receives VI_TRUE when the over-current protection has.
  *
- * A trip stays until the output is switched on again or the instrument is reset: first remove the cause, then call
- * KVX2800T_ConfigureOutputEnabled. No function of the driver ends a trip by itself.
+ * A trip stays until the output is switched on again or the instrument is reset or powered up: first remove the cause,
+ * then call KVX2800T_ConfigureOutputEnabled. Whatever else switches the output on ends a trip as well:
+ * KVX2800T_RunList, and a group of a delay program that is on. No function does so behind the program's back.
  *
  * @return 0, or a common status code.
  */
@@ -822,8 +824,11 @@ ViStatus _VI_FUNC KVX2800T_LoadList(ViSession vi, ViConstString channelName, ViI
                                     const ViReal64 amperes[], const ViReal64 seconds[]);
 
 /**
- * @brief Switches the list and then the output on, and so starts a list or lets a paused one go on; sends ":LIST:STAT
- *        ON" and ":OUTP:STAT CH1,ON". With the trigger input enabled the list waits for a trigger.
+ * @brief Switches the list and then the output on, and so starts a list or lets a paused one go on; sends
+ *        ":LIST:STAT ON" and ":OUTP:STAT CH1,ON".
+ *
+ * With the trigger input enabled the list waits for a trigger, such as "*TRG" by KVX2800T_viWrite. Switching the output
+ * on ends a trip; a list that a trip has stopped starts from its first group.
  *
  * @param vi           the session.
  * @param channelName  the channels.
@@ -869,7 +874,8 @@ ViStatus _VI_FUNC KVX2800T_QueryListEnabled(ViSession vi, ViConstString channelN
  * @param state             receives KVX2800T_VAL_LIST_...
  * @param remainingSeconds  receives what is left of the group's time.
  * @param group             receives the group, from 1; 0 when the list is stopped.
- * @param remainingCycles   receives the cycles left.
+ * @param remainingCycles   receives the cycles left, the present one included; 0 for a program without end and for one
+ * that is stopped.
  * @return 0, or a common status code.
  */
 ViStatus _VI_FUNC KVX2800T_QueryListStatus(ViSession vi, ViConstString channelName, ViInt32* state,
@@ -880,7 +886,7 @@ ViStatus _VI_FUNC KVX2800T_QueryListStatus(ViSession vi, ViConstString channelNa
  *
  * @param vi           the session.
  * @param channelName  the channels.
- * @param cycles       cycles.
+ * @param cycles       cycles; 0 for one without end.
  * @return 0, or a common status code.
  */
 ViStatus _VI_FUNC KVX2800T_ConfigureListCycles(ViSession vi, ViConstString channelName, ViInt32 cycles);
@@ -1122,7 +1128,7 @@ ViStatus _VI_FUNC KVX2800T_QueryListTemplateInterval(ViSession vi, ViConstString
  *
  * @param vi           the session.
  * @param channelName  the channels.
- * @param cycles       cycles.
+ * @param cycles       cycles; 0 for one without end.
  * @return 0, or a common status code.
  */
 ViStatus _VI_FUNC KVX2800T_ConfigureListTemplateCycles(ViSession vi, ViConstString channelName, ViInt32 cycles);
@@ -1238,41 +1244,41 @@ ViStatus _VI_FUNC KVX2800T_ConfigureListTemplateStart(ViSession vi, ViConstStrin
 ViStatus _VI_FUNC KVX2800T_QueryListTemplateStart(ViSession vi, ViConstString channelName, ViInt32* start);
 
 /**
- * @brief Sets the exponent "EXPP" of a rise or fall; sends ":LIST:TEMP:EXPP 20".
+ * @brief Sets the exponent "EXPP" of the exponential waveforms, rise and fall; sends ":LIST:TEMP:EXPP 20".
  *
  * @param vi           the session.
  * @param channelName  the channels.
- * @param exponent     as the instrument counts it.
+ * @param exponent     as the instrument's manual explains it.
  * @return 0, or a common status code.
  */
 ViStatus _VI_FUNC KVX2800T_ConfigureListTemplateExpp(ViSession vi, ViConstString channelName, ViInt32 exponent);
 
 /**
- * @brief Reads the exponent "EXPP" of a rise or fall; asks ":LIST:TEMP:EXPP?".
+ * @brief Reads the exponent "EXPP" of the exponential waveforms, rise and fall; asks ":LIST:TEMP:EXPP?".
  *
  * @param vi           the session.
  * @param channelName  the channel, one.
- * @param exponent     receives as the instrument counts it.
+ * @param exponent     receives the exponent.
  * @return 0, or a common status code.
  */
 ViStatus _VI_FUNC KVX2800T_QueryListTemplateExpp(ViSession vi, ViConstString channelName, ViInt32* exponent);
 
 /**
- * @brief Sets the exponent "EXPR" of a rise or fall; sends ":LIST:TEMP:EXPR 3".
+ * @brief Sets the exponent "EXPR" of the exponential waveforms, rise and fall; sends ":LIST:TEMP:EXPR 3".
  *
  * @param vi           the session.
  * @param channelName  the channels.
- * @param exponent     as the instrument counts it.
+ * @param exponent     as the instrument's manual explains it.
  * @return 0, or a common status code.
  */
 ViStatus _VI_FUNC KVX2800T_ConfigureListTemplateExpr(ViSession vi, ViConstString channelName, ViInt32 exponent);
 
 /**
- * @brief Reads the exponent "EXPR" of a rise or fall; asks ":LIST:TEMP:EXPR?".
+ * @brief Reads the exponent "EXPR" of the exponential waveforms, rise and fall; asks ":LIST:TEMP:EXPR?".
  *
  * @param vi           the session.
  * @param channelName  the channel, one.
- * @param exponent     receives as the instrument counts it.
+ * @param exponent     receives the exponent.
  * @return 0, or a common status code.
  */
 ViStatus _VI_FUNC KVX2800T_QueryListTemplateExpr(ViSession vi, ViConstString channelName, ViInt32* exponent);
@@ -1349,7 +1355,8 @@ ViStatus _VI_FUNC KVX2800T_QueryDelayEnabled(ViSession vi, ViConstString channel
  * @param state             receives KVX2800T_VAL_DELAY_STOPPED or KVX2800T_VAL_DELAY_RUNNING.
  * @param remainingSeconds  receives what is left of the group's time.
  * @param group             receives the group, from 1; 0 when the program is stopped.
- * @param remainingCycles   receives the cycles left.
+ * @param remainingCycles   receives the cycles left, the present one included; 0 for a program without end and for one
+ * that is stopped.
  * @return 0, or a common status code.
  */
 ViStatus _VI_FUNC KVX2800T_QueryDelayStatus(ViSession vi, ViConstString channelName, ViInt32* state,
@@ -1360,7 +1367,7 @@ ViStatus _VI_FUNC KVX2800T_QueryDelayStatus(ViSession vi, ViConstString channelN
  *
  * @param vi           the session.
  * @param channelName  the channels.
- * @param cycles       cycles.
+ * @param cycles       cycles; 0 for one without end.
  * @return 0, or a common status code.
  */
 ViStatus _VI_FUNC KVX2800T_ConfigureDelayCycles(ViSession vi, ViConstString channelName, ViInt32 cycles);
@@ -1623,6 +1630,9 @@ ViStatus _VI_FUNC KVX2800T_ConstructDelay(ViSession vi, ViConstString channelNam
 /**
  * @brief Reads one complete response of the instrument, up to and including its termination character.
  *
+ * What is longer than Buffer is read and discarded, for one time-out and a tenth of a second at least: a response
+ * without an end, or with a very long one, is VISA's time-out error.
+ *
  * @param DriverSession  the session.
  * @param BufferSize     bytes in Buffer, 1 or more.
  * @param Buffer         receives the response; no NUL is added.
@@ -1639,8 +1649,9 @@ ViStatus _VI_FUNC KVX2800T_viRead(ViSession DriverSession, ViInt64 BufferSize, V
  * @param DriverSession  the session.
  * @param Buffer         the command; the termination character is appended unless it ends with it.
  * @param Count          bytes in Buffer.
- * @param ReturnCount    receives the number of bytes of Buffer that were sent.
- * @return 0; 0xBFFA0058 for a null pointer; 0xBFFA0010 for a negative Count; an error of VISA.
+ * @param ReturnCount    receives Count, or 0 when not all was sent.
+ * @return 0; 0xBFFA0058 for a null pointer; 0xBFFA0010 for a negative Count and for one of 4 GiB or more; an error
+ *         of VISA.
  */
 ViStatus _VI_FUNC KVX2800T_viWrite(ViSession DriverSession, ViByte Buffer[], ViInt64 Count, ViInt64* ReturnCount);
 
@@ -1655,6 +1666,9 @@ ViStatus _VI_FUNC KVX2800T_GetIoTimeout(ViSession vi, ViInt32* milliseconds);
 
 /**
  * @brief Sets how long a read or a write waits, of all functions of the session.
+ *
+ * A time-out that VISA refuses is kept all the same, as the one that KVX2800T_GetIoTimeout reads. A simulated
+ * instrument has none: every value is accepted, and 0 is read.
  *
  * @param vi            the session.
  * @param milliseconds  0 or more.

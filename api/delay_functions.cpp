@@ -19,14 +19,12 @@ ViStatus _VI_FUNC KVX2800T_LoadDelay(ViSession vi, ViConstString channelName, Vi
                 status = api::checkNumber(session, seconds[i]);
             return status;
         },
-        [&](InstBase& instrument, ViInt32 channel) {
-            ViStatus status = instrument.selectChannel(channel);
-            if (status == VI_SUCCESS)
-                status = instrument.clearDelayGroups();
+        api::onProgram([&](InstBase& instrument, ViInt32 /*channel*/) {
+            ViStatus status = instrument.clearDelayGroups();
             for (ViInt32 i = 0; status == VI_SUCCESS && i < count; ++i)
                 status = instrument.setDelayGroup(i + 1, on[i] != VI_FALSE, seconds[i]);
             return status;
-        });
+        }));
 }
 
 ViStatus _VI_FUNC KVX2800T_ConfigureDelayEnabled(ViSession vi, ViConstString channelName, ViBoolean enabled)
@@ -97,10 +95,9 @@ ViStatus _VI_FUNC KVX2800T_QueryDelayGroup(ViSession vi, ViConstString channelNa
 {
     return api::query<bool, double>(
         vi, channelName, {__func__, "On, Seconds"},
-        [group](InstBase& instrument, ViInt32 channel, bool& state, double& time) {
-            const ViStatus status = instrument.selectChannel(channel);
-            return status == VI_SUCCESS ? instrument.delayGroup(group, state, time) : status;
-        },
+        api::onProgram([group](InstBase& instrument, ViInt32 /*channel*/, bool& state, double& time) {
+            return instrument.delayGroup(group, state, time);
+        }),
         on, seconds);
 }
 

@@ -4,12 +4,8 @@
 namespace
 {
 
-/// Records a size that a function cannot use.
-ViStatus reportSize(drivekit::DriverSession& session, ViInt64 size, std::string_view function,
-                    std::string_view parameter)
-{
-    return session.ReportError(base::kErrorInvalidValue, {drivekit::DecimalArgument(size), function, parameter});
-}
+/// VISA counts in 32 bits, and a terminator may be added.
+constexpr ViInt64 kMostBytes = 0xFFFFFFFE;
 
 /// VISA's completion codes end here; its errors keep their code, for which the driver has no message of its own.
 ViStatus recordTransfer(drivekit::DriverSession& session, ViStatus status)
@@ -32,7 +28,7 @@ ViStatus _VI_FUNC KVX2800T_viRead(ViSession DriverSession, ViInt64 BufferSize, V
             return status;
         *ReturnCount = 0;
         if (BufferSize < 1)
-            return reportSize(session, BufferSize, "viRead", "BufferSize");
+            return api::refuseCount(session, BufferSize, "viRead", "BufferSize");
         std::size_t count = 0;
         status = session.instrument()->readMessage({Buffer, static_cast<std::size_t>(BufferSize)}, count);
         *ReturnCount = static_cast<ViInt64>(count);
@@ -48,8 +44,8 @@ ViStatus _VI_FUNC KVX2800T_viWrite(ViSession DriverSession, ViByte Buffer[], ViI
         if (status < 0)
             return status;
         *ReturnCount = 0;
-        if (Count < 0)
-            return reportSize(session, Count, "viWrite", "Count");
+        if (Count < 0 || Count > kMostBytes)
+            return api::refuseCount(session, Count, "viWrite", "Count");
         const auto size = static_cast<std::size_t>(Count);
         status = session.instrument()->writeMessage({reinterpret_cast<const char*>(Buffer), size});
         if (status >= 0)

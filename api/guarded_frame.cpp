@@ -147,6 +147,11 @@ ViStatus selectChannel(DriverSession& session, ViConstString selector, ViInt32& 
     return status;
 }
 
+ViStatus refuseCount(DriverSession& session, ViInt64 count, std::string_view function, std::string_view parameter)
+{
+    return session.ReportError(base::kErrorInvalidValue, {drivekit::DecimalArgument(count), function, parameter});
+}
+
 ViStatus checkNumber(DriverSession& session, ViReal64 number)
 {
     if (std::isfinite(number))

@@ -25,11 +25,14 @@ ViStatus recordThrown(drivekit::DriverSession& session);
 /// As recordFailure(); base::kErrorUnexpectedResponse is recorded with the reply.
 ViStatus recordOutcome(drivekit::DriverSession& session, ViStatus status);
 
-/// As framedSession(), and nothing leaves but a status: what the body throws is recorded, and the lock given back.
+/// As framedSession(), and nothing leaves but a status: what the body throws is recorded, and the lock given back. A
+/// session that an exception has left without its instrument is base::kErrorNotInitialized.
 template <class Body>
 ViStatus guardedSession(ViSession vi, Body body)
 {
     return framedSession(vi, [&](drivekit::DriverSession& session) -> ViStatus {
+        if (session.instrument() == nullptr)
+            return session.ReportError(base::kErrorNotInitialized);
         try {
             return body(session);
         } catch (...) {
@@ -64,6 +67,10 @@ struct CTypeOf<double>
 };
 template <class Setting>
 using CType = typename CTypeOf<Setting>::Type;
+
+/// Records a count or a size that a function cannot use, with the function's name as it is without prefix.
+ViStatus refuseCount(drivekit::DriverSession& session, ViInt64 count, std::string_view function,
+                     std::string_view parameter);
 
 /// Refuses a number that is not finite.
 ViStatus checkNumber(drivekit::DriverSession& session, ViReal64 number);
@@ -148,6 +155,16 @@ ViStatus configureEach(drivekit::DriverSession& session, const drivekit::OutputS
     return session.CheckStatus();
 }
 
+/// `step(instrument, channel, settings...)` on the list or delay program of a channel, which is selected first.
+template <class Step>
+auto onProgram(Step step)
+{
+    return [step](TSRO::InstBase& instrument, ViInt32 channel, auto&... settings) -> ViStatus {
+        const ViStatus status = instrument.selectChannel(channel);
+        return status == VI_SUCCESS ? step(instrument, channel, settings...) : status;
+    };
+}
+
 /// As configureEach(), behind `check(session, channels)`, which records what it refuses.
 template <class Check, class Step>
 ViStatus configure(ViSession vi, ViConstString channelName, Check check, Step step)
@@ -191,10 +208,9 @@ ViStatus configureProgram(ViSession vi, ViConstString channelName, Operation<Set
         [&](drivekit::DriverSession& session, const drivekit::OutputSelection& /*channels*/) {
             return checkSettings<Settings...>(session, values...);
         },
-        [&](TSRO::InstBase& instrument, ViInt32 channel) {
-            const ViStatus status = instrument.selectChannel(channel);
-            return status == VI_SUCCESS ? (instrument.*operation)(settingOf<Settings>(values)...) : status;
-        });
+        onProgram([&](TSRO::InstBase& instrument, ViInt32 /*channel*/) {
+            return (instrument.*operation)(settingOf<Settings>(values)...);
+        }));
 }
 
 template <class... Settings>
@@ -247,10 +263,9 @@ ViStatus queryProgram(ViSession vi, ViConstString channelName, const Signature& 
 {
     return query<Settings...>(
         vi, channelName, signature,
-        [operation](TSRO::InstBase& instrument, ViInt32 channel, Settings&... settings) {
-            const ViStatus status = instrument.selectChannel(channel);
-            return status == VI_SUCCESS ? (instrument.*operation)(settings...) : status;
-        },
+        onProgram([operation](TSRO::InstBase& instrument, ViInt32 /*channel*/, Settings&... settings) {
+            return (instrument.*operation)(settings...);
+        }),
         outputs...);
 }
 

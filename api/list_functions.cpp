@@ -45,29 +45,29 @@ ViStatus _VI_FUNC KVX2800T_LoadList(ViSession vi, ViConstString channelName, ViI
                 status = checkGroup(session, channels, volts[i], amperes[i], seconds[i]);
             return status;
         },
-        [&](InstBase& instrument, ViInt32 channel) {
-            ViStatus status = instrument.selectChannel(channel);
-            if (status == VI_SUCCESS)
-                status = instrument.clearListGroups();
+        api::onProgram([&](InstBase& instrument, ViInt32 /*channel*/) {
+            ViStatus status = instrument.clearListGroups();
             for (ViInt32 i = 0; status == VI_SUCCESS && i < count; ++i)
                 status = instrument.setListGroup(i + 1, volts[i], amperes[i], seconds[i]);
             return status;
-        });
+        }));
 }
 
 ViStatus _VI_FUNC KVX2800T_RunList(ViSession vi, ViConstString channelName)
 {
-    return api::configure(vi, channelName, api::kNothingToCheck, [](InstBase& instrument, ViInt32 channel) {
-        ViStatus status = instrument.selectChannel(channel);
-        if (status == VI_SUCCESS)
-            status = instrument.setListEnabled(true);
-        return status == VI_SUCCESS ? instrument.setOutputEnabled(channel, true) : status;
-    });
+    return api::configure(vi, channelName, api::kNothingToCheck,
+                          api::onProgram([](InstBase& instrument, ViInt32 channel) {
+                              const ViStatus status = instrument.setListEnabled(true);
+                              return status == VI_SUCCESS ? instrument.setOutputEnabled(channel, true) : status;
+                          }));
 }
 
 ViStatus _VI_FUNC KVX2800T_PauseList(ViSession vi, ViConstString channelName)
 {
-    return api::configureChannel(vi, channelName, &InstBase::setOutputEnabled, VI_FALSE);
+    return api::configure(vi, channelName, api::kNothingToCheck,
+                          api::onProgram([](InstBase& instrument, ViInt32 channel) {
+                              return instrument.setOutputEnabled(channel, false);
+                          }));
 }
 
 ViStatus _VI_FUNC KVX2800T_ConfigureListEnabled(ViSession vi, ViConstString channelName, ViBoolean enabled)
@@ -135,10 +135,9 @@ ViStatus _VI_FUNC KVX2800T_ConfigureListGroup(ViSession vi, ViConstString channe
         [&](DriverSession& session, const OutputSelection& channels) {
             return checkGroup(session, channels, volts, amperes, seconds);
         },
-        [&](InstBase& instrument, ViInt32 channel) {
-            const ViStatus status = instrument.selectChannel(channel);
-            return status == VI_SUCCESS ? instrument.setListGroup(group, volts, amperes, seconds) : status;
-        });
+        api::onProgram([&](InstBase& instrument, ViInt32 /*channel*/) {
+            return instrument.setListGroup(group, volts, amperes, seconds);
+        }));
 }
 
 ViStatus _VI_FUNC KVX2800T_QueryListGroup(ViSession vi, ViConstString channelName, ViInt32 group, ViReal64* volts,
@@ -146,10 +145,8 @@ ViStatus _VI_FUNC KVX2800T_QueryListGroup(ViSession vi, ViConstString channelNam
 {
     return api::query<double, double, double>(
         vi, channelName, {__func__, "Volts, Amperes, Seconds"},
-        [group](InstBase& instrument, ViInt32 channel, double& voltage, double& current, double& time) {
-            const ViStatus status = instrument.selectChannel(channel);
-            return status == VI_SUCCESS ? instrument.listGroup(group, voltage, current, time) : status;
-        },
+        api::onProgram([group](InstBase& instrument, ViInt32 /*channel*/, double& voltage, double& current,
+                               double& time) { return instrument.listGroup(group, voltage, current, time); }),
         volts, amperes, seconds);
 }
 
@@ -176,12 +173,9 @@ ViStatus _VI_FUNC KVX2800T_ConfigureListTemplateObject(ViSession vi, ViConstStri
             const bool isCurrent = object == KVX2800T_VAL_LIST_OBJECT_VOLTAGE;
             return checkLevels(session, channels, isCurrent ? api::checkCurrent : api::checkVoltage, level);
         },
-        [&](InstBase& instrument, ViInt32 channel) {
-            const ViStatus status = instrument.selectChannel(channel);
-            return status == VI_SUCCESS
-                       ? instrument.setListTemplateObject(static_cast<ListTemplateObject>(object), level)
-                       : status;
-        });
+        api::onProgram([&](InstBase& instrument, ViInt32 /*channel*/) {
+            return instrument.setListTemplateObject(static_cast<ListTemplateObject>(object), level);
+        }));
 }
 
 ViStatus _VI_FUNC KVX2800T_QueryListTemplateObject(ViSession vi, ViConstString channelName, ViInt32* object,

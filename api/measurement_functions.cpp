@@ -78,8 +78,7 @@ ViStatus _VI_FUNC KVX2800T_MeasureAll(ViSession vi, ViConstString channelName, V
             return status;
         *count = 0;
         if (size < 0)
-            return session.ReportError(base::kErrorInvalidValue,
-                                       {drivekit::DecimalArgument(size), "MeasureAll", "Size"});
+            return api::refuseCount(session, size, "MeasureAll", "Size");
         drivekit::OutputSelection channels;
         const ViStatus selected = api::selectChannels(session, channelName, channels);
         return selected < 0 ? selected : measureEach(session, channels, size, {volts, amperes, watts, count});

@@ -14,7 +14,7 @@ inline ViStatus checkGroupCount(drivekit::DriverSession& session, std::string_vi
 {
     if (count >= 0 && count <= kMostGroups)
         return VI_SUCCESS;
-    return session.ReportError(base::kErrorInvalidValue, {drivekit::DecimalArgument(count), function, "Count"});
+    return refuseCount(session, count, function, "Count");
 }
 
 } // namespace api

@@ -53,10 +53,10 @@ ViStatus parseReply(std::string_view reply, First& first, Second& second, Rest&.
 
 /// The instrument's side of its connection: one command out, one reply in.
 ///
-/// The untyped write() and query() and close() return the connection's own status. Every other operation returns 0 for
-/// any status >= 0 of the connection and base::kErrorIo for a negative one. Values that cannot be spelled and replies
-/// that cannot be read leave as the exceptions of command_text.h and reply_parsing.h; outputs are then unchanged, but
-/// for the fields that a reply of several had before the one that could not be read.
+/// The untyped write(), query(), readMessage() and close() return the connection's own status. Every other operation
+/// returns 0 for any status >= 0 of the connection and base::kErrorIo for a negative one. Values that cannot be spelled
+/// and replies that cannot be read leave as the exceptions of command_text.h and reply_parsing.h; outputs are then
+/// unchanged, but for the fields that a reply of several had before the one that could not be read.
 ///
 /// Not thread-safe: its caller serialises the calls. Each call holds a reference of its own to the connection.
 class CommandPort

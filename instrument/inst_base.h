@@ -31,11 +31,11 @@ struct InstrumentOptions : base::InherentOptions
 /// Channels are numbered 1 to 4 for the outputs, 5 for the series and 6 for the parallel combination of outputs 1
 /// and 2. Volts, amperes, seconds.
 ///
-/// Operations return a VISA status: 0, or a negative code; close() returns VISA's warnings, too. A setting outside its
-/// keyword table, a channel without a name or limits and a reply that cannot be read leave as standard exceptions.
-/// After a failure of either kind the outputs are as they were, except that a reply of several fields has stored those
-/// before the first that is missing or cannot be read. The class records nothing and takes no lock; its caller
-/// serialises the calls.
+/// Operations return a VISA status: 0, or a negative code; close() and those for whole messages return warnings, too. A
+/// setting outside its keyword table, a channel without a name or limits and a reply that cannot be read leave as
+/// standard exceptions. After a failure of either kind the outputs are as they were, except that a reply of several
+/// fields has stored those before the first that is missing or cannot be read. The class records nothing and takes no
+/// lock; its caller serialises the calls.
 class InstBase
 {
 public:

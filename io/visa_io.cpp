@@ -9,6 +9,9 @@ namespace InstLink
 namespace
 {
 
+/// How long the rest of a message may take to come although the time-out is shorter.
+constexpr std::chrono::milliseconds kShortestPatience(100);
+
 // VISA takes attribute values as unsigned numbers of the attribute's width: -1 ms is VI_TMO_INFINITE, not 64 set bits.
 ViUInt32 lowBits(std::int64_t value)
 {
@@ -73,15 +76,16 @@ ViStatus VisaIO::readMessage(std::span<ViByte> buffer, std::size_t& count)
 /// Reads on to the end of a message. An instrument that never ends one must not hold its caller for ever.
 ViStatus VisaIO::dropRest()
 {
-    const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(timeoutMs_);
+    const auto patience = std::max(std::chrono::milliseconds(timeoutMs_), kShortestPatience);
+    const auto begin = std::chrono::steady_clock::now();
     ViStatus status = VI_SUCCESS_MAX_CNT;
-    while (status == VI_SUCCESS_MAX_CNT) {
-        if (std::chrono::steady_clock::now() > end)
-            return VI_ERROR_TMO;
+    do {
         ViUInt32 received = 0;
         status = viRead(session_, readBuffer_.data(), static_cast<ViUInt32>(readBuffer_.size()), &received);
-    }
-    return status < 0 ? status : VI_SUCCESS_MAX_CNT;
+    } while (status == VI_SUCCESS_MAX_CNT && (timeoutMs_ < 0 || std::chrono::steady_clock::now() - begin < patience));
+    if (status < 0)
+        return status;
+    return status == VI_SUCCESS_MAX_CNT ? VI_ERROR_TMO : VI_SUCCESS_MAX_CNT;
 }
 
 ViStatus VisaIO::close()

@@ -58,8 +58,8 @@ public:
     ViStatus read(std::string& reply) override;
 
     /// Reads one whole message as it came, termination character included. Of one that is longer than the buffer the
-    /// rest is read and dropped, for as long as one time-out, and VI_SUCCESS_MAX_CNT returned. `count` tells the bytes
-    /// in the buffer, also after a failure.
+    /// rest is read and dropped, for one time-out and a tenth of a second at least, and VI_SUCCESS_MAX_CNT returned.
+    /// `count` tells the bytes in the buffer, also after a failure.
     ViStatus readMessage(std::span<ViByte> buffer, std::size_t& count);
 
     /// A negative status keeps the sessions.

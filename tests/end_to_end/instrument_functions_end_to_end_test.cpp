@@ -207,7 +207,7 @@ TEST_F(InstrumentSession, MessagesOfTheProgramsOwnReachTheInstrument)
 
 TEST_F(InstrumentSession, EverySettingAndQueryIsUnderstood)
 {
-    // On channel 3 what belongs to a program comes once there is a group; what the tests above do is left out.
+    // Groups for those that read or change one.
     constexpr std::array volts = {1.0, 2.0, 3.0};
     ASSERT_EQ(KVX2800T_LoadList(vi, kChannel, 3, volts.data(), volts.data(), volts.data()), VI_SUCCESS);
     constexpr std::array<ViBoolean, 2> on = {VI_TRUE, VI_FALSE};
@@ -218,8 +218,6 @@ TEST_F(InstrumentSession, EverySettingAndQueryIsUnderstood)
         KVX2800T_ConfigureListEnabled(vi, kChannel, VI_FALSE);
         KVX2800T_ConfigureDelayEnabled(vi, kChannel, VI_FALSE);
         recordedError(vi);
-        if (HasFatalFailure())
-            return;
     }
 }
 

@@ -142,6 +142,25 @@ ViStatus _VI_FUNC queryDelayGroup(ViSession vi, ViConstString channel, ViBoolean
     return KVX2800T_QueryDelayGroup(vi, channel, 2, on, seconds);
 }
 
+ViStatus _VI_FUNC measureAll(ViSession vi, ViConstString channel, ViReal64* volts, ViReal64* amperes, ViReal64* watts)
+{
+    ViInt32 count = 0;
+    return KVX2800T_MeasureAll(vi, channel, 1, volts, amperes, watts, &count);
+}
+
+ViStatus _VI_FUNC loadList(ViSession vi, ViConstString channel)
+{
+    constexpr std::array<ViReal64, 2> kLevels = {1.0, 2.0};
+    return KVX2800T_LoadList(vi, channel, 2, kLevels.data(), kLevels.data(), kLevels.data());
+}
+
+ViStatus _VI_FUNC loadDelay(ViSession vi, ViConstString channel)
+{
+    constexpr std::array<ViBoolean, 2> kStates = {VI_TRUE, VI_FALSE};
+    constexpr std::array<ViReal64, 2> kSeconds = {1.0, 2.0};
+    return KVX2800T_LoadDelay(vi, channel, 2, kStates.data(), kSeconds.data());
+}
+
 } // namespace
 
 #define CALL(name) "KVX2800T_" #name, KVX2800T_##name
@@ -293,7 +312,15 @@ const std::vector<InstrumentCall>& instrumentCalls()
         queries("KVX2800T_MeasureOutput", measureVoltage, 66, {":MEAS:VOLT? CH3"}, "Measurement", "5.000", 5.0),
         queries("KVX2800T_MeasureOutput", measurePower, 68, {":MEAS:POWE? CH3"}, "Measurement", "6.000", 6.0),
         configuresInSteps(CALL(RunList), {73, 40}, {":INST:SELE CH3", ":LIST:STAT ON", ":OUTP:STAT CH3,ON"}),
-        configuresInSteps(CALL(PauseList), {40}, {":OUTP:STAT CH3,OFF"}),
+        configuresInSteps(CALL(PauseList), {40}, {":INST:SELE CH3", ":OUTP:STAT CH3,OFF"}),
+        queries("KVX2800T_MeasureAll", measureAll, 65, {":MEAS:ALL? CH3"}, "Volts, Amperes, Watts", "5,1.2,6", 5.0, 1.2,
+                6.0),
+        configuresInSteps("KVX2800T_LoadList", loadList, {83, 84},
+                          {":INST:SELE CH3", ":LIST:GROUP:CLE", ":LIST:GROUP:PARA 1,1.000000,1.000000,1.000000",
+                           ":LIST:GROUP:PARA 2,2.000000,2.000000,2.000000"}),
+        configuresInSteps("KVX2800T_LoadDelay", loadDelay, {126, 127},
+                          {":INST:SELE CH3", ":DELAY:GROUP:CLEar", ":DELAY:GROUP:PARAmeter 1,ON,1.000000",
+                           ":DELAY:GROUP:PARAmeter 2,OFF,2.000000"}),
         configures(CALL(ConfigureListGroup), 84, {":INST:SELE CH3", ":LIST:GROUP:PARA 3,5.000000,1.000000,0.100000"}, 3,
                    5.0, 1.0, 0.1),
         queries("KVX2800T_QueryListGroup", queryListGroup, 85, {":INST:SELE CH3", ":LIST:GROUP:PARA? 3"},

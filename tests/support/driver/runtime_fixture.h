@@ -50,6 +50,11 @@ public:
     MOCK_METHOD(ViStatus, currentProtectionEnabled, (ViInt32, bool&), (override));
     MOCK_METHOD(ViStatus, setOutputEnabled, (ViInt32, bool), (override));
     MOCK_METHOD(ViStatus, outputEnabled, (ViInt32, bool&), (override));
+    MOCK_METHOD(ViStatus, selectChannel, (ViInt32), (override));
+    MOCK_METHOD(ViStatus, setBleEnabled, (bool), (override));
+    MOCK_METHOD(ViStatus, setTrackingEnabled, (ViInt32, bool), (override));
+    MOCK_METHOD(ViStatus, measureVoltage, (ViInt32, double&), (override));
+    MOCK_METHOD(ViStatus, measurePower, (ViInt32, double&), (override));
 };
 
 using StrictInstrument = testing::StrictMock<MockInstrument>;
