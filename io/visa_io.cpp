@@ -69,7 +69,7 @@ ViStatus VisaIO::readMessage(std::span<ViByte> buffer, std::size_t& count)
     const std::size_t size = std::min<std::size_t>(buffer.size(), std::numeric_limits<ViUInt32>::max());
     ViUInt32 received = 0;
     const ViStatus status = viRead(session_, buffer.data(), static_cast<ViUInt32>(size), &received);
-    count = received;
+    count = std::min<std::size_t>(received, size);
     return status == VI_SUCCESS_MAX_CNT ? dropRest() : status;
 }
 
