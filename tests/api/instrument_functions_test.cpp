@@ -585,7 +585,7 @@ TEST_F(InstrumentFunctions, AProgramHasUpTo512Groups)
     EXPECT_EQ(KVX2800T_LoadDelay(vi, "OutputChannel3", 512, on.data(), numbers.data()), VI_SUCCESS);
     EXPECT_EQ(written().back(), ":DELAY:GROUP:PARAmeter 512,ON,1.000000\n");
     clearLog();
-    for (const ViInt32 count : {513, -1, std::numeric_limits<ViInt32>::min()}) {
+    for (const ViInt32 count : std::initializer_list<ViInt32>{513, -1, std::numeric_limits<ViInt32>::min()}) {
         const std::string value = "Invalid value '" + std::to_string(count) + "' for function '";
         expectRefused(KVX2800T_LoadList(vi, "OutputChannel3", count, numbers.data(), numbers.data(), numbers.data()),
                       kInvalidValue, value + "LoadList', parameter 'Count'.");
@@ -688,7 +688,7 @@ TEST_F(InstrumentFunctions, TheIoTimeoutIsThatOfTheConnection)
     EXPECT_EQ(KVX2800T_GetIoTimeout(vi, &milliseconds), VI_SUCCESS);
     EXPECT_EQ(milliseconds, 150);
     forget();
-    for (const ViInt32 refused : {-1, std::numeric_limits<ViInt32>::min()})
+    for (const ViInt32 refused : std::initializer_list<ViInt32>{-1, std::numeric_limits<ViInt32>::min()})
         expectRefused(KVX2800T_SetIoTimeout(vi, refused), kOutOfRange, kOutOfRangeText);
     expectRefused(KVX2800T_GetIoTimeout(vi, nullptr), kNullPointer,
                   "Null pointer passed for function 'KVX2800T_GetIoTimeout', parameter 'Milliseconds'.");

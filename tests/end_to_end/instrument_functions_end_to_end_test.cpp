@@ -12,13 +12,16 @@ namespace
 
 constexpr const char* kChannel = "OutputChannel3";
 
+/// The state and the group.
+using ListState = std::pair<ViInt32, ViInt32>;
+
 class InstrumentSession : public DriverEndToEnd
 {
 public:
     InstrumentSession() : DriverEndToEnd({"--load", "CH3=10"}) { open("QueryInstrStatus=1"); }
 
     /// The list's state and group; its times are not looked at.
-    std::pair<ViInt32, ViInt32> listState() const
+    ListState listState() const
     {
         ViInt32 state = -1;
         ViReal64 seconds = -1;
@@ -51,23 +54,23 @@ TEST_F(InstrumentSession, AListRunsPausesGoesOnAndEnds)
     ASSERT_EQ(KVX2800T_LoadList(vi, kChannel, 3, volts.data(), amperes.data(), seconds.data()), VI_SUCCESS);
     EXPECT_EQ(KVX2800T_ConfigureListCycles(vi, kChannel, 2), VI_SUCCESS);
     EXPECT_EQ(KVX2800T_ConfigureListEndState(vi, kChannel, KVX2800T_VAL_LIST_END_OFF), VI_SUCCESS);
-    EXPECT_EQ(listState(), std::pair(KVX2800T_VAL_LIST_STOPPED, 0));
+    EXPECT_EQ(listState(), ListState(KVX2800T_VAL_LIST_STOPPED, 0));
     EXPECT_EQ(KVX2800T_RunList(vi, kChannel), VI_SUCCESS);
-    EXPECT_EQ(listState(), std::pair(KVX2800T_VAL_LIST_RUNNING, 1));
+    EXPECT_EQ(listState(), ListState(KVX2800T_VAL_LIST_RUNNING, 1));
     EXPECT_EQ(measured(KVX2800T_VAL_MEASURE_VOLTAGE), 2.0);
     instrument.control("advance 10500");
-    EXPECT_EQ(listState(), std::pair(KVX2800T_VAL_LIST_RUNNING, 2));
+    EXPECT_EQ(listState(), ListState(KVX2800T_VAL_LIST_RUNNING, 2));
     EXPECT_EQ(KVX2800T_PauseList(vi, kChannel), VI_SUCCESS);
-    EXPECT_EQ(listState(), std::pair(KVX2800T_VAL_LIST_PAUSED, 2));
+    EXPECT_EQ(listState(), ListState(KVX2800T_VAL_LIST_PAUSED, 2));
     instrument.control("advance 60000");
-    EXPECT_EQ(listState(), std::pair(KVX2800T_VAL_LIST_PAUSED, 2));
+    EXPECT_EQ(listState(), ListState(KVX2800T_VAL_LIST_PAUSED, 2));
     EXPECT_EQ(KVX2800T_RunList(vi, kChannel), VI_SUCCESS);
-    EXPECT_EQ(listState(), std::pair(KVX2800T_VAL_LIST_RUNNING, 2));
+    EXPECT_EQ(listState(), ListState(KVX2800T_VAL_LIST_RUNNING, 2));
     EXPECT_EQ(measured(KVX2800T_VAL_MEASURE_POWER), 1.6);
     instrument.control("advance 10000");
     EXPECT_EQ(measured(KVX2800T_VAL_MEASURE_CURRENT), 0.8);
     instrument.control("advance 60000");
-    EXPECT_EQ(listState(), std::pair(KVX2800T_VAL_LIST_STOPPED, 0));
+    EXPECT_EQ(listState(), ListState(KVX2800T_VAL_LIST_STOPPED, 0));
     EXPECT_EQ(isOn(), VI_FALSE);
 }
 
