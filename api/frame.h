@@ -7,7 +7,7 @@
 /// The frame that every exported function on a session runs in.
 ///
 /// Nothing in it catches or guards: an exception of the instrument layer leaves the exported function with the session
-/// still locked and nothing recorded.
+/// still locked and nothing recorded. Functions that always return a status stand on guarded_frame.h.
 namespace api
 {
 
