@@ -13,6 +13,7 @@ kvx_add_layer(instrument
     instrument/command_port.cpp
     instrument/command_text.cpp
     instrument/fixed_point.cpp
+    instrument/fresh_replies.cpp
     instrument/keyword_table.cpp
     instrument/kvx2800t.cpp
     instrument/kvx2800t_delay.cpp
@@ -36,6 +37,7 @@ kvx_add_layer(runtime
     runtime/kvx2800t_driver_session.cpp
     runtime/selector.cpp
     runtime/selector_grammar.cpp
+    runtime/session_settings.cpp
     runtime/source_mode.cpp
     runtime/text_list.cpp
     runtime/tick_clock.cpp
@@ -45,8 +47,10 @@ kvx_add_layer(api
     api/attribute_functions.cpp
     api/attribute_table.cpp
     api/channel_functions.cpp
+    api/checks.cpp
     api/delay_functions.cpp
     api/direct_io_functions.cpp
+    api/frame.cpp
     api/guarded_frame.cpp
     api/inherent_functions.cpp
     api/list_functions.cpp

@@ -86,6 +86,7 @@ ViStatus KVX2800T::identify()
         return status;
     mutableIdentity() = {std::string(fields[0]), std::string(fields[1]), std::string(fields[2]),
                          std::string(fields[3])};
+    port_.expect(*identity());
     return status;
 }
 

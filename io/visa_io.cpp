@@ -130,6 +130,15 @@ void VisaIO::releaseSessions()
     resourceManager_ = VI_NULL;
 }
 
+ViStatus VisaIO::reopen()
+{
+    releaseSessions();
+    const ViStatus status = open(resourceName_);
+    if (status < 0)
+        releaseSessions();
+    return status;
+}
+
 ViStatus VisaIO::applyAttributes()
 {
     return apply({

@@ -80,6 +80,12 @@ public:
     /// Closes whatever open() has left open, whether or not it got as far as the instrument.
     void releaseSessions();
 
+    /// Closes the sessions and opens the same resource again. A negative status leaves none open.
+    virtual ViStatus reopen();
+
+    /// Whether nothing that was on its way arrives any more once the connection has been opened again.
+    virtual bool startsAnew() const { return false; }
+
 protected:
     ViStatus applyAttributes() override;
 
@@ -130,6 +136,9 @@ private:
 /// Raw sockets ("TCPIP...::SOCKET"): the termination character ends a read.
 class VisaTCPIPSocket : public VisaIO
 {
+public:
+    bool startsAnew() const override { return true; }
+
 protected:
     ViStatus applyAttributes() override;
 };

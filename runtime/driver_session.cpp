@@ -1,5 +1,6 @@
 #include "runtime/driver_session.h"
 
+#include "base/visa_statuses.h"
 #include "runtime/attribute_registry.h"
 #include "runtime/repeated_capability.h"
 #include "runtime/selector_grammar.h"
@@ -47,6 +48,8 @@ ViStatus DriverSession::Initialize(const std::string& resourceName, bool idQuery
     reset_ = reset;
     optionString_ = optionString;
     ViStatus status = ResolveConfiguration(resourceName, optionString);
+    if (status >= 0)
+        status = takeSettings();
     if (status < 0)
         return status;
     if (interchangeCheck() && !interchangeCheckSupported())
@@ -55,6 +58,23 @@ ViStatus DriverSession::Initialize(const std::string& resourceName, bool idQuery
     if (status < 0)
         CloseInstrument();
     return status;
+}
+
+ViStatus DriverSession::takeSettings()
+{
+    if (const auto fault = drivekit::takeSettings(driverSetup_, settings_))
+        return reportOptionFault(*fault);
+    if (!settings_.checkedOptions)
+        return VI_SUCCESS;
+    const auto fault = findOptionFault(optionString_);
+    return fault ? reportOptionFault(*fault) : VI_SUCCESS;
+}
+
+ViStatus DriverSession::reportOptionFault(const OptionFault& fault)
+{
+    const bool isRepeated = fault.status == base::kErrorCannotRecover;
+    return ReportErrorWithElaboration(fault.status, isRepeated ? elaborations::kRepeatedDriverSetup : "",
+                                      {fault.quoted});
 }
 
 /// What init does with the instrument; after a failure the caller closes it.
@@ -71,10 +91,38 @@ ViStatus DriverSession::openSession()
 
 ViStatus DriverSession::checkIdentity()
 {
+    if (settings_.checkedOptions && model().empty())
+        return ReportErrorWithElaboration(base::kErrorIdQueryFailed, elaborations::kUnreadReply,
+                                          {QuotedReply(instrument_->lastReply())});
     if (!idQuery_ || IsModelSupported())
         return VI_SUCCESS;
     // The message has no place for the model, so the description does not name it.
     return ReportError(base::kErrorIdQueryFailed, {"Unrecognized model: " + model()});
+}
+
+ViStatus DriverSession::ReportInstrumentFailure(ViStatus status, std::string_view elaboration)
+{
+    const ViStatus cause = instrument_ ? instrument_->connectionStatus() : VI_SUCCESS;
+    if (settings_.detailedErrors && status == base::kErrorUnexpectedResponse)
+        return ReportUnreadReply();
+    if (!settings_.detailedErrors || status != base::kErrorIo || cause >= 0)
+        return ReportErrorWithElaboration(status, elaboration);
+    const std::string& resource = connectionDescriptor();
+    const ViStatus code = cause == base::kVisaTimeout ? base::kErrorIoTimeout : status;
+    const std::string_view message = GetErrorMessage(code);
+    if (cause == base::kErrorIo)
+        return ReportErrorTexts(code, {message, elaboration, elaborations::kAnotherInstrument}, {resource});
+    if (const base::VisaStatus* const known = base::visaStatus(cause))
+        return ReportErrorTexts(code, {message, elaboration, elaborations::kVisaStatus},
+                                {resource, known->name, known->meaning});
+    return ReportErrorTexts(code, {message, elaboration, elaborations::kTransfer},
+                            {resource, HexadecimalArgument(cause)});
+}
+
+ViStatus DriverSession::ReportUnreadReply()
+{
+    return ReportErrorWithElaboration(base::kErrorUnexpectedResponse, elaborations::kUnreadReply,
+                                      {QuotedReply(instrument_ ? instrument_->lastReply() : "")});
 }
 
 bool DriverSession::mappedText(std::string_view token, std::string& text) const
