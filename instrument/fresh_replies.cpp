@@ -22,6 +22,8 @@ constexpr int kMostQuestions = 5;
 constexpr int kLongSilence = 5;
 /// Failures in a row, none of them a time-out, after which a connection is taken for lost.
 constexpr int kMostFailures = 3;
+/// Replies that may be read past before an instrument is taken for one that never stops sending.
+constexpr int kMostReplies = 10000;
 
 /// Gives a connection a time-out that silence can be told by, and its own again at the end.
 class Patience
@@ -59,13 +61,13 @@ ViStatus drain(InstLink::VisaIO& connection, int silences, milliseconds timeout,
     const auto end = steady_clock::now() + kLongest * timeout;
     int silent = 0;
     int failures = 0;
-    while (silent < silences) {
+    for (int replies = 0; silent < silences; ++replies) {
         const ViStatus status = connection.read(reply);
         silent = status == VI_ERROR_TMO ? silent + 1 : 0;
         failures = status < 0 && status != VI_ERROR_TMO ? failures + 1 : 0;
         if (failures == kMostFailures)
             return status;
-        if (steady_clock::now() > end)
+        if (replies == kMostReplies || steady_clock::now() > end)
             return VI_ERROR_TMO;
     }
     return VI_SUCCESS;
@@ -123,7 +125,9 @@ ViStatus FreshReplies::settle(InstLink::VisaIO& connection)
 /// Reads until every question has its answer. What answers none of them is late and is dropped.
 ViStatus FreshReplies::takeAnswers(InstLink::VisaIO& connection)
 {
-    while (unanswered_ > 0) {
+    for (int replies = 0; unanswered_ > 0; ++replies) {
+        if (replies == kMostReplies)
+            return VI_ERROR_TMO;
         reply_.clear();
         const ViStatus status = connection.read(reply_);
         if (status < 0)
