@@ -38,6 +38,23 @@ void appendMapped(std::string_view mapped, std::string& text)
     }
 }
 
+/// What VISA has said of a transfer, for a record: a text with a place for the resource, then for name and meaning.
+struct Cause
+{
+    std::string_view text;
+    std::string_view name;
+    std::string_view meaning;
+};
+
+Cause causeOf(ViStatus visaStatus, std::string_view number)
+{
+    if (visaStatus == base::kErrorIo)
+        return {elaborations::kAnotherInstrument, "", ""};
+    const base::VisaStatus* const known = base::visaStatus(visaStatus);
+    return known == nullptr ? Cause{elaborations::kTransfer, number, ""}
+                            : Cause{elaborations::kVisaStatus, known->name, known->meaning};
+}
+
 } // namespace
 
 ViStatus DriverSession::Initialize(const std::string& resourceName, bool idQuery, bool reset,
@@ -102,21 +119,26 @@ ViStatus DriverSession::checkIdentity()
 
 ViStatus DriverSession::ReportInstrumentFailure(ViStatus status, std::string_view elaboration)
 {
-    const ViStatus cause = instrument_ ? instrument_->connectionStatus() : VI_SUCCESS;
     if (settings_.detailedErrors && status == base::kErrorUnexpectedResponse)
         return ReportUnreadReply();
+    const ViStatus cause = instrument_ ? instrument_->connectionStatus() : VI_SUCCESS;
     if (!settings_.detailedErrors || status != base::kErrorIo || cause >= 0)
         return ReportErrorWithElaboration(status, elaboration);
-    const std::string& resource = connectionDescriptor();
     const ViStatus code = cause == base::kVisaTimeout ? base::kErrorIoTimeout : status;
-    const std::string_view message = GetErrorMessage(code);
-    if (cause == base::kErrorIo)
-        return ReportErrorTexts(code, {message, elaboration, elaborations::kAnotherInstrument}, {resource});
-    if (const base::VisaStatus* const known = base::visaStatus(cause))
-        return ReportErrorTexts(code, {message, elaboration, elaborations::kVisaStatus},
-                                {resource, known->name, known->meaning});
-    return ReportErrorTexts(code, {message, elaboration, elaborations::kTransfer},
-                            {resource, HexadecimalArgument(cause)});
+    const HexadecimalArgument number(cause);
+    const Cause detail = causeOf(cause, number);
+    return ReportErrorTexts(code, {GetErrorMessage(code), elaboration, detail.text},
+                            {connectionDescriptor(), detail.name, detail.meaning});
+}
+
+ViStatus DriverSession::ReportTransferFailure(ViStatus visaStatus)
+{
+    const HexadecimalArgument number(visaStatus);
+    if (!settings_.detailedErrors)
+        return ReportErrorText(visaStatus, kTransferFailed, {number});
+    const Cause detail = causeOf(visaStatus, number);
+    return ReportErrorTexts(visaStatus, {kTransferFailed, detail.text, ""},
+                            {number, connectionDescriptor(), detail.name, detail.meaning});
 }
 
 ViStatus DriverSession::ReportUnreadReply()

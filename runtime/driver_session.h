@@ -278,6 +278,9 @@ public:
     /// the message.
     ViStatus ReportInstrumentFailure(ViStatus status, std::string_view elaboration = {});
 
+    /// Records a failure of VISA under its own code, for which the driver has no message; in detail as above.
+    ViStatus ReportTransferFailure(ViStatus visaStatus);
+
     /// Records a reply that cannot be read, quoting it.
     ViStatus ReportUnreadReply();
 

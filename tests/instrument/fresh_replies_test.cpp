@@ -119,9 +119,8 @@ public:
     CommandPort port{InstLink::ConnectionHolder{instrument, {}}};
 };
 
-INSTANTIATE_TEST_SUITE_P(Connections, FreshRepliesTest, testing::Bool(), [](const auto& isSocket) {
-    return isSocket.param ? "Socket" : "Bus";
-});
+INSTANTIATE_TEST_SUITE_P(Connections, FreshRepliesTest, testing::Bool(),
+                         [](const auto& isSocket) { return isSocket.param ? "Socket" : "Bus"; });
 
 TEST_P(FreshRepliesTest, CostNothingWhileEveryExchangeSucceeds)
 {
@@ -143,7 +142,8 @@ TEST_P(FreshRepliesTest, NoReplyAnswersAnotherQueryHoweverLateTheInstrumentIs)
                 if (i == 4)
                     instrument->delay = later;
                 const std::string reply = ask(query);
-                EXPECT_TRUE(reply == "failed" || reply == "reply to " + query) << query << ": " << reply << " " << delay;
+                EXPECT_TRUE(reply == "failed" || reply == "reply to " + query)
+                    << query << ": " << reply << " " << delay;
             }
             // Well again, in the end.
             instrument->delay = 0;
@@ -211,8 +211,9 @@ TEST_P(FreshRepliesTest, AnotherInstrumentIsAFailureUntilTheOwnOneIsBack)
 {
     instrument->lost = 1;
     EXPECT_EQ(ask("A?"), "failed");
-    for (const char* const other : {"Tessaro Instruments,KVX2833T,SN2,V2.34", "Tessaro Instruments,KVX2803T,SN1,V2.34",
-                                    "a,b", ""}) {
+    for (const char* const other :
+         {"Tessaro Instruments,KVX2833T,SN2,V2.34", "Tessaro Instruments,KVX2803T,SN1,V2.34", "a,b", ""})
+    {
         instrument->identity = other;
         EXPECT_EQ(ask("B?"), "failed") << other;
         if (GetParam()) {

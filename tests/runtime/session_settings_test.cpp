@@ -189,7 +189,8 @@ TEST(OptionFaults, AreFoundInInherentOptions)
 TEST(OptionFaults, AreInherentOptionsInsideDriverSetup)
 {
     for (const char* const text : {"DriverSetup=Simulate:1", "Cache=1,DriverSetup=Model:X, simulate = 1",
-                                   "DriverSetup=Simulate", "DriverSetup=Model:X,Simulate:"}) {
+                                   "DriverSetup=Simulate", "DriverSetup=Model:X,Simulate:"})
+    {
         const auto fault = findOptionFault(text);
         ASSERT_TRUE(fault) << text;
         EXPECT_EQ(fault->status, base::kErrorBadOptionName) << text;
