@@ -1,5 +1,7 @@
 #include "virtual_instrument/scpi/virtual_instrument.h"
 
+#include "virtual_instrument/scpi/command_interpreter.h"
+
 #include <utility>
 
 namespace kvxvirtual
@@ -55,7 +57,7 @@ std::optional<std::string> VirtualInstrument::replyTo(std::string_view message)
         answers_.pop_front();
         return answer;
     }
-    auto reply = interpreter_.execute(units, state_);
+    auto reply = execute(units, state_);
     if (reply)
         *reply += '\n';
     return reply;

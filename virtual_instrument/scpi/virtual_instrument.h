@@ -1,7 +1,7 @@
 #pragma once
 
 #include "virtual_instrument/common/instrument_clock.h"
-#include "virtual_instrument/scpi/command_interpreter.h"
+#include "virtual_instrument/scpi/command.h"
 #include "virtual_instrument/scpi/received_log.h"
 
 #include <chrono>
@@ -77,7 +77,6 @@ private:
 
     InstrumentClock clock_;
     InstrumentState state_;
-    CommandInterpreter interpreter_;
     ReceivedLog log_;
     std::deque<std::string> answers_;
     int repliesToSwallow_ = 0;
