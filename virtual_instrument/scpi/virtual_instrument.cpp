@@ -9,13 +9,15 @@ namespace kvxvirtual
 
 VirtualInstrument::VirtualInstrument(InstrumentSettings settings, InstrumentClock::Source time)
     : clock_(std::move(time)), state_{PowerSupply(clock_, settings.settleTime), StatusModel(),
-                                      std::move(settings.identity), settings.wording}
+                                      std::move(settings.identity), settings.wording},
+      keepsLog_(settings.keepsLog)
 {
 }
 
 std::optional<Response> VirtualInstrument::receive(std::string_view line)
 {
-    log_.add(line);
+    if (keepsLog_)
+        log_.add(line);
     if (line.ends_with('\r'))
         line.remove_suffix(1);
     auto reply = replyTo(line);

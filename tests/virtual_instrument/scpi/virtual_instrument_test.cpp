@@ -1,7 +1,7 @@
 #include "tests/support/virtual_instrument/manual_instrument.h"
 #include "tests/support/virtual_instrument/random_numbers.h"
 #include "virtual_instrument/scpi/command_table.h"
-#include "virtual_instrument/transport/line_assembler.h"
+#include "virtual_instrument/scpi/line_assembler.h"
 
 #include <gtest/gtest.h>
 
