@@ -63,6 +63,11 @@ ViStatus CommandPort::connect(const std::string& resource)
     return ioStatus(InstLink::connect(holder_, resource));
 }
 
+void CommandPort::connect(std::shared_ptr<InstLink::VisaIO> connection)
+{
+    InstLink::connect(holder_, std::move(connection));
+}
+
 ViStatus CommandPort::close()
 {
     const auto connection = holder_.connection;

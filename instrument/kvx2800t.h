@@ -181,6 +181,12 @@ public:
         return port_.readMessage(buffer, count);
     }
 
+protected:
+    /// The step of open() that connects. On a negative status the previous connection stays.
+    virtual ViStatus connect(const std::string& resource);
+
+    CommandPort& port() { return port_; }
+
 private:
     ViStatus identify();
 
