@@ -541,6 +541,20 @@ TEST_F(StatefulSimulator, TakesNoMoreMessagesWhileTooMuchWaitsToBeRead)
     EXPECT_EQ(simulator->writeMessage("*OPC?"), 0);
 }
 
+TEST(VirtualConnection, TakesAndGivesNothingOnceItIsClosed)
+{
+    TSRO::VirtualConnection connection([] { return 0ns; });
+    EXPECT_TRUE(connection.isOpen());
+    EXPECT_EQ(connection.write("*OPC?"), 0);
+    EXPECT_EQ(connection.close(), 0);
+    EXPECT_FALSE(connection.isOpen());
+    EXPECT_EQ(connection.write("*OPC?"), kNoConnection);
+    std::string reply = "before";
+    EXPECT_EQ(connection.read(reply), kNoConnection);
+    EXPECT_EQ(reply, "before");
+    EXPECT_EQ(connection.close(), 0);
+}
+
 // ---- Locale
 
 TEST_F(StatefulSimulator, KeepsTheDecimalPointInALocaleWithAComma)
