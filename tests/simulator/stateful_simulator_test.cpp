@@ -82,6 +82,24 @@ public:
         expectError(kNoError);
     }
 
+    void expectEverySettingReadsBack()
+    {
+        std::size_t readBack = 0;
+        for (const Operation& setting : kvxtest::settings()) {
+            if (!setting.readBack)
+                continue;
+            SCOPED_TRACE(setting.name);
+            prepare(setting);
+            Values outputs;
+            EXPECT_EQ(setting.run(*simulator, outputs), 0);
+            EXPECT_EQ(setting.readBack->run(*simulator, outputs), 0);
+            EXPECT_EQ(outputs, setting.results);
+            expectError(kNoError);
+            ++readBack;
+        }
+        EXPECT_GT(readBack, 50U);
+    }
+
     /// One message as it is read, with what reading it returned.
     std::tuple<ViStatus, std::string> message(std::size_t bufferSize = 128)
     {
@@ -197,20 +215,7 @@ TEST_F(StatefulSimulator, WorksInAThreadBesideAnother)
 
 TEST_F(StatefulSimulator, EverySettingReadsBack)
 {
-    std::size_t readBack = 0;
-    for (const Operation& setting : kvxtest::settings()) {
-        if (!setting.readBack)
-            continue;
-        SCOPED_TRACE(setting.name);
-        prepare(setting);
-        Values outputs;
-        EXPECT_EQ(setting.run(*simulator, outputs), 0);
-        EXPECT_EQ(setting.readBack->run(*simulator, outputs), 0);
-        EXPECT_EQ(outputs, setting.results);
-        expectError(kNoError);
-        ++readBack;
-    }
-    EXPECT_GT(readBack, 50U);
+    expectEverySettingReadsBack();
 }
 
 TEST_F(StatefulSimulator, EveryOperationIsTakenWithoutAnError)
@@ -562,16 +567,7 @@ TEST_F(StatefulSimulator, KeepsTheDecimalPointInALocaleWithAComma)
     const kvxtest::CommaLocale locale;
     if (!locale.problem().empty())
         GTEST_SKIP() << locale.problem();
-    for (const Operation& setting : kvxtest::settings()) {
-        if (!setting.readBack)
-            continue;
-        SCOPED_TRACE(setting.name);
-        prepare(setting);
-        Values outputs;
-        EXPECT_EQ(setting.run(*simulator, outputs), 0);
-        EXPECT_EQ(setting.readBack->run(*simulator, outputs), 0);
-        EXPECT_EQ(outputs, setting.results);
-    }
+    expectEverySettingReadsBack();
 }
 
 } // namespace
