@@ -25,7 +25,9 @@ kvx_add_layer(instrument
     instrument/reply_parsing.cpp)
 kvx_add_layer(simulator
     simulator/kvx2800t_simulator.cpp
-    simulator/random_source.cpp)
+    simulator/random_source.cpp
+    simulator/stateful_simulator.cpp
+    simulator/virtual_connection.cpp)
 kvx_add_layer(runtime
     runtime/attribute_dispatch.cpp
     runtime/close_listeners.cpp
@@ -60,7 +62,8 @@ kvx_add_layer(api
     api/session_functions.cpp
     api/source_functions.cpp
     api/status_functions.cpp)
-set(KVX_LAYERS kvx_base kvx_io kvx_instrument kvx_simulator kvx_runtime kvx_api)
+# The stateful simulation drives the virtual instrument.
+set(KVX_LAYERS kvx_base kvx_io kvx_instrument kvx_simulator virtual_instrument_core kvx_runtime kvx_api)
 list(TRANSFORM KVX_LAYERS REPLACE "(.+)" "$<TARGET_OBJECTS:\\1>" OUTPUT_VARIABLE driver_objects)
 
 # What a host needs beyond these sources, and how its libraries are linked.

@@ -69,6 +69,11 @@ ViStatus CommandPort::connect(const std::string& resource)
     return ioStatus(noted(InstLink::connect(holder_, resource)));
 }
 
+void CommandPort::connect(std::shared_ptr<InstLink::VisaIO> connection)
+{
+    InstLink::connect(holder_, std::move(connection));
+}
+
 ViStatus CommandPort::close()
 {
     const auto connection = holder_.connection;

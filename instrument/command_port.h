@@ -8,6 +8,7 @@
 #include "io/visa_io.h"
 
 #include <cstddef>
+#include <memory>
 #include <span>
 #include <string>
 #include <string_view>
@@ -77,6 +78,9 @@ public:
 
     /// Replaces the connection by one to `resource`; on a negative status the previous one stays.
     ViStatus connect(const std::string& resource);
+
+    /// Replaces the connection by one that needs no resource.
+    void connect(std::shared_ptr<InstLink::VisaIO> connection);
 
     /// Closes the connection and lets go of it; a negative status keeps it. VI_ERROR_INV_OBJECT when there is none.
     ViStatus close();

@@ -51,8 +51,13 @@ ViStatus KVX2800T::setIoTimeout(ViInt32 milliseconds)
 ViStatus KVX2800T::open(const std::string& resource, const std::string& options)
 {
     setOptions(readOptions(options));
-    const ViStatus status = port_.connect(resource);
+    const ViStatus status = connect(resource);
     return status < 0 ? status : identify();
+}
+
+ViStatus KVX2800T::connect(const std::string& resource)
+{
+    return port_.connect(resource);
 }
 
 ViStatus KVX2800T::close()

@@ -183,6 +183,12 @@ public:
     void configureConnection(const ConnectionSetup& setup) override { port_.configure(setup); }
     ViStatus connectionStatus() const override { return port_.connectionStatus(); }
 
+protected:
+    /// The step of open() that connects. On a negative status the previous connection stays.
+    virtual ViStatus connect(const std::string& resource);
+
+    CommandPort& port() { return port_; }
+
 private:
     ViStatus identify();
 
