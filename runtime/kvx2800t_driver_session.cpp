@@ -2,6 +2,7 @@
 
 #include "instrument/kvx2800t.h"
 #include "simulator/kvx2800t_simulator.h"
+#include "simulator/stateful_simulator.h"
 
 namespace
 {
@@ -11,9 +12,13 @@ constexpr ViInt32 kErrorBits = 0x3C;
 
 std::shared_ptr<TSRO::InstBase> makeInstrument(bool simulate, const drivekit::SessionSettings& settings)
 {
-    if (simulate)
-        return std::make_shared<TSRO::KVX2800TSimulator>();
-    auto instrument = std::make_shared<TSRO::KVX2800T>();
+    std::shared_ptr<TSRO::InstBase> instrument;
+    if (!simulate)
+        instrument = std::make_shared<TSRO::KVX2800T>();
+    else if (settings.statefulSimulation)
+        instrument = TSRO::makeStatefulSimulator();
+    else
+        instrument = std::make_shared<TSRO::KVX2800TSimulator>();
     instrument->configureConnection(settings.connection);
     return instrument;
 }

@@ -27,6 +27,9 @@ public:
     ViStatus close() override;
     bool isOpen() const override { return open_; }
 
+    /// Nothing of it can be lost.
+    ViStatus reopen() override { return open_ ? VI_SUCCESS : VI_ERROR_INV_OBJECT; }
+
 protected:
     ViStatus send(std::string_view bytes) override;
     ViStatus receive(std::span<ViByte> buffer, ViUInt32& count) override;

@@ -475,6 +475,62 @@ TEST_F(DriverSetup, WithoutCheckedOptionsAProtectionLevelIsSentAsItIs)
     EXPECT_EQ(written().size(), 1U);
 }
 
+// StatefulSimulation
+
+TEST_F(DriverSetup, TheStatefulSimulationRemembersWhatIsSet)
+{
+    ASSERT_EQ(init("Simulate=1,DriverSetup=StatefulSimulation:1", &vi, VI_TRUE, VI_TRUE), VI_SUCCESS);
+    EXPECT_EQ(text(KVX2800T_ATTR_INSTRUMENT_MODEL), "KVX2833T");
+    for (const char* const channel : {"OutputChannel1", "OutputChannel3", "CH4"}) {
+        EXPECT_EQ(KVX2800T_ConfigureVoltageLevel(vi, channel, 4.25), VI_SUCCESS);
+        EXPECT_EQ(KVX2800T_ConfigureOutputEnabled(vi, channel, VI_TRUE), VI_SUCCESS);
+        ViReal64 volts = -1.0;
+        EXPECT_EQ(KVX2800T_GetAttributeViReal64(vi, channel, KVX2800T_ATTR_VOLTAGE_LEVEL, &volts), VI_SUCCESS);
+        EXPECT_EQ(volts, 4.25);
+        EXPECT_EQ(KVX2800T_MeasureOutput(vi, channel, KVX2800T_VAL_MEASURE_VOLTAGE, &volts), VI_SUCCESS);
+        EXPECT_EQ(volts, 4.25);
+        ViBoolean on = 77;
+        EXPECT_EQ(KVX2800T_GetAttributeViBoolean(vi, channel, KVX2800T_ATTR_OUTPUT_ENABLED, &on), VI_SUCCESS);
+        EXPECT_EQ(on, VI_TRUE);
+    }
+    EXPECT_THAT(calls("vi"), IsEmpty());
+}
+
+TEST_F(DriverSetup, TheStatefulSimulationKeepsTheLimitsAndTheNamesOfASimulation)
+{
+    openWith("StatefulSimulation:1", "Simulate=1,QueryInstrStatus=1");
+    forget();
+    EXPECT_EQ(KVX2800T_ConfigureVoltageLevel(vi, kChannel, 16.5), kOutOfRange);
+    expectRecordedOnce(kOutOfRange, kOutOfRangeText);
+    EXPECT_EQ(KVX2800T_ConfigureOCPDelay(vi, kChannel, 1000.0), VI_SUCCESS);
+    ViInt32 error = 0;
+    std::array<ViChar, 256> message{};
+    EXPECT_EQ(KVX2800T_error_query(vi, &error, message.data()), VI_SUCCESS);
+    EXPECT_EQ(error, -222);
+    std::array<ViChar, 256> driver{};
+    std::array<ViChar, 256> instrument{};
+    EXPECT_EQ(KVX2800T_revision_query(vi, driver.data(), instrument.data()), VI_SUCCESS);
+    EXPECT_STREQ(instrument.data(), "Sim1.0.0.0");
+    EXPECT_THAT(calls("vi"), IsEmpty());
+}
+
+TEST_F(DriverSetup, ARealSessionThatBeginsToSimulateRemembersToo)
+{
+    openWith("StatefulSimulation:1");
+    EXPECT_EQ(KVX2800T_SetAttributeViBoolean(vi, "", KVX2800T_ATTR_SIMULATE, VI_TRUE), VI_SUCCESS);
+    EXPECT_EQ(KVX2800T_ConfigureVoltageLevel(vi, kChannel, 7.5), VI_SUCCESS);
+    ViReal64 volts = -1.0;
+    EXPECT_EQ(readVoltage(volts), VI_SUCCESS);
+    EXPECT_EQ(volts, 7.5);
+}
+
+TEST_F(DriverSetup, WithoutTheStatefulSimulationAModelIsNotRecognised)
+{
+    EXPECT_EQ(init("Simulate=1,DriverSetup=StatefulSimulation:0,SafeErrors:1", &vi, VI_TRUE), code(0xBFFA005E));
+    EXPECT_EQ(init("DriverSetup=StatefulSimulation:1", &vi), VI_SUCCESS);
+    EXPECT_THAT(calls("viOpen("), Not(IsEmpty()));
+}
+
 // FreshReplies
 
 TEST_F(DriverSetup, FreshRepliesOpenARawSocketAgainAfterATimeout)
