@@ -87,7 +87,11 @@ int main(int argc, char* argv[])
         return EXIT_FAILURE;
     }
     try {
-        kvx2800t::Session supply(argv[1], {true, true, "QueryInstrStatus=1"});
+        kvx2800t::Options options;
+        options.idQuery = true;
+        options.reset = true;
+        options.queryInstrumentStatus = true;
+        kvx2800t::Session supply(argv[1], options);
         std::printf("%s, firmware %s\n", supply.get(kvx2800t::attribute::instrumentModel).c_str(),
                     supply.revisions().instrument.c_str());
         const bool good = runSequence(supply);
