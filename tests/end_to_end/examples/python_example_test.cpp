@@ -21,40 +21,53 @@ FinishedProgram runDemonstration(std::vector<std::string> arguments, std::vector
     return runProgram(KVX_PYTHON, arguments, environment);
 }
 
-FinishedProgram demonstrationOn(const std::string& channel)
+/// What it prints without the profile, and how the text begins that it prints with it: details follow.
+std::string demonstrationOn(const std::string& channel)
 {
-    return {0,
-            "KVX2833T, firmware V1.00\n" + channel +
-                ": 3.300 V, 0.500 A, output on\n"
-                "100 V: 0xBFFA4217 Attribute or function parameter value is invalid (out of range or not supported).\n",
-            ""};
+    return "KVX2833T, firmware V1.00\n" + channel +
+           ": 3.300 V, 0.500 A, output on\n"
+           "100 V: 0xBFFA4217 Attribute or function parameter value is invalid (out of range or not supported).";
+}
+
+void expectDemonstration(const FinishedProgram& program, const std::string& channel)
+{
+    EXPECT_EQ(program.exitCode, 0);
+    EXPECT_TRUE(program.output.starts_with(demonstrationOn(channel))) << program.output;
+    EXPECT_EQ(program.errorOutput, "");
 }
 
 TEST(PythonDemonstration, ConfiguresAChannelAndShowsAnError)
 {
     VirtualInstrumentProcess instrument;
-    EXPECT_EQ(runDemonstration({instrument.resource()}), demonstrationOn("OutputChannel3"));
+    expectDemonstration(runDemonstration({instrument.resource()}), "OutputChannel3");
     EXPECT_EQ(instrument.receivedLines(),
               (std::vector<std::string>{"*IDN?", ":SOUR3:VOLT 3.300000", ":SOUR3:CURR 0.500000",
                                         ":SOUR3:CURR:PROT 0.500000", ":SOUR3:CURR:PROT:STAT OFF", ":OUTP:STAT CH3,ON",
                                         ":SOUR3:VOLT?", ":SOUR3:CURR?", ":OUTP:STAT? CH3", ":OUTPut:STATe ALL,OFF"}));
 }
 
+TEST(PythonDemonstration, RunsWithoutTheProfile)
+{
+    const VirtualInstrumentProcess instrument;
+    EXPECT_EQ(runDemonstration({instrument.resource(), "--no-profile"}),
+              (FinishedProgram{0, demonstrationOn("OutputChannel3") + "\n", ""}));
+}
+
 TEST(PythonDemonstration, TakesALogicalNameAndAVirtualOne)
 {
     VirtualInstrumentProcess instrument;
     const StoreFile store(instrument.resource());
-    EXPECT_EQ(runDemonstration({"BenchSupply", "--channel", "Core"}, {{"IVI_MASTER_STORE", store.path()}}),
-              demonstrationOn("Core"));
+    expectDemonstration(runDemonstration({"BenchSupply", "--channel", "Core"}, {{"IVI_MASTER_STORE", store.path()}}),
+                        "Core");
     const std::vector<std::string> lines = instrument.receivedLines();
     EXPECT_EQ((std::vector<std::string>(lines.begin(), lines.begin() + 5)),
               (std::vector<std::string>{"*IDN?", "*CLS", "*ESR?", ":SOUR4:VOLT 3.300000", "*ESR?"}));
 }
 
-TEST(PythonDemonstration, TakesOptionsAndALibrary)
+TEST(PythonDemonstration, SimulatesWithALibraryOfItsOwn)
 {
-    const FinishedProgram program =
-        runProgram(KVX_PYTHON, {"-B", KVX_PYTHON_EXAMPLE, "", "--options", "Simulate=1", "--library", KVX_DRIVER_FILE});
+    const FinishedProgram program = runProgram(
+        KVX_PYTHON, {"-B", KVX_PYTHON_EXAMPLE, "", "--simulate", "--no-profile", "--library", KVX_DRIVER_FILE});
     EXPECT_EQ(program.exitCode, 0);
     EXPECT_TRUE(program.output.starts_with("KVX2803T, firmware Sim1.0.0.0\nOutputChannel3: ")) << program.output;
     EXPECT_EQ(program.errorOutput, "");
@@ -62,7 +75,7 @@ TEST(PythonDemonstration, TakesOptionsAndALibrary)
 
 TEST(PythonDemonstration, SaysWhyItCouldNotOpen)
 {
-    EXPECT_EQ(runDemonstration({"BANANA"}),
+    EXPECT_EQ(runDemonstration({"BANANA", "--no-profile"}),
               (FinishedProgram{1, "",
                                "kvx2800t.py: 0xBFFA4214 I/O error.  Insufficient location information or resource not "
                                "present in the system\n"}));
