@@ -1,3 +1,4 @@
+#include "tests/end_to_end/examples/python_program.h"
 #include "tests/support/platform/store_file.h"
 #include "tests/support/processes/finished_program.h"
 
@@ -13,12 +14,10 @@ namespace kvxtest
 namespace
 {
 
-FinishedProgram runDemonstration(std::vector<std::string> arguments, std::vector<Variable> environment = {})
+FinishedProgram runDemonstration(const std::vector<std::string>& arguments,
+                                 const std::vector<Variable>& environment = {})
 {
-    // -B: nothing is written beside the example.
-    arguments.insert(arguments.begin(), {"-B", KVX_PYTHON_EXAMPLE});
-    environment.push_back({"KVX2800T_LIBRARY", KVX_DRIVER_FILE});
-    return runProgram(KVX_PYTHON, arguments, environment);
+    return runPython(KVX_PYTHON_EXAMPLE, arguments, environment);
 }
 
 /// What it prints without the profile, and how the text begins that it prints with it: details follow.
