@@ -1458,4 +1458,17 @@ private:
     ViSession vi_ = VI_NULL;
 };
 
+/// Switches every output off at its end, also when an exception ends it. The session must stay where it is meanwhile.
+class OutputsOff
+{
+public:
+    explicit OutputsOff(const Session& supply) : supply_(supply) {}
+    ~OutputsOff() { KVX2800T_Disable(supply_.handle()); }
+    OutputsOff(const OutputsOff&) = delete;
+    OutputsOff& operator=(const OutputsOff&) = delete;
+
+private:
+    const Session& supply_;
+};
+
 } // namespace kvx2800t

@@ -66,26 +66,13 @@ void runToItsEnd(const kvx2800t::Channel& channel, const Ramp& ramp)
     throwIfTripped(channel);
 }
 
-/// Switches every output off when the ramp ends, also by an exception.
-class OutputsOff
-{
-public:
-    explicit OutputsOff(kvx2800t::Session& supply) : supply_(supply) {}
-    ~OutputsOff() { KVX2800T_Disable(supply_.handle()); }
-    OutputsOff(const OutputsOff&) = delete;
-    OutputsOff& operator=(const OutputsOff&) = delete;
-
-private:
-    kvx2800t::Session& supply_;
-};
-
 void run(const std::string& resource, const Ramp& ramp)
 {
     kvx2800t::Options options;
     options.reset = true;
     options.queryInstrumentStatus = true;
     kvx2800t::Session supply(resource, options);
-    const OutputsOff atTheEnd(supply);
+    const kvx2800t::OutputsOff atTheEnd(supply);
     const kvx2800t::Channel channel = supply.channel(3);
     load(channel, ramp);
     runToItsEnd(channel, ramp);

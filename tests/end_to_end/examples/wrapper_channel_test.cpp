@@ -1,3 +1,4 @@
+#include "tests/end_to_end/examples/wrapper_error.h"
 #include "tests/support/driver/driver_end_to_end.h"
 
 #include <kvx2800t.hpp>
@@ -19,18 +20,6 @@ namespace
 using kvx2800t::Channel;
 using kvx2800t::Session;
 using kvx2800t::Value;
-
-template <class Call>
-RecordedError thrown(Call call)
-{
-    try {
-        call();
-    } catch (const kvx2800t::Error& error) {
-        return {error.code(), error.text()};
-    }
-    ADD_FAILURE() << "no error";
-    return {};
-}
 
 /// A session with the profile on, and channel 3 of it, whose outputs 10 ohms load.
 class WrapperChannel : public DriverEndToEnd

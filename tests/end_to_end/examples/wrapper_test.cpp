@@ -1,3 +1,4 @@
+#include "tests/end_to_end/examples/wrapper_error.h"
 #include "tests/support/processes/finished_program.h"
 
 #include "tests/support/driver/driver_end_to_end.h"
@@ -32,19 +33,6 @@ static_assert(!std::is_copy_constructible_v<Session> && !std::is_copy_assignable
 constexpr const char* kOutOfRange = "Attribute or function parameter value is invalid (out of range or not supported).";
 constexpr const char* kNoInstrument =
     "I/O error.  Insufficient location information or resource not present in the system";
-
-/// The code and the text that a call throws as Error.
-template <class Call>
-RecordedError thrown(Call call)
-{
-    try {
-        call();
-    } catch (const kvx2800t::Error& error) {
-        return {error.code(), error.text()};
-    }
-    ADD_FAILURE() << "no error";
-    return {};
-}
 
 /// What the plain driver does; Options says what the profile changes.
 Options plain()
