@@ -47,6 +47,10 @@ std::string_view identity(const DriverSession& session)
 constexpr ViInt32 kClassSpecMajorVersion = 3;
 constexpr ViInt32 kClassSpecMinorVersion = 0;
 
+constexpr auto kMember = Refusable::Kind::Member;
+constexpr auto kVolts = Refusable::Kind::Volts;
+constexpr auto kAmperes = Refusable::Kind::Amperes;
+
 constexpr auto kChannelCount = static_cast<ViInt32>(drivekit::RepCapBase<drivekit::OutputChannel>::kCount);
 
 static_assert(KVX2800T_VAL_CURRENT_REGULATE == VI_FALSE && KVX2800T_VAL_CURRENT_TRIP == VI_TRUE,
@@ -180,12 +184,13 @@ constexpr auto kAttributes = sortedById(std::array{
     ROW(INSTRUMENT_FIRMWARE_REVISION, ViString, identity<&Identity::firmwareRevision>),
     ROW(INSTRUMENT_MANUFACTURER, ViString, identity<&Identity::manufacturer>),
     ROW(INSTRUMENT_MODEL, ViString, identity<&Identity::model>),
-    ROW(CURRENT_LIMIT_BEHAVIOR, ViInt32, &InstBase::currentProtectionEnabled, setEach<setCurrentLimitBehavior>),
-    ROW(CURRENT_LIMIT, ViReal64, &InstBase::currentLevel, setEach<setCurrentLimit>),
+    ROW(CURRENT_LIMIT_BEHAVIOR, ViInt32, &InstBase::currentProtectionEnabled,
+        setEach<setCurrentLimitBehavior, kMember>),
+    ROW(CURRENT_LIMIT, ViReal64, &InstBase::currentLevel, setEach<setCurrentLimit, kAmperes>),
     ROW(OUTPUT_ENABLED, ViBoolean, &InstBase::outputEnabled, setEach<&InstBase::setOutputEnabled>),
     ROW(OVP_ENABLED, ViBoolean, &InstBase::voltageProtectionEnabled, setEach<&InstBase::setVoltageProtectionEnabled>),
-    ROW(OVP_LIMIT, ViReal64, &InstBase::voltageProtectionLevel, setEach<&InstBase::setVoltageProtectionLevel>),
-    ROW(VOLTAGE_LEVEL, ViReal64, &InstBase::voltageLevel, setEach<&InstBase::setVoltageLevel>),
+    ROW(OVP_LIMIT, ViReal64, &InstBase::voltageProtectionLevel, setEach<&InstBase::setVoltageProtectionLevel, kVolts>),
+    ROW(VOLTAGE_LEVEL, ViReal64, &InstBase::voltageLevel, setEach<&InstBase::setVoltageLevel, kVolts>),
     ROW(CHANNEL_COUNT, ViInt32, fixed<kChannelCount>),
 });
 

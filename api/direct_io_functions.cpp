@@ -13,7 +13,7 @@ ViStatus recordTransfer(drivekit::DriverSession& session, ViStatus status)
     if (status == base::kErrorOperationNotSupported)
         return session.ReportError(status);
     if (status < 0)
-        return session.ReportErrorText(status, drivekit::kTransferFailed, {drivekit::HexadecimalArgument(status)});
+        return session.ReportTransferFailure(status);
     return status == base::kWarnArrayTruncated ? status : VI_SUCCESS;
 }
 

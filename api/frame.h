@@ -6,8 +6,9 @@
 
 /// The frame that every exported function on a session runs in.
 ///
-/// Nothing in it catches or guards: an exception of the instrument layer leaves the exported function with the session
-/// still locked and nothing recorded. Functions that always return a status stand on guarded_frame.h.
+/// What the instrument layer throws leaves a function of the instrument class with the session still locked and nothing
+/// recorded, unless the session has SafeErrors: then it is recorded, and the status returned. Functions that always
+/// return a status stand on guarded_frame.h.
 namespace api
 {
 
@@ -33,21 +34,45 @@ ViStatus framed(ViSession vi, Body body)
     return status;
 }
 
+/// What becomes of an exception.
+enum class Exceptions
+{
+    AsTheSessionHasIt,
+    Recorded,
+};
+
+/// Records what a catch block has caught, for a session that records exceptions: a reply that cannot be read as
+/// base::kErrorUnexpectedResponse, a value without a keyword as base::kErrorValueOutOfRange, lack of memory as such,
+/// everything else as base::kErrorCannotRecover. Throws it again for every other session.
+ViStatus endWithException(drivekit::DriverSession& session);
+
+/// `body(session)`; an exception ends it as the session has it.
+template <class Body>
+ViStatus guarded(drivekit::DriverSession& session, Exceptions exceptions, Body body)
+{
+    session.setRecordsExceptions(exceptions == Exceptions::Recorded || session.settings().safeErrors);
+    try {
+        return body(session);
+    } catch (...) {
+        return endWithException(session);
+    }
+}
+
 /// As framed(), for a body that takes the session. It is looked up once more under the lock: another thread may have
 /// closed it while this one waited.
-template <class Body>
+template <Exceptions exceptions = Exceptions::AsTheSessionHasIt, class Body>
 ViStatus framedSession(ViSession vi, Body body)
 {
     return framed(vi, [&]() -> ViStatus {
         drivekit::DriverSession* const session = sessionOf(vi);
-        return session == nullptr ? base::kErrorInvalidSessionHandle : body(*session);
+        return session == nullptr ? base::kErrorInvalidSessionHandle : guarded(*session, exceptions, body);
     });
 }
 
 /// Records a failure that the instrument object has returned; every other status passes through.
 inline ViStatus recordFailure(drivekit::DriverSession& session, ViStatus status)
 {
-    return status < 0 ? session.ReportError(status) : status;
+    return status < 0 ? session.ReportInstrumentFailure(status) : status;
 }
 
 } // namespace api

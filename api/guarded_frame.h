@@ -1,6 +1,7 @@
 #pragma once
 
 #include "api/arguments.h"
+#include "api/checks.h"
 #include "api/frame.h"
 #include "instrument/enumerations.h"
 #include "runtime/selector.h"
@@ -17,11 +18,6 @@
 namespace api
 {
 
-/// Records what a catch block has caught: a reply that cannot be read as base::kErrorUnexpectedResponse, a value
-/// without a keyword as base::kErrorValueOutOfRange, lack of memory as such, everything else as
-/// base::kErrorCannotRecover.
-ViStatus recordThrown(drivekit::DriverSession& session);
-
 /// As recordFailure(); base::kErrorUnexpectedResponse is recorded with the reply.
 ViStatus recordOutcome(drivekit::DriverSession& session, ViStatus status);
 
@@ -30,21 +26,12 @@ ViStatus recordOutcome(drivekit::DriverSession& session, ViStatus status);
 template <class Body>
 ViStatus guardedSession(ViSession vi, Body body)
 {
-    return framedSession(vi, [&](drivekit::DriverSession& session) -> ViStatus {
-        if (session.instrument() == nullptr)
-            return session.ReportError(base::kErrorNotInitialized);
-        try {
-            return body(session);
-        } catch (...) {
-            return recordThrown(session);
-        }
+    return framedSession<Exceptions::Recorded>(vi, [&](drivekit::DriverSession& session) -> ViStatus {
+        return session.instrument() == nullptr ? session.ReportError(base::kErrorNotInitialized) : body(session);
     });
 }
 
-/// The channels of a selector; a number in it beyond 32 bits is base::kErrorInvalidRangeInSelector.
-ViStatus selectChannels(drivekit::DriverSession& session, ViConstString selector, drivekit::OutputSelection& channels);
-
-/// As selectChannels(), for a selector that must name exactly one.
+/// The channel of a selector that must name exactly one.
 ViStatus selectChannel(drivekit::DriverSession& session, ViConstString selector, ViInt32& channel);
 
 // ---- Settings as C programs pass them
@@ -67,20 +54,6 @@ struct CTypeOf<double>
 };
 template <class Setting>
 using CType = typename CTypeOf<Setting>::Type;
-
-/// Records a count or a size that a function cannot use, with the function's name as it is without prefix.
-ViStatus refuseCount(drivekit::DriverSession& session, ViInt64 count, std::string_view function,
-                     std::string_view parameter);
-
-/// Refuses a number that is not finite.
-ViStatus checkNumber(drivekit::DriverSession& session, ViReal64 number);
-
-/// Refuses a number that is none of an enumeration.
-ViStatus checkMember(drivekit::DriverSession& session, const TSRO::KeywordTable& members, ViInt32 number);
-
-/// Refuse a level that a channel does not take, in volts or amperes; the record names channel, level and limits.
-ViStatus checkVoltage(drivekit::DriverSession& session, ViInt32 channel, ViReal64 volts);
-ViStatus checkCurrent(drivekit::DriverSession& session, ViInt32 channel, ViReal64 amperes);
 
 template <class Setting>
 ViStatus checkSetting(drivekit::DriverSession& session, CType<Setting> value)
@@ -171,7 +144,7 @@ ViStatus configure(ViSession vi, ViConstString channelName, Check check, Step st
 {
     return guardedSession(vi, [&](drivekit::DriverSession& session) {
         drivekit::OutputSelection channels;
-        ViStatus status = selectChannels(session, channelName, channels);
+        ViStatus status = drivekit::resolveSelector(session, channelName, channels);
         if (status >= 0)
             status = check(session, channels);
         return status < 0 ? status : configureEach(session, channels, step);

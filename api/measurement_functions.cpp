@@ -80,7 +80,7 @@ ViStatus _VI_FUNC KVX2800T_MeasureAll(ViSession vi, ViConstString channelName, V
         if (size < 0)
             return api::refuseCount(session, size, "MeasureAll", "Size");
         drivekit::OutputSelection channels;
-        const ViStatus selected = api::selectChannels(session, channelName, channels);
+        const ViStatus selected = drivekit::resolveSelector(session, channelName, channels);
         return selected < 0 ? selected : measureEach(session, channels, size, {volts, amperes, watts, count});
     });
 }

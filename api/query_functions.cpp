@@ -2,6 +2,7 @@
 
 #include "api/arguments.h"
 #include "api/channels.h"
+#include "api/condition_bits.h"
 
 #include <cstdint>
 
@@ -11,22 +12,18 @@ using TSRO::InstBase;
 namespace
 {
 
-// Bits of a channel's questionable condition.
-constexpr ViInt32 kConstantCurrentBit = 0x1;
-constexpr ViInt32 kConstantVoltageBit = 0x2;
-
-/// Runs `query(instrument, channel, *output)` for every channel that a selector names. The output holds the value of
-/// the last channel that was read.
+/// Runs `query(session, channel, *output)` for every channel that a selector names. The output holds the value of the
+/// last channel that was read. `asked` is what the query may refuse.
 template <class Output, class Query>
 ViStatus queryChannels(ViSession vi, ViConstString channelName, std::string_view function, std::string_view parameter,
-                       Output* output, Query query)
+                       Output* output, const api::Refusable& asked, Query query)
 {
     return api::framedSession(vi, [&](DriverSession& session) {
         const ViStatus status = api::checkPointers(vi, function, parameter, output);
         if (status < 0)
             return status;
-        return api::forEachChannel(session, channelName, [&](InstBase& instrument, ViInt32 channel) {
-            return query(instrument, channel, *output);
+        return api::forEachChannel(session, channelName, asked, [&](InstBase& /*instrument*/, ViInt32 channel) {
+            return query(session, channel, *output);
         });
     });
 }
@@ -41,17 +38,47 @@ ViStatus queryCondition(InstBase& instrument, ViInt32 channel, ViInt32 bit, ViBo
     return status;
 }
 
-ViStatus queryOutputState(InstBase& instrument, ViInt32 channel, ViInt32 outputState, ViBoolean& inState)
+/// Whether an output is on although it holds neither its voltage nor its current and has not tripped.
+ViStatus queryUnregulated(InstBase& instrument, ViInt32 channel, ViBoolean& isUnregulated)
+{
+    constexpr ViInt32 kEveryState =
+        api::kConstantCurrentBit | api::kConstantVoltageBit | api::kOverVoltageBit | api::kOverCurrentBit;
+    ViBoolean isInOther = VI_FALSE;
+    ViStatus status = queryCondition(instrument, channel, kEveryState, isInOther);
+    bool isOn = false;
+    if (status == VI_SUCCESS)
+        status = instrument.outputEnabled(channel, isOn);
+    if (status == VI_SUCCESS)
+        isUnregulated = isOn && isInOther == VI_FALSE ? VI_TRUE : VI_FALSE;
+    return status;
+}
+
+/// The states that the class has no query of the instrument for.
+ViStatus queryFurtherState(InstBase& instrument, ViInt32 channel, ViInt32 outputState, ViBoolean& inState)
 {
     switch (outputState) {
+    case KVX2800T_VAL_OUTPUT_OVER_VOLTAGE:
+        return queryCondition(instrument, channel, api::kOverVoltageBit, inState);
+    case KVX2800T_VAL_OUTPUT_OVER_CURRENT:
+        return queryCondition(instrument, channel, api::kOverCurrentBit, inState);
+    default:
+        return queryUnregulated(instrument, channel, inState);
+    }
+}
+
+ViStatus queryOutputState(DriverSession& session, ViInt32 channel, ViInt32 outputState, ViBoolean& inState)
+{
+    InstBase& instrument = *session.instrument();
+    switch (outputState) {
     case KVX2800T_VAL_OUTPUT_CONSTANT_VOLTAGE:
-        return queryCondition(instrument, channel, kConstantVoltageBit, inState);
+        return queryCondition(instrument, channel, api::kConstantVoltageBit, inState);
     case KVX2800T_VAL_OUTPUT_CONSTANT_CURRENT:
-        return queryCondition(instrument, channel, kConstantCurrentBit, inState);
+        return queryCondition(instrument, channel, api::kConstantCurrentBit, inState);
     case KVX2800T_VAL_OUTPUT_OVER_VOLTAGE:
     case KVX2800T_VAL_OUTPUT_OVER_CURRENT:
     case KVX2800T_VAL_OUTPUT_UNREGULATED:
-        // The instrument does not tell.
+        if (session.settings().trueReadings)
+            return queryFurtherState(instrument, channel, outputState, inState);
         inState = VI_FALSE;
         break;
     default:
@@ -60,14 +87,18 @@ ViStatus queryOutputState(InstBase& instrument, ViInt32 channel, ViInt32 outputS
     return VI_SUCCESS;
 }
 
-/// The levels that are set; the channel's meters are not asked.
-ViStatus measure(InstBase& instrument, ViInt32 channel, ViInt32 measurementType, ViReal64& measurement)
+/// The levels that are set; the channel's meters are asked only by sessions with true readings.
+ViStatus measure(DriverSession& session, ViInt32 channel, ViInt32 measurementType, ViReal64& measurement)
 {
+    InstBase& instrument = *session.instrument();
+    const bool asksMeters = session.settings().trueReadings;
     switch (measurementType) {
     case KVX2800T_VAL_MEASURE_CURRENT:
-        return instrument.currentLevel(channel, measurement);
+        return asksMeters ? instrument.measureCurrent(channel, measurement)
+                          : instrument.currentLevel(channel, measurement);
     case KVX2800T_VAL_MEASURE_VOLTAGE:
-        return instrument.voltageLevel(channel, measurement);
+        return asksMeters ? instrument.measureVoltage(channel, measurement)
+                          : instrument.voltageLevel(channel, measurement);
     default:
         return base::kErrorValueOutOfRange;
     }
@@ -91,9 +122,9 @@ ViStatus copyChannelName(DriverSession& session, std::int64_t position, ViInt32 
 ViStatus _VI_FUNC KVX2800T_QueryMaxCurrentLimit(ViSession vi, ViConstString channelName, ViReal64 /*voltageLevel*/,
                                                 ViReal64* maxCurrentLimit)
 {
-    return queryChannels(vi, channelName, __func__, "MaxCurrentLimit", maxCurrentLimit,
-                         [](InstBase& instrument, ViInt32 channel, ViReal64& limit) -> ViStatus {
-                             limit = instrument.channelLimits(channel).currentMax;
+    return queryChannels(vi, channelName, __func__, "MaxCurrentLimit", maxCurrentLimit, {},
+                         [](DriverSession& session, ViInt32 channel, ViReal64& limit) -> ViStatus {
+                             limit = session.instrument()->channelLimits(channel).currentMax;
                              return VI_SUCCESS;
                          });
 }
@@ -101,9 +132,9 @@ ViStatus _VI_FUNC KVX2800T_QueryMaxCurrentLimit(ViSession vi, ViConstString chan
 ViStatus _VI_FUNC KVX2800T_QueryMaxVoltageLevel(ViSession vi, ViConstString channelName, ViReal64 /*currentLimit*/,
                                                 ViReal64* maxVoltageLevel)
 {
-    return queryChannels(vi, channelName, __func__, "MaxVoltageLevel", maxVoltageLevel,
-                         [](InstBase& instrument, ViInt32 channel, ViReal64& level) -> ViStatus {
-                             level = instrument.channelLimits(channel).voltageMax;
+    return queryChannels(vi, channelName, __func__, "MaxVoltageLevel", maxVoltageLevel, {},
+                         [](DriverSession& session, ViInt32 channel, ViReal64& level) -> ViStatus {
+                             level = session.instrument()->channelLimits(channel).voltageMax;
                              return VI_SUCCESS;
                          });
 }
@@ -111,9 +142,9 @@ ViStatus _VI_FUNC KVX2800T_QueryMaxVoltageLevel(ViSession vi, ViConstString chan
 ViStatus _VI_FUNC KVX2800T_QueryOutputState(ViSession vi, ViConstString channelName, ViInt32 outputState,
                                             ViBoolean* inState)
 {
-    return queryChannels(vi, channelName, __func__, "inState", inState,
-                         [outputState](InstBase& instrument, ViInt32 channel, ViBoolean& state) {
-                             return queryOutputState(instrument, channel, outputState, state);
+    return queryChannels(vi, channelName, __func__, "inState", inState, {},
+                         [outputState](DriverSession& session, ViInt32 channel, ViBoolean& state) {
+                             return queryOutputState(session, channel, outputState, state);
                          });
 }
 
@@ -121,8 +152,9 @@ ViStatus _VI_FUNC KVX2800T_Measure(ViSession vi, ViConstString channelName, ViIn
                                    ViReal64* measurement)
 {
     return queryChannels(vi, channelName, __func__, "Measurement", measurement,
-                         [measurementType](InstBase& instrument, ViInt32 channel, ViReal64& value) {
-                             return measure(instrument, channel, measurementType, value);
+                         {.kind = api::Refusable::Kind::Member, .number = measurementType},
+                         [measurementType](DriverSession& session, ViInt32 channel, ViReal64& value) {
+                             return measure(session, channel, measurementType, value);
                          });
 }
 

@@ -3,11 +3,13 @@
 #include "api/arguments.h"
 #include "api/attribute_table.h"
 #include "api/frame.h"
+#include "base/option_grammar.h"
 #include "runtime/close_listeners.h"
 #include "runtime/driver_identity.h"
 #include "runtime/kvx2800t_driver_session.h"
 
 #include <string>
+#include <utility>
 
 using drivekit::DriverSession;
 
@@ -19,22 +21,24 @@ std::string textOrEmpty(const ViChar* text)
     return text == nullptr ? std::string() : std::string(text);
 }
 
-/// A session for a new handle. After a failure the handle stays with the session service, without its session.
-ViStatus createSession(ViRsrc resourceName, ViBoolean idQuery, ViBoolean reset, ViConstString optionString,
-                       ViSession* vi)
+/// What an application opens a session with.
+struct InitArguments
 {
-    if (vi == nullptr)
-        return base::kErrorNullPointer;
-    *vi = VI_NULL;
-    ViStatus status = IviSession_New(vi);
-    if (status < 0)
-        return status;
+    ViRsrc resourceName;
+    ViBoolean idQuery;
+    ViBoolean reset;
+    ViConstString optionString;
+};
+
+/// A session for a new handle. After a failure the handle stays with the session service, without its session.
+ViStatus createSession(const InitArguments& arguments, ViSession* vi)
+{
     // KVX2800T_close deletes it; the session service holds nothing but the pointer.
     DriverSession* const session = new KVX2800TDriverSession(*vi, api::attributeRegistry());
-    status = IviSession_SetDataPtr(*vi, session);
+    ViStatus status = IviSession_SetDataPtr(*vi, session);
     if (status >= 0)
-        status = session->Initialize(textOrEmpty(resourceName), idQuery == VI_TRUE, reset == VI_TRUE,
-                                     textOrEmpty(optionString));
+        status = session->Initialize(textOrEmpty(arguments.resourceName), arguments.idQuery == VI_TRUE,
+                                     arguments.reset == VI_TRUE, textOrEmpty(arguments.optionString));
     if (status < 0) {
         delete session;
         *vi = VI_NULL;
@@ -56,10 +60,50 @@ ViStatus finishInit(ViBoolean reset, ViSession vi)
     return status;
 }
 
-ViStatus initialize(ViRsrc resourceName, ViBoolean idQuery, ViBoolean reset, ViConstString optionString, ViSession* vi)
+/// Whether a session that an exception has ended early wants it recorded: as it has found out itself, or, when it has
+/// not got as far as that, as its option string says.
+bool recordsExceptions(const DriverSession* session, ViConstString optionString)
 {
-    const ViStatus status = createSession(resourceName, idQuery, reset, optionString, vi);
-    return status < 0 ? status : finishInit(reset, *vi);
+    if (session != nullptr && session->settings().safeErrors)
+        return true;
+    drivekit::SessionSettings settings;
+    const auto driverSetup = base::splitOptionString(optionString == nullptr ? "" : optionString).driverSetup;
+    drivekit::takeSettings(driverSetup.value_or(""), settings);
+    return settings.safeErrors;
+}
+
+/// In the catch block of init: the status of a session that records exceptions, which is closed and deleted; the
+/// exception goes on otherwise.
+ViStatus endInit(ViConstString optionString, ViSession* vi)
+{
+    DriverSession* const session = api::sessionOf(*vi);
+    if (!recordsExceptions(session, optionString))
+        throw;
+    const ViSession handle = std::exchange(*vi, VI_NULL);
+    if (session == nullptr)
+        return drivekit::ReportError(handle, base::kErrorOutOfMemory);
+    session->setRecordsExceptions(true);
+    const ViStatus status = api::endWithException(*session);
+    if (session->instrument())
+        session->instrument()->close();
+    delete session;
+    return status;
+}
+
+ViStatus initialize(const InitArguments& arguments, ViSession* vi)
+{
+    if (vi == nullptr)
+        return base::kErrorNullPointer;
+    *vi = VI_NULL;
+    ViStatus status = IviSession_New(vi);
+    if (status < 0)
+        return status;
+    try {
+        status = createSession(arguments, vi);
+        return status < 0 ? status : finishInit(arguments.reset, *vi);
+    } catch (...) {
+        return endInit(arguments.optionString, vi);
+    }
 }
 
 ViStatus resetInstrument(ViSession vi)
@@ -87,13 +131,13 @@ ViStatus reportUnknownCode(ViSession vi, ViStatus code)
 
 ViStatus _VI_FUNC KVX2800T_init(ViRsrc ResourceName, ViBoolean IdQuery, ViBoolean Reset, ViSession* Vi)
 {
-    return initialize(ResourceName, IdQuery, Reset, "", Vi);
+    return initialize({ResourceName, IdQuery, Reset, ""}, Vi);
 }
 
 ViStatus _VI_FUNC KVX2800T_InitWithOptions(ViRsrc ResourceName, ViBoolean IdQuery, ViBoolean Reset,
                                            ViConstString OptionString, ViSession* Vi)
 {
-    return initialize(ResourceName, IdQuery, Reset, OptionString, Vi);
+    return initialize({ResourceName, IdQuery, Reset, OptionString}, Vi);
 }
 
 ViStatus _VI_FUNC KVX2800T_close(ViSession Vi)
@@ -106,7 +150,7 @@ ViStatus _VI_FUNC KVX2800T_close(ViSession Vi)
     if (status < 0 || data == nullptr)
         return status;
     auto* const session = static_cast<DriverSession*>(data);
-    session->Close();
+    api::guarded(*session, api::Exceptions::AsTheSessionHasIt, [](DriverSession& closed) { return closed.Close(); });
     delete session;
     return IviSession_Dispose(Vi);
 }
@@ -175,7 +219,12 @@ ViStatus _VI_FUNC KVX2800T_ResetWithDefaults(ViSession Vi)
 ViStatus _VI_FUNC KVX2800T_Disable(ViSession Vi)
 {
     return api::framedSession(Vi, [](DriverSession& session) {
-        return api::recordFailure(session, session.instrument()->writeRaw(TSRO::kAllOutputsOff));
+        TSRO::InstBase& instrument = *session.instrument();
+        ViStatus status = instrument.writeRaw(TSRO::kAllOutputsOff);
+        // The operation does not tell how the write went.
+        if (status >= 0 && session.settings().trueReadings && instrument.connectionStatus() < 0)
+            status = base::kErrorIo;
+        return api::recordFailure(session, status);
     });
 }
 

@@ -1,4 +1,5 @@
 #include "api/KVX2800T.h"
+#include "api/condition_bits.h"
 #include "api/guarded_frame.h"
 
 using TSRO::InstBase;
@@ -26,16 +27,13 @@ ViStatus _VI_FUNC KVX2800T_QueryQuestionableEvent(ViSession vi, ViConstString ch
 ViStatus _VI_FUNC KVX2800T_QueryProtectionState(ViSession vi, ViConstString channelName, ViBoolean* overVoltage,
                                                 ViBoolean* overCurrent)
 {
-    // What the register says of the two trips.
-    constexpr ViInt32 kOverVoltageBit = 0x4;
-    constexpr ViInt32 kOverCurrentBit = 0x8;
     return api::query<bool, bool>(
         vi, channelName, {__func__, "OverVoltage, OverCurrent"},
         [](InstBase& instrument, ViInt32 channel, bool& voltage, bool& current) {
             ViInt32 condition = 0;
             const ViStatus status = instrument.questionableCondition(channel, condition);
-            voltage = (condition & kOverVoltageBit) != 0;
-            current = (condition & kOverCurrentBit) != 0;
+            voltage = (condition & api::kOverVoltageBit) != 0;
+            current = (condition & api::kOverCurrentBit) != 0;
             return status;
         },
         overVoltage, overCurrent);

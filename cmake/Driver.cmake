@@ -13,6 +13,7 @@ kvx_add_layer(instrument
     instrument/command_port.cpp
     instrument/command_text.cpp
     instrument/fixed_point.cpp
+    instrument/fresh_replies.cpp
     instrument/keyword_table.cpp
     instrument/kvx2800t.cpp
     instrument/kvx2800t_delay.cpp
@@ -24,7 +25,9 @@ kvx_add_layer(instrument
     instrument/reply_parsing.cpp)
 kvx_add_layer(simulator
     simulator/kvx2800t_simulator.cpp
-    simulator/random_source.cpp)
+    simulator/random_source.cpp
+    simulator/stateful_simulator.cpp
+    simulator/virtual_connection.cpp)
 kvx_add_layer(runtime
     runtime/attribute_dispatch.cpp
     runtime/close_listeners.cpp
@@ -36,6 +39,7 @@ kvx_add_layer(runtime
     runtime/kvx2800t_driver_session.cpp
     runtime/selector.cpp
     runtime/selector_grammar.cpp
+    runtime/session_settings.cpp
     runtime/source_mode.cpp
     runtime/text_list.cpp
     runtime/tick_clock.cpp
@@ -45,8 +49,10 @@ kvx_add_layer(api
     api/attribute_functions.cpp
     api/attribute_table.cpp
     api/channel_functions.cpp
+    api/checks.cpp
     api/delay_functions.cpp
     api/direct_io_functions.cpp
+    api/frame.cpp
     api/guarded_frame.cpp
     api/inherent_functions.cpp
     api/list_functions.cpp
@@ -56,7 +62,8 @@ kvx_add_layer(api
     api/session_functions.cpp
     api/source_functions.cpp
     api/status_functions.cpp)
-set(KVX_LAYERS kvx_base kvx_io kvx_instrument kvx_simulator kvx_runtime kvx_api)
+# The stateful simulation drives the virtual instrument.
+set(KVX_LAYERS kvx_base kvx_io kvx_instrument kvx_simulator virtual_instrument_core kvx_runtime kvx_api)
 list(TRANSFORM KVX_LAYERS REPLACE "(.+)" "$<TARGET_OBJECTS:\\1>" OUTPUT_VARIABLE driver_objects)
 
 # What a host needs beyond these sources, and how its libraries are linked.

@@ -58,9 +58,20 @@ CommandPort::CommandPort(InstLink::ConnectionHolder holder) : holder_(std::move(
     reply_.reserve(kUsualLineLength);
 }
 
+void CommandPort::configure(const ConnectionSetup& setup)
+{
+    holder_.settings = setup.io;
+    freshReplies_.enable(setup.freshReplies);
+}
+
 ViStatus CommandPort::connect(const std::string& resource)
 {
-    return ioStatus(InstLink::connect(holder_, resource));
+    return ioStatus(noted(InstLink::connect(holder_, resource)));
+}
+
+void CommandPort::connect(std::shared_ptr<InstLink::VisaIO> connection)
+{
+    InstLink::connect(holder_, std::move(connection));
 }
 
 ViStatus CommandPort::close()
@@ -89,7 +100,7 @@ ViStatus CommandPort::setIoTimeout(ViInt32 milliseconds)
 {
     const auto connection = holder_.connection;
     if (connection)
-        return ioStatus(connection->setTimeout(milliseconds));
+        return ioStatus(noted(connection->setTimeout(milliseconds)));
     holder_.settings.timeoutMs = milliseconds;
     return VI_SUCCESS;
 }
@@ -97,16 +108,29 @@ ViStatus CommandPort::setIoTimeout(ViInt32 milliseconds)
 ViStatus CommandPort::write(std::string_view command)
 {
     const auto connection = holder_.connection;
-    return connection ? connection->write(command) : VI_ERROR_INV_OBJECT;
+    return connection ? transmit(*connection, command, false) : noted(VI_ERROR_INV_OBJECT);
 }
 
 ViStatus CommandPort::query(std::string_view command, std::string& reply)
 {
     const auto connection = holder_.connection;
     if (!connection)
-        return VI_ERROR_INV_OBJECT;
-    const ViStatus status = connection->write(command);
-    return status < 0 ? status : connection->read(reply);
+        return noted(VI_ERROR_INV_OBJECT);
+    ViStatus status = transmit(*connection, command, true);
+    if (status < 0)
+        return status;
+    status = connection->read(reply);
+    if (status < 0 || status == VI_SUCCESS_MAX_CNT)
+        freshReplies_.suspect();
+    return noted(status);
+}
+
+ViStatus CommandPort::writeMessage(std::string_view message)
+{
+    const ViStatus status = write(message);
+    if (message.find('?') != std::string_view::npos)
+        freshReplies_.owe(true);
+    return status;
 }
 
 ViStatus CommandPort::readMessage(std::span<ViByte> buffer, std::size_t& count)
@@ -114,8 +138,11 @@ ViStatus CommandPort::readMessage(std::span<ViByte> buffer, std::size_t& count)
     count = 0;
     const auto connection = holder_.connection;
     if (!connection)
-        return VI_ERROR_INV_OBJECT;
-    const ViStatus status = connection->readMessage(buffer, count);
+        return noted(VI_ERROR_INV_OBJECT);
+    const ViStatus status = noted(connection->readMessage(buffer, count));
+    freshReplies_.owe(false);
+    if (status < 0)
+        freshReplies_.suspect();
     return status == VI_SUCCESS_MAX_CNT ? base::kWarnArrayTruncated : status;
 }
 
@@ -124,6 +151,22 @@ ViStatus CommandPort::send(const Header& header)
     line_.clear();
     header.appendTo(line_);
     return sendLine();
+}
+
+ViStatus CommandPort::transmit(InstLink::VisaIO& connection, std::string_view command, bool isQuery)
+{
+    ViStatus status = freshReplies_.prepare(connection, isQuery);
+    if (status >= 0)
+        status = connection.write(command);
+    if (status < 0)
+        freshReplies_.suspect();
+    return noted(status);
+}
+
+ViStatus CommandPort::noted(ViStatus connectionStatus)
+{
+    connectionStatus_ = connectionStatus;
+    return connectionStatus;
 }
 
 ViStatus CommandPort::sendLine()

@@ -2,10 +2,13 @@
 
 #include "base/status_codes.h"
 #include "instrument/command_text.h"
+#include "instrument/connection_setup.h"
+#include "instrument/fresh_replies.h"
 #include "instrument/reply_parsing.h"
 #include "io/visa_io.h"
 
 #include <cstddef>
+#include <memory>
 #include <span>
 #include <string>
 #include <string_view>
@@ -67,8 +70,17 @@ public:
     /// A port on a connection that is there already.
     explicit CommandPort(InstLink::ConnectionHolder holder);
 
+    /// For connections to come.
+    void configure(const ConnectionSetup& setup);
+
+    /// The instrument that answers on this connection.
+    void expect(const Identity& identity) { freshReplies_.expect(identity); }
+
     /// Replaces the connection by one to `resource`; on a negative status the previous one stays.
     ViStatus connect(const std::string& resource);
+
+    /// Replaces the connection by one that needs no resource.
+    void connect(std::shared_ptr<InstLink::VisaIO> connection);
 
     /// Closes the connection and lets go of it; a negative status keeps it. VI_ERROR_INV_OBJECT when there is none.
     ViStatus close();
@@ -84,6 +96,9 @@ public:
 
     /// As write(), then one read. `reply` changes only when bytes arrived.
     ViStatus query(std::string_view command, std::string& reply);
+
+    /// As write(), for a message of the caller's own, whose reply it may read with readMessage().
+    ViStatus writeMessage(std::string_view message);
 
     /// One whole message as it came; base::kWarnArrayTruncated when the rest of it has been dropped, otherwise as
     /// write(). `count` tells the bytes in the buffer.
@@ -124,18 +139,52 @@ public:
     /// What the last exchange of get() and getFor() has brought.
     std::string_view lastReply() const { return reply_; }
 
+    /// The connection's own status of the last call: 0, a completion code, a failure of VISA, or base::kErrorIo when
+    /// another instrument than the expected one answers.
+    ViStatus connectionStatus() const { return connectionStatus_; }
+
 private:
+    /// A reply that cannot be read may have been meant for another query: it is suspect until it is accepted.
+    class Doubt
+    {
+    public:
+        explicit Doubt(FreshReplies& freshReplies) : freshReplies_(freshReplies) {}
+        Doubt(const Doubt&) = delete;
+        Doubt& operator=(const Doubt&) = delete;
+        ~Doubt()
+        {
+            if (!isAccepted_)
+                freshReplies_.suspect();
+        }
+
+        void accept() { isAccepted_ = true; }
+
+    private:
+        FreshReplies& freshReplies_;
+        bool isAccepted_ = false;
+    };
+
     ViStatus sendLine();
     ViStatus exchangeLine();
+    ViStatus transmit(InstLink::VisaIO& connection, std::string_view command, bool isQuery);
+    ViStatus noted(ViStatus connectionStatus);
 
     template <class... Values>
     ViStatus queryLine(Values&... values)
     {
-        const ViStatus status = exchangeLine();
-        return status < 0 ? status : parseReply(reply_, values...);
+        ViStatus status = exchangeLine();
+        if (status < 0)
+            return status;
+        Doubt doubt(freshReplies_);
+        status = parseReply(reply_, values...);
+        if (status >= 0)
+            doubt.accept();
+        return status;
     }
 
     InstLink::ConnectionHolder holder_;
+    FreshReplies freshReplies_;
+    ViStatus connectionStatus_ = VI_SUCCESS;
     // Kept between calls, so that a command that fits into them allocates nothing.
     std::string line_;
     std::string reply_;

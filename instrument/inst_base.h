@@ -3,6 +3,7 @@
 #include "base/option_grammar.h"
 #include "base/status_codes.h"
 #include "instrument/channel_limits.h"
+#include "instrument/connection_setup.h"
 #include "instrument/enumerations.h"
 #include "instrument/identity.h"
 
@@ -304,6 +305,13 @@ public:
         count = 0;
         return base::kErrorOperationNotSupported;
     }
+
+    /// For connections that open() makes from now on.
+    virtual void configureConnection(const ConnectionSetup& /*setup*/) {}
+
+    /// What the connection said of the last transfer or opening: a completion code, a failure of VISA, or base::kErrorIo
+    /// when another instrument answers than before.
+    virtual ViStatus connectionStatus() const { return VI_SUCCESS; }
 
     /// The instrument's own copy of the options, as open() found them in the option string.
     const InstrumentOptions& options() const { return options_; }

@@ -51,8 +51,13 @@ ViStatus KVX2800T::setIoTimeout(ViInt32 milliseconds)
 ViStatus KVX2800T::open(const std::string& resource, const std::string& options)
 {
     setOptions(readOptions(options));
-    const ViStatus status = port_.connect(resource);
+    const ViStatus status = connect(resource);
     return status < 0 ? status : identify();
+}
+
+ViStatus KVX2800T::connect(const std::string& resource)
+{
+    return port_.connect(resource);
 }
 
 ViStatus KVX2800T::close()
@@ -86,6 +91,7 @@ ViStatus KVX2800T::identify()
         return status;
     mutableIdentity() = {std::string(fields[0]), std::string(fields[1]), std::string(fields[2]),
                          std::string(fields[3])};
+    port_.expect(*identity());
     return status;
 }
 

@@ -175,11 +175,19 @@ public:
     ViStatus triggerInputEnabled(ViInt32 channel, bool& enabled) override;
 
     std::string_view lastReply() const override { return port_.lastReply(); }
-    ViStatus writeMessage(std::string_view message) override { return port_.write(message); }
+    ViStatus writeMessage(std::string_view message) override { return port_.writeMessage(message); }
     ViStatus readMessage(std::span<ViByte> buffer, std::size_t& count) override
     {
         return port_.readMessage(buffer, count);
     }
+    void configureConnection(const ConnectionSetup& setup) override { port_.configure(setup); }
+    ViStatus connectionStatus() const override { return port_.connectionStatus(); }
+
+protected:
+    /// The step of open() that connects. On a negative status the previous connection stays.
+    virtual ViStatus connect(const std::string& resource);
+
+    CommandPort& port() { return port_; }
 
 private:
     ViStatus identify();

@@ -50,6 +50,12 @@ constexpr std::array<Kind, 6> kKinds = {{
     {"", "", make<VisaIO>},
 }};
 
+void replace(ConnectionHolder& holder, std::shared_ptr<VisaIO> connection)
+{
+    if (const auto previous = std::exchange(holder.connection, std::move(connection)))
+        previous->releaseSessions();
+}
+
 } // namespace
 
 std::shared_ptr<VisaIO> makeConnection(const std::string& resource, const IoSettings& settings)
@@ -71,9 +77,14 @@ ViStatus connect(ConnectionHolder& holder, const std::string& resource)
         connection->releaseSessions();
         return status;
     }
-    if (const auto previous = std::exchange(holder.connection, connection))
-        previous->releaseSessions();
+    replace(holder, connection);
     return status;
+}
+
+void connect(ConnectionHolder& holder, std::shared_ptr<VisaIO> connection)
+{
+    connection->applySettings(holder.settings);
+    replace(holder, std::move(connection));
 }
 
 } // namespace InstLink

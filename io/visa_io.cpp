@@ -22,7 +22,6 @@ ViUInt32 lowBits(std::int64_t value)
 
 ViStatus VisaIO::open(const std::string& resource)
 {
-    readBuffer_.assign(readBufferSize_, 0);
     // What a failed call has left in its output is no session.
     ViStatus status = viOpenDefaultRM(&resourceManager_);
     if (status < 0) {
@@ -46,16 +45,25 @@ ViStatus VisaIO::write(std::string_view command)
     writeBuffer_ = command;
     if (appendTermChar_ && !command.ends_with(termChar))
         writeBuffer_ += termChar;
+    return send(writeBuffer_);
+}
+
+ViStatus VisaIO::send(std::string_view bytes)
+{
     ViUInt32 count = 0;
     // VPP-4.3.2 types the bytes as unsigned char.
-    const auto* const bytes = reinterpret_cast<ViConstBuf>(writeBuffer_.data());
-    return viWrite(session_, bytes, static_cast<ViUInt32>(writeBuffer_.size()), &count);
+    return viWrite(session_, reinterpret_cast<ViConstBuf>(bytes.data()), static_cast<ViUInt32>(bytes.size()), &count);
+}
+
+ViStatus VisaIO::receive(std::span<ViByte> buffer, ViUInt32& count)
+{
+    return viRead(session_, buffer.data(), static_cast<ViUInt32>(buffer.size()), &count);
 }
 
 ViStatus VisaIO::read(std::string& reply)
 {
     ViUInt32 count = 0;
-    const ViStatus status = viRead(session_, readBuffer_.data(), static_cast<ViUInt32>(readBuffer_.size()), &count);
+    const ViStatus status = receive(readBuffer_, count);
     if (status < 0 || count == 0)
         return status;
     reply.assign(reinterpret_cast<const char*>(readBuffer_.data()), count);
@@ -68,7 +76,7 @@ ViStatus VisaIO::readMessage(std::span<ViByte> buffer, std::size_t& count)
 {
     const std::size_t size = std::min<std::size_t>(buffer.size(), std::numeric_limits<ViUInt32>::max());
     ViUInt32 received = 0;
-    const ViStatus status = viRead(session_, buffer.data(), static_cast<ViUInt32>(size), &received);
+    const ViStatus status = receive(buffer.first(size), received);
     count = std::min<std::size_t>(received, size);
     return status == VI_SUCCESS_MAX_CNT ? dropRest() : status;
 }
@@ -81,7 +89,7 @@ ViStatus VisaIO::dropRest()
     ViStatus status = VI_SUCCESS_MAX_CNT;
     do {
         ViUInt32 received = 0;
-        status = viRead(session_, readBuffer_.data(), static_cast<ViUInt32>(readBuffer_.size()), &received);
+        status = receive(readBuffer_, received);
     } while (status == VI_SUCCESS_MAX_CNT && (timeoutMs_ < 0 || std::chrono::steady_clock::now() - begin < patience));
     if (status < 0)
         return status;
@@ -119,7 +127,7 @@ void VisaIO::applySettings(const IoSettings& settings)
 ViStatus VisaIO::setTimeout(ViInt32 milliseconds)
 {
     timeoutMs_ = milliseconds;
-    return isOpen() ? apply({attribute(VI_ATTR_TMO_VALUE, timeoutMs_)}) : VI_SUCCESS;
+    return session_ != VI_NULL ? apply({attribute(VI_ATTR_TMO_VALUE, timeoutMs_)}) : VI_SUCCESS;
 }
 
 void VisaIO::releaseSessions()
@@ -128,6 +136,15 @@ void VisaIO::releaseSessions()
         viClose(resourceManager_);
     session_ = VI_NULL;
     resourceManager_ = VI_NULL;
+}
+
+ViStatus VisaIO::reopen()
+{
+    releaseSessions();
+    const ViStatus status = open(resourceName_);
+    if (status < 0)
+        releaseSessions();
+    return status;
 }
 
 ViStatus VisaIO::applyAttributes()

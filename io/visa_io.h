@@ -80,6 +80,12 @@ public:
     /// Closes whatever open() has left open, whether or not it got as far as the instrument.
     void releaseSessions();
 
+    /// Closes the sessions and opens the same resource again. A negative status leaves none open.
+    virtual ViStatus reopen();
+
+    /// Whether nothing that was on its way arrives any more once the connection has been opened again.
+    virtual bool startsAnew() const { return false; }
+
 protected:
     ViStatus applyAttributes() override;
 
@@ -99,6 +105,16 @@ protected:
 
     /// Applies the settings in order and stops at the first negative status; returns the last status.
     ViStatus apply(std::initializer_list<Setting> settings);
+
+    // What reads and writes are made of; viWrite and viRead here. A connection that is not VISA's replaces these two,
+    // close() and isOpen(), and is never opened by open().
+
+    /// Sends bytes as they are.
+    virtual ViStatus send(std::string_view bytes);
+
+    /// Receives bytes up to the end of a message or of the buffer, the latter with VI_SUCCESS_MAX_CNT. `count` tells
+    /// how many, also after a failure.
+    virtual ViStatus receive(std::span<ViByte> buffer, ViUInt32& count);
 
     /// A value of a signed settings field as VISA takes it.
     static Setting attribute(ViAttr id, ViInt32 value);
@@ -123,13 +139,16 @@ private:
     ViUInt32 writeBufferSize_ = 1024;
     ViSession resourceManager_ = VI_NULL;
     ViSession session_ = VI_NULL;
-    std::vector<ViUInt8> readBuffer_;
+    std::vector<ViUInt8> readBuffer_ = std::vector<ViUInt8>(readBufferSize_);
     std::string writeBuffer_;
 };
 
 /// Raw sockets ("TCPIP...::SOCKET"): the termination character ends a read.
 class VisaTCPIPSocket : public VisaIO
 {
+public:
+    bool startsAnew() const override { return true; }
+
 protected:
     ViStatus applyAttributes() override;
 };
@@ -186,5 +205,9 @@ std::shared_ptr<VisaIO> makeConnection(const std::string& resource, const IoSett
 /// Opens a connection to `resource` and, when that succeeds, puts it in the holder in place of the previous one, which
 /// is closed. On a negative status the holder is as before and no VISA session is left behind.
 ViStatus connect(ConnectionHolder& holder, const std::string& resource);
+
+/// Puts a connection that needs no resource into the holder, with the holder's settings applied, in place of the
+/// previous one, which is closed.
+void connect(ConnectionHolder& holder, std::shared_ptr<VisaIO> connection);
 
 } // namespace InstLink

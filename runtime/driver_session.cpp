@@ -1,5 +1,6 @@
 #include "runtime/driver_session.h"
 
+#include "base/visa_statuses.h"
 #include "runtime/attribute_registry.h"
 #include "runtime/repeated_capability.h"
 #include "runtime/selector_grammar.h"
@@ -37,6 +38,23 @@ void appendMapped(std::string_view mapped, std::string& text)
     }
 }
 
+/// What VISA has said of a transfer, for a record: a text with a place for the resource, then for name and meaning.
+struct Cause
+{
+    std::string_view text;
+    std::string_view name;
+    std::string_view meaning;
+};
+
+Cause causeOf(ViStatus visaStatus, std::string_view number)
+{
+    if (visaStatus == base::kErrorIo)
+        return {elaborations::kAnotherInstrument, "", ""};
+    const base::VisaStatus* const known = base::visaStatus(visaStatus);
+    return known == nullptr ? Cause{elaborations::kTransfer, number, ""}
+                            : Cause{elaborations::kVisaStatus, known->name, known->meaning};
+}
+
 } // namespace
 
 ViStatus DriverSession::Initialize(const std::string& resourceName, bool idQuery, bool reset,
@@ -47,6 +65,8 @@ ViStatus DriverSession::Initialize(const std::string& resourceName, bool idQuery
     reset_ = reset;
     optionString_ = optionString;
     ViStatus status = ResolveConfiguration(resourceName, optionString);
+    if (status >= 0)
+        status = takeSettings();
     if (status < 0)
         return status;
     if (interchangeCheck() && !interchangeCheckSupported())
@@ -55,6 +75,23 @@ ViStatus DriverSession::Initialize(const std::string& resourceName, bool idQuery
     if (status < 0)
         CloseInstrument();
     return status;
+}
+
+ViStatus DriverSession::takeSettings()
+{
+    if (const auto fault = drivekit::takeSettings(driverSetup_, settings_))
+        return reportOptionFault(*fault);
+    if (!settings_.checkedOptions)
+        return VI_SUCCESS;
+    const auto fault = findOptionFault(optionString_);
+    return fault ? reportOptionFault(*fault) : VI_SUCCESS;
+}
+
+ViStatus DriverSession::reportOptionFault(const OptionFault& fault)
+{
+    const bool isRepeated = fault.status == base::kErrorCannotRecover;
+    return ReportErrorWithElaboration(fault.status, isRepeated ? elaborations::kRepeatedDriverSetup : "",
+                                      {fault.quoted});
 }
 
 /// What init does with the instrument; after a failure the caller closes it.
@@ -71,10 +108,43 @@ ViStatus DriverSession::openSession()
 
 ViStatus DriverSession::checkIdentity()
 {
+    if (settings_.checkedOptions && model().empty())
+        return ReportErrorWithElaboration(base::kErrorIdQueryFailed, elaborations::kUnreadReply,
+                                          {QuotedReply(instrument_->lastReply())});
     if (!idQuery_ || IsModelSupported())
         return VI_SUCCESS;
     // The message has no place for the model, so the description does not name it.
     return ReportError(base::kErrorIdQueryFailed, {"Unrecognized model: " + model()});
+}
+
+ViStatus DriverSession::ReportInstrumentFailure(ViStatus status, std::string_view elaboration)
+{
+    if (settings_.detailedErrors && status == base::kErrorUnexpectedResponse)
+        return ReportUnreadReply();
+    const ViStatus cause = instrument_ ? instrument_->connectionStatus() : VI_SUCCESS;
+    if (!settings_.detailedErrors || status != base::kErrorIo || cause >= 0)
+        return ReportErrorWithElaboration(status, elaboration);
+    const ViStatus code = cause == base::kVisaTimeout ? base::kErrorIoTimeout : status;
+    const HexadecimalArgument number(cause);
+    const Cause detail = causeOf(cause, number);
+    return ReportErrorTexts(code, {GetErrorMessage(code), elaboration, detail.text},
+                            {connectionDescriptor(), detail.name, detail.meaning});
+}
+
+ViStatus DriverSession::ReportTransferFailure(ViStatus visaStatus)
+{
+    const HexadecimalArgument number(visaStatus);
+    if (!settings_.detailedErrors)
+        return ReportErrorText(visaStatus, kTransferFailed, {number});
+    const Cause detail = causeOf(visaStatus, number);
+    return ReportErrorTexts(visaStatus, {kTransferFailed, detail.text, ""},
+                            {number, connectionDescriptor(), detail.name, detail.meaning});
+}
+
+ViStatus DriverSession::ReportUnreadReply()
+{
+    return ReportErrorWithElaboration(base::kErrorUnexpectedResponse, elaborations::kUnreadReply,
+                                      {QuotedReply(instrument_ ? instrument_->lastReply() : "")});
 }
 
 bool DriverSession::mappedText(std::string_view token, std::string& text) const

@@ -6,10 +6,12 @@
 #include "runtime/attribute_cache.h"
 #include "runtime/driver_identity.h"
 #include "runtime/error_messages.h"
+#include "runtime/session_settings.h"
 #include "runtime/virtual_names.h"
 
 #include <IviConfigServer.h>
 
+#include <array>
 #include <map>
 #include <memory>
 #include <string>
@@ -258,6 +260,30 @@ public:
     /// Whether the instrument is a simulated one, whatever the option says.
     bool runsSimulated() const { return runsSimulated_; }
 
+    /// What the session does differently because its DriverSetup asks for it.
+    const SessionSettings& settings() const { return settings_; }
+
+    /// Whether an exception of the call that is going on becomes a recorded status; the frame of each call says it.
+    bool recordsExceptions() const { return recordsExceptions_; }
+    void setRecordsExceptions(bool records) { recordsExceptions_ = records; }
+
+    /// drivekit::ReportErrorTexts, on this session.
+    ViStatus ReportErrorTexts(ViStatus code, const std::array<std::string_view, 3>& texts, MessageArguments arguments)
+    {
+        return drivekit::ReportErrorTexts(vi_, code, texts, arguments);
+    }
+
+    /// Records a failure that the instrument object has returned; with SessionSettings::detailedErrors, a time-out as
+    /// such, the resource and what VISA said of it, or the reply that could not be read. `elaboration` stands behind
+    /// the message.
+    ViStatus ReportInstrumentFailure(ViStatus status, std::string_view elaboration = {});
+
+    /// Records a failure of VISA under its own code, for which the driver has no message; in detail as above.
+    ViStatus ReportTransferFailure(ViStatus visaStatus);
+
+    /// Records a reply that cannot be read, quoting it.
+    ViStatus ReportUnreadReply();
+
     AttributeCaches& attributeCaches() { return attributeCaches_; }
 
     /// The instrument object; null until OpenInstrument.
@@ -273,6 +299,8 @@ private:
     static constexpr ViInt32 kTimeoutMs = 2000;
     static constexpr ViInt32 kSettlingTimeMs = 1000;
 
+    ViStatus takeSettings();
+    ViStatus reportOptionFault(const OptionFault& fault);
     ViStatus openSession();
     ViStatus checkIdentity();
 
@@ -288,6 +316,8 @@ private:
     TSRO::Identity identity_;
     NamedValues<std::string> inherentOptions_;
     NamedValues<std::string> driverSetupOptions_;
+    SessionSettings settings_;
+    bool recordsExceptions_ = false;
     bool runsSimulated_ = false;
     AttributeCaches attributeCaches_;
     std::shared_ptr<TSRO::InstBase> instrument_;

@@ -161,4 +161,11 @@ ViStatus ReportErrorText(ViSession vi, ViStatus code, std::string_view text, Mes
     return record(vi, code, {text}, arguments);
 }
 
+ViStatus ReportErrorTexts(ViSession vi, ViStatus code, const std::array<std::string_view, 3>& texts,
+                          MessageArguments arguments)
+{
+    const auto gapBefore = [](std::string_view text) { return std::string_view(text.empty() ? "" : "  "); };
+    return record(vi, code, {texts[0], gapBefore(texts[1]), texts[1], gapBefore(texts[2]), texts[2]}, arguments);
+}
+
 } // namespace drivekit

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "base/status_codes.h"
+#include "runtime/message_arguments.h"
 
 #include <array>
-#include <charconv>
 #include <initializer_list>
 #include <string_view>
 
@@ -30,6 +30,10 @@ inline constexpr std::string_view kNotFinite = "%s is no finite number.";
 inline constexpr std::string_view kNoMember = "%s is none of the values.";
 inline constexpr std::string_view kLevelBeyondLimits = "%s%s takes %s %s to %s %s, not %s %s.";
 inline constexpr std::string_view kThrown = "%s";
+inline constexpr std::string_view kTransfer = "Resource '%s': %s.";
+inline constexpr std::string_view kVisaStatus = "Resource '%s': %s, %s.";
+inline constexpr std::string_view kAnotherInstrument = "Resource '%s': another instrument answers than before.";
+inline constexpr std::string_view kFaultyItem = "The item is '%s'.";
 } // namespace elaborations
 
 /// The text of a status of VISA, which the table has none for.
@@ -53,42 +57,6 @@ inline constexpr std::string_view kRangesOverlap = "An identifier in the range o
 /// those empty.
 using MessageArguments = std::initializer_list<std::string_view>;
 
-/// A number as a message argument, in decimal.
-class DecimalArgument
-{
-public:
-    template <class Integer>
-    explicit DecimalArgument(Integer number)
-    {
-        const auto end = std::to_chars(text_.data(), text_.data() + text_.size(), number).ptr;
-        length_ = static_cast<std::size_t>(end - text_.data());
-    }
-
-    operator std::string_view() const { return {text_.data(), length_}; } // NOLINT(google-explicit-constructor)
-
-private:
-    std::array<char, 24> text_{};
-    std::size_t length_ = 0;
-};
-
-/// A status as a message argument: "0xBFFF0015".
-class HexadecimalArgument
-{
-public:
-    explicit HexadecimalArgument(ViStatus status)
-    {
-        constexpr std::string_view kDigits = "0123456789ABCDEF";
-        auto bits = static_cast<ViUInt32>(status);
-        for (std::size_t place = text_.size() - 1; place >= 2; --place, bits >>= 4U)
-            text_[place] = kDigits[bits & 0xFU];
-    }
-
-    operator std::string_view() const { return {text_.data(), text_.size()}; } // NOLINT(google-explicit-constructor)
-
-private:
-    std::array<char, 10> text_{'0', 'x'};
-};
-
 /// Records `code` with its message as the error of `vi` (VI_NULL: of the calling thread). A description has at most
 /// 1023 characters. Never throws.
 /// @return `code`, or the session service's status when it refuses the record.
@@ -101,5 +69,9 @@ ViStatus ReportErrorWithElaboration(ViSession vi, ViStatus code, std::string_vie
 
 /// As ReportError, with a template of the caller's in place of the table's.
 ViStatus ReportErrorText(ViSession vi, ViStatus code, std::string_view text, MessageArguments arguments = {});
+
+/// As ReportError, with templates of the caller's, two blanks between them; those behind the first may be empty.
+ViStatus ReportErrorTexts(ViSession vi, ViStatus code, const std::array<std::string_view, 3>& texts,
+                          MessageArguments arguments = {});
 
 } // namespace drivekit

@@ -9,22 +9,24 @@ namespace
 // IEEE 488.2 standard event status: query error, device-dependent error, execution error, command error.
 constexpr ViInt32 kErrorBits = 0x3C;
 
-std::shared_ptr<TSRO::InstBase> makeInstrument(bool simulate)
+std::shared_ptr<TSRO::InstBase> makeInstrument(bool simulate, const drivekit::SessionSettings& settings)
 {
     if (simulate)
         return std::make_shared<TSRO::KVX2800TSimulator>();
-    return std::make_shared<TSRO::KVX2800T>();
+    auto instrument = std::make_shared<TSRO::KVX2800T>();
+    instrument->configureConnection(settings.connection);
+    return instrument;
 }
 
 } // namespace
 
 ViStatus KVX2800TDriverSession::OpenInstrument()
 {
-    setInstrument(makeInstrument(simulate()), simulate());
+    setInstrument(makeInstrument(simulate(), settings()), simulate());
     const ViStatus status = instrument()->open(connectionDescriptor(), optionString());
     if (status >= 0)
         return status;
-    return ReportErrorWithElaboration(base::kErrorIo, drivekit::elaborations::kNoInstrument);
+    return ReportInstrumentFailure(base::kErrorIo, drivekit::elaborations::kNoInstrument);
 }
 
 ViStatus KVX2800TDriverSession::CloseInstrument()
@@ -33,7 +35,7 @@ ViStatus KVX2800TDriverSession::CloseInstrument()
     if (!instrument())
         return VI_SUCCESS;
     const ViStatus status = instrument()->close();
-    return status < 0 ? ReportError(status) : status;
+    return status < 0 ? ReportInstrumentFailure(status) : status;
 }
 
 ViStatus KVX2800TDriverSession::InitializeStatus()
@@ -41,7 +43,7 @@ ViStatus KVX2800TDriverSession::InitializeStatus()
     if (simulate())
         return VI_SUCCESS;
     const ViStatus status = instrument()->clearStatus();
-    return status < 0 ? ReportError(status) : CheckStatus();
+    return status < 0 ? ReportInstrumentFailure(status) : CheckStatus();
 }
 
 ViStatus KVX2800TDriverSession::ReadIdentity(std::string& manufacturer, std::string& model, std::string& serialNumber,
@@ -62,13 +64,13 @@ ViStatus KVX2800TDriverSession::CheckStatus()
     ViInt32 events = 0;
     const ViStatus status = instrument()->eventStatus(events);
     if (status < 0)
-        return ReportError(status);
+        return ReportInstrumentFailure(status);
     return (events & kErrorBits) != 0 ? ReportError(base::kErrorInstrumentStatus) : status;
 }
 
 ViStatus KVX2800TDriverSession::StartSimulation()
 {
-    const auto simulator = makeInstrument(true);
+    const auto simulator = makeInstrument(true, settings());
     const ViStatus status = simulator->open(connectionDescriptor(), optionString());
     if (status >= 0)
         setInstrument(simulator, true);

@@ -6,9 +6,11 @@
 #include "runtime/driver_session.h"
 #include "runtime/selector_grammar.h"
 
+#include <algorithm>
 #include <array>
 #include <map>
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <utility>
 
@@ -70,6 +72,19 @@ NameRange rangeOfName(std::string_view name)
     return selector::asRange(name).value_or(NameRange{name, kNoNumber, kNoNumber});
 }
 
+/// Records what is wrong with a selector. Behind the arguments of the text stands what is at fault, which sessions with
+/// detailed errors are told.
+ViStatus refuse(DriverSession& session, ViStatus code, std::string_view text, MessageArguments arguments)
+{
+    const std::string_view elaboration = session.settings().detailedErrors ? elaborations::kFaultyItem : "";
+    return session.ReportErrorTexts(code, {text, elaboration, ""}, arguments);
+}
+
+ViStatus refuseForm(DriverSession& session, std::string_view item)
+{
+    return refuse(session, base::kErrorBadlyFormedSelector, GetErrorMessage(base::kErrorBadlyFormedSelector), {item});
+}
+
 /// Resolves the items of one level, one after the other.
 class LevelResolver
 {
@@ -90,7 +105,7 @@ public:
 private:
     ViStatus addName(std::string_view name)
     {
-        const ViStatus status = take(rangeOfName(name), false);
+        const ViStatus status = take(name, rangeOfName(name), false);
         if (status >= 0)
             select(name);
         return status;
@@ -98,24 +113,35 @@ private:
 
     ViStatus addRange(std::string_view item)
     {
+        try {
+            return addNames(item);
+        } catch (const std::out_of_range&) {
+            if (!session_.recordsExceptions())
+                throw;
+            return session_.ReportError(base::kErrorInvalidRangeInSelector, {item, Outputs::name()});
+        }
+    }
+
+    ViStatus addNames(std::string_view item)
+    {
         const auto range = selector::parseRange(item);
         if (!range)
-            return session_.ReportErrorText(base::kErrorInvalidRangeInSelector, selector_texts::kBaseNamesDiffer);
+            return refuse(session_, base::kErrorInvalidRangeInSelector, selector_texts::kBaseNamesDiffer, {item});
         if (range->first >= range->last)
-            return session_.ReportErrorText(base::kErrorInvalidRangeInSelector, selector_texts::kEmptyRange);
-        const ViStatus status = take(*range, true);
+            return refuse(session_, base::kErrorInvalidRangeInSelector, selector_texts::kEmptyRange, {item});
+        const ViStatus status = take(item, *range, true);
         if (status >= 0)
             selectRange(*range);
         return status;
     }
 
-    ViStatus take(const NameRange& names, bool isRange)
+    ViStatus take(std::string_view item, const NameRange& names, bool isRange)
     {
         switch (taken_.take(names, isRange)) {
         case TakenNames::Overlap::WithRange:
-            return session_.ReportErrorText(base::kErrorInvalidRangeInSelector, selector_texts::kRangesOverlap);
+            return refuse(session_, base::kErrorInvalidRangeInSelector, selector_texts::kRangesOverlap, {item});
         case TakenNames::Overlap::WithName:
-            return session_.ReportError(base::kErrorBadlyFormedSelector);
+            return refuseForm(session_, item);
         case TakenNames::Overlap::None:
             break;
         }
@@ -142,6 +168,21 @@ private:
     TakenNames taken_;
     std::optional<std::string> unknownName_;
 };
+
+/// The item of a badly formed selector that is none; the whole selector where all of them are.
+std::string_view faultyItem(std::string_view text)
+{
+    for (std::string_view rest = text; !rest.empty();) {
+        const std::string_view piece = rest.substr(0, rest.find_first_of(",:"));
+        const std::size_t begin = piece.find_first_not_of("[ ");
+        const std::string_view item =
+            begin == std::string_view::npos ? piece : piece.substr(begin, piece.find_last_not_of("] ") + 1 - begin);
+        if (!selector::isWellFormed(item))
+            return item;
+        rest.remove_prefix(std::min(rest.size(), piece.size() + 1));
+    }
+    return text;
+}
 
 ViStatus reportNoSelector(DriverSession& session)
 {
@@ -175,7 +216,8 @@ std::optional<std::string> substituteNames(const DriverSession& session, std::st
 ViStatus resolveWellFormed(DriverSession& session, std::string_view text, OutputSelection& selection)
 {
     if (selector::levelCount(text) > kMaximumLevels)
-        return session.ReportError(base::kErrorInvalidNumberOfLevelsInSelector, {Outputs::name()});
+        return refuse(session, base::kErrorInvalidNumberOfLevelsInSelector,
+                      GetErrorMessage(base::kErrorInvalidNumberOfLevelsInSelector), {Outputs::name(), text});
     LevelResolver level(session, selection);
     while (const auto item = selector::nextItem(text)) {
         const ViStatus status = level.addItem(*item);
@@ -190,12 +232,12 @@ ViStatus resolveText(DriverSession& session, std::string_view text, OutputSelect
     if (selector::isBlank(text))
         return reportNoSelector(session);
     if (!selector::isWellFormed(text))
-        return session.ReportError(base::kErrorBadlyFormedSelector);
+        return refuseForm(session, faultyItem(text));
     const auto replaced = substituteNames(session, text);
     if (!replaced)
         return resolveWellFormed(session, text, selection);
     if (replaced->size() > text.size() + kLongestAddition || !selector::isWellFormed(*replaced))
-        return session.ReportError(base::kErrorBadlyFormedSelector);
+        return refuseForm(session, faultyItem(*replaced));
     return resolveWellFormed(session, *replaced, selection);
 }
 
@@ -228,7 +270,8 @@ ViStatus resolveSingleSelector(DriverSession& session, ViConstString selector, P
     if (status < 0)
         return status;
     if (selection.size() != 1)
-        return session.ReportErrorText(base::kErrorBadlyFormedSelector, selector_texts::kSeveralNames);
+        return refuse(session, base::kErrorBadlyFormedSelector, selector_texts::kSeveralNames,
+                      {selector == nullptr ? "" : selector});
     name = *selection.begin();
     return status;
 }

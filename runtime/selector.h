@@ -19,7 +19,8 @@ using OutputSelection = Selection<OutputChannel>;
 
 /// The channels that `selector` names, in its order; null is an empty selector, which names none of several channels.
 /// `selection` is empty when it is handed in, and meaningless after a failure.
-/// @throws std::out_of_range "stoi argument out of range" for a range with a number beyond 32 bits.
+/// A range with a number beyond 32 bits is base::kErrorInvalidRangeInSelector for a session that records exceptions.
+/// @throws std::out_of_range "stoi argument out of range" for it otherwise.
 ViStatus resolveSelector(DriverSession& session, ViConstString selector, OutputSelection& selection);
 
 /// As resolveSelector, for a selector that must name exactly one channel.

@@ -2,11 +2,11 @@
 
 #include "instrument/kvx2800t.h"
 
+#include "tests/support/driver/operation_preparation.h"
 #include "tests/support/driver/operation_table.h"
 #include "tests/support/processes/virtual_instrument_process.h"
 
 #include <algorithm>
-#include <map>
 #include <string>
 #include <tuple>
 #include <vector>
@@ -25,47 +25,6 @@ using testing::Le;
 using Lines = std::vector<std::string>;
 
 constexpr const char* kErrorQuery = ":SYSTem:ERRor?";
-
-/// What an instrument after a reset needs before an operation makes sense to it.
-const Lines& preparationOf(const std::string& name)
-{
-    static const std::string kGroup = ":LIST:GROUP:PARA ";
-    static const std::string kStep = ":DELAY:GROUP:PARAmeter ";
-    static const Lines kOneGroup = {kGroup + "1,5,1,10"};
-    static const Lines kTwoGroups = {kGroup + "1,5,1,10", kGroup + "2,6,1,10"};
-    static const Lines kThreeGroups = {kGroup + "1,5,1,10", kGroup + "2,6,1,10", kGroup + "3,7,1,10"};
-    static const Lines kOneStep = {kStep + "1,ON,10"};
-    static const Lines kTwoSteps = {kStep + "1,ON,10", kStep + "2,OFF,10"};
-    static const Lines kTemplate = {":LIST:TEMP:OBJ V,1", ":LIST:TEMP:MAXV 20", ":LIST:TEMP:PERI 4"};
-    static const std::map<std::string, Lines> all = {
-        {"setVoltageLevelOfTheSeries", {":SOUR:Mode SER"}},
-        {"setCurrentProtectionEnabledOff", {":SOUR:Mode PARA"}},
-        {"setOvpValue", {":SOUR:Mode PARA"}},
-        {"setListEnabled", kOneGroup},
-        {"setListEnabledOff", {kGroup + "1,5,1,10", ":LIST:STAT ON"}},
-        {"setListGroup", kTwoGroups},
-        {"listGroup", kThreeGroups},
-        {"insertListGroup", kTwoGroups},
-        {"deleteListGroup", kTwoGroups},
-        {"clearListGroups", kTwoGroups},
-        {"setListTemplateMinimum", kTemplate},
-        {"setListTemplateInterval", kTemplate},
-        {"setListTemplatePulseWidth", kTemplate},
-        {"constructList", kTemplate},
-        {"setDelayEnabled", kOneStep},
-        {"setDelayEnabledOff", {kStep + "1,ON,10", ":DELAY:STATe ON"}},
-        {"setDelayGroup", kOneStep},
-        {"delayGroup", kTwoSteps},
-        {"delayGroupOff", kOneStep},
-        {"insertDelayGroup", kOneStep},
-        {"deleteDelayGroup", kOneStep},
-        {"clearDelayGroups", kOneStep},
-        {"constructDelay", {":DELAY:GENerate:POINTs 4", ":DELAY:GENerate:TIMe:ON 1", ":DELAY:GENerate:TIMe:OFF 1"}},
-    };
-    static const Lines kNothing;
-    const auto found = all.find(name);
-    return found == all.end() ? kNothing : found->second;
-}
 
 class OverTcp : public testing::Test
 {

@@ -1,4 +1,5 @@
 #include "io/visa_io.h"
+#include "tests/support/driver/scripted_connection.h"
 #include "tests/support/fakes/platform_fakes.h"
 
 #include <initializer_list>
@@ -188,6 +189,18 @@ TEST_F(Connect, SucceedsWhenThePreviousConnectionDoesNotClose)
     kvxtest::failCall("viClose", kClosingFailed);
     EXPECT_EQ(connect(holder, "GPIB0::6::INSTR"), 0);
     EXPECT_TRUE(holder.connection->isOpen());
+}
+
+TEST_F(Connect, ClosesThePreviousConnectionForOneThatNeedsNoResource)
+{
+    ASSERT_EQ(connect(holder, "GPIB0::5::INSTR"), 0);
+    holder.settings.timeoutMs = 7000;
+    kvxtest::clearLog();
+    const auto without = std::make_shared<kvxtest::ScriptedConnection>();
+    connect(holder, without);
+    EXPECT_THAT(calls(), ElementsAre("viClose(1)"));
+    EXPECT_EQ(holder.connection, without);
+    EXPECT_EQ(without->timeout(), 7000);
 }
 
 } // namespace

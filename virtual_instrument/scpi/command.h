@@ -6,9 +6,12 @@
 #include "virtual_instrument/scpi/status_model.h"
 #include "virtual_instrument/supply/power_supply.h"
 
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <initializer_list>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace kvxvirtual
 {
@@ -32,12 +35,33 @@ struct Call
 
 using CommandHandler = ErrorCode (*)(Call& call);
 
+/// What a command expects, in order.
+class ParameterList
+{
+public:
+    static constexpr std::size_t kMost = 4;
+
+    constexpr ParameterList(std::initializer_list<Parameter> parameters) : size_(parameters.size())
+    {
+        std::copy(parameters.begin(), parameters.end(), parameters_.begin());
+    }
+
+    constexpr std::size_t size() const { return size_; }
+    constexpr const Parameter& operator[](std::size_t n) const { return parameters_[n]; }
+    constexpr const Parameter* begin() const { return parameters_.data(); }
+    constexpr const Parameter* end() const { return begin() + size_; }
+
+private:
+    std::array<Parameter, kMost> parameters_{};
+    std::size_t size_;
+};
+
 /// One row of the command vocabulary.
 struct Command
 {
     /// As HeaderPattern reads it.
     std::string_view pattern;
-    std::vector<Parameter> parameters;
+    ParameterList parameters;
     CommandHandler handler;
     /// For the command list.
     std::string_view purpose;

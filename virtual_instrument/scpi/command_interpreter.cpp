@@ -1,9 +1,19 @@
 #include "virtual_instrument/scpi/command_interpreter.h"
 
+#include "virtual_instrument/scpi/command_table.h"
+#include "virtual_instrument/scpi/header_pattern.h"
+
 namespace kvxvirtual
 {
 namespace
 {
+
+struct Found
+{
+    ErrorCode error = ErrorCode::None;
+    const Command* command = nullptr;
+    int suffix = kDefaultSuffix;
+};
 
 ErrorCode convert(const MessageUnit& unit, const Command& command, Arguments& arguments)
 {
@@ -19,45 +29,22 @@ ErrorCode convert(const MessageUnit& unit, const Command& command, Arguments& ar
     return ErrorCode::None;
 }
 
-} // namespace
-
-CommandInterpreter::CommandInterpreter()
-{
-    for (const auto& command : commandTable())
-        rows_.push_back({HeaderPattern(command.pattern), &command});
-}
-
-std::optional<std::string> CommandInterpreter::execute(const std::vector<MessageUnit>& units,
-                                                       InstrumentState& state) const
-{
-    std::optional<std::string> replies;
-    for (const auto& unit : units) {
-        Reply reply(state.wording);
-        state.supply.update();
-        const auto error = execute(unit, state, reply);
-        state.supply.update();
-        if (error != ErrorCode::None)
-            state.status.report(error);
-        else if (unit.isQuery)
-            replies = replies ? *replies + ';' + reply.text() : reply.text();
-    }
-    return replies;
-}
-
-CommandInterpreter::Found CommandInterpreter::find(const MessageUnit& unit) const
+Found find(const MessageUnit& unit)
 {
     Found found{ErrorCode::UndefinedHeader};
-    for (const auto& row : rows_) {
-        const auto match = row.pattern.match(unit);
-        if (match.kind == HeaderMatch::Kind::Full)
-            return {ErrorCode::None, row.command, match.suffix};
-        if (match.kind == HeaderMatch::Kind::BadSuffix)
-            found.error = ErrorCode::HeaderSuffixOutOfRange;
+    for (const auto part : commandTable()) {
+        for (const Command& command : part) {
+            const auto match = HeaderPattern(command.pattern).match(unit);
+            if (match.kind == HeaderMatch::Kind::Full)
+                return {ErrorCode::None, &command, match.suffix};
+            if (match.kind == HeaderMatch::Kind::BadSuffix)
+                found.error = ErrorCode::HeaderSuffixOutOfRange;
+        }
     }
     return found;
 }
 
-ErrorCode CommandInterpreter::execute(const MessageUnit& unit, InstrumentState& state, Reply& reply) const
+ErrorCode executeUnit(const MessageUnit& unit, InstrumentState& state, Reply& reply)
 {
     if (unit.error != ErrorCode::None)
         return unit.error;
@@ -71,6 +58,24 @@ ErrorCode CommandInterpreter::execute(const MessageUnit& unit, InstrumentState& 
         return error;
     Call call{state, arguments, reply};
     return found.command->handler(call);
+}
+
+} // namespace
+
+std::optional<std::string> execute(const std::vector<MessageUnit>& units, InstrumentState& state)
+{
+    std::optional<std::string> replies;
+    for (const auto& unit : units) {
+        Reply reply(state.wording);
+        state.supply.update();
+        const auto error = executeUnit(unit, state, reply);
+        state.supply.update();
+        if (error != ErrorCode::None)
+            state.status.report(error);
+        else if (unit.isQuery)
+            replies = replies ? *replies + ';' + reply.text() : reply.text();
+    }
+    return replies;
 }
 
 } // namespace kvxvirtual

@@ -20,7 +20,7 @@ std::string described(const Parameter& parameter)
     return text;
 }
 
-std::string described(const std::vector<Parameter>& parameters)
+std::string described(const ParameterList& parameters)
 {
     std::string text;
     for (const auto& parameter : parameters) {
@@ -43,27 +43,27 @@ std::string cellText(std::string_view pattern)
     return text;
 }
 
+std::string rowOf(const Command& command)
+{
+    std::string text = "| `" + cellText(command.pattern) + "` | " + described(command.parameters) + " | ";
+    text += command.purpose;
+    return text += " |\n";
+}
+
 } // namespace
 
-const std::vector<Command>& commandTable()
+CommandTable commandTable()
 {
-    static const auto kTable = [] {
-        auto table = instrumentCommands();
-        for (auto&& command : programCommands())
-            table.push_back(command);
-        return table;
-    }();
-    return kTable;
+    return {instrumentCommands(), listProgramCommands(), listTemplateCommands(), delayProgramCommands(),
+            delayGeneratorCommands()};
 }
 
 std::string commandTableAsMarkdown()
 {
     std::string text = "| command | parameters | meaning |\n|---|---|---|\n";
-    for (const auto& command : commandTable()) {
-        text += "| `" + cellText(command.pattern) + "` | " + described(command.parameters) + " | ";
-        text += command.purpose;
-        text += " |\n";
-    }
+    for (const auto part : commandTable())
+        for (const Command& command : part)
+            text += rowOf(command);
     return text;
 }
 

@@ -4,7 +4,7 @@
 #include "virtual_instrument/scpi/text.h"
 
 #include <algorithm>
-#include <iterator>
+#include <optional>
 
 namespace kvxvirtual
 {
@@ -13,69 +13,79 @@ namespace
 
 constexpr std::string_view kSuffixMark = "<n>";
 
-std::vector<std::string_view> split(std::string_view text, char separator)
+/// The pieces of a text one after the other.
+class Pieces
 {
-    std::vector<std::string_view> pieces;
-    for (auto end = text.find(separator); end != std::string_view::npos; end = text.find(separator)) {
-        pieces.push_back(text.substr(0, end));
-        text.remove_prefix(end + 1);
+public:
+    constexpr Pieces(std::string_view text, char separator) : rest_(text), separator_(separator) {}
+
+    /// Nothing behind the last.
+    std::optional<std::string_view> next()
+    {
+        if (!rest_)
+            return std::nullopt;
+        const auto end = std::min(rest_->find(separator_), rest_->size());
+        const auto piece = rest_->substr(0, end);
+        rest_ = end < rest_->size() ? std::optional(rest_->substr(end + 1)) : std::nullopt;
+        return piece;
     }
-    pieces.push_back(text);
-    return pieces;
+
+private:
+    std::optional<std::string_view> rest_;
+    char separator_;
+};
+
+/// Whether `name` is the capitals of `spelling`, which are its short form.
+bool isShortFormOf(std::string_view spelling, std::string_view name)
+{
+    for (const char c : spelling) {
+        if (c != toUpper(c))
+            continue;
+        if (name.empty() || toUpper(name.front()) != c)
+            return false;
+        name.remove_prefix(1);
+    }
+    return name.empty();
 }
 
-std::string capitalsOf(std::string_view text)
+bool accepts(std::string_view node, std::string_view name)
 {
-    std::string capitals;
-    std::copy_if(text.begin(), text.end(), std::back_inserter(capitals), [](char c) { return c == toUpper(c); });
-    return capitals;
+    Pieces spellings(node, '|');
+    while (const auto spelling = spellings.next())
+        if (equalIgnoringCase(name, *spelling) || isShortFormOf(*spelling, name))
+            return true;
+    return false;
+}
+
+bool isChannel(std::optional<int> number)
+{
+    return number && *number >= 1 && *number <= kChannelCount;
 }
 
 } // namespace
 
-HeaderPattern::HeaderPattern(std::string_view pattern) : isQuery_(pattern.ends_with('?'))
-{
-    for (const auto node : split(pattern.substr(0, pattern.size() - (isQuery_ ? 1 : 0)), ':'))
-        nodes_.push_back(compile(node));
-}
-
-HeaderPattern::Node HeaderPattern::compile(std::string_view text)
-{
-    Node node;
-    node.takesSuffix = text.ends_with(kSuffixMark);
-    if (node.takesSuffix)
-        text.remove_suffix(kSuffixMark.size());
-    for (const auto spelling : split(text, '|')) {
-        node.spellings.emplace_back(spelling);
-        node.spellings.push_back(capitalsOf(spelling));
-    }
-    return node;
-}
-
-bool HeaderPattern::Node::accepts(std::string_view name) const
-{
-    return std::any_of(spellings.begin(), spellings.end(),
-                       [name](const std::string& spelling) { return equalIgnoringCase(name, spelling); });
-}
-
 HeaderMatch HeaderPattern::match(const MessageUnit& unit) const
 {
-    if (unit.isQuery != isQuery_ ||
-        !std::equal(nodes_.begin(), nodes_.end(), unit.header.begin(), unit.header.end(),
-                    [](const Node& node, const HeaderNode& sent) { return node.accepts(sent.name); }))
+    if (unit.isQuery != pattern_.ends_with('?'))
         return {};
-
     HeaderMatch match{HeaderMatch::Kind::Full, kDefaultSuffix};
-    for (std::size_t i = 0; i < nodes_.size(); ++i) {
-        const auto sent = unit.header[i].suffix;
-        if (sent.empty())
+    Pieces nodes(pattern_.substr(0, pattern_.size() - (unit.isQuery ? 1 : 0)), ':');
+    for (const HeaderNode& sent : unit.header) {
+        auto node = nodes.next();
+        const bool takesSuffix = node && node->ends_with(kSuffixMark);
+        if (takesSuffix)
+            node->remove_suffix(kSuffixMark.size());
+        if (!node || !accepts(*node, sent.name))
+            return {};
+        if (sent.suffix.empty())
             continue;
-        const auto number = integerIn(sent);
-        if (!nodes_[i].takesSuffix || !number || *number < 1 || *number > kChannelCount)
-            return {HeaderMatch::Kind::BadSuffix, kDefaultSuffix};
-        match.suffix = *number;
+        const auto number = integerIn(sent.suffix);
+        if (takesSuffix && isChannel(number))
+            match.suffix = *number;
+        else
+            match.kind = HeaderMatch::Kind::BadSuffix;
     }
-    return match;
+    return nodes.next() ? HeaderMatch() : match;
 }
 
 } // namespace kvxvirtual

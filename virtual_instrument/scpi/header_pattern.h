@@ -2,9 +2,7 @@
 
 #include "virtual_instrument/scpi/message_parser.h"
 
-#include <string>
 #include <string_view>
-#include <vector>
 
 namespace kvxvirtual
 {
@@ -32,23 +30,13 @@ struct HeaderMatch
 class HeaderPattern
 {
 public:
-    explicit HeaderPattern(std::string_view pattern);
+    /// `pattern` must outlive the object.
+    explicit constexpr HeaderPattern(std::string_view pattern) : pattern_(pattern) {}
 
     HeaderMatch match(const MessageUnit& unit) const;
 
 private:
-    struct Node
-    {
-        std::vector<std::string> spellings;
-        bool takesSuffix = false;
-
-        bool accepts(std::string_view name) const;
-    };
-
-    static Node compile(std::string_view text);
-
-    std::vector<Node> nodes_;
-    bool isQuery_;
+    std::string_view pattern_;
 };
 
 } // namespace kvxvirtual

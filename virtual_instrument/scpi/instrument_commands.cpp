@@ -279,18 +279,18 @@ ErrorCode answerAllMeasurements(Call& call)
 } // namespace
 
 // Besides the spellings of SCPI the table accepts those that drivers of this family send: SELE, POWE.
-std::vector<Command> instrumentCommands()
+std::span<const Command> instrumentCommands()
 {
-    const auto sourceMode = keywordOf(keywords::kSourceMode, "source mode");
-    const auto delayMode = keywordOf(keywords::kProtectionDelayMode, "delay mode");
-    const auto powerOnState = keywordOf(keywords::kPowerOnState, "power-on state");
-    const auto pairing = keywordOf(keywords::kPairing, "pairing");
-    const auto offMode = keywordOf(keywords::kOutputOffMode, "output-off mode");
-    const auto range = keywordOf(keywords::kCurrentRange, "range");
-    const auto rate = keywordOf(keywords::kCurrentRate, "rate");
+    constexpr auto sourceMode = keywordOf(keywords::kSourceMode, "source mode");
+    constexpr auto delayMode = keywordOf(keywords::kProtectionDelayMode, "delay mode");
+    constexpr auto powerOnState = keywordOf(keywords::kPowerOnState, "power-on state");
+    constexpr auto pairing = keywordOf(keywords::kPairing, "pairing");
+    constexpr auto offMode = keywordOf(keywords::kOutputOffMode, "output-off mode");
+    constexpr auto range = keywordOf(keywords::kCurrentRange, "range");
+    constexpr auto rate = keywordOf(keywords::kCurrentRate, "rate");
     using Settings = ChannelSettings;
 
-    return {
+    static constexpr Command kCommands[] = {
         {"*IDN?", {}, answerIdentity, "maker, model, serial number, firmware"},
         {"*RST", {}, resetInstrument, "default settings, all outputs off"},
         {"*CLS", {}, clearStatus, "empties the error queue and the event registers"},
@@ -392,6 +392,7 @@ std::vector<Command> instrumentCommands()
          answerKeyword<&Settings::currentRate, keywords::kCurrentRate>,
          "current sampling rate"},
     };
+    return kCommands;
 }
 
 } // namespace kvxvirtual

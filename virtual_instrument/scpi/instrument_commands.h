@@ -2,12 +2,12 @@
 
 #include "virtual_instrument/scpi/command.h"
 
-#include <vector>
+#include <span>
 
 namespace kvxvirtual
 {
 
 /// The commands of the instrument, its channels and their outputs.
-std::vector<Command> instrumentCommands();
+std::span<const Command> instrumentCommands();
 
 } // namespace kvxvirtual

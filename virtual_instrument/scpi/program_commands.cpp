@@ -283,14 +283,19 @@ ErrorCode answerPoints(Call& call)
     return ErrorCode::None;
 }
 
+} // namespace
+
 // The rows -----------------------------------------------------------------------------------------------------------
 
-std::vector<Command> listProgramCommands()
+// Besides the spellings of SCPI the table accepts those that drivers of this family send: PARA, PERI, INTE, CYCLEs.
+// STATUS has no short form, that is the switch.
+
+std::span<const Command> listProgramCommands()
 {
-    const auto endState = keywordOf(keywords::kListEndState, "end state");
+    constexpr auto endState = keywordOf(keywords::kListEndState, "end state");
     using List = ListProgram;
 
-    return {
+    static constexpr Command kCommands[] = {
         {"LIST:STATe", {kOnOff}, switchProgram<&PowerSupply::switchList>, "starts or stops the list"},
         {"LIST:STATe?", {}, answerActive<List>, "whether the list is active"},
         {"LIST:STATUS?", {}, answerStatus<List>, "state, seconds left of the group, group, cycles left"},
@@ -305,15 +310,16 @@ std::vector<Command> listProgramCommands()
         {"LIST:GROup:PARameter|PARA", {kGroup, kVolts, kAmperes, kSeconds}, setListGroup, "sets or appends a group"},
         {"LIST:GROup:PARameter|PARA?", {kGroup}, answerGroup<List>, "volts, amperes, seconds of a group"},
     };
+    return kCommands;
 }
 
-std::vector<Command> listTemplateCommands()
+std::span<const Command> listTemplateCommands()
 {
-    const auto waveform = keywordOf(keywords::kListWaveform, "waveform");
-    const auto object = keywordOf(keywords::kListObject, "object");
+    constexpr auto waveform = keywordOf(keywords::kListWaveform, "waveform");
+    constexpr auto object = keywordOf(keywords::kListObject, "object");
     using Shape = ListTemplate;
 
-    return {
+    static constexpr Command kCommands[] = {
         {"LIST:TEMPlate:SELect|SELE", {waveform}, setChoice<&Shape::waveform>, "waveform"},
         {"LIST:TEMPlate:SELect|SELE?", {}, answerChoice<&Shape::waveform, keywords::kListWaveform>, "waveform"},
         {"LIST:TEMPlate:OBJect", {object, kLevel}, setObject, "what follows the waveform, level of the other"},
@@ -363,14 +369,15 @@ std::vector<Command> listTemplateCommands()
          construct<ListProgram>,
          "makes the template the list from this group on"},
     };
+    return kCommands;
 }
 
-std::vector<Command> delayProgramCommands()
+std::span<const Command> delayProgramCommands()
 {
-    const auto endState = keywordOf(keywords::kDelayEndState, "end state");
+    constexpr auto endState = keywordOf(keywords::kDelayEndState, "end state");
     using Delay = DelayProgram;
 
-    return {
+    static constexpr Command kCommands[] = {
         {"DELay:STATe", {kOnOff}, switchProgram<&PowerSupply::switchDelay>, "starts or stops the delay program"},
         {"DELay:STATe?", {}, answerActive<Delay>, "whether the delay program is active"},
         {"DELay:STATUS?", {}, answerStatus<Delay>, "state, seconds left of the group, group, cycles left"},
@@ -388,15 +395,16 @@ std::vector<Command> delayProgramCommands()
         {"DELay:GROup:PARameter|PARA", {kGroup, kOnOff, kSeconds}, setDelayGroup, "sets or appends a group"},
         {"DELay:GROup:PARameter|PARA?", {kGroup}, answerGroup<Delay>, "ON or OFF, seconds of a group"},
     };
+    return kCommands;
 }
 
-std::vector<Command> delayGeneratorCommands()
+std::span<const Command> delayGeneratorCommands()
 {
-    const auto mode = keywordOf(keywords::kDelayMode, "mode");
-    const auto pattern = keywordOf(keywords::kDelayPattern, "pattern");
+    constexpr auto mode = keywordOf(keywords::kDelayMode, "mode");
+    constexpr auto pattern = keywordOf(keywords::kDelayPattern, "pattern");
     using Generator = DelayGenerator;
 
-    return {
+    static constexpr Command kCommands[] = {
         {"DELay:GENerate:SELect|SELE", {mode}, setChoice<&Generator::mode>, "times fixed, increasing, decreasing"},
         {"DELay:GENerate:SELect|SELE?",
          {},
@@ -434,19 +442,7 @@ std::vector<Command> delayGeneratorCommands()
          construct<DelayProgram>,
          "makes the pattern the program from this group on"},
     };
-}
-
-} // namespace
-
-// Besides the spellings of SCPI the table accepts those that drivers of this family send: PARA, PERI, INTE, CYCLEs.
-// STATUS has no short form, that is the switch.
-std::vector<Command> programCommands()
-{
-    std::vector<Command> commands;
-    for (const auto& part :
-         {listProgramCommands(), listTemplateCommands(), delayProgramCommands(), delayGeneratorCommands()})
-        commands.insert(commands.end(), part.begin(), part.end());
-    return commands;
+    return kCommands;
 }
 
 } // namespace kvxvirtual

@@ -2,12 +2,15 @@
 
 #include "virtual_instrument/scpi/command.h"
 
-#include <vector>
+#include <span>
 
 namespace kvxvirtual
 {
 
-/// The commands of the list and delay programs, which all act on the selected channel.
-std::vector<Command> programCommands();
+// The commands of the list and delay programs, which all act on the selected channel.
+std::span<const Command> listProgramCommands();
+std::span<const Command> listTemplateCommands();
+std::span<const Command> delayProgramCommands();
+std::span<const Command> delayGeneratorCommands();
 
 } // namespace kvxvirtual

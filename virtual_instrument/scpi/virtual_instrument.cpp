@@ -1,5 +1,7 @@
 #include "virtual_instrument/scpi/virtual_instrument.h"
 
+#include "virtual_instrument/scpi/command_interpreter.h"
+
 #include <utility>
 
 namespace kvxvirtual
@@ -7,13 +9,15 @@ namespace kvxvirtual
 
 VirtualInstrument::VirtualInstrument(InstrumentSettings settings, InstrumentClock::Source time)
     : clock_(std::move(time)), state_{PowerSupply(clock_, settings.settleTime), StatusModel(),
-                                      std::move(settings.identity), settings.wording}
+                                      std::move(settings.identity), settings.wording},
+      keepsLog_(settings.keepsLog)
 {
 }
 
 std::optional<Response> VirtualInstrument::receive(std::string_view line)
 {
-    log_.add(line);
+    if (keepsLog_)
+        log_.add(line);
     if (line.ends_with('\r'))
         line.remove_suffix(1);
     auto reply = replyTo(line);
@@ -55,7 +59,7 @@ std::optional<std::string> VirtualInstrument::replyTo(std::string_view message)
         answers_.pop_front();
         return answer;
     }
-    auto reply = interpreter_.execute(units, state_);
+    auto reply = execute(units, state_);
     if (reply)
         *reply += '\n';
     return reply;

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "virtual_instrument/common/instrument_clock.h"
-#include "virtual_instrument/scpi/command_interpreter.h"
+#include "virtual_instrument/scpi/command.h"
 #include "virtual_instrument/scpi/received_log.h"
 
 #include <chrono>
@@ -19,7 +19,9 @@ struct InstrumentSettings
     /// The reply to *IDN?.
     std::string identity = "Tessaro Instruments,KVX2833T,VIRT0000001,V1.00";
     std::chrono::milliseconds settleTime{500};
-    Wording wording;
+    Wording wording{};
+    /// Whether what clients send is kept for the test control.
+    bool keepsLog = true;
 };
 
 /// What goes back to a client, line end included.
@@ -77,7 +79,7 @@ private:
 
     InstrumentClock clock_;
     InstrumentState state_;
-    CommandInterpreter interpreter_;
+    bool keepsLog_;
     ReceivedLog log_;
     std::deque<std::string> answers_;
     int repliesToSwallow_ = 0;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "virtual_instrument/transport/line_assembler.h"
+#include "virtual_instrument/scpi/line_assembler.h"
 #include "virtual_instrument/transport/test_control.h"
 
 #include <array>

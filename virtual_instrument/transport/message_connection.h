@@ -1,9 +1,9 @@
 #pragma once
 
+#include "virtual_instrument/scpi/line_assembler.h"
 #include "virtual_instrument/scpi/virtual_instrument.h"
 #include "virtual_instrument/transport/connection.h"
 #include "virtual_instrument/transport/journal.h"
-#include "virtual_instrument/transport/line_assembler.h"
 
 #include <array>
 #include <asio.hpp>

@@ -14,8 +14,9 @@ using namespace kvxvirtual;
 TEST(CommandList, NamesNoCommandTwice)
 {
     std::set<std::string_view> patterns;
-    for (const auto& command : commandTable())
-        EXPECT_TRUE(patterns.insert(command.pattern).second) << command.pattern;
+    for (const auto part : commandTable())
+        for (const Command& command : part)
+            EXPECT_TRUE(patterns.insert(command.pattern).second) << command.pattern;
 }
 
 TEST(CommandList, ReadmeHoldsTheTableThatTheProgramPrints)

@@ -1,7 +1,7 @@
 #include "tests/support/virtual_instrument/manual_instrument.h"
 #include "tests/support/virtual_instrument/random_numbers.h"
 #include "virtual_instrument/scpi/command_table.h"
-#include "virtual_instrument/transport/line_assembler.h"
+#include "virtual_instrument/scpi/line_assembler.h"
 
 #include <gtest/gtest.h>
 
@@ -10,10 +10,19 @@ namespace
 
 using namespace kvxtest;
 
+std::vector<std::string_view> allPatterns()
+{
+    std::vector<std::string_view> patterns;
+    for (const auto part : kvxvirtual::commandTable())
+        for (const kvxvirtual::Command& command : part)
+            patterns.push_back(command.pattern);
+    return patterns;
+}
+
 std::string validMessage(RandomNumbers& random)
 {
-    const auto& commands = kvxvirtual::commandTable();
-    const auto pattern = commands[random.below(commands.size())].pattern;
+    static const auto kPatterns = allPatterns();
+    const auto pattern = kPatterns[random.below(kPatterns.size())];
     std::string message(pattern.substr(0, pattern.find('|')));
     if (const auto suffix = message.find("<n>"); suffix != std::string::npos)
         message.replace(suffix, 3, 1, static_cast<char>('1' + random.below(6)));

@@ -76,6 +76,13 @@ TEST(TestControl, LogsExactBytes)
     EXPECT_EQ(device.control("log"), "ok 0 0\n");
 }
 
+TEST(TestControl, TheLogIsEmptyWhereNoneIsKept)
+{
+    ManualInstrument device({.keepsLog = false});
+    EXPECT_EQ(device.exchange("*OPC?"), "1\n");
+    EXPECT_EQ(device.control("log"), "ok 0 0\n");
+}
+
 TEST(TestControl, SaysHowManyLinesTheLogHasLost)
 {
     kvxvirtual::ReceivedLog log;

@@ -1,4 +1,4 @@
-#include "virtual_instrument/transport/line_assembler.h"
+#include "virtual_instrument/scpi/line_assembler.h"
 
 namespace kvxvirtual
 {

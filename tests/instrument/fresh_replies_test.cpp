@@ -1,0 +1,280 @@
+#include "instrument/fresh_replies.h"
+
+#include "base/status_codes.h"
+#include "instrument/command_port.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <deque>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace
+{
+
+using namespace TSRO;
+
+constexpr ViInt32 kTimeout = 2000;
+constexpr const char* kIdentity = "Tessaro Instruments,KVX2833T,SN1,V2.34";
+
+/// A connection in its own time to an instrument that answers late: the reply to a query leaves `delay` after it came,
+/// one reply behind the other.
+class LateInstrument : public InstLink::VisaIO
+{
+public:
+    ViStatus write(std::string_view command) override
+    {
+        written.emplace_back(command);
+        if (writeStatus < 0)
+            return writeStatus;
+        if (command.ends_with('?') && lost == 0)
+            queue(command == "*IDN?" ? identity : "reply to " + std::string(command));
+        else if (lost > 0)
+            --lost;
+        return VI_SUCCESS;
+    }
+
+    ViStatus read(std::string& reply) override
+    {
+        ++reads;
+        if (readStatus < 0)
+            return readStatus;
+        if (pending.empty() || pending.front().due > now + kTimeout) {
+            now += kTimeout;
+            return VI_ERROR_TMO;
+        }
+        now = std::max(now, pending.front().due);
+        reply = pending.front().text;
+        pending.pop_front();
+        return VI_SUCCESS_TERM_CHAR;
+    }
+
+    ViStatus close() override { return VI_SUCCESS; }
+    bool isOpen() const override { return true; }
+    bool startsAnew() const override { return isSocket; }
+
+    ViStatus reopen() override
+    {
+        ++reopenings;
+        if (reopenStatus >= 0) {
+            readStatus = writeStatus = VI_SUCCESS;
+            pending.clear();
+        }
+        return reopenStatus;
+    }
+
+    /// Lets a reply come that nobody has asked for.
+    void queue(std::string text)
+    {
+        const long long due = std::max(now, pending.empty() ? 0 : pending.back().due) + delay;
+        pending.push_back({due, std::move(text)});
+    }
+
+    struct Pending
+    {
+        long long due;
+        std::string text;
+    };
+
+    std::string identity = kIdentity;
+    long long now = 0;
+    long long delay = 0;
+    /// Queries that are to have no answer at all.
+    int lost = 0;
+    bool isSocket = false;
+    ViStatus readStatus = VI_SUCCESS;
+    ViStatus writeStatus = VI_SUCCESS;
+    ViStatus reopenStatus = VI_SUCCESS;
+    std::deque<Pending> pending;
+    std::vector<std::string> written;
+    int reads = 0;
+    int reopenings = 0;
+
+protected:
+    ViStatus applyAttributes() override { return VI_SUCCESS; }
+};
+
+class FreshRepliesTest : public testing::TestWithParam<bool>
+{
+public:
+    explicit FreshRepliesTest(bool isFresh = true)
+    {
+        instrument->isSocket = GetParam();
+        port.configure({.freshReplies = isFresh});
+        port.expect({"Tessaro Instruments", "KVX2833T", "SN1", "V2.34"});
+    }
+
+    /// The reply that a query gets; its status when it gets none.
+    std::string ask(const std::string& query)
+    {
+        std::string reply;
+        const ViStatus status = port.query(query, reply);
+        return status < 0 ? "failed" : reply;
+    }
+
+    std::shared_ptr<LateInstrument> instrument = std::make_shared<LateInstrument>();
+    CommandPort port{InstLink::ConnectionHolder{instrument, {}}};
+};
+
+INSTANTIATE_TEST_SUITE_P(Connections, FreshRepliesTest, testing::Bool(),
+                         [](const auto& isSocket) { return isSocket.param ? "Socket" : "Bus"; });
+
+TEST_P(FreshRepliesTest, CostNothingWhileEveryExchangeSucceeds)
+{
+    EXPECT_EQ(ask("A?"), "reply to A?");
+    EXPECT_EQ(port.write("B"), VI_SUCCESS);
+    EXPECT_EQ(ask("C?"), "reply to C?");
+    EXPECT_EQ(instrument->written, (std::vector<std::string>{"A?", "B", "C?"}));
+    EXPECT_EQ(instrument->reads, 2);
+    EXPECT_EQ(instrument->reopenings, 0);
+}
+
+TEST_P(FreshRepliesTest, NoReplyAnswersAnotherQueryHoweverLateTheInstrumentIs)
+{
+    for (long long delay = 0; delay <= 5 * kTimeout; delay += kTimeout / 20) {
+        for (const long long later : {0LL, delay / 2, delay}) {
+            instrument->delay = delay;
+            for (int i = 0; i < 8; ++i) {
+                const std::string query = "Q" + std::to_string(i) + "?";
+                if (i == 4)
+                    instrument->delay = later;
+                const std::string reply = ask(query);
+                EXPECT_TRUE(reply == "failed" || reply == "reply to " + query)
+                    << query << ": " << reply << " " << delay;
+            }
+            // Well again, in the end.
+            instrument->delay = 0;
+            for (int i = 0; i < 3 && ask("R?") == "failed"; ++i)
+                instrument->now += 100LL * kTimeout;
+            EXPECT_EQ(ask("S?"), "reply to S?") << delay;
+        }
+    }
+}
+
+TEST_P(FreshRepliesTest, ComeBackAfterALateReplyWithTheNextCommand)
+{
+    instrument->delay = kTimeout + 1;
+    EXPECT_EQ(ask("A?"), "failed");
+    instrument->delay = 0;
+    EXPECT_EQ(ask("B?"), "reply to B?");
+    EXPECT_EQ(instrument->written.back(), "B?");
+    EXPECT_EQ(std::count(instrument->written.begin(), instrument->written.end(), "*IDN?"), 1);
+    EXPECT_EQ(instrument->reopenings, GetParam() ? 1 : 0);
+}
+
+TEST_P(FreshRepliesTest, BringTheConnectionIntoStepBeforeACommandWithoutReplyToo)
+{
+    instrument->lost = 1;
+    EXPECT_EQ(ask("A?"), "failed");
+    EXPECT_EQ(port.write("B"), VI_SUCCESS);
+    EXPECT_EQ(instrument->written, (std::vector<std::string>{"A?", "*IDN?", "B"}));
+}
+
+TEST_P(FreshRepliesTest, SendNoCommandWhileTheInstrumentDoesNotAnswer)
+{
+    instrument->lost = 1000;
+    EXPECT_EQ(ask("A?"), "failed");
+    EXPECT_EQ(port.write("B"), VI_ERROR_TMO);
+    EXPECT_EQ(port.connectionStatus(), VI_ERROR_TMO);
+    EXPECT_EQ(std::count(instrument->written.begin(), instrument->written.end(), "B"), 0);
+    EXPECT_EQ(std::count(instrument->written.begin(), instrument->written.end(), "*IDN?"), GetParam() ? 1 : 5);
+}
+
+TEST_P(FreshRepliesTest, DistrustAReplyThatCannotBeRead)
+{
+    double volts = -1.0;
+    instrument->queue("garbage");
+    EXPECT_THROW(port.get({"A"}, volts), std::invalid_argument);
+    EXPECT_EQ(ask("B?"), "reply to B?");
+    EXPECT_EQ(volts, -1.0);
+}
+
+TEST_P(FreshRepliesTest, DistrustAReplyWithAnUnknownWord)
+{
+    instrument->queue("SIDEWAYS");
+    auto mode = SourceMode::Series;
+    EXPECT_EQ(port.get({"A"}, mode), base::kErrorUnexpectedResponse);
+    EXPECT_EQ(ask("B?"), "reply to B?");
+}
+
+TEST_P(FreshRepliesTest, DropTheReplyThatAMessageOfTheCallersLeftUnread)
+{
+    EXPECT_EQ(port.writeMessage("A?"), VI_SUCCESS);
+    EXPECT_EQ(port.writeMessage("B"), VI_SUCCESS);
+    EXPECT_EQ(ask("C?"), "reply to C?");
+}
+
+TEST_P(FreshRepliesTest, AnotherInstrumentIsAFailureUntilTheOwnOneIsBack)
+{
+    instrument->lost = 1;
+    EXPECT_EQ(ask("A?"), "failed");
+    for (const char* const other :
+         {"Tessaro Instruments,KVX2833T,SN2,V2.34", "Tessaro Instruments,KVX2803T,SN1,V2.34", "a,b", ""})
+    {
+        instrument->identity = other;
+        EXPECT_EQ(ask("B?"), "failed") << other;
+        if (GetParam()) {
+            EXPECT_EQ(port.connectionStatus(), base::kErrorIo) << other;
+        }
+    }
+    instrument->identity = "Another Maker,KVX2833T,SN1,V9.99";
+    EXPECT_EQ(ask("C?"), "reply to C?");
+}
+
+TEST_P(FreshRepliesTest, ALostLinkIsOpenedAgain)
+{
+    instrument->readStatus = instrument->writeStatus = VI_ERROR_CONN_LOST;
+    instrument->reopenStatus = VI_ERROR_RSRC_NFOUND;
+    EXPECT_EQ(ask("A?"), "failed");
+    EXPECT_EQ(ask("B?"), "failed");
+    EXPECT_EQ(port.connectionStatus(), VI_ERROR_RSRC_NFOUND);
+    EXPECT_EQ(port.write("C"), VI_ERROR_RSRC_NFOUND);
+    instrument->reopenStatus = VI_SUCCESS;
+    EXPECT_EQ(ask("D?"), "reply to D?");
+    EXPECT_EQ(instrument->reopenings, 3);
+}
+
+TEST_P(FreshRepliesTest, AnInstrumentThatNeverStopsSendingIsAFailureAndNoHang)
+{
+    class Flood : public LateInstrument
+    {
+    public:
+        ViStatus read(std::string& reply) override
+        {
+            ++reads;
+            reply = "flood";
+            return reads == 1 ? VI_ERROR_TMO : VI_SUCCESS_TERM_CHAR;
+        }
+    };
+    const auto flood = std::make_shared<Flood>();
+    flood->setTimeout(100);
+    CommandPort flooded{InstLink::ConnectionHolder{flood, {}}};
+    flooded.configure({.freshReplies = true});
+    std::string reply;
+    EXPECT_EQ(flooded.query("A?", reply), VI_ERROR_TMO);
+    EXPECT_EQ(flooded.query("B?", reply), VI_ERROR_TMO);
+    EXPECT_EQ(std::count(flood->written.begin(), flood->written.end(), "B?"), 0);
+    EXPECT_EQ(std::count(flood->written.begin(), flood->written.end(), "*IDN?"), 0);
+}
+
+class StaleRepliesTest : public FreshRepliesTest
+{
+public:
+    StaleRepliesTest() : FreshRepliesTest(false) {}
+};
+
+INSTANTIATE_TEST_SUITE_P(Connections, StaleRepliesTest, testing::Bool());
+
+TEST_P(StaleRepliesTest, AreWhatASessionHasThatDoesNotAskForFreshOnes)
+{
+    instrument->delay = kTimeout + 1;
+    EXPECT_EQ(ask("A?"), "failed");
+    instrument->delay = 0;
+    EXPECT_EQ(ask("B?"), "reply to A?");
+    EXPECT_EQ(instrument->written, (std::vector<std::string>{"A?", "B?"}));
+}
+
+} // namespace
