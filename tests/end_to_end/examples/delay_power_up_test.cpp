@@ -99,10 +99,12 @@ TEST(DelayPowerUp, SwitchesAllOffWhenOneTrips)
 
 TEST(DelayPowerUp, SaysWhyItCouldNotOpen)
 {
-    const FinishedProgram program = runPython(KVX_DELAY_POWER_UP, {"BANANA"});
-    EXPECT_EQ(program.exitCode, 1);
-    EXPECT_EQ(program.output, "");
-    EXPECT_TRUE(program.errorOutput.starts_with("delay_power_up.py: 0xBFFA4214 I/O error.")) << program.errorOutput;
+    EXPECT_EQ(
+        runPython(KVX_DELAY_POWER_UP, {"BANANA"}),
+        (FinishedProgram{1, "",
+                         "delay_power_up.py: 0xBFFA4214 I/O error.  Insufficient location information or resource "
+                         "not present in the system  Resource 'BANANA': VI_ERROR_INV_RSRC_NAME, the resource name "
+                         "cannot be read.\n"}));
 }
 
 TEST(DelayPowerUp, WantsRailsThatItUnderstands)

@@ -20,7 +20,7 @@ FinishedProgram runDemonstration(const std::vector<std::string>& arguments,
     return runPython(KVX_PYTHON_EXAMPLE, arguments, environment);
 }
 
-/// What it prints without the profile, and how the text begins that it prints with it: details follow.
+/// What it prints without the profile; with it, details follow.
 std::string demonstrationOn(const std::string& channel)
 {
     return "KVX2833T, firmware V1.00\n" + channel +
@@ -28,17 +28,16 @@ std::string demonstrationOn(const std::string& channel)
            "100 V: 0xBFFA4217 Attribute or function parameter value is invalid (out of range or not supported).";
 }
 
-void expectDemonstration(const FinishedProgram& program, const std::string& channel)
+FinishedProgram withDetails(const std::string& demonstration, const std::string& details)
 {
-    EXPECT_EQ(program.exitCode, 0);
-    EXPECT_TRUE(program.output.starts_with(demonstrationOn(channel))) << program.output;
-    EXPECT_EQ(program.errorOutput, "");
+    return {0, demonstration + "  " + details + "\n", ""};
 }
 
 TEST(PythonDemonstration, ConfiguresAChannelAndShowsAnError)
 {
     VirtualInstrumentProcess instrument;
-    expectDemonstration(runDemonstration({instrument.resource()}), "OutputChannel3");
+    EXPECT_EQ(runDemonstration({instrument.resource()}),
+              withDetails(demonstrationOn("OutputChannel3"), "OutputChannel3 takes 0 V to 16 V, not 100 V."));
     EXPECT_EQ(instrument.receivedLines(),
               (std::vector<std::string>{"*IDN?", ":SOUR3:VOLT 3.300000", ":SOUR3:CURR 0.500000",
                                         ":SOUR3:CURR:PROT 0.500000", ":SOUR3:CURR:PROT:STAT OFF", ":OUTP:STAT CH3,ON",
@@ -56,8 +55,8 @@ TEST(PythonDemonstration, TakesALogicalNameAndAVirtualOne)
 {
     VirtualInstrumentProcess instrument;
     const StoreFile store(instrument.resource());
-    expectDemonstration(runDemonstration({"BenchSupply", "--channel", "Core"}, {{"IVI_MASTER_STORE", store.path()}}),
-                        "Core");
+    EXPECT_EQ(runDemonstration({"BenchSupply", "--channel", "Core"}, {{"IVI_MASTER_STORE", store.path()}}),
+              withDetails(demonstrationOn("Core"), "OutputChannel4 takes 0 V to 6.2 V, not 100 V."));
     const std::vector<std::string> lines = instrument.receivedLines();
     EXPECT_EQ((std::vector<std::string>(lines.begin(), lines.begin() + 5)),
               (std::vector<std::string>{"*IDN?", "*CLS", "*ESR?", ":SOUR4:VOLT 3.300000", "*ESR?"}));

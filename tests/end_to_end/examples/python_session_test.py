@@ -501,6 +501,16 @@ class Options(InstrumentTest):
         self.assertEqual("Profile:Bench,SafeErrors:0", self.open(True, safe_errors=False).get(Attribute.DRIVER_SETUP))
         self.assertEqual("", self.open().get(Attribute.DRIVER_SETUP))
 
+    def test_are_all_known_to_the_driver(self):
+        words = [("parity", word) for word in kvx2800t.Parity]
+        words += [("stop_bits", word) for word in kvx2800t.StopBits]
+        words += [("flow_control", word) for word in kvx2800t.FlowControl]
+        for keyword, word in words:
+            with self.subTest(word):
+                Session("", simulate=True, **{keyword: word}).close()
+        Session("", simulate=True, open_timeout=kvx2800t.INFINITE, baud_rate=9600, data_bits=5).close()
+        self.assertEqual(250, self.open(io_timeout=250).io_timeout)
+
     def test_are_refused_before_the_driver_is_called(self):
         with self.assertRaises(ValueError):
             self.open(model="A,B")

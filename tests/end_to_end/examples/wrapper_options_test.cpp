@@ -103,7 +103,30 @@ TEST(WrapperOptions, RefuseWhatCannotBeSaid)
     EXPECT_EQ((Options{.profile = false, .dataBits = 8}.text()), "DriverSetup=DataBits:8");
 }
 
+TEST(WrapperOptions, AreAllKnownToTheDriver)
+{
+    for (const Parity parity : {Parity::none, Parity::odd, Parity::even, Parity::mark, Parity::space})
+        EXPECT_NO_THROW(Session("", {.simulate = true, .parity = parity}));
+    for (const StopBits bits : {StopBits::one, StopBits::oneAndHalf, StopBits::two})
+        EXPECT_NO_THROW(Session("", {.simulate = true, .stopBits = bits}));
+    for (const FlowControl control :
+         {FlowControl::none, FlowControl::xonXoff, FlowControl::rtsCts, FlowControl::dtrDsr})
+        EXPECT_NO_THROW(Session("", {.simulate = true, .flowControl = control}));
+    EXPECT_NO_THROW(Session("", {.simulate = true,
+                                 .model = "KVX2833T",
+                                 .openTimeout = kvx2800t::infinite,
+                                 .ioTimeout = 250ms,
+                                 .baudRate = 115200,
+                                 .dataBits = 5}));
+}
+
 using OptionsOfASession = DriverEndToEnd;
+
+TEST_F(OptionsOfASession, SetItsTimeOut)
+{
+    const Session supply(instrument.resource(), {.ioTimeout = 250ms});
+    EXPECT_EQ(supply.ioTimeout().get(), 250);
+}
 
 TEST_F(OptionsOfASession, ReachTheDriver)
 {

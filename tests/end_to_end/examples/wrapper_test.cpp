@@ -268,17 +268,15 @@ TEST(SimulatedWrapper, ReadsTextsUpToTheLargestWholeAndCutsLongerOnes)
 TEST(Sequence, PowersRailsUpChecksThemAndSwitchesThemOff)
 {
     VirtualInstrumentProcess instrument;
-    const FinishedProgram program = runProgram(KVX_SEQUENCE, {instrument.resource()});
-    EXPECT_EQ(program.exitCode, 0);
-    EXPECT_EQ(program.errorOutput, "");
-    // With the profile on, details follow.
-    EXPECT_TRUE(program.output.starts_with("KVX2833T, firmware V1.00\n"
-                                           "OutputChannel3: 3.30 V, at most 0.50 A: good\n"
-                                           "OutputChannel4: 1.80 V, at most 2.00 A: good\n"
-                                           "OutputChannel3 takes up to 16.0 V\n"
-                                           "refused: " +
-                                           std::string(kOutOfRange)))
-        << program.output;
+    EXPECT_EQ(runProgram(KVX_SEQUENCE, {instrument.resource()}),
+              (FinishedProgram{0,
+                               "KVX2833T, firmware V1.00\n"
+                               "OutputChannel3: 3.30 V, at most 0.50 A: good\n"
+                               "OutputChannel4: 1.80 V, at most 2.00 A: good\n"
+                               "OutputChannel3 takes up to 16.0 V\n"
+                               "refused: " +
+                                   std::string(kOutOfRange) + "  OutputChannel3 takes 0 V to 16 V, not 17 V.\n",
+                               ""}));
     EXPECT_EQ(instrument.receivedLines().back(), ":OUTPut:STATe ALL,OFF");
 }
 
@@ -296,11 +294,11 @@ TEST(Sequence, FailsForARailThatDoesNotHold)
 
 TEST(Sequence, SaysWhyItCouldNotOpen)
 {
-    const FinishedProgram program = runProgram(KVX_SEQUENCE, {"BANANA"});
-    EXPECT_EQ(program.exitCode, 1);
-    EXPECT_EQ(program.output, "");
-    EXPECT_TRUE(program.errorOutput.starts_with("sequence: 0xBFFA4214 " + std::string(kNoInstrument)))
-        << program.errorOutput;
+    EXPECT_EQ(
+        runProgram(KVX_SEQUENCE, {"BANANA"}),
+        (FinishedProgram{1, "",
+                         "sequence: 0xBFFA4214 " + std::string(kNoInstrument) +
+                             "  Resource 'BANANA': VI_ERROR_INV_RSRC_NAME, the resource name cannot be read.\n"}));
 }
 
 TEST(Sequence, WantsOneResource)
