@@ -1,16 +1,20 @@
 """The KVX2800T driver for Python 3.9 and later, through ctypes.
 
-    from kvx2800t import Attribute, Session
+    from kvx2800t import Session
 
-    with Session("TCPIP0::192.168.1.20::5025::SOCKET") as supply:
-        supply.configure_voltage_level("OutputChannel1", 5.0)
-        supply.set(Attribute.OUTPUT_ENABLED, True, "OutputChannel1")
-        print(supply.get(Attribute.VOLTAGE_LEVEL, "OutputChannel1"))
+    with Session("TCPIP0::192.168.1.20::5025::SOCKET", query_instrument_status=True) as supply:
+        rail = supply.channel(1)
+        rail.voltage_level = 5.0
+        rail.output_enabled = True
+        print(rail.measure().watts)
+
+A channel has its settings as attributes, and in groups: `protection`, `state`, `list`, `list_template`, `delay`,
+`delay_generator`. Sessions take the functions of KVX2800T.h as methods, too.
 
 A call that fails raises Error, with the status code and the recorded text. One that ends with a warning warns with
-StatusWarning. The methods are named after the functions of KVX2800T.h, which says what each does and which channels,
-values and units it takes. The functions of KVX2800TInstrument.h are those of `Session.library`; they take
-`Session.handle`, and `Library.check` makes exceptions of their statuses. A C++ exception of the driver, as said there, ends a Python program.
+StatusWarning. What a function does, and which channels, values and units it takes, is said in KVX2800T.h and
+KVX2800TInstrument.h, after whose functions everything is named. With safe_errors off, a C++ exception of the driver, as
+said there, ends a Python program.
 
 The library is the one that `library` or the environment variable KVX2800T_LIBRARY names, or else the one that the
 system finds by its usual name.
@@ -25,6 +29,8 @@ from __future__ import annotations
 import argparse
 import ctypes
 import enum
+import math
+import operator
 import os
 import struct
 import sys
@@ -42,7 +48,7 @@ from ctypes import (
     c_uint32,
     create_string_buffer,
 )
-from typing import Any, NamedTuple, Optional, Union
+from typing import Any, Iterable, NamedTuple, Optional, Sequence, Union
 
 ERROR_CANNOT_RECOVER = 0xBFFA0000
 ERROR_INSTRUMENT_STATUS = 0xBFFA0001
@@ -132,6 +138,182 @@ class MeasurementType(enum.IntEnum):
 
     CURRENT = 0
     VOLTAGE = 1
+    POWER = 2  # of Channel.meter only
+
+
+class SourceMode(enum.IntEnum):
+    """How outputs 1 and 2 are combined."""
+
+    NORMAL = 0
+    SERIES = 1
+    PARALLEL = 2
+
+
+class Regulation(enum.IntEnum):
+    """What an output holds."""
+
+    CONSTANT_VOLTAGE = 0
+    CONSTANT_CURRENT = 1
+
+
+class CurrentRange(enum.IntEnum):
+    """The range of the current measurement."""
+
+    AUTO = 0
+    LOW = 1
+    HIGH = 2
+
+
+class CurrentRate(enum.IntEnum):
+    """The rate of the current measurement, in samples per second."""
+
+    RATE_62 = 0
+    RATE_4000 = 1
+    RATE_8000 = 2
+
+
+class ProtectionDelay(enum.IntEnum):
+    """When the delay of the over-current protection applies."""
+
+    ANY = 0
+    SCHEDULED = 1
+
+
+class PowerOnState(enum.IntEnum):
+    """What a channel does when the instrument is switched on."""
+
+    RESET = 0
+    LAST = 1
+    LAST_OFF = 2
+
+
+class Pairing(enum.IntEnum):
+    """The pairing of a channel."""
+
+    OFF = 0
+    SERIES = 1
+    PARALLEL = 2
+
+
+class OutputOffMode(enum.IntEnum):
+    """What the bleeder does while an output is off."""
+
+    BLEEDER_ON = 0
+    BLEEDER_OFF = 1
+
+
+class ListState(enum.IntEnum):
+    """What a list is doing."""
+
+    STOPPED = 0
+    READY = 1
+    RUNNING = 2
+    PAUSED = 3
+
+
+class ListEnd(enum.IntEnum):
+    """What the output does once a list has run."""
+
+    OFF = 0
+    LAST = 1
+
+
+class Waveform(enum.IntEnum):
+    """The waveform of a list template."""
+
+    SINE = 0
+    PULSE = 1
+    RAMP = 2
+    UP = 3
+    DOWN = 4
+    UP_DOWN = 5
+    RISE = 6
+    FALL = 7
+
+
+class ListObject(enum.IntEnum):
+    """What follows the waveform of a list template."""
+
+    VOLTAGE = 0
+    CURRENT = 1
+
+
+class DelayState(enum.IntEnum):
+    """What a delay program is doing."""
+
+    STOPPED = 0
+    RUNNING = 1
+
+
+class DelayEnd(enum.IntEnum):
+    """What the output does once a delay program has run."""
+
+    OFF = 0
+    ON = 1
+    LAST = 2
+
+
+class DelayTimes(enum.IntEnum):
+    """How the times of generated groups change."""
+
+    FIXED = 0
+    INCREASING = 1
+    DECREASING = 2
+
+
+class DelayPattern(enum.IntEnum):
+    """What generated groups begin with."""
+
+    OFF_ON = 0
+    ON_OFF = 1
+
+
+class EventStatus(enum.IntFlag):
+    """The standard event status register."""
+
+    QUERY_ERROR = 4
+    DEVICE_ERROR = 8
+    EXECUTION_ERROR = 16
+    COMMAND_ERROR = 32
+
+
+class Questionable(enum.IntFlag):
+    """A questionable register of a channel; the last two are protections that have tripped."""
+
+    CONSTANT_CURRENT = 1
+    CONSTANT_VOLTAGE = 2
+    OVER_VOLTAGE = 4
+    OVER_CURRENT = 8
+
+
+class Parity(str, enum.Enum):
+    """The parity of a serial line."""
+
+    NONE = "None"
+    ODD = "Odd"
+    EVEN = "Even"
+    MARK = "Mark"
+    SPACE = "Space"
+
+
+class StopBits(str, enum.Enum):
+    """The stop bits of a serial line."""
+
+    ONE = "1"
+    ONE_AND_HALF = "1.5"
+    TWO = "2"
+
+
+class FlowControl(str, enum.Enum):
+    """The flow control of a serial line."""
+
+    NONE = "None"
+    XON_XOFF = "XonXoff"
+    RTS_CTS = "RtsCts"
+    DTR_DSR = "DtrDsr"
+
+
+INFINITE = math.inf  # a time-out that never comes
 
 
 class Error(Exception):
@@ -166,6 +348,64 @@ class SelfTestResult(NamedTuple):
 
     code: int
     message: str
+
+
+class Reading(NamedTuple):
+    """What the meters of an output read."""
+
+    volts: float
+    amperes: float
+    watts: float
+
+
+class ProtectionState(NamedTuple):
+    """Which protections have switched an output off; true when one has."""
+
+    over_voltage: bool
+    over_current: bool
+
+    def __bool__(self) -> bool:
+        return self.over_voltage or self.over_current
+
+
+class ListGroup(NamedTuple):
+    """The levels of an output for a time."""
+
+    volts: float
+    amperes: float
+    seconds: float
+
+
+class DelayGroup(NamedTuple):
+    """An output on or off for a time."""
+
+    on: bool
+    seconds: float
+
+
+class ListStatus(NamedTuple):
+    """How far a list has come: group 0 when it is stopped, remaining_cycles 0 when it has no end, too."""
+
+    state: ListState
+    remaining_seconds: float
+    group: int
+    remaining_cycles: int
+
+
+class DelayStatus(NamedTuple):
+    """How far a delay program has come: group 0 when it is stopped, remaining_cycles 0 when it has no end, too."""
+
+    state: DelayState
+    remaining_seconds: float
+    group: int
+    remaining_cycles: int
+
+
+class ListTemplateObject(NamedTuple):
+    """What follows the waveform of a list template, and the level of the other quantity."""
+
+    object: ListObject
+    level: float
 
 
 Value = Union[int, float, bool, str]
@@ -215,7 +455,7 @@ _FUNCTIONS: dict[str, list[Any]] = {
     "SetAttributeViBoolean": [*_ATTRIBUTE, _Boolean],
     "SetAttributeViSession": [*_ATTRIBUTE, _Session],
     "SetAttributeViString": [*_ATTRIBUTE, _String],
-    # Those of KVX2800TInstrument.h, which Session has no methods for: they are called as functions of `library`.
+    # Those of KVX2800TInstrument.h.
     "ClearStatus": [_Session],
     "QueryEventStatus": [_Session, POINTER(_Int32)],
     "QueryQuestionableCondition": [*_CHANNELS, POINTER(_Int32)],
@@ -397,6 +637,121 @@ def _int32(value: int) -> int:
     return value
 
 
+def _switch(value: bool) -> str:
+    """Checked, since the text "off" would be a true one."""
+    if not isinstance(value, bool):
+        raise TypeError(f"{value!r} is not True or False")
+    return "1" if value else "0"
+
+
+def _number(value: int) -> str:
+    if isinstance(value, bool) or not isinstance(value, int):
+        raise TypeError(f"{value!r} is not a whole number")
+    if value < 0:
+        raise ValueError(f"{value} is less than 0")
+    return str(value)
+
+
+def _milliseconds(value: float) -> str:
+    return "Infinite" if value == INFINITE else _number(value)  # type: ignore[arg-type]
+
+
+def _data_bits(value: int) -> str:
+    if value not in (5, 6, 7, 8):
+        raise ValueError(f"a character has 5 to 8 data bits, not {value!r}")
+    return _number(value)
+
+
+def _word(value: str) -> str:
+    """A value in an option string ends at a comma, the string at a line's end or a NUL."""
+    if not value or value != value.strip() or any(c in ",;:=\"'\x7f" or c < " " for c in value):
+        raise ValueError(f"{value!r} has separators, quotes, control characters or blanks at its ends, or is empty")
+    return value
+
+
+_INHERENT_OPTIONS = {
+    "cache": "Cache",
+    "interchange_check": "InterchangeCheck",
+    "query_instrument_status": "QueryInstrStatus",
+    "range_check": "RangeCheck",
+    "record_coercions": "RecordCoercions",
+    "simulate": "Simulate",
+}
+
+_DRIVER_SETUP = {
+    "model": ("Model", _word),
+    "profile": ("Profile", lambda value: "Bench"),
+    "safe_errors": ("SafeErrors", _switch),
+    "fresh_replies": ("FreshReplies", _switch),
+    "detailed_errors": ("DetailedErrors", _switch),
+    "true_readings": ("TrueReadings", _switch),
+    "checked_options": ("CheckedOptions", _switch),
+    "stateful_simulation": ("StatefulSimulation", _switch),
+    "open_timeout": ("OpenTimeout", _milliseconds),
+    "io_timeout": ("IoTimeout", _milliseconds),
+    "baud_rate": ("BaudRate", _number),
+    "data_bits": ("DataBits", _data_bits),
+    "parity": ("Parity", lambda value: Parity(value).value),
+    "stop_bits": ("StopBits", lambda value: StopBits(value).value),
+    "flow_control": ("FlowControl", lambda value: FlowControl(value).value),
+}
+
+
+def option_string(*, profile: bool = True, **options: Any) -> str:
+    """What a session with these keyword arguments is opened with. Raises ValueError or TypeError for a wrong one."""
+    given = {name: value for name, value in options.items() if value is not None}
+    unknown = given.keys() - _INHERENT_OPTIONS.keys() - _DRIVER_SETUP.keys()
+    if unknown:
+        raise TypeError(f"no such option: {', '.join(sorted(unknown))}")
+    if _switch(profile) == "1":
+        given["profile"] = True
+    inherent = [f"{text}={_switch(given[name])}" for name, text in _INHERENT_OPTIONS.items() if name in given]
+    setup = [f"{text}:{spell(given[name])}" for name, (text, spell) in _DRIVER_SETUP.items() if name in given]
+    return ",".join(inherent + (["DriverSetup=" + ",".join(setup)] if setup else []))
+
+
+def _c_type(kind: type) -> Any:
+    """How the driver passes a value; enumerations are integers."""
+    return {bool: _Boolean, float: _Real64}.get(kind, _Int32)
+
+
+def _to_driver(kind: type, value: Any) -> Any:
+    if kind is bool:
+        return _switch(value) == "1"
+    if kind is float:
+        return value
+    return _int32(operator.index(value) if kind is int else kind(value))
+
+
+def _setting(name: str, kind: type, doc: str) -> Any:
+    """What a pair of functions, KVX2800T_Configure... and KVX2800T_Query..., is about."""
+
+    def read(target: Any) -> Any:
+        return target._query(kind, "Query" + name)
+
+    def write(target: Any, value: Any) -> None:
+        target._call("Configure" + name, _to_driver(kind, value))
+
+    return property(read, write, doc=doc)
+
+
+def _reading(name: str, kind: type, doc: str) -> Any:
+    """What a function of one value, KVX2800T_Query..., tells."""
+    return property(lambda target: target._query(kind, "Query" + name), doc=doc)
+
+
+def _attribute(attribute: Attribute, kind: type, doc: str) -> Any:
+    """What an attribute of channels is about."""
+
+    def read(target: Any) -> Any:
+        return kind(target._session.get(attribute, target.name))
+
+    def write(target: Any, value: Any) -> None:
+        target._session.set(attribute, _to_driver(kind, value), target.name)
+
+    return property(read, write, doc=doc)
+
+
 def _default_library() -> str:
     if sys.platform == "win32":
         return "KVX2800T_64.dll" if struct.calcsize("P") == 8 else "KVX2800T.dll"
@@ -446,33 +801,378 @@ class Library:
         raise Error(code, text if recorded == code else self.error_text(code))
 
 
+class Selection:
+    """Channels of a session. Its attributes can be set on several and read of one."""
+
+    __slots__ = ("_session", "_name")
+
+    def __init__(self, session: Session, name: str) -> None:
+        self._session = session
+        self._name = name
+
+    @property
+    def name(self) -> str:
+        """The channels, as the driver's functions take them."""
+        return self._name
+
+    def _call(self, function: str, *arguments: Any) -> None:
+        self._session._call(function, _text_in(self._name), *arguments)
+
+    def _outputs(self, kinds: Sequence[type], function: str, *arguments: Any) -> list[Any]:
+        return self._session._outputs(kinds, function, _text_in(self._name), *arguments)
+
+    def _query(self, kind: type, function: str, *arguments: Any) -> Any:
+        return self._outputs([kind], function, *arguments)[0]
+
+
+class Protection(Selection):
+    """The protections of a channel.
+
+    The instrument has commands of its source for them and, here with output_ in front of the name, of its outputs.
+    """
+
+    __slots__ = ()
+
+    ovp_limit = _attribute(Attribute.OVP_LIMIT, float, "The level of the over-voltage protection, in volts.")
+    ovp_enabled = _attribute(Attribute.OVP_ENABLED, bool, "Whether the over-voltage protection is on.")
+    current_level = _setting("CurrentProtectionLevel", float, "The level of the over-current protection, in amperes.")
+    current_delay = _setting("CurrentProtectionDelay", float, "How long an over-current lasts first, in seconds.")
+    current_delay_mode = _setting("CurrentProtectionDelayMode", ProtectionDelay, "When that delay applies.")
+    output_ovp_value = _setting("OVPValue", float, "The level of the over-voltage protection, in volts.")
+    output_ovp_enabled = _setting("OVPEnabled", bool, "Whether the over-voltage protection is on.")
+    output_ocp_value = _setting("OCPValue", float, "The level of the over-current protection, in amperes.")
+    output_ocp_enabled = _setting("OCPEnabled", bool, "Whether the over-current protection is on.")
+    output_ocp_delay = _setting("OCPDelay", float, "How long an over-current lasts first, in seconds.")
+    output_ocp_delay_mode = _setting("OCPDelayMode", ProtectionDelay, "When that delay applies.")
+
+    def configure_ovp(self, enabled: bool, volts: float) -> None:
+        """Sets the over-voltage protection."""
+        self._call("ConfigureOVP", _to_driver(bool, enabled), volts)
+
+    @property
+    def state(self) -> ProtectionState:
+        """What has tripped. Switching the output on ends a trip."""
+        return ProtectionState(*self._outputs([bool, bool], "QueryProtectionState"))
+
+    def reset(self) -> None:
+        """Changes nothing: there is no way to end a trip but to switch the output on."""
+        self._call("ResetOutputProtection")
+
+
+class ChannelState(Selection):
+    """What a channel is doing, from its registers."""
+
+    __slots__ = ()
+
+    regulation = _reading("RegulationState", Regulation, "What the output holds.")
+    condition = _reading("QuestionableCondition", Questionable, "What is the case now.")
+
+    def event(self) -> Questionable:
+        """What has been the case since this was read last."""
+        return self._query(Questionable, "QueryQuestionableEvent")
+
+    def is_in(self, state: OutputState) -> bool:
+        """Whether the output is in a state."""
+        return self._query(bool, "QueryOutputState", _to_driver(OutputState, state))
+
+
+class ListProgram(Selection):
+    """Groups of levels that the output takes one after the other; they count from 1."""
+
+    __slots__ = ()
+
+    enabled = _setting("ListEnabled", bool, "Whether it is on; it runs once the output is on, too.")
+    cycles = _setting("ListCycles", int, "How often it runs; 0: without end.")
+    end_state = _setting("ListEndState", ListEnd, "What the output does once it has run.")
+    group_count = _reading("ListGroupCount", int, "How many groups it has.")
+
+    def load(self, groups: Iterable[Sequence[float]]) -> None:
+        """Replaces all groups; each is volts, amperes and seconds."""
+        columns = list(zip(*(ListGroup(*group) for group in groups))) or [(), (), ()]
+        arrays = [(_Real64 * len(column))(*column) for column in columns]
+        self._call("LoadList", len(columns[0]), *arrays)
+
+    def run(self) -> None:
+        """Switches the list and the output on, also to let a paused list go on."""
+        self._call("RunList")
+
+    def pause(self) -> None:
+        """Switches the output off."""
+        self._call("PauseList")
+
+    def stop(self) -> None:
+        """Applies the end state."""
+        self.enabled = False
+
+    @property
+    def status(self) -> ListStatus:
+        """How far it has come."""
+        return ListStatus(*self._outputs([ListState, float, int, int], "QueryListStatus"))
+
+    def group(self, number: int) -> ListGroup:
+        """Reads a group."""
+        return ListGroup(*self._outputs([float, float, float], "QueryListGroup", _int32(number)))
+
+    def set_group(self, number: int, volts: float, amperes: float, seconds: float) -> None:
+        """Sets a group; one more than there are groups appends."""
+        self._call("ConfigureListGroup", _int32(number), volts, amperes, seconds)
+
+    def insert_group(self, number: int) -> None:
+        """Inserts a group, which gets this number."""
+        self._call("InsertListGroup", _int32(number))
+
+    def delete_group(self, number: int) -> None:
+        """Deletes a group."""
+        self._call("DeleteListGroup", _int32(number))
+
+    def clear(self) -> None:
+        """Deletes all groups."""
+        self._call("ClearListGroups")
+
+
+class ListTemplate(Selection):
+    """A waveform that the groups of a list are made from."""
+
+    __slots__ = ()
+
+    waveform = _setting("ListTemplateWaveform", Waveform, "The waveform.")
+    maximum = _setting("ListTemplateMaximum", float, "The highest level, in volts or amperes.")
+    minimum = _setting("ListTemplateMinimum", float, "The lowest level, in volts or amperes.")
+    period = _setting("ListTemplatePeriod", float, "The period, in seconds.")
+    interval = _setting("ListTemplateInterval", float, "The time of one group, in seconds.")
+    cycles = _setting("ListTemplateCycles", int, "The cycles that the list gets; 0: without end.")
+    inverted = _setting("ListTemplateInverted", bool, "Whether the waveform is upside down.")
+    pulse_width = _setting("ListTemplatePulseWidth", float, "The width of a pulse, in seconds.")
+    pulse_count = _setting("ListTemplatePulseCount", int, "The number of pulses.")
+    symmetry = _setting("ListTemplateSymmetry", int, "The rising part of a ramp, in percent.")
+    start = _setting("ListTemplateStart", int, "The point of the waveform that becomes the first group.")
+    expp = _setting("ListTemplateExpp", int, "EXPP of the exponential waveforms.")
+    expr = _setting("ListTemplateExpr", int, "EXPR of the exponential waveforms.")
+    points = _reading("ListTemplatePoints", int, "How many groups it gives.")
+
+    @property
+    def object(self) -> ListTemplateObject:
+        """What follows the waveform, and the level of the other quantity: amperes or volts."""
+        return ListTemplateObject(*self._outputs([ListObject, float], "QueryListTemplateObject"))
+
+    @object.setter
+    def object(self, value: tuple[ListObject, float]) -> None:
+        what, level = value
+        self._call("ConfigureListTemplateObject", _to_driver(ListObject, what), level)
+
+    def construct(self, group: int = 1) -> None:
+        """Makes it the list from a group on."""
+        self._call("ConstructList", _int32(group))
+
+
+class DelayProgram(Selection):
+    """Groups of times that the output is on or off; they count from 1."""
+
+    __slots__ = ()
+
+    enabled = _setting("DelayEnabled", bool, "Whether it runs.")
+    cycles = _setting("DelayCycles", int, "How often it runs; 0: without end.")
+    end_state = _setting("DelayEndState", DelayEnd, "What the output does once it has run.")
+    group_count = _reading("DelayGroupCount", int, "How many groups it has.")
+
+    def load(self, groups: Iterable[tuple[bool, float]]) -> None:
+        """Replaces all groups; each is the output on or off and seconds."""
+        pairs = [(_to_driver(bool, on), seconds) for on, seconds in groups]
+        states = (_Boolean * len(pairs))(*(on for on, _ in pairs))
+        times = (_Real64 * len(pairs))(*(seconds for _, seconds in pairs))
+        self._call("LoadDelay", len(pairs), states, times)
+
+    def start(self) -> None:
+        """Starts it at once."""
+        self.enabled = True
+
+    def stop(self) -> None:
+        """Applies the end state."""
+        self.enabled = False
+
+    @property
+    def status(self) -> DelayStatus:
+        """How far it has come."""
+        return DelayStatus(*self._outputs([DelayState, float, int, int], "QueryDelayStatus"))
+
+    def group(self, number: int) -> DelayGroup:
+        """Reads a group."""
+        return DelayGroup(*self._outputs([bool, float], "QueryDelayGroup", _int32(number)))
+
+    def set_group(self, number: int, on: bool, seconds: float) -> None:
+        """Sets a group; one more than there are groups appends."""
+        self._call("ConfigureDelayGroup", _int32(number), _to_driver(bool, on), seconds)
+
+    def insert_group(self, number: int) -> None:
+        """Inserts a group, which gets this number."""
+        self._call("InsertDelayGroup", _int32(number))
+
+    def delete_group(self, number: int) -> None:
+        """Deletes a group."""
+        self._call("DeleteDelayGroup", _int32(number))
+
+    def clear(self) -> None:
+        """Deletes all groups."""
+        self._call("ClearDelayGroups")
+
+
+class DelayGenerator(Selection):
+    """Times that the groups of a delay program are made from."""
+
+    __slots__ = ()
+
+    times = _setting("DelayGenerateMode", DelayTimes, "How the times change.")
+    pattern = _setting("DelayGeneratePattern", DelayPattern, "What the groups begin with.")
+    points = _setting("DelayGeneratePoints", int, "How many groups it gives.")
+    on_time = _setting("DelayOnTime", float, "The time of groups that are on, where times are fixed, in seconds.")
+    off_time = _setting("DelayOffTime", float, "The time of groups that are off, where times are fixed, in seconds.")
+    base_time = _setting("DelayBaseTime", float, "The time of the first group, where times change, in seconds.")
+    time_step = _setting("DelayTimeStep", float, "The change from group to group, where times change, in seconds.")
+
+    def construct(self, group: int = 1) -> None:
+        """Makes them the delay program from a group on."""
+        self._call("ConstructDelay", _int32(group))
+
+
+class Channel(Selection):
+    """A channel of a session; made by Session.channel. One that names several channels can be set, but not read."""
+
+    __slots__ = ()
+
+    voltage_level = _attribute(Attribute.VOLTAGE_LEVEL, float, "The voltage setting, in volts.")
+    current_limit = _attribute(Attribute.CURRENT_LIMIT, float, "The current limit, in amperes.")
+    current_limit_behavior = _attribute(
+        Attribute.CURRENT_LIMIT_BEHAVIOR, CurrentLimitBehavior, "What the output does at its current limit."
+    )
+    output_enabled = _attribute(Attribute.OUTPUT_ENABLED, bool, "Whether the output is on.")
+    remote_sense = _setting("RemoteSense", bool, "Whether the voltage is sensed at the load.")
+    output_sense = _setting("OutputSense", bool, "The same by the output's command.")
+    power_on_state = _setting("PowerOnState", PowerOnState, "What it does when the instrument is switched on.")
+    pairing = _setting("Pairing", Pairing, "The pairing.")
+    tracking = _setting("Tracking", bool, "Whether it follows the channel that it is tracked to.")
+    output_off_mode = _setting("OutputOffMode", OutputOffMode, "What the bleeder does while the output is off.")
+    trigger_input = _setting("TriggerInput", bool, "Whether its list waits for a trigger.")
+    current_range = _setting("CurrentRange", CurrentRange, "The range of the current measurement.")
+    current_rate = _setting("CurrentRate", CurrentRate, "The rate of the current measurement.")
+
+    def configure_current_limit(self, behavior: CurrentLimitBehavior, amperes: float) -> None:
+        """Sets the current limit and what happens there."""
+        self._call("ConfigureCurrentLimit", _to_driver(CurrentLimitBehavior, behavior), amperes)
+
+    def configure_output_range(self, range_type: RangeType, value: float) -> None:
+        """Changes nothing; channels have one range each."""
+        self._call("ConfigureOutputRange", _to_driver(RangeType, range_type), value)
+
+    def max_voltage_level(self, amperes: float = 0.0) -> float:
+        """The largest voltage that it takes, in volts."""
+        return self._query(float, "QueryMaxVoltageLevel", amperes)
+
+    def max_current_limit(self, volts: float = 0.0) -> float:
+        """The largest current that it takes, in amperes."""
+        return self._query(float, "QueryMaxCurrentLimit", volts)
+
+    def measure(self) -> Reading:
+        """What the meters read."""
+        return Reading(*self._outputs([float, float, float, int], "MeasureAll", 1)[:3])
+
+    def meter(self, measurement: MeasurementType) -> float:
+        """What one of them reads, in amperes, volts or watts."""
+        return self._query(float, "MeasureOutput", _to_driver(MeasurementType, measurement))
+
+    @property
+    def protection(self) -> Protection:
+        """Its protections."""
+        return Protection(self._session, self._name)
+
+    @property
+    def state(self) -> ChannelState:
+        """What it is doing."""
+        return ChannelState(self._session, self._name)
+
+    @property
+    def list(self) -> ListProgram:
+        """Its list."""
+        return ListProgram(self._session, self._name)
+
+    @property
+    def list_template(self) -> ListTemplate:
+        """The waveform that its list is made from."""
+        return ListTemplate(self._session, self._name)
+
+    @property
+    def delay(self) -> DelayProgram:
+        """Its delay program."""
+        return DelayProgram(self._session, self._name)
+
+    @property
+    def delay_generator(self) -> DelayGenerator:
+        """The times that its delay program is made from."""
+        return DelayGenerator(self._session, self._name)
+
+
 class Session:
     """A session with an instrument. A context manager that closes it at its end."""
 
     def __init__(
         self,
         resource: str,
-        options: Optional[str] = None,
         *,
         id_query: bool = False,
         reset: bool = False,
+        cache: Optional[bool] = None,
+        interchange_check: Optional[bool] = None,
+        query_instrument_status: Optional[bool] = None,
+        range_check: Optional[bool] = None,
+        record_coercions: Optional[bool] = None,
+        simulate: Optional[bool] = None,
+        model: Optional[str] = None,
+        profile: bool = True,
+        safe_errors: Optional[bool] = None,
+        fresh_replies: Optional[bool] = None,
+        detailed_errors: Optional[bool] = None,
+        true_readings: Optional[bool] = None,
+        checked_options: Optional[bool] = None,
+        stateful_simulation: Optional[bool] = None,
+        open_timeout: Optional[float] = None,
+        io_timeout: Optional[float] = None,
+        baud_rate: Optional[int] = None,
+        data_bits: Optional[int] = None,
+        parity: Optional[Parity] = None,
+        stop_bits: Optional[StopBits] = None,
+        flow_control: Optional[FlowControl] = None,
         library: Union[Library, str, None] = None,
     ) -> None:
         """Opens a VISA resource descriptor or a logical name of the configuration store.
 
-        options: such as "QueryInstrStatus=1"; library: loaded, or its path.
+        What is None is left to the driver and to the store. Everything from model to flow_control takes the place of
+        all that the store's DriverSetup says; without any of it, profile included, that holds.
+
+        id_query: whether to fail unless the driver supports the instrument's model
+        profile: switches the six behaviours below on, each unless it is given
+        safe_errors: the driver throws nothing and leaves no session locked
+        fresh_replies: no reply answers another query; a lost connection is made anew
+        detailed_errors: texts of errors name resource, channel, value and limits
+        true_readings: measure reads the meters, output states are the registers'
+        checked_options: options and identities that make no sense fail the opening
+        stateful_simulation: a simulated instrument keeps what it is set to
+        open_timeout, io_timeout: milliseconds, or INFINITE
+        data_bits: 5 to 8
+        library: loaded, or its path
         """
+        options = option_string(
+            **{name: value for name, value in locals().items() if name in _INHERENT_OPTIONS or name in _DRIVER_SETUP}
+        )
         self._vi = 0
         self.library = library if isinstance(library, Library) else Library(library)
         # The thread keeps its first error until it is read; an older one would stand in the way.
         self.library.ClearError(0)
         vi = _Session()
-        if options is None:
-            status = self.library.init(_text_in(resource), bool(id_query), bool(reset), byref(vi))
-        else:
+        if options:
             status = self.library.InitWithOptions(
                 _text_in(resource), bool(id_query), bool(reset), _text_in(options), byref(vi)
             )
+        else:
+            status = self.library.init(_text_in(resource), bool(id_query), bool(reset), byref(vi))
         self.library.check(status)
         self._vi = vi.value
 
@@ -491,16 +1191,101 @@ class Session:
     def _call(self, name: str, *arguments: Any) -> int:
         return self.library.check(getattr(self.library, name)(self._vi, *arguments), self._vi)
 
-    def _query(self, kind: Any, name: str, *arguments: Any) -> Any:
-        """Calls a function whose last parameter receives the result."""
-        result = kind()
-        self._call(name, *arguments, byref(result))
-        return result.value
+    def _outputs(self, kinds: Sequence[type], name: str, *arguments: Any) -> list[Any]:
+        """Calls a function whose last parameters receive values of these types."""
+        outputs = [_c_type(kind)() for kind in kinds]
+        self._call(name, *arguments, *map(byref, outputs))
+        return [kind(output.value) for kind, output in zip(kinds, outputs)]
+
+    def _query(self, kind: type, name: str, *arguments: Any) -> Any:
+        """The same with one."""
+        return self._outputs([kind], name, *arguments)[0]
 
     def close(self) -> None:
         """Closes the session."""
         vi, self._vi = self._vi, 0
         self.library.check(self.library.close(vi), vi)
+
+    def channel(self, which: Union[int, str]) -> Channel:
+        """A channel by its number, or by its physical or virtual name. Of a list or a range all are set at once."""
+        return Channel(self, which if isinstance(which, str) else f"OutputChannel{which}")
+
+    source_mode = _setting("SourceMode", SourceMode, "How outputs 1 and 2 are combined.")
+    bleeder = _setting("Bleeder", bool, "Whether the bleeder discharges the outputs.")
+    selected_channel = _reading("SelectedChannel", int, "What messages about lists and delays act on, its number.")
+
+    def select_channel(self, channel: str) -> None:
+        """Selects what messages of the program's own about lists and delays act on."""
+        self._call("SelectChannel", _text_in(channel))
+
+    def clear_status(self) -> None:
+        """Clears the event registers and the error queue."""
+        self._call("ClearStatus")
+
+    def event_status(self) -> EventStatus:
+        """Reads the standard event status register, and clears it."""
+        return self._query(EventStatus, "QueryEventStatus")
+
+    def measure_all(self, channels: str) -> list[Reading]:
+        """What the meters of all these channels read, in their order."""
+        size = self.get_int32(Attribute.CHANNEL_COUNT)
+        columns = [(_Real64 * size)() for _ in Reading._fields]
+        count = _Int32()
+        self._call("MeasureAll", _text_in(channels), size, *columns, byref(count))
+        return [Reading(*reading) for reading in zip(*columns)][: count.value]
+
+    def write(self, message: Union[str, bytes]) -> None:
+        """Sends a message of the program's own; its line feed is added."""
+        data = message if isinstance(message, bytes) else message.encode("utf-8", "surrogateescape")
+        self._call("viWrite", (_Byte * len(data)).from_buffer_copy(data), len(data), byref(_Int64()))
+
+    def read_response(self, largest: int = 65536) -> bytes:
+        """Reads one response, with its line feed. One of more bytes is an Error, WARN_ARRAY_TRUNCATED."""
+        data, count = (_Byte * largest)(), _Int64()
+        status = self.library.viRead(self._vi, largest, data, byref(count))
+        if status == WARN_ARRAY_TRUNCATED:
+            raise Error(status, self.library.error_text(status))
+        self.library.check(status, self._vi)
+        return bytes(data[: count.value])
+
+    def query(self, message: Union[str, bytes]) -> str:
+        """Sends a message and reads its response, without the line feed."""
+        self.lock_session()
+        try:
+            self.write(message)
+            return self.read_response().decode("utf-8", "surrogateescape").rstrip("\r\n")
+        finally:
+            self.unlock_session()
+
+    @property
+    def io_timeout(self) -> int:
+        """Milliseconds that a read or a write waits."""
+        return self._query(int, "GetIoTimeout")
+
+    @io_timeout.setter
+    def io_timeout(self, milliseconds: int) -> None:
+        self._call("SetIoTimeout", _int32(milliseconds))
+
+    def _record(self, function: str) -> str:
+        text = create_string_buffer(_TEXT_SIZE)
+        self._call(function, _TEXT_SIZE, text)
+        return _text_out(text)
+
+    def get_next_coercion_record(self) -> str:
+        """The driver records none: always an empty text."""
+        return self._record("GetNextCoercionRecord")
+
+    def get_next_interchange_warning(self) -> str:
+        """The driver records none: always an empty text."""
+        return self._record("GetNextInterchangeWarning")
+
+    def reset_interchange_check(self) -> None:
+        """Forgets what interchangeability is checked against."""
+        self._call("ResetInterchangeCheck")
+
+    def clear_interchange_warnings(self) -> None:
+        """Forgets the interchangeability warnings."""
+        self._call("ClearInterchangeWarnings")
 
     def lock_session(self) -> None:
         """Keeps the session to the calling thread until unlock_session."""
@@ -590,19 +1375,19 @@ class Session:
 
     def query_max_current_limit(self, channels: str, volts: float) -> float:
         """The largest current that a channel takes, in amperes."""
-        return self._query(_Real64, "QueryMaxCurrentLimit", _text_in(channels), volts)
+        return self._query(float, "QueryMaxCurrentLimit", _text_in(channels), volts)
 
     def query_max_voltage_level(self, channels: str, amperes: float) -> float:
         """The largest voltage that a channel takes, in volts."""
-        return self._query(_Real64, "QueryMaxVoltageLevel", _text_in(channels), amperes)
+        return self._query(float, "QueryMaxVoltageLevel", _text_in(channels), amperes)
 
     def query_output_state(self, channels: str, state: int) -> bool:
         """Whether an output is in an OutputState."""
-        return bool(self._query(_Boolean, "QueryOutputState", _text_in(channels), _int32(state)))
+        return self._query(bool, "QueryOutputState", _text_in(channels), _int32(state))
 
     def measure(self, channels: str, measurement: int) -> float:
         """The level that is set, in volts or amperes; takes a MeasurementType."""
-        return self._query(_Real64, "Measure", _text_in(channels), _int32(measurement))
+        return self._query(float, "Measure", _text_in(channels), _int32(measurement))
 
     def get_channel_name(self, index: int) -> str:
         """The name of a channel by its number, from 1."""
@@ -624,19 +1409,21 @@ class Session:
 
     def get_int32(self, attribute: int, channel: str = "") -> int:
         """Reads a ViInt32 attribute."""
-        return self._query(_Int32, "GetAttributeViInt32", _text_in(channel), attribute)
+        return self._query(int, "GetAttributeViInt32", _text_in(channel), attribute)
 
     def get_real64(self, attribute: int, channel: str = "") -> float:
         """Reads a ViReal64 attribute."""
-        return self._query(_Real64, "GetAttributeViReal64", _text_in(channel), attribute)
+        return self._query(float, "GetAttributeViReal64", _text_in(channel), attribute)
 
     def get_boolean(self, attribute: int, channel: str = "") -> bool:
         """Reads a ViBoolean attribute."""
-        return bool(self._query(_Boolean, "GetAttributeViBoolean", _text_in(channel), attribute))
+        return self._query(bool, "GetAttributeViBoolean", _text_in(channel), attribute)
 
     def get_session(self, attribute: int, channel: str = "") -> int:
         """Reads a ViSession attribute; the driver has none."""
-        return self._query(_Session, "GetAttributeViSession", _text_in(channel), attribute)
+        value = _Session()
+        self._call("GetAttributeViSession", _text_in(channel), attribute, byref(value))
+        return value.value
 
     def get_string(self, attribute: int, channel: str = "") -> str:
         """Reads a ViString attribute of any length: a positive status of its function is the size that is needed."""
@@ -671,24 +1458,22 @@ class Session:
         self._call("SetAttributeViString", _text_in(channels), attribute, _text_in(value))
 
 
-def _demonstrate(supply: Session, channel: str) -> None:
+def _demonstrate(supply: Session, channel: Channel) -> None:
     print(f"{supply.get(Attribute.INSTRUMENT_MODEL)}, firmware {supply.revision_query().instrument}")
-    supply.configure_voltage_level(channel, 3.3)
-    supply.configure_current_limit(channel, CurrentLimitBehavior.REGULATE, 0.5)
-    supply.configure_output_enabled(channel, True)
+    channel.voltage_level = 3.3
+    channel.configure_current_limit(CurrentLimitBehavior.REGULATE, 0.5)
+    channel.output_enabled = True
     try:
-        _show(supply, channel)
+        _show(channel)
     finally:
         supply.disable()
 
 
-def _show(supply: Session, channel: str) -> None:
-    volts = supply.get(Attribute.VOLTAGE_LEVEL, channel)
-    amperes = supply.get(Attribute.CURRENT_LIMIT, channel)
-    enabled = supply.get(Attribute.OUTPUT_ENABLED, channel)
-    print(f"{channel}: {volts:.3f} V, {amperes:.3f} A, output {'on' if enabled else 'off'}")
+def _show(channel: Channel) -> None:
+    levels = f"{channel.voltage_level:.3f} V, {channel.current_limit:.3f} A"
+    print(f"{channel.name}: {levels}, output {'on' if channel.output_enabled else 'off'}")
     try:
-        supply.configure_voltage_level(channel, 100.0)
+        channel.voltage_level = 100.0
     except Error as error:
         print(f"100 V: {error}")
 
@@ -698,12 +1483,18 @@ def main() -> int:
     parser = argparse.ArgumentParser(description="Runs a short demonstration of the KVX2800T driver.")
     parser.add_argument("resource", help="VISA resource descriptor or logical name")
     parser.add_argument("--channel", default="OutputChannel3", help="a physical or a virtual name")
-    parser.add_argument("--options", help='such as "Simulate=1"')
+    parser.add_argument("--simulate", action="store_true", help="without an instrument")
+    parser.add_argument("--no-profile", action="store_true", help="the plain driver, without what a bench needs")
     parser.add_argument("--library", help="the driver's library; default: KVX2800T_LIBRARY, then the system's")
     arguments = parser.parse_args()
     try:
-        with Session(arguments.resource, arguments.options, library=arguments.library) as supply:
-            _demonstrate(supply, arguments.channel)
+        with Session(
+            arguments.resource,
+            simulate=arguments.simulate or None,
+            profile=not arguments.no_profile,
+            library=arguments.library,
+        ) as supply:
+            _demonstrate(supply, supply.channel(arguments.channel))
     except (Error, OSError) as error:
         print(f"kvx2800t.py: {error}", file=sys.stderr)
         return 1

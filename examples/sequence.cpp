@@ -21,19 +21,6 @@ constexpr std::array<Rail, 2> kRails = {{
     {"OutputChannel4", 1.8, 2.0},
 }};
 
-/// Switches every output off when the sequence ends, also by an exception.
-class OutputsOff
-{
-public:
-    explicit OutputsOff(kvx2800t::Session& supply) : supply_(supply) {}
-    ~OutputsOff() { KVX2800T_Disable(supply_.handle()); }
-    OutputsOff(const OutputsOff&) = delete;
-    OutputsOff& operator=(const OutputsOff&) = delete;
-
-private:
-    kvx2800t::Session& supply_;
-};
-
 void powerUp(kvx2800t::Session& supply, const Rail& rail)
 {
     supply.configureVoltageLevel(rail.channel, rail.volts);
@@ -68,7 +55,7 @@ void tryTooMuch(kvx2800t::Session& supply, const Rail& rail)
 
 bool runSequence(kvx2800t::Session& supply)
 {
-    const OutputsOff atTheEnd(supply);
+    const kvx2800t::OutputsOff atTheEnd(supply);
     bool good = true;
     for (const Rail& rail : kRails)
         powerUp(supply, rail);
@@ -87,7 +74,11 @@ int main(int argc, char* argv[])
         return EXIT_FAILURE;
     }
     try {
-        kvx2800t::Session supply(argv[1], {true, true, "QueryInstrStatus=1"});
+        kvx2800t::Options options;
+        options.idQuery = true;
+        options.reset = true;
+        options.queryInstrumentStatus = true;
+        kvx2800t::Session supply(argv[1], options);
         std::printf("%s, firmware %s\n", supply.get(kvx2800t::attribute::instrumentModel).c_str(),
                     supply.revisions().instrument.c_str());
         const bool good = runSequence(supply);

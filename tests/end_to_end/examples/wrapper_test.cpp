@@ -1,3 +1,4 @@
+#include "tests/end_to_end/examples/wrapper_error.h"
 #include "tests/support/processes/finished_program.h"
 
 #include "tests/support/driver/driver_end_to_end.h"
@@ -21,7 +22,7 @@ namespace
 namespace attribute = kvx2800t::attribute;
 using kvx2800t::CurrentLimitBehavior;
 using kvx2800t::MeasurementType;
-using kvx2800t::Opening;
+using kvx2800t::Options;
 using kvx2800t::OutputState;
 using kvx2800t::RangeType;
 using kvx2800t::Session;
@@ -33,35 +34,23 @@ constexpr const char* kOutOfRange = "Attribute or function parameter value is in
 constexpr const char* kNoInstrument =
     "I/O error.  Insufficient location information or resource not present in the system";
 
-/// The code and the text that a call throws as Error.
-template <class Call>
-RecordedError thrown(Call call)
+/// What the plain driver does; Options says what the profile changes.
+Options plain()
 {
-    try {
-        call();
-    } catch (const kvx2800t::Error& error) {
-        return {error.code(), error.text()};
-    }
-    ADD_FAILURE() << "no error";
-    return {};
-}
-
-Opening simulated(const std::string& furtherOptions = "")
-{
-    return {false, false, "Simulate=1" + furtherOptions};
+    return {.profile = false};
 }
 
 class Wrapper : public DriverEndToEnd
 {
 protected:
-    Session connect(const Opening& opening = {}) const { return Session(instrument.resource(), opening); }
+    Session connect(const Options& options = plain()) const { return Session(instrument.resource(), options); }
 };
 
-TEST_F(Wrapper, OpensWithTheWishesOfTheOpening)
+TEST_F(Wrapper, OpensWithTheWishesOfItsOptions)
 {
-    const Session plain = connect();
+    const Session modest = connect();
     EXPECT_EQ(newLines(), Lines{"*IDN?"});
-    const Session thorough = connect({true, true, "QueryInstrStatus=1"});
+    const Session thorough = connect({.idQuery = true, .reset = true, .queryInstrumentStatus = true});
     EXPECT_EQ(newLines(), (Lines{"*IDN?", "*CLS", "*ESR?", "*RST"}));
 }
 
@@ -127,7 +116,7 @@ TEST_F(Wrapper, SaysCodeAndText)
 
 TEST_F(Wrapper, ThrowsTheReasonOfAFailedOpen)
 {
-    EXPECT_EQ(thrown([] { const Session none("BANANA"); }), (RecordedError{KVX2800T_ERROR_IO, kNoInstrument}));
+    EXPECT_EQ(thrown([] { const Session none("BANANA", plain()); }), (RecordedError{KVX2800T_ERROR_IO, kNoInstrument}));
 }
 
 TEST_F(Wrapper, ThrowsTheReasonOfAFailedOpenWhateverFailedBefore)
@@ -136,7 +125,7 @@ TEST_F(Wrapper, ThrowsTheReasonOfAFailedOpenWhateverFailedBefore)
     EXPECT_EQ(thrown([&] { supply.configureVoltageLevel("OutputChannel3", 16.5); }).code,
               KVX2800T_ERROR_VALUE_OUT_OF_RANGE);
     const EnvironmentVariable missingStore("IVI_MASTER_STORE", "/no-such-folder/IviConfigurationStore.xml");
-    EXPECT_EQ(thrown([] { const Session none("BenchSupply"); }),
+    EXPECT_EQ(thrown([] { const Session none("BenchSupply", plain()); }),
               (RecordedError{status(0xBFFA1206), "IviConfigServer.IviConfigStore.1: GetConfigStorePropertyViString: "
                                                  "the master configuration store is missing"}));
 }
@@ -269,17 +258,11 @@ TEST_F(Wrapper, LocksASessionForSeveralCalls)
 
 TEST(SimulatedWrapper, ReadsTextsUpToTheLargestWholeAndCutsLongerOnes)
 {
-    const std::string largest = "Tag:" + std::string(4091, 'x');
-    const Session whole("", simulated(",DriverSetup=" + largest));
-    EXPECT_EQ(whole.get(attribute::driverSetup), largest);
-    const Session cut("", simulated(",DriverSetup=" + largest + "y"));
-    EXPECT_EQ(cut.get(attribute::driverSetup), largest);
-}
-
-TEST(SimulatedWrapper, NamesAnUnknownOption)
-{
-    EXPECT_EQ(thrown([] { const Session none("", simulated(",Banana=1")); }),
-              (RecordedError{IVI_ERROR_BAD_OPTION_NAME, "The 'banana' name in the option string is unknown."}));
+    const std::string largest(4089, 'x');
+    const Session whole("", {.simulate = true, .model = largest, .profile = false});
+    EXPECT_EQ(whole.get(attribute::driverSetup), "Model:" + largest);
+    const Session cut("", {.simulate = true, .model = largest + "y", .profile = false});
+    EXPECT_EQ(cut.get(attribute::driverSetup), "Model:" + largest);
 }
 
 TEST(Sequence, PowersRailsUpChecksThemAndSwitchesThemOff)
@@ -292,7 +275,7 @@ TEST(Sequence, PowersRailsUpChecksThemAndSwitchesThemOff)
                                "OutputChannel4: 1.80 V, at most 2.00 A: good\n"
                                "OutputChannel3 takes up to 16.0 V\n"
                                "refused: " +
-                                   std::string(kOutOfRange) + "\n",
+                                   std::string(kOutOfRange) + "  OutputChannel3 takes 0 V to 16 V, not 17 V.\n",
                                ""}));
     EXPECT_EQ(instrument.receivedLines().back(), ":OUTPut:STATe ALL,OFF");
 }
@@ -311,8 +294,11 @@ TEST(Sequence, FailsForARailThatDoesNotHold)
 
 TEST(Sequence, SaysWhyItCouldNotOpen)
 {
-    EXPECT_EQ(runProgram(KVX_SEQUENCE, {"BANANA"}),
-              (FinishedProgram{1, "", "sequence: 0xBFFA4214 " + std::string(kNoInstrument) + "\n"}));
+    EXPECT_EQ(
+        runProgram(KVX_SEQUENCE, {"BANANA"}),
+        (FinishedProgram{1, "",
+                         "sequence: 0xBFFA4214 " + std::string(kNoInstrument) +
+                             "  Resource 'BANANA': VI_ERROR_INV_RSRC_NAME, the resource name cannot be read.\n"}));
 }
 
 TEST(Sequence, WantsOneResource)

@@ -1,5 +1,6 @@
 #include "tests/support/processes/virtual_instrument_process.h"
 
+#include <algorithm>
 #include <charconv>
 #include <chrono>
 #include <cstdlib>
@@ -18,7 +19,9 @@ constexpr std::chrono::milliseconds kPollInterval{5};
 
 std::vector<std::string> argumentsFor(const std::vector<std::string>& extra)
 {
-    std::vector<std::string> arguments{"--port", "0", "--control-port", "0", "--until-stdin-closes"};
+    std::vector<std::string> arguments{"--control-port", "0", "--until-stdin-closes"};
+    if (std::find(extra.begin(), extra.end(), "--port") == extra.end())
+        arguments.insert(arguments.end(), {"--port", "0"});
     arguments.insert(arguments.end(), extra.begin(), extra.end());
     return arguments;
 }

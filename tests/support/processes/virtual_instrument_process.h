@@ -19,7 +19,8 @@ namespace kvxtest
 class VirtualInstrumentProcess
 {
 public:
-    /// Starts it with further arguments, such as `{"--serial", "--load", "CH1=10"}`, and waits until it listens.
+    /// Starts it with further arguments, such as `{"--serial", "--load", "CH1=10"}` or `{"--port", "5025"}`, and waits
+    /// until it listens.
     /// Throws std::runtime_error or std::system_error when it does not come up.
     explicit VirtualInstrumentProcess(const std::vector<std::string>& extraArguments = {});
     ~VirtualInstrumentProcess();
