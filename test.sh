@@ -73,10 +73,10 @@ check_manual() {
 
 # fuzz INPUTS: each fuzzer starts from its corpus, if it has one, and ends after that number of inputs.
 fuzz() {
-    build fuzz fuzzers
+    build asan-ubsan fuzzers
     step "Fuzzing"
-    rm -rf build/fuzz/found
-    ls build/fuzz/bin/fuzz_* | xargs -P "$(nproc)" -I {} fuzz/run.sh {} "$1"
+    rm -rf build/found
+    ls build/asan-ubsan/bin/fuzz_* | xargs -P "$(nproc)" -I {} fuzz/run.sh {} "$1"
 }
 
 try_faults() {

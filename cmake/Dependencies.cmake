@@ -22,10 +22,6 @@ kvx_header_library(kvx_asio asio.hpp asio.hpp asio)
 # Asio looks for std::aligned_alloc in what is included before it: sources would disagree on how memory is given back.
 target_compile_definitions(kvx_asio INTERFACE ASIO_STANDALONE ASIO_NO_DEPRECATED ASIO_DISABLE_STD_ALIGNED_ALLOC)
 target_link_libraries(kvx_asio INTERFACE Threads::Threads)
-if(KVX_SANITIZE MATCHES thread)
-    # g++ warns of Asio's fences, which ThreadSanitizer does not model.
-    target_compile_options(kvx_asio INTERFACE -Wno-tsan)
-endif()
 if(WIN32)
     target_link_libraries(kvx_asio INTERFACE ws2_32 mswsock)
 endif()

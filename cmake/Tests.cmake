@@ -3,16 +3,10 @@ include(host/tests_${KVX_HOST})
 # A precompiled header serves programs and libraries only where both leave position independence to the compiler.
 set(CMAKE_POSITION_INDEPENDENT_CODE OFF)
 
-# What every test program has beside its cases. What is tested is optimised; the tests themselves need not be.
+# What every test program has beside its cases.
 set(support ${PROJECT_SOURCE_DIR}/tests/support)
 add_library(test_frame OBJECT EXCLUDE_FROM_ALL ${support}/running_case.cpp ${support}/time_limit_${KVX_HOST}.cpp)
-target_link_libraries(test_frame PUBLIC kvx_options GTest::gmock_main)
-target_compile_options(test_frame PUBLIC $<$<CONFIG:Release>:-O0>)
-if(KVX_SANITIZE MATCHES undefined)
-    # AddressSanitizer watches the buffers that tests hand out. What else the sanitizers look for is looked for in what is
-    # tested: in tests it doubles the time to compile them, and makes their regular expressions 25 times slower.
-    target_compile_options(test_frame PUBLIC -fno-sanitize=undefined --param=asan-use-after-return=0)
-endif()
+target_link_libraries(test_frame PUBLIC kvx_test_options GTest::gmock_main)
 # Their common headers, compiled once; sources still include what they use.
 target_precompile_headers(test_frame PRIVATE
     <gmock/gmock.h> <gtest/gtest.h>

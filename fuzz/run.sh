@@ -1,9 +1,9 @@
 #!/bin/sh
 # Runs a fuzzer over a number of inputs, from its corpus if it has one: fuzz/run.sh FUZZER INPUTS
-# Quiet unless it finds something, which build/fuzz/found/<fuzzer> keeps.
+# Quiet unless it finds something, which build/found/<fuzzer> keeps.
 set -eu
 name=$(basename "$1")
-found=build/fuzz/found/$name
+found=build/found/$name
 corpus=fuzz/corpus/${name#fuzz_}
 [ -d "$corpus" ] || corpus=
 mkdir -p "$found"

@@ -2,8 +2,7 @@
 #include "tests/support/held_allocations.h"
 #include "tests/support/open_descriptors.h"
 
-#include <atomic>
-#include <thread>
+#include <string>
 
 namespace kvxtest
 {
@@ -99,38 +98,6 @@ TEST(SessionLifetime, RefusedCallsLeaveNothingBehind)
     refuseMany(500);
     EXPECT_EQ(Holdings(), before);
     EXPECT_EQ(KVX2800T_close(vi), VI_SUCCESS);
-}
-
-TEST(SessionLifetime, SessionsComeAndGoInOneThreadWhileOthersWork)
-{
-    const VirtualInstrumentProcess instrument;
-    std::atomic<bool> isDone = false;
-    const auto work = [&](const char* channel, ViReal64 level) {
-        std::string resource = instrument.resource();
-        ViSession vi = VI_NULL;
-        ASSERT_EQ(KVX2800T_init(resource.data(), VI_FALSE, VI_FALSE, &vi), VI_SUCCESS);
-        do {
-            ViReal64 volts = 0.0;
-            EXPECT_EQ(KVX2800T_ConfigureVoltageLevel(vi, channel, level), VI_SUCCESS);
-            EXPECT_EQ(KVX2800T_GetAttributeViReal64(vi, channel, KVX2800T_ATTR_VOLTAGE_LEVEL, &volts), VI_SUCCESS);
-            EXPECT_EQ(volts, level);
-        } while (!isDone);
-        EXPECT_EQ(KVX2800T_close(vi), VI_SUCCESS);
-    };
-    std::thread first(work, "OutputChannel3", 3.0);
-    std::thread second(work, "OutputChannel4", 4.0);
-    for (int i = 0; i < 50; ++i) {
-        std::string resource = instrument.resource();
-        ViSession vi = VI_NULL;
-        EXPECT_EQ(KVX2800T_InitWithOptions(resource.data(), VI_FALSE, VI_FALSE, i % 2 == 0 ? "" : "Simulate=1", &vi),
-                  VI_SUCCESS);
-        EXPECT_EQ(KVX2800T_InvalidateAllAttributes(vi), VI_SUCCESS);
-        EXPECT_EQ(KVX2800T_close(vi), VI_SUCCESS);
-        EXPECT_EQ(KVX2800T_InvalidateAllAttributes(vi), KVX2800T_ERROR_INVALID_SESSION_HANDLE);
-    }
-    isDone = true;
-    first.join();
-    second.join();
 }
 
 } // namespace

@@ -146,5 +146,37 @@ TEST_F(Threads, LocksNestAndTheLastUnlockLetsOthersIn)
     EXPECT_EQ(newLines(), Lines{":SOUR4:VOLT 1.000000"});
 }
 
+TEST(SessionThreads, SessionsComeAndGoInOneThreadWhileOthersWork)
+{
+    const VirtualInstrumentProcess instrument;
+    std::atomic<bool> isDone = false;
+    const auto work = [&](const char* channel, ViReal64 level) {
+        std::string resource = instrument.resource();
+        ViSession vi = VI_NULL;
+        ASSERT_EQ(KVX2800T_init(resource.data(), VI_FALSE, VI_FALSE, &vi), VI_SUCCESS);
+        do {
+            ViReal64 volts = 0.0;
+            EXPECT_EQ(KVX2800T_ConfigureVoltageLevel(vi, channel, level), VI_SUCCESS);
+            EXPECT_EQ(KVX2800T_GetAttributeViReal64(vi, channel, KVX2800T_ATTR_VOLTAGE_LEVEL, &volts), VI_SUCCESS);
+            EXPECT_EQ(volts, level);
+        } while (!isDone);
+        EXPECT_EQ(KVX2800T_close(vi), VI_SUCCESS);
+    };
+    std::thread first(work, "OutputChannel3", 3.0);
+    std::thread second(work, "OutputChannel4", 4.0);
+    for (int i = 0; i < 50; ++i) {
+        std::string resource = instrument.resource();
+        ViSession vi = VI_NULL;
+        EXPECT_EQ(KVX2800T_InitWithOptions(resource.data(), VI_FALSE, VI_FALSE, i % 2 == 0 ? "" : "Simulate=1", &vi),
+                  VI_SUCCESS);
+        EXPECT_EQ(KVX2800T_InvalidateAllAttributes(vi), VI_SUCCESS);
+        EXPECT_EQ(KVX2800T_close(vi), VI_SUCCESS);
+        EXPECT_EQ(KVX2800T_InvalidateAllAttributes(vi), KVX2800T_ERROR_INVALID_SESSION_HANDLE);
+    }
+    isDone = true;
+    first.join();
+    second.join();
+}
+
 } // namespace
 } // namespace kvxtest

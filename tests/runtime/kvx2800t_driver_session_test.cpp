@@ -1,3 +1,4 @@
+#include "tests/support/driver/mock_instrument.h"
 #include "tests/support/driver/runtime_fixture.h"
 
 #include "simulator/kvx2800t_simulator.h"

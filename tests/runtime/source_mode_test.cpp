@@ -1,5 +1,6 @@
 #include "runtime/source_mode.h"
 
+#include "tests/support/driver/mock_instrument.h"
 #include "tests/support/driver/runtime_fixture.h"
 #include "tests/support/driver/scripted_clock.h"
 

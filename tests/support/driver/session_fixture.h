@@ -2,6 +2,7 @@
 
 #include "tests/support/driver/api_fixture.h"
 
+#include "tests/support/driver/mock_instrument.h"
 #include "tests/support/driver/runtime_fixture.h"
 
 #include <memory>

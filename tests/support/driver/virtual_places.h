@@ -34,7 +34,7 @@ const void* functionAt(const Object& object, std::size_t place)
 {
     const void* const* functions = nullptr;
     static_assert(sizeof object >= sizeof functions);
-    std::memcpy(&functions, &object, sizeof functions);
+    std::memcpy(&functions, static_cast<const void*>(&object), sizeof functions);
     return functions[place + 1];
 }
 

@@ -3,7 +3,7 @@ set(fakes_folder ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/fakes CACHE INTERNAL "")
 
 add_library(platform_fakes_shared SHARED
     fakes/config_server_fakes.cpp fakes/fake_platform.cpp fakes/platform_fakes.cpp)
-target_link_libraries(platform_fakes_shared PUBLIC platform_headers PRIVATE kvx_options)
+target_link_libraries(platform_fakes_shared PUBLIC platform_headers PRIVATE kvx_test_options)
 set_target_properties(platform_fakes_shared PROPERTIES
     PREFIX "" RUNTIME_OUTPUT_DIRECTORY ${fakes_folder})
 # Everything of its own, and nothing of the compiler's libraries.
