@@ -30,7 +30,45 @@
  * A reply that the driver cannot read as the number or switch it has asked for, and a channel range with a number
  * beyond 32 bits, leave as a C++ standard exception (std::invalid_argument, std::out_of_range), with nothing recorded
  * and the session still locked by the calling thread. One that leaves init, which takes no lock, has stored the session
- * in Vi; it can be closed. The functions of KVX2800TInstrument.h, which is included below, return a status instead.
+ * in Vi; it can be closed. The functions of KVX2800TInstrument.h, which is included below, return a status instead, and
+ * so do all functions of a session with SafeErrors.
+ *
+ * @par Sessions that forgive
+ * DriverSetup keys change what a session does; without them everything in this manual holds as it stands. Pairs are
+ * separated by commas ("DriverSetup=Profile:Bench, FreshReplies:0"). Names are compared without regard to letter case,
+ * trailing blanks of values do not count; switches take 1, 0, true, false. Another value fails init with 0xBFFA004C
+ * once the configuration is resolved, a key in two spellings with 0xBFFA0000. The DriverSetup of an option string
+ * replaces the configuration store's whole text.
+ *
+ * <table>
+ * <tr><th>key</th><th>what it does</th></tr>
+ * <tr><td>Profile</td><td>"Bench" switches the six keys below on; a key beside it wins.</td></tr>
+ * <tr><td>SafeErrors</td><td>No function throws: a reply that cannot be read is 0xBFFA0059 with the reply in the text,
+ * a value without a keyword KVX2800T_ERROR_VALUE_OUT_OF_RANGE, a number beyond 32 bits in a selector 0xBFFA0064, lack
+ * of memory 0xBFFA0056, anything else 0xBFFA0000; recorded, with the lock given back. An init that fails so leaves
+ * nothing open.</td></tr>
+ * <tr><td>FreshReplies</td><td>A reply never answers another query. After an exchange that failed, timed out, was cut
+ * or could not be read, the next command first brings the connection into step: a raw socket is closed and opened
+ * again; elsewhere what comes is read until nothing has come for one time-out, and "*IDN?" is asked until the known
+ * identity returns. Another model or serial number is KVX2800T_ERROR_IO. This also finds an instrument again whose
+ * cable was pulled.</td></tr>
+ * <tr><td>DetailedErrors</td><td>Texts of a failed opening or transfer name the resource and VISA's status; a time-out
+ * is KVX2800T_ERROR_IO_TIMEOUT. A value out of range is recorded with channel and limits, a bad selector with its item,
+ * an unknown word with the reply.</td></tr>
+ * <tr><td>TrueReadings</td><td>KVX2800T_Measure reads the meters. KVX2800T_QueryOutputState tells over-voltage and
+ * over-current from the registers, and unregulated when the output is on and in none of the four other states.
+ * KVX2800T_ResetOutputProtection is KVX2800T_ERROR_OPERATION_NOT_SUPPORTED: no command clears a trip. KVX2800T_Disable
+ * reports a failed write.</td></tr>
+ * <tr><td>CheckedOptions</td><td>The option string is read to the letter: "Simulate" or "Simulate=" is 0xBFFA004A, "=1"
+ * 0xBFFA0049, the name of an inherent option inside DriverSetup 0xBFFA004B. An instrument whose identification cannot
+ * be read or has no model is 0xBFFA005E. Levels that are no finite numbers are refused.</td></tr>
+ * <tr><td>StatefulSimulation</td><td>With Simulate=1 the session drives a KVX2833T inside the process: what is set is
+ * read back, limits hold, lists and delays run on the clock. Its status is not checked, as in every simulation:
+ * KVX2800T_error_query tells what it has refused.</td></tr>
+ * <tr><td>OpenTimeout, IoTimeout</td><td>Milliseconds, or Infinite, in place of 2000.</td></tr>
+ * <tr><td>BaudRate, DataBits, Parity, StopBits, FlowControl</td><td>Of a serial line, in place of 9600, 8, None, 1,
+ * None. DataBits 5 to 8; None, Odd, Even, Mark, Space; 1, 1.5, 2; None, XonXoff, RtsCts, DtrDsr.</td></tr>
+ * </table>
  *
  * @par Threads
  * Any function may be called from any thread. Calls on one session run one after the other; calls on different
@@ -420,8 +458,9 @@ ViStatus _VI_FUNC KVX2800T_init(ViRsrc ResourceName, ViBoolean IdQuery, ViBoolea
  * @param Reset         as for KVX2800T_init.
  * @param OptionString  "Name=Value" pairs separated by commas, in any letter case; null is "". Names: Cache,
  *                      InterchangeCheck, QueryInstrStatus, RangeCheck, RecordCoercions, Simulate. Values: True,
- *                      VI_TRUE, 1, False, VI_FALSE, 0. "DriverSetup=..." comes last and holds "Name:Value" pairs, of
- *                      which "Model" has an effect. Without an entry: Cache and RangeCheck are on, the others off.
+ *                      VI_TRUE, 1, False, VI_FALSE, 0. "DriverSetup=..." comes last and holds "Name:Value" pairs:
+ *                      "Model", and the keys of "Sessions that forgive". Without an entry: Cache and RangeCheck are on,
+ *                      the others off.
  *                      With QueryInstrStatus on, the instrument's event status is checked after every function that
  *                      configures channels and, in this header, after every one that queries them.
  * @param Vi            receives the session, or 0 on failure.

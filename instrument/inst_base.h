@@ -309,8 +309,8 @@ public:
     /// For connections that open() makes from now on.
     virtual void configureConnection(const ConnectionSetup& /*setup*/) {}
 
-    /// What the connection said of the last transfer or opening: a completion code, a failure of VISA, or base::kErrorIo
-    /// when another instrument answers than before.
+    /// What the connection said of the last transfer or opening: a completion code, a failure of VISA, or
+    /// base::kErrorIo when another instrument answers than before.
     virtual ViStatus connectionStatus() const { return VI_SUCCESS; }
 
     /// The instrument's own copy of the options, as open() found them in the option string.
