@@ -17,7 +17,6 @@ namespace drivekit
 namespace
 {
 
-using base::OptionPair;
 using base::ascii::equalIgnoringCase;
 using InstLink::IoSettings;
 
