@@ -290,6 +290,8 @@ public:
     const std::shared_ptr<TSRO::InstBase>& instrument() const { return instrument_; }
 
 protected:
+    void setSettings(const SessionSettings& settings) { settings_ = settings; }
+
     /// Takes the place of the instrument before, whose connection is closed; the status of that does not count.
     void setInstrument(std::shared_ptr<TSRO::InstBase> instrument, bool simulated);
 

@@ -47,6 +47,65 @@ TEST_F(GuardedFrame, MakesAStatusOfWhateverIsThrown)
     expectRecord(42, code(0xBFFA0000), "Failure cannot recover.");
 }
 
+/// A function of the instrument class, in a session with SafeErrors.
+class SafeFrame : public ScriptedInstrumentTest
+{
+public:
+    SafeFrame()
+    {
+        drivekit::SessionSettings settings;
+        settings.safeErrors = true;
+        session->setSettings(settings);
+    }
+
+    template <class Exception>
+    void expectRecord(const Exception& exception, ViStatus status, const std::string& text)
+    {
+        EXPECT_CALL(*instrument, setOutputEnabled(3, true)).WillOnce(Throw(exception));
+        EXPECT_EQ(KVX2800T_ConfigureOutputEnabled(vi, "OutputChannel3", VI_TRUE), status);
+        expectRecordedOnce(status, text);
+        forget();
+        EXPECT_CALL(*instrument, currentLevel(4, testing::_)).WillOnce(Throw(exception));
+        ViReal64 amperes = kUntouched;
+        EXPECT_EQ(KVX2800T_GetAttributeViReal64(vi, "OutputChannel4", KVX2800T_ATTR_CURRENT_LIMIT, &amperes), status);
+        EXPECT_EQ(amperes, kUntouched);
+        expectRecordedOnce(status, text);
+        forget();
+    }
+};
+
+TEST_F(SafeFrame, MakesAStatusOfWhateverIsThrown)
+{
+    expectRecord(std::bad_alloc(), code(0xBFFA0056), "Could not allocate necessary memory.");
+    expectRecord(std::out_of_range(base::kInvalidKey), kOutOfRange, kOutOfRangeText);
+    expectRecord(std::out_of_range("stoi argument out of range"), code(0xBFFA0059),
+                 "Unexpected response from instrument.  The reply was ''.");
+    expectRecord(std::invalid_argument("Visa::parseBool Unknown ret:"), code(0xBFFA0059),
+                 "Unexpected response from instrument.  The reply was ''.");
+    expectRecord(std::runtime_error("smoke"), code(0xBFFA0000), "Failure cannot recover.  smoke");
+    expectRecord(42, code(0xBFFA0000), "Failure cannot recover.");
+}
+
+class SafeClose : public ApiTest
+{
+};
+
+TEST_F(SafeClose, EndsASessionWhateverItsInstrumentThrows)
+{
+    const auto instrument = std::make_shared<StrictInstrument>();
+    EXPECT_CALL(*instrument, close).WillOnce(Throw(std::bad_alloc()));
+    IviSession_New(&vi);
+    auto* const session = new TestSession(vi);
+    drivekit::SessionSettings settings;
+    settings.safeErrors = true;
+    session->setSettings(settings);
+    session->setInstrument(instrument, false);
+    IviSession_SetDataPtr(vi, static_cast<drivekit::DriverSession*>(session));
+    EXPECT_EQ(KVX2800T_close(vi), VI_SUCCESS);
+    EXPECT_EQ(openIviSessions(), 0U);
+    vi = VI_NULL;
+}
+
 TEST_F(GuardedFrame, AFailureOfTheLastChannelsSettingComesBeforeTheStatusCheck)
 {
     EXPECT_CALL(*instrument, setTrackingEnabled(3, true)).WillOnce(testing::Return(VI_SUCCESS));

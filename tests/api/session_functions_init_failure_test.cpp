@@ -199,6 +199,23 @@ TEST_P(InitException, LeavesASessionThatCanBeClosedAndNothingOpenBehindIt)
     vi = VI_NULL;
 }
 
+TEST_P(InitException, IsAStatusWithSafeErrorsAndLeavesNothingOpen)
+{
+    for (const char* const keys : {"SafeErrors:1", "Profile:Bench"}) {
+        startOver();
+        answer("*ESR?", GetParam());
+        EXPECT_EQ(init("QueryInstrStatus=1,DriverSetup=" + std::string(keys), &vi, VI_TRUE, VI_TRUE), code(0xBFFA0059));
+        EXPECT_EQ(errorOf(kFirstSession),
+                  (ErrorEntry{code(0xBFFA0059), "Unexpected response from instrument.  The reply was '" +
+                                                    std::string(GetParam()) + "'."}));
+        EXPECT_EQ(vi, ViSession{VI_NULL});
+        EXPECT_EQ(timesRecorded(), 1U);
+        EXPECT_EQ(lockDepth(kFirstSession), 0U);
+        EXPECT_EQ(openConfigHandles(), 0U);
+        EXPECT_EQ(openVisaSessions(), 0U);
+    }
+}
+
 INSTANTIATE_TEST_SUITE_P(Replies, InitException, testing::Values("no number", "", "99999999999"));
 
 INSTANTIATE_TEST_SUITE_P(

@@ -28,6 +28,7 @@ public:
     }
 
     using KVX2800TDriverSession::setInstrument;
+    using KVX2800TDriverSession::setSettings;
 
     /// What comes of starting the simulation, in place of a simulator.
     std::optional<ViStatus> simulationStatus;
