@@ -51,14 +51,16 @@
  * or could not be read, the next command first brings the connection into step: a raw socket is closed and opened
  * again; elsewhere what comes is read until nothing has come for one time-out, and "*IDN?" is asked until the known
  * identity returns. Another model or serial number is KVX2800T_ERROR_IO. This also finds an instrument again whose
- * cable was pulled.</td></tr>
+ * cable was pulled. Until the instrument answers, commands fail and are not sent, each after several time-outs;
+ * KVX2800T_Disable alone is sent at once, on a raw socket once it is open again. An instrument that is late by more
+ * than five time-outs and then is not can be mistaken, but for one on a raw socket.</td></tr>
  * <tr><td>DetailedErrors</td><td>Texts of a failed opening or transfer name the resource and VISA's status; a time-out
- * is KVX2800T_ERROR_IO_TIMEOUT. A value out of range is recorded with channel and limits, a bad selector with its item,
- * an unknown word with the reply.</td></tr>
+ * is KVX2800T_ERROR_IO_TIMEOUT, but for KVX2800T_viRead and KVX2800T_viWrite, which keep VISA's code. A value out of
+ * range is recorded with channel and limits, a bad selector with its item, an unknown word with the reply.</td></tr>
  * <tr><td>TrueReadings</td><td>KVX2800T_Measure reads the meters. KVX2800T_QueryOutputState tells over-voltage and
  * over-current from the registers, and unregulated when the output is on and in none of the four other states.
- * KVX2800T_ResetOutputProtection is KVX2800T_ERROR_OPERATION_NOT_SUPPORTED: no command clears a trip. KVX2800T_Disable
- * reports a failed write.</td></tr>
+ * KVX2800T_ResetOutputProtection is KVX2800T_ERROR_OPERATION_NOT_SUPPORTED: no command does nothing but clear a trip.
+ * KVX2800T_Disable reports a failed write.</td></tr>
  * <tr><td>CheckedOptions</td><td>The option string is read to the letter: "Simulate" or "Simulate=" is 0xBFFA004A, "=1"
  * 0xBFFA0049, the name of an inherent option inside DriverSetup 0xBFFA004B. An instrument whose identification cannot
  * be read or has no model is 0xBFFA005E. Levels that are no finite numbers are refused.</td></tr>
@@ -685,7 +687,7 @@ ViStatus _VI_FUNC KVX2800T_ConfigureOutputRange(ViSession vi, ViConstString chan
  *
  * @param vi           the session.
  * @param channelName  the channels.
- * @return 0, or a common status code for channelName.
+ * @return 0, or a common status code for channelName; with TrueReadings KVX2800T_ERROR_OPERATION_NOT_SUPPORTED.
  */
 ViStatus _VI_FUNC KVX2800T_ResetOutputProtection(ViSession vi, ViConstString channelName);
 

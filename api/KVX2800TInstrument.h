@@ -24,7 +24,7 @@
  * (KVX2800T_ERROR_VALUE_OUT_OF_RANGE otherwise). Only voltage and current levels have limits in the driver, the
  * instrument judges the rest: KVX2800T_error_query tells what it has refused, and with status checking on a function
  * that configures returns IVI_ERROR_INSTRUMENT_STATUS. A query that the instrument refuses has no reply: it is
- * KVX2800T_ERROR_IO once the time-out is over.
+ * KVX2800T_ERROR_IO once the time-out is over (KVX2800T_ERROR_IO_TIMEOUT with DetailedErrors).
  *
  * Common status codes: IVI_ERROR_NULL_POINTER, KVX2800T_ERROR_VALUE_OUT_OF_RANGE, 0xBFFA0044 and 0xBFFA0063 to
  * 0xBFFA0067 for channelName, KVX2800T_ERROR_IO, IVI_ERROR_UNEXPECTED_RESPONSE, IVI_ERROR_INSTRUMENT_STATUS. Outputs
@@ -1623,7 +1623,7 @@ ViStatus _VI_FUNC KVX2800T_ConstructDelay(ViSession vi, ViConstString channelNam
  * @name Direct I/O
  *
  * Whole messages to and from the instrument (IVI-3.4 section 16), for what no function does. A failure of VISA keeps
- * its code. Simulated sessions have none: KVX2800T_ERROR_OPERATION_NOT_SUPPORTED.
+ * its code. A simulated session has none, KVX2800T_ERROR_OPERATION_NOT_SUPPORTED, unless its simulation remembers.
  * @{
  */
 
@@ -1668,7 +1668,7 @@ ViStatus _VI_FUNC KVX2800T_GetIoTimeout(ViSession vi, ViInt32* milliseconds);
  * @brief Sets how long a read or a write waits, of all functions of the session.
  *
  * A time-out that VISA refuses is kept all the same, as the one that KVX2800T_GetIoTimeout reads. A simulated
- * instrument has none: every value is accepted, and 0 is read.
+ * instrument that does not remember has none: every value is accepted, and 0 is read.
  *
  * @param vi            the session.
  * @param milliseconds  0 or more.

@@ -22,7 +22,7 @@ Refusable refusable(Value value)
 /// Sets every channel that a selector names, each in the source mode it needs. `operation`, an operation of the
 /// instrument or a function on it, takes the channel and the value; to one that takes a bool, everything but VI_FALSE
 /// is true.
-template <auto operation, Refusable::Kind kind = Refusable::Kind::Switch, class Value>
+template <auto operation, Refusable::Kind kind = Refusable::Kind::None, class Value>
 ViStatus _VI_FUNC setEach(ViSession vi, ViConstString channels, Value value)
 {
     return configureChannels(vi, channels, refusable<kind>(value),

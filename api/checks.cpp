@@ -40,7 +40,7 @@ ViStatus checkValue(DriverSession& session, ViInt32 channel, const Refusable& va
         return checkCurrent(session, channel, value.level);
     case Refusable::Kind::Member:
         return refuseMember(session, value.number);
-    case Refusable::Kind::Switch:
+    case Refusable::Kind::None:
         break;
     }
     return VI_SUCCESS;

@@ -25,18 +25,18 @@ ViStatus checkMember(drivekit::DriverSession& session, const TSRO::KeywordTable&
 ViStatus checkVoltage(drivekit::DriverSession& session, ViInt32 channel, ViReal64 volts);
 ViStatus checkCurrent(drivekit::DriverSession& session, ViInt32 channel, ViReal64 amperes);
 
-/// What a function sets or asks for, for the record of a value that is refused.
+/// What a function sets or asks for, for the record of a value that is refused; nothing to tell by default.
 struct Refusable
 {
     enum class Kind
     {
-        Switch,
+        None,
         Member,
         Volts,
         Amperes,
     };
 
-    Kind kind = Kind::Switch;
+    Kind kind = Kind::None;
     /// Of a member.
     ViInt32 number = 0;
     /// Volts or amperes.

@@ -30,11 +30,12 @@ struct InitArguments
     ViConstString optionString;
 };
 
-/// A session for a new handle. After a failure the handle stays with the session service, without its session.
-ViStatus createSession(const InitArguments& arguments, ViSession* vi)
+/// A session for a new handle. After a failure the handle stays with the session service, without its session; after an
+/// exception `session` is what there is of it.
+ViStatus createSession(const InitArguments& arguments, ViSession* vi, DriverSession*& session)
 {
     // KVX2800T_close deletes it; the session service holds nothing but the pointer.
-    DriverSession* const session = new KVX2800TDriverSession(*vi, api::attributeRegistry());
+    session = new KVX2800TDriverSession(*vi, api::attributeRegistry());
     ViStatus status = IviSession_SetDataPtr(*vi, session);
     if (status >= 0)
         status = session->Initialize(textOrEmpty(arguments.resourceName), arguments.idQuery == VI_TRUE,
@@ -60,24 +61,28 @@ ViStatus finishInit(ViBoolean reset, ViSession vi)
     return status;
 }
 
-/// Whether a session that an exception has ended early wants it recorded: as it has found out itself, or, when it has
-/// not got as far as that, as its option string says.
-bool recordsExceptions(const DriverSession* session, ViConstString optionString)
+bool asksForSafeErrors(std::string_view driverSetup)
 {
-    if (session != nullptr && session->settings().safeErrors)
-        return true;
     drivekit::SessionSettings settings;
-    const auto driverSetup = base::splitOptionString(optionString == nullptr ? "" : optionString).driverSetup;
-    drivekit::takeSettings(driverSetup.value_or(""), settings);
+    drivekit::takeSettings(driverSetup, settings);
     return settings.safeErrors;
+}
+
+/// Whether a session that an exception has ended early wants it recorded: as its option string says or, without a
+/// DriverSetup in that, as the configuration store does if the session has got as far as reading it.
+bool wantsSafeErrors(const DriverSession* session, ViConstString optionString)
+{
+    const auto own = base::splitOptionString(optionString == nullptr ? "" : optionString).driverSetup;
+    if (own)
+        return asksForSafeErrors(*own);
+    return session != nullptr && asksForSafeErrors(session->driverSetup());
 }
 
 /// In the catch block of init: the status of a session that records exceptions, which is closed and deleted; the
 /// exception goes on otherwise.
-ViStatus endInit(ViConstString optionString, ViSession* vi)
+ViStatus endInit(ViConstString optionString, ViSession* vi, DriverSession* session)
 {
-    DriverSession* const session = api::sessionOf(*vi);
-    if (!recordsExceptions(session, optionString))
+    if (!wantsSafeErrors(session, optionString))
         throw;
     const ViSession handle = std::exchange(*vi, VI_NULL);
     if (session == nullptr)
@@ -98,11 +103,12 @@ ViStatus initialize(const InitArguments& arguments, ViSession* vi)
     ViStatus status = IviSession_New(vi);
     if (status < 0)
         return status;
+    DriverSession* session = nullptr;
     try {
-        status = createSession(arguments, vi);
+        status = createSession(arguments, vi, session);
         return status < 0 ? status : finishInit(arguments.reset, *vi);
     } catch (...) {
-        return endInit(arguments.optionString, vi);
+        return endInit(arguments.optionString, vi, session);
     }
 }
 
@@ -117,6 +123,20 @@ std::string instrumentRevision(const DriverSession& session)
     if (session.simulate())
         return "Sim" + std::string(drivekit::kDriverRevision);
     return session.instrument()->identity()->firmwareRevision;
+}
+
+/// Tells the listeners that a session is about to be closed, which nothing that one of them throws keeps back where the
+/// session records exceptions.
+void notifyListeners(ViSession vi, DriverSession* session)
+{
+    const auto notify = [vi](const auto& /*session*/) -> ViStatus {
+        drivekit::notifyCloseListeners(vi);
+        return VI_SUCCESS;
+    };
+    if (session == nullptr)
+        notify(session);
+    else
+        api::guarded(*session, api::Exceptions::AsTheSessionHasIt, notify);
 }
 
 ViStatus reportUnknownCode(ViSession vi, ViStatus code)
@@ -145,7 +165,7 @@ ViStatus _VI_FUNC KVX2800T_close(ViSession Vi)
     ViAddr data = nullptr;
     if (IviSession_GetDataPtr(Vi, &data) < 0)
         return base::kErrorInvalidSessionHandle;
-    drivekit::notifyCloseListeners(Vi);
+    notifyListeners(Vi, static_cast<DriverSession*>(data));
     const ViStatus status = IviSession_GetDataPtr(Vi, &data);
     if (status < 0 || data == nullptr)
         return status;

@@ -855,7 +855,7 @@ class Protection(Selection):
         return ProtectionState(*self._outputs([bool, bool], "QueryProtectionState"))
 
     def reset(self) -> None:
-        """Changes nothing: there is no way to end a trip but to switch the output on."""
+        """Raises 0xBFFA4216 with the profile and changes nothing without it: only switching the output on ends a trip."""
         self._call("ResetOutputProtection")
 
 

@@ -44,6 +44,23 @@ ViStatus parseReply(std::string_view reply, ChannelName& value)
     return VI_SUCCESS;
 }
 
+ViStatus parseReply(std::string_view reply, LongInteger& value)
+{
+    value.value = parseLong(reply);
+    return VI_SUCCESS;
+}
+
+ViStatus parseReply(std::string_view reply, ErrorEntry& value)
+{
+    const ReplyFields fields(reply);
+    value.isEntry = fields.count() == 2;
+    if (!value.isEntry)
+        return VI_SUCCESS;
+    value.code = parseInt(fields[0]);
+    value.message = fields[1];
+    return VI_SUCCESS;
+}
+
 ViStatus parseReply(std::string_view reply, std::string& value)
 {
     value = reply;
@@ -128,8 +145,8 @@ ViStatus CommandPort::query(std::string_view command, std::string& reply)
 ViStatus CommandPort::writeMessage(std::string_view message)
 {
     const ViStatus status = write(message);
-    if (message.find('?') != std::string_view::npos)
-        freshReplies_.owe(true);
+    if (status >= 0)
+        freshReplies_.sent(message);
     return status;
 }
 
@@ -140,9 +157,7 @@ ViStatus CommandPort::readMessage(std::span<ViByte> buffer, std::size_t& count)
     if (!connection)
         return noted(VI_ERROR_INV_OBJECT);
     const ViStatus status = noted(connection->readMessage(buffer, count));
-    freshReplies_.owe(false);
-    if (status < 0)
-        freshReplies_.suspect();
+    freshReplies_.received(status);
     return status == VI_SUCCESS_MAX_CNT ? base::kWarnArrayTruncated : status;
 }
 
@@ -158,6 +173,19 @@ ViStatus CommandPort::transmit(InstLink::VisaIO& connection, std::string_view co
     ViStatus status = freshReplies_.prepare(connection, isQuery);
     if (status >= 0)
         status = connection.write(command);
+    if (status < 0)
+        freshReplies_.suspect();
+    return noted(status);
+}
+
+ViStatus CommandPort::writeAtOnce(std::string_view command)
+{
+    const auto connection = holder_.connection;
+    if (!connection)
+        return noted(VI_ERROR_INV_OBJECT);
+    ViStatus status = freshReplies_.prepareAtOnce(*connection);
+    if (status >= 0)
+        status = connection->write(command);
     if (status < 0)
         freshReplies_.suspect();
     return noted(status);

@@ -24,6 +24,23 @@ ViStatus parseReply(std::string_view reply, bool& value);
 ViStatus parseReply(std::string_view reply, double& value);
 ViStatus parseReply(std::string_view reply, ViInt32& value);
 ViStatus parseReply(std::string_view reply, ChannelName& value);
+
+/// An integer that is read as parseLong() reads it.
+struct LongInteger
+{
+    ViInt32 value = 0;
+};
+ViStatus parseReply(std::string_view reply, LongInteger& value);
+
+/// An entry of the error queue; none when the reply has not exactly two fields.
+struct ErrorEntry
+{
+    bool isEntry = false;
+    ViInt32 code = 0;
+    std::string message = {};
+};
+ViStatus parseReply(std::string_view reply, ErrorEntry& value);
+
 ViStatus parseReply(std::string_view reply, std::string& value);
 
 template <class Enumeration>
@@ -94,6 +111,9 @@ public:
     /// The command as given. VI_ERROR_INV_OBJECT when there is no connection.
     ViStatus write(std::string_view command);
 
+    /// As write(), for a command that must not wait until the connection is in step, such as one that switches off.
+    ViStatus writeAtOnce(std::string_view command);
+
     /// As write(), then one read. `reply` changes only when bytes arrived.
     ViStatus query(std::string_view command, std::string& reply);
 
@@ -135,6 +155,9 @@ public:
         appendArguments(line_, argument);
         return queryLine(values...);
     }
+
+    /// The reply that a query has given as a text is not one to it.
+    void distrust() { freshReplies_.suspect(); }
 
     /// What the last exchange of get() and getFor() has brought.
     std::string_view lastReply() const { return reply_; }

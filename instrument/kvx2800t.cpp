@@ -72,7 +72,7 @@ bool KVX2800T::isOpen()
 
 ViStatus KVX2800T::writeRaw(const std::string& command)
 {
-    port_.write(command);
+    port_.writeAtOnce(command);
     return VI_SUCCESS;
 }
 

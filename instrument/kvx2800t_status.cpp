@@ -15,10 +15,10 @@ ViStatus KVX2800T::reset()
 
 ViStatus KVX2800T::eventStatus(ViInt32& value)
 {
-    std::string reply;
-    const ViStatus status = port_.get("*ESR?", reply);
+    LongInteger events;
+    const ViStatus status = port_.get("*ESR?", events);
     if (status >= 0)
-        value = parseLong(reply);
+        value = events.value;
     return status;
 }
 
@@ -34,13 +34,16 @@ ViStatus KVX2800T::questionableEvent(ViInt32 channel, ViInt32& value)
 
 ViStatus KVX2800T::nextError(ViInt32& code, std::string& message)
 {
-    std::string reply;
-    const ViStatus status = port_.get(":SYSTem:ERRor?", reply);
-    const ReplyFields fields(reply);
-    if (status < 0 || fields.count() != 2)
+    ErrorEntry entry;
+    const ViStatus status = port_.get(":SYSTem:ERRor?", entry);
+    if (status < 0)
         return status;
-    code = parseInt(fields[0]);
-    message = fields[1];
+    if (!entry.isEntry) {
+        port_.distrust();
+        return status;
+    }
+    code = entry.code;
+    message = std::move(entry.message);
     return status;
 }
 

@@ -83,7 +83,7 @@ ViStatus DriverSession::takeSettings()
         return reportOptionFault(*fault);
     if (!settings_.checkedOptions)
         return VI_SUCCESS;
-    const auto fault = findOptionFault(optionString_);
+    const auto fault = findOptionFault(optionString_, driverSetup_);
     return fault ? reportOptionFault(*fault) : VI_SUCCESS;
 }
 
@@ -133,6 +133,8 @@ ViStatus DriverSession::ReportInstrumentFailure(ViStatus status, std::string_vie
 
 ViStatus DriverSession::ReportTransferFailure(ViStatus visaStatus)
 {
+    if (visaStatus == base::kErrorIo)
+        return ReportInstrumentFailure(visaStatus);
     const HexadecimalArgument number(visaStatus);
     if (!settings_.detailedErrors)
         return ReportErrorText(visaStatus, kTransferFailed, {number});

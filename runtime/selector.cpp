@@ -72,17 +72,24 @@ NameRange rangeOfName(std::string_view name)
     return selector::asRange(name).value_or(NameRange{name, kNoNumber, kNoNumber});
 }
 
-/// Records what is wrong with a selector. Behind the arguments of the text stands what is at fault, which sessions with
-/// detailed errors are told.
-ViStatus refuse(DriverSession& session, ViStatus code, std::string_view text, MessageArguments arguments)
+/// Records what is wrong with a selector, in sessions with detailed errors with the item that is at fault.
+ViStatus refuse(DriverSession& session, ViStatus code, std::string_view text, std::string_view item)
 {
     const std::string_view elaboration = session.settings().detailedErrors ? elaborations::kFaultyItem : "";
-    return session.ReportErrorTexts(code, {text, elaboration, ""}, arguments);
+    return session.ReportErrorTexts(code, {text, elaboration, ""}, {item});
 }
 
 ViStatus refuseForm(DriverSession& session, std::string_view item)
 {
-    return refuse(session, base::kErrorBadlyFormedSelector, GetErrorMessage(base::kErrorBadlyFormedSelector), {item});
+    return refuse(session, base::kErrorBadlyFormedSelector, GetErrorMessage(base::kErrorBadlyFormedSelector), item);
+}
+
+/// The message has a place for the name in front of that for the selector.
+ViStatus refuseLevels(DriverSession& session, std::string_view text)
+{
+    constexpr ViStatus kCode = base::kErrorInvalidNumberOfLevelsInSelector;
+    const std::string_view elaboration = session.settings().detailedErrors ? elaborations::kFaultyItem : "";
+    return session.ReportErrorTexts(kCode, {GetErrorMessage(kCode), elaboration, ""}, {Outputs::name(), text});
 }
 
 /// Resolves the items of one level, one after the other.
@@ -126,9 +133,9 @@ private:
     {
         const auto range = selector::parseRange(item);
         if (!range)
-            return refuse(session_, base::kErrorInvalidRangeInSelector, selector_texts::kBaseNamesDiffer, {item});
+            return refuse(session_, base::kErrorInvalidRangeInSelector, selector_texts::kBaseNamesDiffer, item);
         if (range->first >= range->last)
-            return refuse(session_, base::kErrorInvalidRangeInSelector, selector_texts::kEmptyRange, {item});
+            return refuse(session_, base::kErrorInvalidRangeInSelector, selector_texts::kEmptyRange, item);
         const ViStatus status = take(item, *range, true);
         if (status >= 0)
             selectRange(*range);
@@ -139,7 +146,7 @@ private:
     {
         switch (taken_.take(names, isRange)) {
         case TakenNames::Overlap::WithRange:
-            return refuse(session_, base::kErrorInvalidRangeInSelector, selector_texts::kRangesOverlap, {item});
+            return refuse(session_, base::kErrorInvalidRangeInSelector, selector_texts::kRangesOverlap, item);
         case TakenNames::Overlap::WithName:
             return refuseForm(session_, item);
         case TakenNames::Overlap::None:
@@ -216,8 +223,7 @@ std::optional<std::string> substituteNames(const DriverSession& session, std::st
 ViStatus resolveWellFormed(DriverSession& session, std::string_view text, OutputSelection& selection)
 {
     if (selector::levelCount(text) > kMaximumLevels)
-        return refuse(session, base::kErrorInvalidNumberOfLevelsInSelector,
-                      GetErrorMessage(base::kErrorInvalidNumberOfLevelsInSelector), {Outputs::name(), text});
+        return refuseLevels(session, text);
     LevelResolver level(session, selection);
     while (const auto item = selector::nextItem(text)) {
         const ViStatus status = level.addItem(*item);
@@ -271,7 +277,7 @@ ViStatus resolveSingleSelector(DriverSession& session, ViConstString selector, P
         return status;
     if (selection.size() != 1)
         return refuse(session, base::kErrorBadlyFormedSelector, selector_texts::kSeveralNames,
-                      {selector == nullptr ? "" : selector});
+                      selector == nullptr ? "" : selector);
     name = *selection.begin();
     return status;
 }

@@ -149,8 +149,36 @@ constexpr std::array<Key, 14> kKeys = {{
     {"FlowControl", takeWord<&IoSettings::flowControl, kFlowControls>},
 }};
 
+/// Takes what stands in front of the next comma off `text`, without blanks around it.
+std::string_view takeItem(std::string_view& text)
+{
+    const std::string_view item = text.substr(0, text.find(','));
+    text.remove_prefix(std::min(text.size(), item.size() + 1));
+    return trimmed(item);
+}
+
+/// A name and what stands behind its sign, "" without one.
+base::OptionPair split(std::string_view item, std::string_view signs)
+{
+    const std::size_t sign = item.find_first_of(signs);
+    return {trimmed(item.substr(0, sign)), sign == std::string_view::npos ? "" : trimmed(item.substr(sign + 1))};
+}
+
+/// A key alone, which forms no pair, asks for something all the same.
+bool isWithoutValue(const Key& key, std::string_view driverSetup)
+{
+    while (!driverSetup.empty()) {
+        const base::OptionPair pair = split(takeItem(driverSetup), "=:");
+        if (pair.value.empty() && equalIgnoringCase(pair.name, key.name))
+            return true;
+    }
+    return false;
+}
+
 std::optional<OptionFault> takeKey(const Key& key, std::string_view driverSetup, SessionSettings& settings)
 {
+    if (isWithoutValue(key, driverSetup))
+        return OptionFault{base::kErrorBadOptionValue, ""};
     bool isThere = false;
     while (const auto option = base::nextDriverSetupOption(driverSetup)) {
         if (!equalIgnoringCase(option->name, key.name))
@@ -166,14 +194,6 @@ std::optional<OptionFault> takeKey(const Key& key, std::string_view driverSetup,
 }
 
 // Reading to the letter.
-
-/// Takes what stands in front of the next comma off `text`, without blanks around it.
-std::string_view takeItem(std::string_view& text)
-{
-    const std::string_view item = text.substr(0, text.find(','));
-    text.remove_prefix(std::min(text.size(), item.size() + 1));
-    return trimmed(item);
-}
 
 bool isInherentOption(std::string_view name)
 {
@@ -195,9 +215,7 @@ std::optional<OptionFault> findItemFault(std::string_view item)
 {
     if (item.empty())
         return std::nullopt;
-    const std::size_t sign = item.find('=');
-    const std::string_view name = trimmed(item.substr(0, sign));
-    const std::string_view value = sign == std::string_view::npos ? "" : trimmed(item.substr(sign + 1));
+    const auto [name, value] = split(item, "=");
     if (name.empty())
         return OptionFault{base::kErrorMissingOptionName, name};
     if (!isInherentOption(name))
@@ -219,15 +237,13 @@ std::optional<OptionFault> takeSettings(std::string_view driverSetup, SessionSet
     return std::nullopt;
 }
 
-std::optional<OptionFault> findOptionFault(std::string_view optionString)
+std::optional<OptionFault> findOptionFault(std::string_view optionString, std::string_view driverSetup)
 {
-    const base::OptionText text = base::splitOptionString(optionString);
-    for (std::string_view rest = text.inherent; !rest.empty();)
+    for (std::string_view rest = base::splitOptionString(optionString).inherent; !rest.empty();)
         if (const auto fault = findItemFault(takeItem(rest)))
             return fault;
-    for (std::string_view rest = text.driverSetup.value_or(""); !rest.empty();) {
-        const std::string_view item = takeItem(rest);
-        const std::string_view name = trimmed(item.substr(0, item.find_first_of("=:")));
+    while (!driverSetup.empty()) {
+        const std::string_view name = split(takeItem(driverSetup), "=:").name;
         if (isInherentOption(name))
             return OptionFault{base::kErrorBadOptionName, name};
     }

@@ -36,12 +36,14 @@ struct OptionFault
 };
 
 /// Takes the settings from a DriverSetup text. Names are compared ignoring case, trailing blanks of values do not
-/// count. A value that a key does not take is base::kErrorBadOptionValue, a key in two spellings
-/// base::kErrorCannotRecover; settings in front of it, in the order of the table, have been taken. Allocates nothing.
+/// count. A value that a key does not take, and a key without one, is base::kErrorBadOptionValue, a key in two
+/// spellings base::kErrorCannotRecover; settings in front of it, in the order of the table, have been taken. Allocates
+/// nothing.
 std::optional<OptionFault> takeSettings(std::string_view driverSetup, SessionSettings& settings);
 
-/// The whole of an option string, read to the letter: inherent options are name=value, separated by commas, and
-/// DriverSetup has none of them. What is wrong first; nothing for a good one. Allocates nothing.
-std::optional<OptionFault> findOptionFault(std::string_view optionString);
+/// Reads what a session was opened with to the letter: the inherent options of its option string are name=value,
+/// separated by commas, and the DriverSetup text that holds for it has none of them. What is wrong first; nothing where
+/// all is well. Allocates nothing.
+std::optional<OptionFault> findOptionFault(std::string_view optionString, std::string_view driverSetup);
 
 } // namespace drivekit

@@ -70,6 +70,7 @@ TEST_F(DriverSetup, KeysWithABadValueFailTheOpeningOnceTheConfigurationIsResolve
     expectRefused("DriverSetup=SafeErrors:maybe", code(0xBFFA004C), "The 'maybe" + unknown);
     expectRefused("DriverSetup=Model:X, Profile: Home ", code(0xBFFA004C), "The 'Home" + unknown);
     expectRefused("DriverSetup=BaudRate:fast", code(0xBFFA004C), "The 'fast" + unknown);
+    expectRefused("DriverSetup=SafeErrors", code(0xBFFA004C), "The '" + unknown);
     EXPECT_THAT(calls("IviConfig_"), Not(IsEmpty()));
     EXPECT_THAT(calls("vi"), IsEmpty());
 }
@@ -78,6 +79,23 @@ TEST_F(DriverSetup, AKeyInTwoSpellingsFailsTheOpening)
 {
     expectRefused("DriverSetup=SafeErrors:1,SAFEERRORS:1", code(0xBFFA0000),
                   "Failure cannot recover.  DriverSetup option 'SAFEERRORS' appears more than once.");
+}
+
+TEST_F(DriverSetup, KeysOfTheStoreHoldWhereTheOptionStringHasNoDriverSetup)
+{
+    StoredDriverSession bench;
+    bench.name = "BenchSupply";
+    bench.driverSetup = "SafeErrors:1,IoTimeout:300";
+    bench.ioResourceDescriptor = "TCPIP0::host::1::SOCKET";
+    configurationStore().furtherSessions.push_back(bench);
+    ASSERT_EQ(initOn("BenchSupply", "", &vi), VI_SUCCESS);
+    answer(":SOUR3:VOLT?", "volts");
+    ViReal64 volts = -1.0;
+    EXPECT_EQ(readVoltage(volts), code(0xBFFA0059));
+    EXPECT_THAT(calls("viSetAttribute"), Contains("viSetAttribute(2, VI_ATTR_TMO_VALUE, 300)"));
+    KVX2800T_close(vi);
+    ASSERT_EQ(initOn("BenchSupply", "DriverSetup=Model:X", &vi), VI_SUCCESS);
+    expectException<std::invalid_argument>(vi, "invalid stod argument", [&] { readVoltage(volts); });
 }
 
 TEST_F(DriverSetup, AnUnknownInherentOptionIsFoundBeforeABadKey)

@@ -2,13 +2,16 @@
 
 #include "base/status_codes.h"
 #include "instrument/command_port.h"
+#include "instrument/kvx2800t.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <deque>
 #include <functional>
 #include <memory>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -42,6 +45,11 @@ public:
         ++reads;
         if (readStatus < 0)
             return readStatus;
+        return take(reply);
+    }
+
+    ViStatus take(std::string& reply)
+    {
         if (pending.empty() || pending.front().due > now + kTimeout) {
             now += kTimeout;
             return VI_ERROR_TMO;
@@ -95,6 +103,15 @@ public:
 
 protected:
     ViStatus applyAttributes() override { return VI_SUCCESS; }
+
+    ViStatus receive(std::span<ViByte> buffer, ViUInt32& count) override
+    {
+        std::string reply;
+        const ViStatus status = take(reply);
+        count = static_cast<ViUInt32>(std::min(reply.size(), buffer.size()));
+        std::copy_n(reply.begin(), count, buffer.begin());
+        return status;
+    }
 };
 
 class FreshRepliesTest : public testing::TestWithParam<bool>
@@ -207,18 +224,95 @@ TEST_P(FreshRepliesTest, DropTheReplyThatAMessageOfTheCallersLeftUnread)
     EXPECT_EQ(ask("C?"), "reply to C?");
 }
 
+TEST_P(FreshRepliesTest, CountTheRepliesThatMessagesOfTheCallersAreOwed)
+{
+    std::array<ViByte, 100> buffer{};
+    std::size_t count = 0;
+    EXPECT_EQ(port.writeMessage("A?\nB?"), VI_SUCCESS);
+    instrument->queue("a");
+    instrument->queue("b");
+    EXPECT_EQ(port.readMessage(buffer, count), VI_SUCCESS_TERM_CHAR);
+    EXPECT_EQ(ask("C?"), "reply to C?");
+    // Both are read here, and nothing needs to be asked for.
+    instrument->written.clear();
+    EXPECT_EQ(port.writeMessage("D?"), VI_SUCCESS);
+    EXPECT_EQ(port.readMessage(buffer, count), VI_SUCCESS_TERM_CHAR);
+    EXPECT_EQ(ask("E?"), "reply to E?");
+    EXPECT_EQ(instrument->written, (std::vector<std::string>{"D?", "E?"}));
+}
+
+TEST_P(FreshRepliesTest, AreNotTakenInByAnIdentityThatTheCallerHasAskedFor)
+{
+    std::array<ViByte, 100> buffer{};
+    std::size_t count = 0;
+    instrument->delay = kTimeout * 5 / 2;
+    EXPECT_EQ(port.writeMessage("*idn?"), VI_SUCCESS);
+    instrument->queue(kIdentity);
+    EXPECT_EQ(port.readMessage(buffer, count), VI_ERROR_TMO);
+    instrument->delay = 0;
+    EXPECT_EQ(ask("A?"), "reply to A?");
+    EXPECT_EQ(ask("B?"), "reply to B?");
+}
+
+TEST_P(FreshRepliesTest, DistrustAStatusRegisterAndAnErrorEntryThatCannotBeRead)
+{
+    KVX2800T supply(std::move(port));
+    const auto volts = [&] {
+        double value = -1.0;
+        instrument->queue("2.5");
+        return supply.voltageLevel(3, value) == VI_SUCCESS ? value : -1.0;
+    };
+    instrument->queue("CH1");
+    ViInt32 number = 0;
+    std::string message;
+    EXPECT_THROW(supply.eventStatus(number), std::invalid_argument);
+    instrument->written.clear();
+    supply.clearStatus();
+    EXPECT_EQ(instrument->written.front(), "*IDN?");
+    EXPECT_EQ(volts(), 2.5);
+    instrument->pending.clear();
+    instrument->queue("no entry");
+    EXPECT_EQ(supply.nextError(number, message), VI_SUCCESS);
+    EXPECT_EQ(message, "");
+    instrument->written.clear();
+    supply.clearStatus();
+    EXPECT_EQ(instrument->written.front(), "*IDN?");
+}
+
+TEST_P(FreshRepliesTest, TakeAnyAnswerWhereNoIdentityIsKnown)
+{
+    port.expect({});
+    instrument->identity = "garbage";
+    instrument->lost = 1;
+    EXPECT_EQ(ask("A?"), "failed");
+    EXPECT_EQ(ask("B?"), "reply to B?");
+}
+
+TEST_P(FreshRepliesTest, DoNotKeepWhatSwitchesOffFromAnInstrumentThatDoesNotAnswer)
+{
+    instrument->lost = 1000;
+    EXPECT_EQ(ask("A?"), "failed");
+    instrument->written.clear();
+    EXPECT_EQ(port.writeAtOnce("OFF"), VI_SUCCESS);
+    EXPECT_EQ(instrument->written.back(), "OFF");
+    EXPECT_EQ(instrument->written.size(), GetParam() ? 2U : 1U);
+    instrument->lost = 0;
+    EXPECT_EQ(ask("B?"), "reply to B?");
+}
+
 TEST_P(FreshRepliesTest, AnotherInstrumentIsAFailureUntilTheOwnOneIsBack)
 {
     instrument->lost = 1;
     EXPECT_EQ(ask("A?"), "failed");
-    for (const char* const other :
-         {"Tessaro Instruments,KVX2833T,SN2,V2.34", "Tessaro Instruments,KVX2803T,SN1,V2.34", "a,b", ""})
+    for (const char* const other : {"Tessaro Instruments,KVX2833T,SN2,V2.34", "Tessaro Instruments,KVX2803T,SN1,V2.34"})
     {
         instrument->identity = other;
         EXPECT_EQ(ask("B?"), "failed") << other;
-        if (GetParam()) {
-            EXPECT_EQ(port.connectionStatus(), base::kErrorIo) << other;
-        }
+        EXPECT_EQ(port.connectionStatus(), base::kErrorIo) << other;
+    }
+    for (const char* const other : {"a,b", ""}) {
+        instrument->identity = other;
+        EXPECT_EQ(ask("B?"), "failed") << other;
     }
     instrument->identity = "Another Maker,KVX2833T,SN1,V9.99";
     EXPECT_EQ(ask("C?"), "reply to C?");

@@ -1,5 +1,6 @@
 #include "runtime/session_settings.h"
 
+#include "base/option_grammar.h"
 #include "base/status_codes.h"
 
 #include <gtest/gtest.h>
@@ -56,7 +57,7 @@ std::string switches(const SessionSettings& settings)
 
 TEST(SessionSettings, AreOffInATextWithoutTheirKeys)
 {
-    for (const char* const text : {"", "Model:KVX2833T", "Banana:1,SafeError:1,SafeErrorss:1", "SafeErrors", "1"}) {
+    for (const char* const text : {"", "Model:KVX2833T", "Banana:1,SafeError:1,SafeErrorss:1", "Safe,Errors", "1"}) {
         const SessionSettings settings = settingsOf(text);
         EXPECT_EQ(switches(settings), "000000") << text;
         EXPECT_EQ(settings.connection.io.openTimeoutMs, 2000);
@@ -97,7 +98,9 @@ TEST(SessionSettings, AnotherValueIsRefusedAndQuoted)
                                   "StatefulSimulation", "Profile"})
         for (const char* const value : {"2", "yes", "vi_true", "10", "-1", "on"})
             EXPECT_EQ(faultOf(std::string(key) + ":" + value), bad(value)) << key;
-    EXPECT_EQ(faultOf("SafeErrors: , Model:X"), bad(""));
+    for (const char* const text :
+         {"SafeErrors: , Model:X", "SafeErrors", "Model:X, safeerrors", "Profile:", "Parity= ,A:1"})
+        EXPECT_EQ(faultOf(text), bad("")) << text;
     EXPECT_EQ(faultOf("Profile:1"), bad("1"));
     EXPECT_EQ(faultOf("SafeErrors:Bench"), bad("Bench"));
 }
@@ -161,11 +164,17 @@ TEST(SessionSettings, NumbersKeepToTheirRanges)
 
 // The option string to the letter.
 
+/// The fault of an option string whose DriverSetup is the one that holds.
+Fault optionFault(std::string_view optionString)
+{
+    return findOptionFault(optionString, base::splitOptionString(optionString).driverSetup.value_or(""));
+}
+
 TEST(OptionFaults, AreNoneInAGoodOptionString)
 {
     for (const char* const text : {"", "Simulate=1", " Simulate = 1 , RangeCheck=False,", "cache=VI_TRUE",
                                    "Simulate=0,DriverSetup=Model:X,Simulated:1", "DriverSetup=", "DriverSetup=,,"})
-        EXPECT_EQ(findOptionFault(text), Fault()) << text;
+        EXPECT_EQ(optionFault(text), Fault()) << text;
 }
 
 TEST(OptionFaults, AreFoundInInherentOptions)
@@ -183,7 +192,7 @@ TEST(OptionFaults, AreFoundInInherentOptions)
         {"Cache=1,DriverSetup", {base::kErrorBadOptionName, "DriverSetup"}},
     };
     for (const auto& [text, fault] : faults)
-        EXPECT_EQ(findOptionFault(text), fault) << text;
+        EXPECT_EQ(optionFault(text), fault) << text;
 }
 
 TEST(OptionFaults, AreInherentOptionsInsideDriverSetup)
@@ -191,12 +200,13 @@ TEST(OptionFaults, AreInherentOptionsInsideDriverSetup)
     for (const char* const text : {"DriverSetup=Simulate:1", "Cache=1,DriverSetup=Model:X, simulate = 1",
                                    "DriverSetup=Simulate", "DriverSetup=Model:X,Simulate:"})
     {
-        const auto fault = findOptionFault(text);
+        const auto fault = optionFault(text);
         ASSERT_TRUE(fault) << text;
         EXPECT_EQ(fault->status, base::kErrorBadOptionName) << text;
         EXPECT_EQ(std::string(fault->quoted).size(), 8U) << text;
     }
-    EXPECT_EQ(findOptionFault("DriverSetup=rangecheck:0"), (OptionFault{base::kErrorBadOptionName, "rangecheck"}));
+    EXPECT_EQ(findOptionFault("Cache=1", "Model:X,Simulate:1"), (OptionFault{base::kErrorBadOptionName, "Simulate"}));
+    EXPECT_EQ(optionFault("DriverSetup=rangecheck:0"), (OptionFault{base::kErrorBadOptionName, "rangecheck"}));
 }
 
 } // namespace
