@@ -13,6 +13,7 @@
 #include <memory>
 #include <span>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace
@@ -33,7 +34,7 @@ public:
         written.emplace_back(command);
         if (writeStatus < 0)
             return writeStatus;
-        if (command.ends_with('?') && lost == 0)
+        if (command.find('?') != std::string_view::npos && lost == 0)
             queue(command == "*IDN?" ? identity : "reply to " + std::string(command));
         else if (lost > 0)
             --lost;
@@ -43,13 +44,10 @@ public:
     ViStatus read(std::string& reply) override
     {
         ++reads;
-        if (readStatus < 0)
-            return readStatus;
-        return take(reply);
-    }
-
-    ViStatus take(std::string& reply)
-    {
+        timeouts.push_back(timeout());
+        const ViStatus next = takeStatus();
+        if (next < 0)
+            return next;
         if (pending.empty() || pending.front().due > now + kTimeout) {
             now += kTimeout;
             return VI_ERROR_TMO;
@@ -57,7 +55,7 @@ public:
         now = std::max(now, pending.front().due);
         reply = pending.front().text;
         pending.pop_front();
-        return VI_SUCCESS_TERM_CHAR;
+        return next == VI_SUCCESS ? VI_SUCCESS_TERM_CHAR : next;
     }
 
     ViStatus close() override { return VI_SUCCESS; }
@@ -94,11 +92,15 @@ public:
     int lost = 0;
     bool isSocket = false;
     ViStatus readStatus = VI_SUCCESS;
+    /// In place of readStatus, for the reads to come: a failure, a completion code, or 0 for what would come anyway.
+    std::deque<ViStatus> nextStatuses;
     ViStatus writeStatus = VI_SUCCESS;
     ViStatus reopenStatus = VI_SUCCESS;
     std::deque<Pending> pending;
     std::vector<std::string> written;
     int reads = 0;
+    /// The time-out of each read.
+    std::vector<ViInt32> timeouts;
     int reopenings = 0;
 
 protected:
@@ -107,9 +109,19 @@ protected:
     ViStatus receive(std::span<ViByte> buffer, ViUInt32& count) override
     {
         std::string reply;
-        const ViStatus status = take(reply);
+        const ViStatus status = read(reply);
         count = static_cast<ViUInt32>(std::min(reply.size(), buffer.size()));
         std::copy_n(reply.begin(), count, buffer.begin());
+        return status;
+    }
+
+private:
+    ViStatus takeStatus()
+    {
+        if (nextStatuses.empty())
+            return readStatus;
+        const ViStatus status = nextStatuses.front();
+        nextStatuses.pop_front();
         return status;
     }
 };
@@ -132,6 +144,16 @@ public:
         return status < 0 ? "failed" : reply;
     }
 
+    /// How often the instrument has been asked who it is.
+    auto questions() const { return std::count(instrument->written.begin(), instrument->written.end(), "*IDN?"); }
+
+    /// Makes the next exchange suspect.
+    void loseReply()
+    {
+        instrument->lost = 1;
+        EXPECT_EQ(ask("LOST?"), "failed");
+    }
+
     std::shared_ptr<LateInstrument> instrument = std::make_shared<LateInstrument>();
     CommandPort port{InstLink::ConnectionHolder{instrument, {}}};
 };
@@ -143,9 +165,12 @@ TEST_P(FreshRepliesTest, CostNothingWhileEveryExchangeSucceeds)
 {
     EXPECT_EQ(ask("A?"), "reply to A?");
     EXPECT_EQ(port.write("B"), VI_SUCCESS);
-    EXPECT_EQ(ask("C?"), "reply to C?");
-    EXPECT_EQ(instrument->written, (std::vector<std::string>{"A?", "B", "C?"}));
-    EXPECT_EQ(instrument->reads, 2);
+    std::string text;
+    EXPECT_EQ(port.get({"C"}, text), VI_SUCCESS);
+    EXPECT_EQ(text, "reply to C?");
+    EXPECT_EQ(ask("D?"), "reply to D?");
+    EXPECT_EQ(instrument->written, (std::vector<std::string>{"A?", "B", "C?", "D?"}));
+    EXPECT_EQ(instrument->reads, 3);
     EXPECT_EQ(instrument->reopenings, 0);
 }
 
@@ -177,8 +202,9 @@ TEST_P(FreshRepliesTest, ComeBackAfterALateReplyWithTheNextCommand)
     EXPECT_EQ(ask("A?"), "failed");
     instrument->delay = 0;
     EXPECT_EQ(ask("B?"), "reply to B?");
-    EXPECT_EQ(instrument->written.back(), "B?");
-    EXPECT_EQ(std::count(instrument->written.begin(), instrument->written.end(), "*IDN?"), 1);
+    EXPECT_EQ(port.connectionStatus(), VI_SUCCESS_TERM_CHAR);
+    EXPECT_EQ(ask("C?"), "reply to C?");
+    EXPECT_EQ(instrument->written, (std::vector<std::string>{"A?", "*IDN?", "B?", "C?"}));
     EXPECT_EQ(instrument->reopenings, GetParam() ? 1 : 0);
 }
 
@@ -197,7 +223,71 @@ TEST_P(FreshRepliesTest, SendNoCommandWhileTheInstrumentDoesNotAnswer)
     EXPECT_EQ(port.write("B"), VI_ERROR_TMO);
     EXPECT_EQ(port.connectionStatus(), VI_ERROR_TMO);
     EXPECT_EQ(std::count(instrument->written.begin(), instrument->written.end(), "B"), 0);
-    EXPECT_EQ(std::count(instrument->written.begin(), instrument->written.end(), "*IDN?"), GetParam() ? 1 : 5);
+    EXPECT_EQ(questions(), GetParam() ? 1 : 5);
+}
+
+TEST_P(FreshRepliesTest, WaitLongerOnceQuestionsHaveStayedWithoutAnswer)
+{
+    instrument->lost = 1000;
+    EXPECT_EQ(ask("A?"), "failed");
+    EXPECT_EQ(port.write("B"), VI_ERROR_TMO);
+    EXPECT_EQ(instrument->reads, GetParam() ? 2 : 1 + 1 + 5);
+    EXPECT_EQ(port.write("C"), VI_ERROR_TMO);
+    EXPECT_EQ(instrument->reads, GetParam() ? 3 : 7 + 5 + 5);
+    instrument->lost = 0;
+    EXPECT_EQ(port.write("D"), VI_SUCCESS);
+    EXPECT_EQ(instrument->reads, GetParam() ? 4 : 17 + 5 + 1);
+}
+
+TEST_P(FreshRepliesTest, SilenceBeginsAnewBehindAReply)
+{
+    instrument->lost = 1000;
+    EXPECT_EQ(ask("A?"), "failed");
+    EXPECT_EQ(port.write("B"), VI_ERROR_TMO);
+    instrument->lost = 0;
+    instrument->delay = 3 * kTimeout + 1;
+    instrument->queue("late");
+    instrument->delay = 0;
+    instrument->reads = 0;
+    EXPECT_EQ(ask("C?"), "reply to C?");
+    EXPECT_EQ(instrument->reads, GetParam() ? 1 + 1 : 3 + 1 + 5 + 1 + 1);
+}
+
+TEST_P(FreshRepliesTest, SilenceIsToldByATimeoutThatIsNeitherShortNorInfinite)
+{
+    const std::vector<std::pair<ViInt32, ViInt32>> timeouts = {
+        {3000, 3000}, {100, 100}, {99, 100}, {0, 100}, {-1, 2000}};
+    for (const auto& [own, settling] : timeouts) {
+        instrument->setTimeout(own);
+        instrument->timeouts.clear();
+        loseReply();
+        EXPECT_EQ(ask("B?"), "reply to B?");
+        const auto expected = GetParam() ? std::vector{own, settling, own} : std::vector{own, settling, settling, own};
+        EXPECT_EQ(instrument->timeouts, expected);
+    }
+}
+
+TEST_P(FreshRepliesTest, ALinkThatFailsThriceInARowIsLostAndOpenedAgain)
+{
+    const ViStatus lost = VI_ERROR_CONN_LOST;
+    const std::vector<std::pair<std::deque<ViStatus>, int>> failures = {
+        {{lost, lost}, 0}, {{lost, lost, 0, lost, lost}, 0}, {{lost, lost, lost}, 1}, {{0, 0, lost}, 1}};
+    for (const auto& [statuses, reopenings] : failures) {
+        loseReply();
+        instrument->queue("late");
+        instrument->nextStatuses = GetParam() ? std::deque<ViStatus>() : statuses;
+        instrument->reopenings = 0;
+        EXPECT_EQ(ask("B?"), "reply to B?");
+        EXPECT_EQ(instrument->reopenings, GetParam() ? 1 : reopenings) << statuses.size();
+    }
+}
+
+TEST_P(FreshRepliesTest, DistrustWhatStandsBehindACutReply)
+{
+    instrument->nextStatuses = {VI_SUCCESS_MAX_CNT};
+    EXPECT_EQ(ask("A?"), "reply to A?");
+    EXPECT_EQ(ask("B?"), "reply to B?");
+    EXPECT_EQ(instrument->written, (std::vector<std::string>{"A?", "*IDN?", "B?"}));
 }
 
 TEST_P(FreshRepliesTest, DistrustAReplyThatCannotBeRead)
@@ -219,9 +309,31 @@ TEST_P(FreshRepliesTest, DistrustAReplyWithAnUnknownWord)
 
 TEST_P(FreshRepliesTest, DropTheReplyThatAMessageOfTheCallersLeftUnread)
 {
-    EXPECT_EQ(port.writeMessage("A?"), VI_SUCCESS);
+    EXPECT_EQ(port.writeMessage("A? 1"), VI_SUCCESS);
     EXPECT_EQ(port.writeMessage("B"), VI_SUCCESS);
     EXPECT_EQ(ask("C?"), "reply to C?");
+    EXPECT_EQ(ask("D?"), "reply to D?");
+    EXPECT_EQ(instrument->written, (std::vector<std::string>{"A? 1", "B", "*IDN?", "C?", "D?"}));
+}
+
+TEST_P(FreshRepliesTest, TrustTheConnectionOnceTheCallerHasReadTheReply)
+{
+    std::array<ViByte, 32> buffer{};
+    std::size_t count = 0;
+    EXPECT_EQ(port.writeMessage("A?"), VI_SUCCESS);
+    EXPECT_EQ(port.readMessage(buffer, count), VI_SUCCESS_TERM_CHAR);
+    EXPECT_EQ(count, 11U);
+    EXPECT_EQ(ask("B?"), "reply to B?");
+    EXPECT_EQ(instrument->written, (std::vector<std::string>{"A?", "B?"}));
+}
+
+TEST_P(FreshRepliesTest, AnyInstrumentWillDoWhereNoneIsKnown)
+{
+    port.expect({});
+    instrument->identity = "a,b,c,d";
+    loseReply();
+    EXPECT_EQ(ask("B?"), "reply to B?");
+    EXPECT_EQ(questions(), GetParam() ? 0 : 1);
 }
 
 TEST_P(FreshRepliesTest, CountTheRepliesThatMessagesOfTheCallersAreOwed)
@@ -310,7 +422,7 @@ TEST_P(FreshRepliesTest, AnotherInstrumentIsAFailureUntilTheOwnOneIsBack)
         EXPECT_EQ(ask("B?"), "failed") << other;
         EXPECT_EQ(port.connectionStatus(), base::kErrorIo) << other;
     }
-    for (const char* const other : {"a,b", ""}) {
+    for (const char* const other : {"Tessaro Instruments,KVX2833T,SN1,V2.34,more", "a,b", ""}) {
         instrument->identity = other;
         EXPECT_EQ(ask("B?"), "failed") << other;
     }
@@ -352,6 +464,30 @@ TEST_P(FreshRepliesTest, AnInstrumentThatNeverStopsSendingIsAFailureAndNoHang)
     EXPECT_EQ(flooded.query("B?", reply), VI_ERROR_TMO);
     EXPECT_EQ(std::count(flood->written.begin(), flood->written.end(), "B?"), 0);
     EXPECT_EQ(std::count(flood->written.begin(), flood->written.end(), "*IDN?"), 0);
+    EXPECT_EQ(flood->reads, 1 + 10001);
+}
+
+TEST_P(FreshRepliesTest, AnInstrumentThatAnswersAnythingButItsIdentityIsAFailureAndNoHang)
+{
+    class Babbler : public LateInstrument
+    {
+    public:
+        ViStatus read(std::string& reply) override
+        {
+            ++reads;
+            reply = "babble";
+            return reads <= 2 ? VI_ERROR_TMO : VI_SUCCESS_TERM_CHAR;
+        }
+    };
+    const auto babbler = std::make_shared<Babbler>();
+    CommandPort babbled{InstLink::ConnectionHolder{babbler, {}}};
+    babbled.configure({.freshReplies = true});
+    babbled.expect({"", "KVX2833T", "SN1", ""});
+    std::string reply;
+    EXPECT_EQ(babbled.query("A?", reply), VI_ERROR_TMO);
+    EXPECT_EQ(babbled.query("B?", reply), VI_ERROR_TMO);
+    EXPECT_EQ(babbler->written, (std::vector<std::string>{"A?", "*IDN?", "*IDN?", "*IDN?", "*IDN?", "*IDN?"}));
+    EXPECT_EQ(babbler->reads, 2 + 5 * 10000);
 }
 
 class StaleRepliesTest : public FreshRepliesTest
@@ -367,6 +503,13 @@ TEST_P(StaleRepliesTest, AreWhatASessionHasThatDoesNotAskForFreshOnes)
     instrument->delay = kTimeout + 1;
     EXPECT_EQ(ask("A?"), "failed");
     instrument->delay = 0;
+    EXPECT_EQ(ask("B?"), "reply to A?");
+    EXPECT_EQ(instrument->written, (std::vector<std::string>{"A?", "B?"}));
+}
+
+TEST_P(StaleRepliesTest, AreAlsoThoseOfMessagesOfTheCallersOwn)
+{
+    EXPECT_EQ(port.writeMessage("A?"), VI_SUCCESS);
     EXPECT_EQ(ask("B?"), "reply to A?");
     EXPECT_EQ(instrument->written, (std::vector<std::string>{"A?", "B?"}));
 }
