@@ -297,6 +297,21 @@ TEST_F(DriverSetup, DetailedErrorsNameChannelValueAndLimitsOfALevel)
     expectRecordedOnce(kOutOfRange, outOfRange + "  17 is none of the values.");
 }
 
+TEST_F(DriverSetup, DetailedErrorsDoNotBlameTheValueForAFailedTransfer)
+{
+    openWith("DetailedErrors:1");
+    const std::string text = "I/O error.  Resource 'TCPIP0::host::1::SOCKET': VI_ERROR_IO, the interface has failed.";
+    forget();
+    failCall("viWrite", code(0xBFFF003E));
+    EXPECT_EQ(KVX2800T_SetAttributeViReal64(vi, kChannel, KVX2800T_ATTR_OVP_LIMIT, 999.0), kIoError);
+    expectRecordedOnce(kIoError, text);
+    forget();
+    failCall("viWrite", code(0xBFFF003E));
+    ViReal64 measurement = -1.0;
+    EXPECT_EQ(KVX2800T_Measure(vi, kChannel, KVX2800T_VAL_MEASURE_VOLTAGE, &measurement), kIoError);
+    expectRecordedOnce(kIoError, text);
+}
+
 TEST_F(DriverSetup, DetailedErrorsNameTheFaultyItemOfASelector)
 {
     openWith("DetailedErrors:1");
@@ -405,6 +420,8 @@ TEST_F(DriverSetup, TrueReadingsDoNotPretendToResetAProtection)
 TEST_F(DriverSetup, TrueReadingsReportThatDisableCouldNotBeSent)
 {
     openWith("TrueReadings:1");
+    EXPECT_EQ(KVX2800T_Disable(vi), VI_SUCCESS);
+    failCall("viWrite", 5);
     EXPECT_EQ(KVX2800T_Disable(vi), VI_SUCCESS);
     failCall("viWrite", code(0xBFFF003E));
     clearLog();

@@ -199,16 +199,18 @@ TEST_P(InitException, LeavesASessionThatCanBeClosedAndNothingOpenBehindIt)
     vi = VI_NULL;
 }
 
-TEST_P(InitException, IsAStatusWithSafeErrorsAndLeavesNothingOpen)
+TEST_P(InitException, IsAStatusOfASessionWithSafeErrors)
 {
-    for (const char* const keys : {"SafeErrors:1", "Profile:Bench"}) {
+    const std::string text = "Unexpected response from instrument.  The reply was '" + std::string(GetParam()) + "'.";
+    for (const bool isStored : {false, true}) {
         startOver();
         answer("*ESR?", GetParam());
-        EXPECT_EQ(init("QueryInstrStatus=1,DriverSetup=" + std::string(keys), &vi, VI_TRUE, VI_TRUE), code(0xBFFA0059));
-        EXPECT_EQ(errorOf(kFirstSession),
-                  (ErrorEntry{code(0xBFFA0059), "Unexpected response from instrument.  The reply was '" +
-                                                    std::string(GetParam()) + "'."}));
+        if (isStored)
+            configurationStore().driverSession.emplace().driverSetup = "SafeErrors:1";
+        const std::string options = isStored ? "" : ",DriverSetup=SafeErrors:1";
+        EXPECT_EQ(init("QueryInstrStatus=1" + options, &vi, VI_TRUE, VI_TRUE), code(0xBFFA0059));
         EXPECT_EQ(vi, ViSession{VI_NULL});
+        EXPECT_EQ(errorOf(kFirstSession), (ErrorEntry{code(0xBFFA0059), text}));
         EXPECT_EQ(timesRecorded(), 1U);
         EXPECT_EQ(lockDepth(kFirstSession), 0U);
         EXPECT_EQ(openConfigHandles(), 0U);

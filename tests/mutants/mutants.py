@@ -23,7 +23,7 @@ PROGRAMS = {
     "instrument": ["instrument_test", "simulator_test", "api_test", "operations_test", "allocation_test"],
     "simulator": ["simulator_test", "runtime_test", "api_test"],
     "runtime": ["runtime_test", "api_test", "api_shared_test", "end_to_end_test", "session_lifetime_test"],
-    "api": ["api_test", "api_shared_test", "end_to_end_test", "session_lifetime_test"],
+    "api": ["api_test", "api_out_of_memory_test", "api_shared_test", "end_to_end_test", "session_lifetime_test"],
 }
 
 SURVIVORS_ALLOWED = 0.03

@@ -540,7 +540,7 @@ TEST_F(StatefulSimulator, TakesNoMoreMessagesWhileTooMuchWaitsToBeRead)
     std::size_t queries = 0;
     while (queries < 100'000 && simulator->writeMessage("*OPC?") == VI_SUCCESS)
         ++queries;
-    EXPECT_EQ(queries * 2, TSRO::VirtualConnection::kMostWaitingBytes);
+    EXPECT_EQ(queries * 2, 65536U);
     EXPECT_EQ(simulator->writeMessage("*OPC?"), kTimedOut);
     EXPECT_EQ(message(), std::tuple(kTermChar, "1\n"));
     EXPECT_EQ(simulator->writeMessage("*OPC?"), 0);
@@ -551,8 +551,10 @@ TEST(VirtualConnection, TakesAndGivesNothingOnceItIsClosed)
     TSRO::VirtualConnection connection([] { return 0ns; });
     EXPECT_TRUE(connection.isOpen());
     EXPECT_EQ(connection.write("*OPC?"), 0);
+    EXPECT_EQ(connection.reopen(), 0);
     EXPECT_EQ(connection.close(), 0);
     EXPECT_FALSE(connection.isOpen());
+    EXPECT_EQ(connection.reopen(), kNoConnection);
     EXPECT_EQ(connection.write("*OPC?"), kNoConnection);
     std::string reply = "before";
     EXPECT_EQ(connection.read(reply), kNoConnection);
