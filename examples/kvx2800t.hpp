@@ -810,8 +810,8 @@ public:
         return {detail::fromDriver<bool>(overVoltage), detail::fromDriver<bool>(overCurrent)};
     }
 
-    /// There is no way to end a trip but to switch the output on: throws 0xBFFA4216 with the profile, and changes nothing
-    /// without it.
+    /// There is no way to end a trip but to switch the output on: throws 0xBFFA4216 with the profile, and changes
+    /// nothing without it.
     ViStatus reset() const { return call(KVX2800T_ResetOutputProtection); }
 };
 
