@@ -55,6 +55,7 @@ TEST_F(OutOfMemory, IsAnExceptionForEveryOtherSession)
     for (const char* const keys : {"Model:KVX2833T", "Profile:Bench,SafeErrors:0", "DetailedErrors:1"}) {
         EXPECT_THROW(initWithout(sizeof(KVX2800TDriverSession), std::string("DriverSetup=") + keys), std::bad_alloc);
         EXPECT_THROW(initWithout(kLongText, std::string("DriverSetup=") + keys + ",Note:" + padding), std::bad_alloc);
+        EXPECT_EQ(KVX2800T_close(vi), VI_SUCCESS);
     }
     EXPECT_THROW(initWithout(kLongText, "SafeErrors=1," + padding), std::bad_alloc);
     EXPECT_EQ(timesRecorded(), 0U);
