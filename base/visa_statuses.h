@@ -54,7 +54,7 @@ inline constexpr std::array<VisaStatus, 38> kVisaStatuses = {{
     {statusCode(0xBFFF0072U), "VI_ERROR_RSRC_BUSY", "the interface is in use"},
     {statusCode(0xBFFF0078U), "VI_ERROR_INV_PARAMETER", "a parameter is not a good one"},
     {statusCode(0xBFFF0079U), "VI_ERROR_INV_PROT", "the protocol is not a good one"},
-    {statusCode(0xBFFF0081U), "VI_ERROR_NIMPL_OPER", "the operation is not implemented"},
+    {statusCode(0xBFFF0081U), "VI_ERROR_NIMPL_OPER", "VISA does not offer the operation"},
     {statusCode(0xBFFF009EU), "VI_ERROR_LIBRARY_NFOUND", "a library that VISA needs is missing"},
     {statusCode(0xBFFF00A5U), "VI_ERROR_INTF_NUM_NCONFIG", "there is no interface of that number"},
     {statusCode(0xBFFF00A6U), "VI_ERROR_CONN_LOST", "the connection is lost"},

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <initializer_list>
 #include <string>
 
 // What DriverSetup keys change, with an instrument that answers late, wrongly, or not at all, or trips.
@@ -48,6 +49,20 @@ public:
         }
     }
 
+    /// Lets the instrument answer that many milliseconds late, one delay after the other, and in time again after each.
+    void expectFreshReplies(std::initializer_list<int> delays, int times)
+    {
+        setLevels();
+        for (const int delay : delays) {
+            instrument.control("delay " + std::to_string(delay));
+            expectNoStrangeLevels(times);
+            instrument.control("delay 0");
+            expectNoStrangeLevels(1);
+        }
+        EXPECT_EQ(level("OutputChannel3"), 3.0);
+        EXPECT_EQ(level("OutputChannel4"), 4.0);
+    }
+
     ViBoolean isInState(ViInt32 state) const
     {
         ViBoolean inState = 77;
@@ -59,15 +74,7 @@ public:
 TEST_F(DriverSetupSession, FreshRepliesHoldForEveryDelayAroundTheTimeout)
 {
     openWith("FreshReplies:1,IoTimeout:100");
-    setLevels();
-    for (const int delay : {0, 50, 90, 98, 100, 102, 110, 150, 200, 250}) {
-        instrument.control("delay " + std::to_string(delay));
-        expectNoStrangeLevels(2);
-        instrument.control("delay 0");
-        expectNoStrangeLevels(1);
-    }
-    EXPECT_EQ(level("OutputChannel3"), 3.0);
-    EXPECT_EQ(level("OutputChannel4"), 4.0);
+    expectFreshReplies({0, 50, 90, 98, 100, 102, 110, 150, 200, 250}, 2);
 }
 
 TEST_F(DriverSetupSession, FreshRepliesFindALostInstrumentAgain)
@@ -181,15 +188,7 @@ private:
 TEST_F(DriverSetupSerial, FreshRepliesHoldForEveryDelayAroundTheTimeout)
 {
     openLine("FreshReplies:1,IoTimeout:100");
-    setLevels();
-    for (const int delay : {0, 90, 98, 102, 110, 150, 250}) {
-        instrument.control("delay " + std::to_string(delay));
-        expectNoStrangeLevels(1);
-        instrument.control("delay 0");
-        expectNoStrangeLevels(1);
-    }
-    EXPECT_EQ(level("OutputChannel3"), 3.0);
-    EXPECT_EQ(level("OutputChannel4"), 4.0);
+    expectFreshReplies({0, 90, 98, 102, 110, 150, 250}, 1);
 }
 
 TEST_F(DriverSetupSerial, WithoutFreshRepliesALateOneAnswersTheNextQuery)
