@@ -353,6 +353,16 @@ TEST_F(DriverSetup, DetailedErrorsNameTheFaultyItemOfASelector)
                        "item is 'OutputChannel1-2'.");
 }
 
+TEST_F(DriverSetup, DetailedErrorsNameTheItemThatAVirtualNameStandsFor)
+{
+    configurationStore().driverSession.emplace().virtualNames = {{"Rail", "OutputChannel1,Output Channel2", {}}};
+    openWith("DetailedErrors:1");
+    forget();
+    EXPECT_EQ(KVX2800T_ConfigureOutputEnabled(vi, "OutputChannel3,Rail", VI_TRUE), code(0xBFFA0066));
+    expectRecordedOnce(code(0xBFFA0066),
+                       "The repeated capability selector is badly-formed.  The item is 'Output Channel2'.");
+}
+
 TEST_F(DriverSetup, DetailedErrorsQuoteAReplyWithAnUnknownWord)
 {
     openWith("DetailedErrors:1");
