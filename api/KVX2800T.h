@@ -25,6 +25,9 @@
  * Every function returns 0 (VI_SUCCESS), a positive warning or a negative error. Unless a function says otherwise, an
  * error has been recorded on the session together with a text: KVX2800T_GetError reads both. The first error stays
  * until it is read or cleared. An error of VISA or of the IVI shared components that reaches the caller keeps its code.
+ * Nothing is recorded where there is no session to record on: when the session service refuses a new handle
+ * (IviSession_New), the session's lock (IviSession_Lock) or, at the beginning of a function, the session behind a handle
+ * (IviSession_GetDataPtr).
  *
  * @par Exceptions
  * A reply that the driver cannot read as the number or switch it has asked for, and a channel range with a number
@@ -32,6 +35,10 @@
  * and the session still locked by the calling thread. One that leaves init, which takes no lock, has stored the session
  * in Vi; it can be closed. The functions of KVX2800TInstrument.h, which is included below, return a status instead, and
  * so do all functions of a session with SafeErrors.
+ *
+ * @par Lack of memory
+ * is a status in every session, IVI_ERROR_OUT_OF_MEMORY: recorded, with the lock given back; a record may be without
+ * its text then. An init that fails so leaves nothing open. KVX2800T_close needs no memory.
  *
  * @par Sessions that forgive
  * DriverSetup keys change what a session does; without them everything in this manual holds as it stands. Pairs are
@@ -44,9 +51,8 @@
  * <tr><th>key</th><th>what it does</th></tr>
  * <tr><td>Profile</td><td>"Bench" switches the six keys below on; a key beside it wins.</td></tr>
  * <tr><td>SafeErrors</td><td>No function throws: a reply that cannot be read is 0xBFFA0059 with the reply in the text,
- * a value without a keyword KVX2800T_ERROR_VALUE_OUT_OF_RANGE, a number beyond 32 bits in a selector 0xBFFA0064, lack
- * of memory 0xBFFA0056, anything else 0xBFFA0000; recorded, with the lock given back. An init that fails so leaves
- * nothing open.</td></tr>
+ * a value without a keyword KVX2800T_ERROR_VALUE_OUT_OF_RANGE, a number beyond 32 bits in a selector 0xBFFA0064, anything
+ * else 0xBFFA0000; recorded, with the lock given back. An init that fails so leaves nothing open.</td></tr>
  * <tr><td>FreshReplies</td><td>A reply never answers another query. After an exchange that failed, timed out, was cut
  * or could not be read, the next command first brings the connection into step: a raw socket is closed and opened
  * again; elsewhere what comes is read until nothing has come for one time-out, and "*IDN?" is asked until the known
@@ -477,7 +483,8 @@ ViStatus _VI_FUNC KVX2800T_InitWithOptions(ViRsrc ResourceName, ViBoolean IdQuer
  * @brief Closes a session and its connection. The handle is unknown afterwards.
  *
  * @param Vi  the session.
- * @return 0, or KVX2800T_ERROR_INVALID_SESSION_HANDLE (nothing recorded).
+ * @return 0, or KVX2800T_ERROR_INVALID_SESSION_HANDLE (nothing recorded). When the session service refuses to dispose of
+ *         the handle, its status: the session is closed all the same, and the handle leads to none.
  */
 ViStatus _VI_FUNC KVX2800T_close(ViSession Vi);
 
@@ -841,8 +848,10 @@ ViStatus _VI_FUNC KVX2800T_GetAttributeViSession(ViSession Vi, ViConstString Rep
  * @param AttributeValueBufferSize  bytes in AttributeValue, the NUL included. 0: nothing is read. Negative: the buffer
  * is large enough for any text.
  * @param AttributeValue            receives the text, cut if need be; may be null when the size is 0.
- * @return 0; 4096, which is enough for every text, when the size is 0 or the text fills the buffer to its end, cut or
- *         not; or a status code of the group.
+ * @return 0; 4096, which is enough for every text but a long DriverSetup, when the size is 0 or the text fills the
+ *         buffer to its end, cut or not; or a status code of the group. Of a DriverSetup of 4096 characters or more, a
+ *         buffer of 4096 bytes receives the first 4095 (with 4096 returned, for a negative size 0); a larger one all
+ *         that fits.
  */
 ViStatus _VI_FUNC KVX2800T_GetAttributeViString(ViSession Vi, ViConstString RepCapIdentifier, ViAttr AttributeID,
                                                 ViInt32 AttributeValueBufferSize, ViChar AttributeValue[]);

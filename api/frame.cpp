@@ -19,16 +19,11 @@ ViStatus recordOutOfRange(DriverSession& session, std::string_view what)
     return what == base::kInvalidKey ? session.ReportError(base::kErrorValueOutOfRange) : session.ReportUnreadReply();
 }
 
-} // namespace
-
-ViStatus endWithException(DriverSession& session)
+/// For a session that records exceptions.
+ViStatus recordException(DriverSession& session)
 {
-    if (!session.recordsExceptions())
-        throw;
     try {
         throw;
-    } catch (const std::bad_alloc&) {
-        return session.ReportError(base::kErrorOutOfMemory);
     } catch (const std::out_of_range& error) {
         return recordOutOfRange(session, error.what());
     } catch (const std::invalid_argument&) {
@@ -38,6 +33,21 @@ ViStatus endWithException(DriverSession& session)
                                                   {error.what()});
     } catch (...) {
         return session.ReportError(base::kErrorCannotRecover);
+    }
+}
+
+} // namespace
+
+ViStatus endWithException(DriverSession& session)
+{
+    try {
+        throw;
+    } catch (const std::bad_alloc&) {
+        return session.ReportError(base::kErrorOutOfMemory);
+    } catch (...) {
+        if (session.recordsExceptions())
+            return recordException(session);
+        throw;
     }
 }
 

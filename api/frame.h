@@ -7,8 +7,8 @@
 /// The frame that every exported function on a session runs in.
 ///
 /// What the instrument layer throws leaves a function of the instrument class with the session still locked and nothing
-/// recorded, unless the session has SafeErrors: then it is recorded, and the status returned. Functions that always
-/// return a status stand on guarded_frame.h.
+/// recorded, unless the session has SafeErrors: then it is recorded, and the status returned. Lack of memory is
+/// recorded and returned always. Functions that always return a status stand on guarded_frame.h.
 namespace api
 {
 
@@ -41,8 +41,8 @@ enum class Exceptions
     Recorded,
 };
 
-/// Records what a catch block has caught, for a session that records exceptions: a reply that cannot be read as
-/// base::kErrorUnexpectedResponse, a value without a keyword as base::kErrorValueOutOfRange, lack of memory as such,
+/// Records what a catch block has caught: lack of memory for every session, and for one that records exceptions a reply
+/// that cannot be read as base::kErrorUnexpectedResponse, a value without a keyword as base::kErrorValueOutOfRange,
 /// everything else as base::kErrorCannotRecover. Throws it again for every other session.
 ViStatus endWithException(drivekit::DriverSession& session);
 

@@ -8,6 +8,7 @@
 #include "runtime/driver_identity.h"
 #include "runtime/kvx2800t_driver_session.h"
 
+#include <new>
 #include <string>
 #include <utility>
 
@@ -30,6 +31,13 @@ struct InitArguments
     ViConstString optionString;
 };
 
+/// Deletes the session of a handle that stays with the session service, which then knows of none.
+void deleteSession(ViSession vi, const DriverSession* session)
+{
+    delete session;
+    IviSession_SetDataPtr(vi, VI_NULL);
+}
+
 /// A session for a new handle. After a failure the handle stays with the session service, without its session; after an
 /// exception `session` is what there is of it.
 ViStatus createSession(const InitArguments& arguments, ViSession* vi, DriverSession*& session)
@@ -37,13 +45,15 @@ ViStatus createSession(const InitArguments& arguments, ViSession* vi, DriverSess
     // KVX2800T_close deletes it; the session service holds nothing but the pointer.
     session = new KVX2800TDriverSession(*vi, api::attributeRegistry());
     ViStatus status = IviSession_SetDataPtr(*vi, session);
-    if (status >= 0)
-        status = session->Initialize(textOrEmpty(arguments.resourceName), arguments.idQuery == VI_TRUE,
-                                     arguments.reset == VI_TRUE, textOrEmpty(arguments.optionString));
     if (status < 0) {
         delete session;
         *vi = VI_NULL;
+        return status;
     }
+    status = session->Initialize(textOrEmpty(arguments.resourceName), arguments.idQuery == VI_TRUE,
+                                 arguments.reset == VI_TRUE, textOrEmpty(arguments.optionString));
+    if (status < 0)
+        deleteSession(std::exchange(*vi, VI_NULL), session);
     return status;
 }
 
@@ -78,12 +88,9 @@ bool wantsSafeErrors(const DriverSession* session, ViConstString optionString)
     return session != nullptr && asksForSafeErrors(session->driverSetup());
 }
 
-/// In the catch block of init: the status of a session that records exceptions, which is closed and deleted; the
-/// exception goes on otherwise.
-ViStatus endInit(ViConstString optionString, ViSession* vi, DriverSession* session)
+/// In a catch block of init: records the exception, and closes and deletes the session.
+ViStatus endInit(ViSession* vi, DriverSession* session)
 {
-    if (!wantsSafeErrors(session, optionString))
-        throw;
     const ViSession handle = std::exchange(*vi, VI_NULL);
     if (session == nullptr)
         return drivekit::ReportError(handle, base::kErrorOutOfMemory);
@@ -91,7 +98,7 @@ ViStatus endInit(ViConstString optionString, ViSession* vi, DriverSession* sessi
     const ViStatus status = api::endWithException(*session);
     if (session->instrument())
         session->instrument()->close();
-    delete session;
+    deleteSession(handle, session);
     return status;
 }
 
@@ -107,8 +114,12 @@ ViStatus initialize(const InitArguments& arguments, ViSession* vi)
     try {
         status = createSession(arguments, vi, session);
         return status < 0 ? status : finishInit(arguments.reset, *vi);
+    } catch (const std::bad_alloc&) {
+        return endInit(vi, session);
     } catch (...) {
-        return endInit(arguments.optionString, vi, session);
+        if (!wantsSafeErrors(session, arguments.optionString))
+            throw;
+        return endInit(vi, session);
     }
 }
 
@@ -172,7 +183,11 @@ ViStatus _VI_FUNC KVX2800T_close(ViSession Vi)
     auto* const session = static_cast<DriverSession*>(data);
     api::guarded(*session, api::Exceptions::AsTheSessionHasIt, [](DriverSession& closed) { return closed.Close(); });
     delete session;
-    return IviSession_Dispose(Vi);
+    const ViStatus disposed = IviSession_Dispose(Vi);
+    // A handle that stays must not lead to what is gone.
+    if (disposed < 0)
+        IviSession_SetDataPtr(Vi, VI_NULL);
+    return disposed;
 }
 
 ViStatus _VI_FUNC KVX2800T_LockSession(ViSession Vi, ViBoolean* CallerHasLock)

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <memory>
 #include <utility>
 
 namespace InstLink
@@ -50,6 +51,11 @@ constexpr std::array<Kind, 6> kKinds = {{
     {"", "", make<VisaIO>},
 }};
 
+struct SessionReleaser
+{
+    void operator()(VisaIO* connection) const { connection->releaseSessions(); }
+};
+
 void replace(ConnectionHolder& holder, std::shared_ptr<VisaIO> connection)
 {
     if (const auto previous = std::exchange(holder.connection, std::move(connection)))
@@ -72,11 +78,12 @@ std::shared_ptr<VisaIO> makeConnection(const std::string& resource, const IoSett
 ViStatus connect(ConnectionHolder& holder, const std::string& resource)
 {
     const auto connection = makeConnection(resource, holder.settings);
+    // What has been opened is given back unless all of it succeeds, an exception for lack of memory included.
+    std::unique_ptr<VisaIO, SessionReleaser> opening(connection.get());
     const ViStatus status = connection->open(resource);
-    if (status < 0) {
-        connection->releaseSessions();
+    if (status < 0)
         return status;
-    }
+    opening.release();
     replace(holder, connection);
     return status;
 }

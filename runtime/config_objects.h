@@ -2,12 +2,16 @@
 
 #include <IviConfigServer.h>
 
+#include <algorithm>
 #include <array>
+#include <cstddef>
+#include <span>
 #include <string>
 #include <utility>
+#include <vector>
 
 /// The configuration server's objects as C++ values: handles that are given back, texts, items of collections.
-/// Functions return the server's statuses; a positive one of a text says that it was cut, which is accepted.
+/// Functions return the server's statuses.
 namespace drivekit
 {
 
@@ -110,12 +114,26 @@ ViStatus forEachItem(IviConfigHandle collection, GetCount getCount, GetItem getI
     return status;
 }
 
-/// Reads a text property into `text`, which changes only on success.
-template <class Get>
+/// The sizes of the buffers that a text is read with: first this one, which nearly all fit in.
+inline constexpr std::size_t kTextSize = 1024;
+/// A longer text once more with the size that it needs; but what is longer than this is cut.
+inline constexpr std::size_t kLargestStoreText = 65536;
+
+/// Reads a text property into `text`, which changes only on success. A status beyond the size of the buffer is the size
+/// that the text needs (IVI-3.2, section 3.1.2.1).
+template <std::size_t firstSize = kTextSize, class Get>
 ViStatus readText(Get get, IviConfigHandle object, ViInt32 property, std::string& text)
 {
-    std::array<ViChar, 1024> buffer{};
-    const ViStatus status = get(object, property, static_cast<ViInt32>(buffer.size()), buffer.data());
+    std::array<ViChar, firstSize> first{};
+    std::vector<ViChar> second;
+    std::span<ViChar> buffer = first;
+    const auto read = [&] { return get(object, property, static_cast<ViInt32>(buffer.size()), buffer.data()); };
+    ViStatus status = read();
+    if (status > 0 && static_cast<std::size_t>(status) > firstSize) {
+        second.resize(std::min(static_cast<std::size_t>(status), kLargestStoreText));
+        buffer = second;
+        status = read();
+    }
     if (status < 0)
         return status;
     buffer.back() = '\0';

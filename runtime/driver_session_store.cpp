@@ -9,6 +9,7 @@ namespace drivekit
 namespace
 {
 
+/// The size of the buffer that a location is first read with.
 constexpr std::size_t kLocationSize = 260;
 constexpr ViConstString kInitialSettings = "Configurable Initial Settings";
 
@@ -31,15 +32,14 @@ constexpr std::array<StoredFlag, 6> kStoredFlags = {{
 /// Loads the store of this process into `store`: the process's own file or, without one, the master store.
 ViStatus deserialize(IviConfigStoreHandle store)
 {
-    std::array<ViChar, kLocationSize> location{};
+    std::string location;
     const auto read = [&](ViInt32 property) {
-        return IviConfig_GetConfigStorePropertyViString(store, property, kLocationSize, location.data());
+        return readText<kLocationSize>(IviConfig_GetConfigStorePropertyViString, store, property, location);
     };
     ViStatus status = read(IVICONFIG_VAL_CONFIG_STORE_PROC_DEFAULT_LOCATION);
-    if (status >= 0 && location.front() == '\0')
+    if (status >= 0 && location.empty())
         status = read(IVICONFIG_VAL_CONFIG_STORE_MASTER_LOCATION);
-    location.back() = '\0';
-    return status < 0 ? status : IviConfig_Deserialize(store, location.data());
+    return status < 0 ? status : IviConfig_Deserialize(store, location.c_str());
 }
 
 /// Not a VISA resource descriptor, and not the prefix, which is looked up anyway.

@@ -2,7 +2,8 @@
 #include "tests/support/allocation_failure.h"
 #include "tests/support/driver/api_fixture.h"
 
-#include <new>
+#include <array>
+#include <string>
 
 // What becomes of an init for which there is not enough memory.
 
@@ -36,29 +37,52 @@ public:
     }
 };
 
-TEST_F(OutOfMemory, ForTheSessionIsRecordedForOneThatAsksForSafeErrors)
-{
-    EXPECT_EQ(initWithout(sizeof(KVX2800TDriverSession), "DriverSetup=SafeErrors:1"), kOutOfMemory);
-    expectRecordedWithoutSession();
-}
+/// Every kind of session: lack of memory is nothing that one must ask to have recorded.
+constexpr std::array kSetups = {"Model:KVX2833T", "SafeErrors:1", "Profile:Bench,SafeErrors:0", "DetailedErrors:1"};
 
-TEST_F(OutOfMemory, ForTheTextsIsRecordedForASessionThatAsksForSafeErrors)
+TEST_F(OutOfMemory, ForTheSessionIsRecorded)
 {
-    const std::string padding(kLongText, 'x');
-    EXPECT_EQ(initWithout(kLongText, "DriverSetup=SafeErrors:1,Note:" + padding), kOutOfMemory);
-    expectRecordedWithoutSession();
-}
-
-TEST_F(OutOfMemory, IsAnExceptionForEveryOtherSession)
-{
-    const std::string padding(kLongText, 'x');
-    for (const char* const keys : {"Model:KVX2833T", "Profile:Bench,SafeErrors:0", "DetailedErrors:1"}) {
-        EXPECT_THROW(initWithout(sizeof(KVX2800TDriverSession), std::string("DriverSetup=") + keys), std::bad_alloc);
-        EXPECT_THROW(initWithout(kLongText, std::string("DriverSetup=") + keys + ",Note:" + padding), std::bad_alloc);
-        EXPECT_EQ(KVX2800T_close(vi), VI_SUCCESS);
+    for (const char* const setup : kSetups) {
+        startOver();
+        EXPECT_EQ(initWithout(sizeof(KVX2800TDriverSession), std::string("DriverSetup=") + setup), kOutOfMemory);
+        expectRecordedWithoutSession();
     }
-    EXPECT_THROW(initWithout(kLongText, "SafeErrors=1," + padding), std::bad_alloc);
-    EXPECT_EQ(timesRecorded(), 0U);
+}
+
+TEST_F(OutOfMemory, ForTheTextsIsRecorded)
+{
+    const std::string padding(kLongText, 'x');
+    for (const char* const setup : kSetups) {
+        startOver();
+        EXPECT_EQ(initWithout(kLongText, std::string("DriverSetup=") + setup + ",Note:" + padding), kOutOfMemory);
+        expectRecordedWithoutSession();
+    }
+    startOver();
+    EXPECT_EQ(initWithout(kLongText, "SafeErrors=1," + padding), kOutOfMemory);
+    expectRecordedWithoutSession();
+}
+
+TEST_F(OutOfMemory, LeavesAHandleThatLeadsToNoSession)
+{
+    EXPECT_EQ(initWithout(kLongText, "DriverSetup=" + std::string(kLongText, 'x')), kOutOfMemory);
+    EXPECT_EQ(KVX2800T_reset(kFirstSession), kInvalidSession);
+    EXPECT_EQ(KVX2800T_close(kFirstSession), VI_SUCCESS);
+    EXPECT_EQ(openIviSessions(), 1U);
+}
+
+TEST_F(OutOfMemory, InACallIsRecordedAndGivesTheLockBack)
+{
+    open("Simulate=0");
+    std::string selector(kLongText, ' ');
+    selector += "OutputChannel1, CH2";
+    clearLog();
+    ViStatus status = VI_SUCCESS;
+    {
+        const AllocationFailure failure(kLongText);
+        status = KVX2800T_ConfigureOutputEnabled(vi, selector.c_str(), VI_TRUE);
+    }
+    EXPECT_EQ(status, kOutOfMemory);
+    expectRecordedOnce(kOutOfMemory, kOutOfMemoryText);
 }
 
 } // namespace

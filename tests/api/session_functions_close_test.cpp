@@ -74,6 +74,29 @@ TEST_F(Close, ASecondTimeTheSessionIsUnknown)
     vi = VI_NULL;
 }
 
+TEST_F(Close, ThatCannotDisposeOfTheHandleLeavesItWithoutASession)
+{
+    for (const ViStatus ignored : {VI_SUCCESS, code(0xBFFA1778)}) {
+        failCall("IviSession_Dispose", kInjected);
+        failNthCallOf("IviSession_SetDataPtr", 1, ignored);
+        EXPECT_EQ(KVX2800T_close(vi), kInjected);
+        EXPECT_THAT(calls(),
+                    ElementsAre(testing::_, testing::_, "viClose(1)", testing::StartsWith("IviSession_Dispose("),
+                                testing::StartsWith("IviSession_SetDataPtr(")));
+        EXPECT_EQ(openVisaSessions(), 0U);
+        clearFailures();
+        if (ignored == VI_SUCCESS) {
+            EXPECT_EQ(KVX2800T_reset(vi), kInvalidSession);
+            clearLog();
+            EXPECT_EQ(KVX2800T_close(vi), VI_SUCCESS);
+            EXPECT_EQ(calls("IviSession_Dispose").size(), 0U);
+        }
+        reset();
+        startOver();
+        open();
+    }
+}
+
 TEST_F(Close, AnUnknownSessionIsRefusedAndNobodyIsTold)
 {
     bool told = false;

@@ -126,6 +126,37 @@ TEST_P(InitFailure, OfEachCallIsReportedAndLeavesNothingOpen)
     EXPECT_EQ(n, sequence.size() + 1);
 }
 
+TEST_P(InitFailure, LeavesAHandleThatLeadsToNoSession)
+{
+    for (const char* function : {"IviConfig_Initialize", "viOpen", "viSetBuf", "viWrite", "viRead"})
+        for (const ViStatus ignored : {VI_SUCCESS, kInjected}) {
+            SCOPED_TRACE(function);
+            prepare();
+            failCall(function, VI_ERROR_IO);
+            failNthCallOf("IviSession_SetDataPtr", 2, ignored);
+            EXPECT_LT(initialize(), 0);
+            EXPECT_EQ(calls().back(), "IviSession_SetDataPtr(1001)");
+            EXPECT_THAT(calls("IviSession_SetDataPtr"), testing::SizeIs(2));
+            if (ignored < 0)
+                continue;
+            ViAddr data = this;
+            EXPECT_EQ(IviSession_GetDataPtr(kFirstSession, &data), VI_SUCCESS);
+            EXPECT_EQ(data, nullptr);
+            EXPECT_EQ(KVX2800T_reset(kFirstSession), kInvalidSession);
+            EXPECT_EQ(KVX2800T_close(kFirstSession), VI_SUCCESS);
+            EXPECT_EQ(openIviSessions(), 1U);
+        }
+}
+
+TEST_P(InitFailure, OfTheRegistrationIsNotFollowedByAnother)
+{
+    prepare();
+    failCall("IviSession_SetDataPtr", kInjected);
+    EXPECT_EQ(initialize(), kInjected);
+    EXPECT_THAT(calls(), testing::ElementsAre("IviSession_New()", "IviSession_SetDataPtr(1001)"));
+    EXPECT_EQ(vi, ViSession{VI_NULL});
+}
+
 TEST_P(InitFailure, OfTheCleanUpDoesNotReplaceTheFirstOne)
 {
     for (const char* function : {"viSetBuf", "viWrite", "viRead"}) {

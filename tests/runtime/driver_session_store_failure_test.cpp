@@ -242,6 +242,17 @@ TEST_P(ConfigurationStoreTorture, AnAbsenceIsAFailureUnlessSomethingWasLookedUp)
         }
 }
 
+/// The calls when the n-th returns a warning, which is a size that no buffer has had: a text is read once more.
+std::vector<std::string> withWarning(std::vector<std::string> sequence, std::size_t n)
+{
+    std::string again = sequence[n - 1];
+    if (again.find("PropertyViString") == std::string::npos)
+        return sequence;
+    again.replace(again.rfind(' '), std::string::npos, " 65536)");
+    sequence.insert(sequence.begin() + static_cast<std::ptrdiff_t>(n), again);
+    return sequence;
+}
+
 TEST_P(ConfigurationStoreTorture, AWarningChangesNothing)
 {
     const std::vector<std::string> sequence = undisturbedCalls();
@@ -250,7 +261,7 @@ TEST_P(ConfigurationStoreTorture, AWarningChangesNothing)
         SCOPED_TRACE(sequence[n - 1] + ", call " + std::to_string(n));
         EXPECT_EQ(resolveAnew(n, kWarning), VI_SUCCESS);
         EXPECT_TRUE(failureHappened());
-        EXPECT_EQ(calls(), sequence);
+        EXPECT_EQ(calls(), withWarning(sequence, n));
         EXPECT_EQ(findings(*fresh), found);
         EXPECT_EQ(openConfigHandles(), 0U);
     }

@@ -1,6 +1,10 @@
 #include "tests/support/driver/configuration_store_fixture.h"
 
+#include <algorithm>
+#include <limits>
 #include <ostream>
+#include <string>
+#include <vector>
 
 namespace
 {
@@ -8,10 +12,12 @@ namespace
 using namespace kvxtest;
 using testing::Contains;
 using testing::ElementsAre;
+using testing::ElementsAreArray;
 using testing::IsEmpty;
 using testing::Not;
 using testing::Pair;
 using testing::Pointee;
+using testing::SizeIs;
 
 TEST_F(ConfigurationStoreTest, WithoutAnEntryTheDefaultsHold)
 {
@@ -319,9 +325,9 @@ TEST_F(ConfigurationStoreTest, EveryResolutionStartsFromNothing)
     EXPECT_TRUE(session.cache());
 }
 
-// ---- Texts as long as the buffers they are read into
+// ---- Texts longer than the buffers they are first read into
 
-/// A length that a text has more than its buffer, and whether the server ends a text that it cuts with a NUL.
+/// A length that a text has more than its first buffer, and whether the server ends a text that it cuts with a NUL.
 struct TextLength
 {
     int beyondBuffer;
@@ -332,6 +338,8 @@ void PrintTo(const TextLength& length, std::ostream* stream)
 {
     *stream << length.beyondBuffer << (length.endsWithNul ? "" : ", without a NUL");
 }
+
+constexpr std::size_t kLongest = 65535;
 
 class StoredTexts : public ConfigurationStoreTest, public testing::WithParamInterface<TextLength>
 {
@@ -351,20 +359,34 @@ public:
         return text;
     }
 
-    void expectLocation(const std::string& text)
+    /// The sizes of the reads of one text.
+    static std::vector<std::size_t> readsOf(const std::string& text, std::size_t firstSize)
     {
+        if (text.size() < firstSize)
+            return {firstSize};
+        return {firstSize, std::min(text.size() + 1, kLongest + 1)};
+    }
+
+    void expectLocation(const std::string& property, const std::string& text)
+    {
+        constexpr std::size_t kLocationSize = 260;
         EXPECT_EQ(resolve(), VI_SUCCESS);
         EXPECT_THAT(calls("IviConfig_Deserialize"),
-                    ElementsAre("IviConfig_Deserialize(store, \"" + text.substr(0, 259) + "\")"));
+                    ElementsAre("IviConfig_Deserialize(store, \"" + text.substr(0, kLongest) + "\")"));
+        std::vector<std::string> reads;
+        for (const std::size_t size : readsOf(text, kLocationSize))
+            reads.push_back("IviConfig_GetConfigStorePropertyViString(store, " + property + ", " +
+                            std::to_string(size) + ")");
+        EXPECT_THAT(calls("IviConfig_GetConfigStorePropertyViString(store, " + property), ElementsAreArray(reads));
         EXPECT_EQ(timesRecorded(), 0U);
         clearLog();
     }
 };
 
-TEST_P(StoredTexts, AreCutWhereTheirBufferEnds)
+TEST_P(StoredTexts, AreReadWholeUpTo64KiB)
 {
     const std::string text = textFor(1024);
-    const std::string cut = text.substr(0, 1023);
+    const std::string whole = text.substr(0, kLongest);
     StoredDriverSession& entry = storeRichEntry();
     entry.ioResourceDescriptor = text;
     entry.driverSetup = text;
@@ -372,31 +394,65 @@ TEST_P(StoredTexts, AreCutWhereTheirBufferEnds)
     entry.settings() = {stringComponent(text, text)};
     configurationStore().softwareModules.front().physicalNames = {{text, text}};
     EXPECT_EQ(resolve(), VI_SUCCESS);
-    EXPECT_EQ(session.ioResourceDescriptor(), cut);
-    EXPECT_EQ(session.driverSetup(), cut);
-    EXPECT_THAT(session.configuredStrings(), ElementsAre(Pair(cut, cut)));
-    EXPECT_THAT(session.physicalNames(), ElementsAre(Pair(cut, ElementsAre(cut))));
+    EXPECT_EQ(session.ioResourceDescriptor(), whole);
+    EXPECT_EQ(session.driverSetup(), whole);
+    EXPECT_THAT(session.configuredStrings(), ElementsAre(Pair(whole, whole)));
+    EXPECT_THAT(session.physicalNames(), ElementsAre(Pair(whole, ElementsAre(whole))));
     std::string mapped;
     EXPECT_TRUE(session.mappedText("Core", mapped));
-    EXPECT_EQ(mapped, cut);
+    EXPECT_EQ(mapped, whole);
     mapped.clear();
-    EXPECT_TRUE(session.mappedText(cut, mapped));
+    EXPECT_TRUE(session.mappedText(whole, mapped));
     EXPECT_EQ(mapped, "OutputChannel3");
     EXPECT_EQ(timesRecorded(), 0U);
 }
 
-TEST_P(StoredTexts, OfLocationsAreCutWhereTheirBufferEnds)
+TEST_P(StoredTexts, OfLocationsAreReadWholeUpTo64KiB)
 {
     configurationStore().processDefaultLocation = textFor(260);
-    expectLocation(textFor(260));
+    expectLocation("5", textFor(260));
     configurationStore().processDefaultLocation = "";
     configurationStore().masterLocation = textFor(260);
-    expectLocation(textFor(260));
+    expectLocation("3", textFor(260));
 }
 
 INSTANTIATE_TEST_SUITE_P(Lengths, StoredTexts,
                          testing::Values(TextLength{-2, true}, TextLength{-1, true}, TextLength{0, true},
-                                         TextLength{1, true}, TextLength{1000, true}, TextLength{0, false},
-                                         TextLength{1, false}, TextLength{1000, false}));
+                                         TextLength{1, true}, TextLength{1000, true}, TextLength{64511, true},
+                                         TextLength{65276, true}, TextLength{90000, true}, TextLength{0, false},
+                                         TextLength{1, false}, TextLength{1000, false}, TextLength{90000, false}));
+
+TEST_F(ConfigurationStoreTest, APositiveStatusUpToTheSizeOfTheBufferIsAccepted)
+{
+    storeRichEntry().driverSetup = "Model:KVX2833T";
+    for (const ViStatus status : {1, 1023, 1024}) {
+        failNthCallOf("IviConfig_GetDriverSessionPropertyViString", 1, status);
+        EXPECT_EQ(resolve(), VI_SUCCESS);
+        EXPECT_EQ(session.driverSetup(), "Model:KVX2833T");
+        EXPECT_THAT(calls("IviConfig_GetDriverSessionPropertyViString"), SizeIs(1));
+        clearLog();
+    }
+}
+
+TEST_F(ConfigurationStoreTest, ATextIsReadTwiceAtMostWhateverTheServerSaysOfItsSize)
+{
+    storeRichEntry().driverSetup = "Model:KVX2833T";
+    failCall("IviConfig_GetDriverSessionPropertyViString", std::numeric_limits<ViStatus>::max());
+    EXPECT_EQ(resolve(), VI_SUCCESS);
+    EXPECT_EQ(session.driverSetup(), "Model:KVX2833T");
+    EXPECT_THAT(calls("IviConfig_GetDriverSessionPropertyViString"),
+                ElementsAre("IviConfig_GetDriverSessionPropertyViString(driverSession, 10, 1024)",
+                            "IviConfig_GetDriverSessionPropertyViString(driverSession, 10, 65536)"));
+}
+
+TEST_F(ConfigurationStoreTest, AFailureOfTheSecondReadOfATextIsRecorded)
+{
+    constexpr ViStatus kFailed = code(0xBFFA1777);
+    storeRichEntry().driverSetup = std::string(1024, 'x');
+    failNthCallOf("IviConfig_GetDriverSessionPropertyViString", 2, kFailed);
+    EXPECT_EQ(resolve(), kFailed);
+    EXPECT_EQ(timesRecorded(), 1U);
+    EXPECT_EQ(openConfigHandles(), 0U);
+}
 
 } // namespace
