@@ -57,7 +57,11 @@ ViStatus VisaIO::send(std::string_view bytes)
 
 ViStatus VisaIO::receive(std::span<ViByte> buffer, ViUInt32& count)
 {
-    return viRead(session_, buffer.data(), static_cast<ViUInt32>(buffer.size()), &count);
+    const auto size = static_cast<ViUInt32>(buffer.size());
+    const ViStatus status = viRead(session_, buffer.data(), size, &count);
+    // Whatever VISA says, no more than the buffer is there.
+    count = std::min(count, size);
+    return status;
 }
 
 ViStatus VisaIO::read(std::string& reply)
@@ -77,7 +81,7 @@ ViStatus VisaIO::readMessage(std::span<ViByte> buffer, std::size_t& count)
     const std::size_t size = std::min<std::size_t>(buffer.size(), std::numeric_limits<ViUInt32>::max());
     ViUInt32 received = 0;
     const ViStatus status = receive(buffer.first(size), received);
-    count = std::min<std::size_t>(received, size);
+    count = received;
     return status == VI_SUCCESS_MAX_CNT ? dropRest() : status;
 }
 

@@ -16,4 +16,19 @@ public:
     AllocationFailure& operator=(const AllocationFailure&) = delete;
 };
 
+/// While it lives, the n-th allocation of this thread with operator new from now on fails, the libraries' included.
+class NthAllocationFailure
+{
+public:
+    /// @param n         counted from 1; 0: none fails, they are only counted
+    /// @param andAfter  whether all behind it fail as well
+    explicit NthAllocationFailure(std::size_t n, bool andAfter = false);
+    ~NthAllocationFailure();
+    NthAllocationFailure(const NthAllocationFailure&) = delete;
+    NthAllocationFailure& operator=(const NthAllocationFailure&) = delete;
+
+    /// How many there have been.
+    static std::size_t count();
+};
+
 } // namespace kvxtest

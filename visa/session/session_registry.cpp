@@ -1,7 +1,6 @@
 #include "visa/session/session_registry.h"
 
 #include <limits>
-#include <vector>
 
 namespace visa
 {
@@ -33,22 +32,21 @@ std::shared_ptr<Session> SessionRegistry::find(ViSession handle) const
 
 bool SessionRegistry::close(ViSession handle)
 {
-    // Connections are closed outside the mutex, when this list goes.
-    std::vector<std::shared_ptr<Session>> closed;
+    // Connections are closed outside the mutex, when this goes. Entries change hands as they are: closing takes no
+    // memory.
+    decltype(sessions_) closed;
     {
         const std::lock_guard guard(mutex_);
         if (!sessions_.contains(handle))
             return false;
-        closed.reserve(sessions_.size());
-        std::erase_if(sessions_, [handle, &closed](const auto& entry) {
-            const bool ends = entry.first == handle || entry.second->manager() == handle;
-            if (ends)
-                closed.push_back(entry.second);
-            return ends;
-        });
+        for (auto next = sessions_.begin(); next != sessions_.end();) {
+            const auto entry = next++;
+            if (entry->first == handle || entry->second->manager() == handle)
+                closed.insert(sessions_.extract(entry));
+        }
     }
-    for (const auto& session : closed)
-        session->interrupt();
+    for (const auto& entry : closed)
+        entry.second->interrupt();
     return true;
 }
 

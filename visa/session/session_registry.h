@@ -8,7 +8,6 @@
 #include <memory>
 #include <mutex>
 #include <string>
-#include <unordered_map>
 
 namespace visa
 {
@@ -35,7 +34,8 @@ public:
 
 private:
     mutable std::mutex mutex_;
-    std::unordered_map<ViSession, std::shared_ptr<Session>> sessions_;
+    // Nodes of a map can be moved to another one without memory.
+    std::map<ViSession, std::shared_ptr<Session>> sessions_;
     std::map<std::string, std::weak_ptr<ResourceLock>> locks_;
     std::uint64_t lastHandle_ = 0;
 };

@@ -2,6 +2,7 @@
 #include "tests/support/fakes/platform_fakes.h"
 
 #include <algorithm>
+#include <limits>
 #include <type_traits>
 
 namespace kvxtest
@@ -93,11 +94,14 @@ std::string configArgument(IviConfigHandle handle)
 
 // Handles
 
-/// The handle of a new object; null when a test wants the call at work to give that.
+/// The handle of a new object, unless a test wants the call at work to give something else.
 IviConfigHandle addConfigObject(Platform& fakes, ConfigObject object)
 {
-    return fakes.givesNull ? nullptr
-                           : fakes.configObjects.emplace_back(std::make_unique<ConfigObject>(std::move(object))).get();
+    if (fakes.lie == Lie::Null)
+        return nullptr;
+    if (fakes.lie == Lie::Garbage)
+        return garbageHandle();
+    return fakes.configObjects.emplace_back(std::make_unique<ConfigObject>(std::move(object))).get();
 }
 
 /// The object of a handle of the kind `Data`; null for every other handle.
@@ -201,14 +205,19 @@ ViStatus performCount(IviConfigHandle collection, std::string_view function, ViI
 {
     return performOn<const std::vector<Item>*>(
         collection, function,
-        [count](Platform& /*fakes*/, const ConfigObject& /*object*/, const std::vector<Item>* items) {
-            *count = static_cast<ViInt32>(items->size());
+        [count](const Platform& fakes, const ConfigObject& /*object*/, const std::vector<Item>* items) {
+            constexpr ViInt32 kImpossible = std::numeric_limits<ViInt32>::max();
+            *count = fakes.lie == Lie::Garbage ? kImpossible : static_cast<ViInt32>(items->size());
             return VI_SUCCESS;
         });
 }
 
 ViStatus putStoredText(const Platform& fakes, const std::string& text, ViInt32 bufferSize, ViChar* buffer)
 {
+    if (fakes.lie == Lie::Garbage && bufferSize > 0) {
+        std::fill_n(buffer, bufferSize, '?');
+        return VI_SUCCESS;
+    }
     const ViStatus status = putText(text, bufferSize, buffer);
     const bool isCut = status > 0 && bufferSize > 0;
     if (isCut && fakes.leavesOutNul)
@@ -237,11 +246,12 @@ ViStatus performValue(IviConfigHandle handle, std::string_view function, ViInt32
 {
     return performOn<Data>(
         handle, function,
-        [&](Platform& /*fakes*/, const ConfigObject& /*object*/, const Data& data) -> ViStatus {
+        [&](const Platform& fakes, const ConfigObject& /*object*/, const Data& data) -> ViStatus {
+            constexpr auto kNobodys = static_cast<Value>(0x5A5A);
             const Value* const stored = find(data);
             if (stored == nullptr)
                 return IVICONFIG_ERROR_INVALID_PROPERTY_ID;
-            *value = *stored;
+            *value = fakes.lie == Lie::Garbage ? kNobodys : *stored;
             return VI_SUCCESS;
         },
         property);

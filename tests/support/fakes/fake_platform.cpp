@@ -67,13 +67,13 @@ std::optional<ViStatus> plannedStatus(Platform& fakes, std::string_view function
 {
     std::optional<ViStatus> status;
     std::vector<Failure> remaining;
-    fakes.givesNull = false;
+    fakes.lie = Lie::None;
     for (Failure& failure : fakes.failures) {
         const bool forEver = failure.callsToGo == 0;
         const bool strikesNow = strikes(failure, function);
         if (strikesNow) {
             status = failure.status;
-            fakes.givesNull = failure.givesNull;
+            fakes.lie = failure.lie;
         }
         if (forEver || !strikesNow)
             remaining.push_back(failure);

@@ -92,6 +92,15 @@ struct ConfigurationStore
     std::vector<StoredSoftwareModule> softwareModules;
 };
 
+/// What a call that does not do what it should does with its outputs.
+enum class Lie
+{
+    None,
+    Null,
+    Garbage,
+    Late,
+};
+
 /// A status and its text, as the session service keeps them.
 struct ErrorEntry
 {

@@ -80,10 +80,21 @@ ViStatus read(Platform& fakes, VisaSession& session, ViPBuf buffer, ViUInt32 cap
     auto reply = session.rest.bytes.empty() ? nextReply(fakes, session) : session.rest;
     if (!reply)
         return VI_ERROR_TMO;
+    if (fakes.lie == Lie::Late) {
+        session.rest = *reply;
+        return VI_ERROR_TMO;
+    }
     received = static_cast<ViUInt32>(std::min<std::size_t>(capacity, reply->bytes.size()));
     std::copy_n(reply->bytes.begin(), received, buffer);
     session.rest = {reply->bytes.substr(received), reply->status};
     return session.rest.bytes.empty() ? reply->status : VI_SUCCESS_MAX_CNT;
+}
+
+/// What a transfer tells of the bytes that it has moved.
+ViUInt32 beyondBuffer(ViUInt32 count)
+{
+    constexpr ViUInt32 kImpossible = 0xFFFFFFF0;
+    return locked([=](Platform& fakes) { return fakes.lie == Lie::Garbage ? kImpossible : count; });
 }
 
 // IVI sessions
@@ -197,12 +208,22 @@ void failCall(std::string_view function, ViStatus status)
 
 void giveNullAtNthCall(std::size_t n)
 {
-    addFailure({"", n, VI_SUCCESS, true});
+    addFailure({"", n, VI_SUCCESS, Lie::Null});
+}
+
+void giveGarbageAtNthCall(std::size_t n)
+{
+    addFailure({"", n, VI_SUCCESS, Lie::Garbage});
+}
+
+void delayNthCall(std::size_t n)
+{
+    addFailure({"", n, VI_ERROR_TMO, Lie::Late});
 }
 
 void giveNull(std::string_view function)
 {
-    addFailure({std::string(function), 0, VI_SUCCESS, true});
+    addFailure({std::string(function), 0, VI_SUCCESS, Lie::Null});
 }
 
 void fillBuffersWithoutNul()
@@ -284,7 +305,8 @@ ViStatus _VI_FUNC viOpenDefaultRM(ViPSession sesn)
 {
     *sesn = kGarbage;
     return perform("viOpenDefaultRM", "viOpenDefaultRM()", [=](Platform& fakes) {
-        *sesn = addVisaSession(fakes, VI_NULL);
+        if (fakes.lie != Lie::Garbage)
+            *sesn = addVisaSession(fakes, VI_NULL);
         return VI_SUCCESS;
     });
 }
@@ -294,7 +316,8 @@ ViStatus _VI_FUNC viOpen(ViSession sesn, ViConstRsrc name, ViAccessMode mode, Vi
     *vi = kGarbage;
     return perform("viOpen", callText("viOpen", sesn, textArgument(name), mode, timeout), [=](Platform& fakes) {
         return withVisaSession(fakes, sesn, [&](const VisaSession& /*manager*/) {
-            *vi = addVisaSession(fakes, sesn);
+            if (fakes.lie != Lie::Garbage)
+                *vi = addVisaSession(fakes, sesn);
             return VI_SUCCESS;
         });
     });
@@ -332,7 +355,7 @@ ViStatus _VI_FUNC viRead(ViSession vi, ViPBuf buf, ViUInt32 cnt, ViPUInt32 retCn
         return withVisaSession(fakes, vi, [&](VisaSession& session) { return read(fakes, session, buf, cnt, count); });
     });
     if (retCnt != nullptr)
-        *retCnt = count;
+        *retCnt = beyondBuffer(count);
     return status;
 }
 
@@ -347,15 +370,18 @@ ViStatus _VI_FUNC viWrite(ViSession vi, ViConstBuf buf, ViUInt32 cnt, ViPUInt32 
         });
     });
     if (retCnt != nullptr)
-        *retCnt = status < 0 ? 0 : cnt;
+        *retCnt = beyondBuffer(status < 0 ? 0 : cnt);
     return status;
 }
 
 ViStatus _VI_FUNC IviSession_New(ViSession* handle)
 {
     return perform("IviSession_New", "IviSession_New()", [=](Platform& fakes) {
-        *handle = fakes.nextIviSession++;
-        fakes.iviSessions[*handle];
+        *handle = kGarbage;
+        if (fakes.lie != Lie::Garbage) {
+            *handle = fakes.nextIviSession++;
+            fakes.iviSessions[*handle];
+        }
         return VI_SUCCESS;
     });
 }
@@ -383,7 +409,7 @@ ViStatus _VI_FUNC IviSession_GetDataPtr(ViSession handle, ViAddr* dataPtr)
     return perform("IviSession_GetDataPtr", callText("IviSession_GetDataPtr", handle), [=](Platform& fakes) {
         return withIviSession(fakes, handle, [&](const IviSession& session) {
             const bool givesNull = fakes.callsToNullDataPtr != 0 && --fakes.callsToNullDataPtr == 0;
-            *dataPtr = givesNull ? nullptr : session.data;
+            *dataPtr = givesNull || fakes.lie == Lie::Garbage ? nullptr : session.data;
             return VI_SUCCESS;
         });
     });

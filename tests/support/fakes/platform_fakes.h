@@ -74,6 +74,11 @@ void failNthCallOf(std::string_view function, std::size_t n, ViStatus status);
 void failCall(std::string_view function, ViStatus status);
 /// The n-th call from now on succeeds; if it is one that gives a handle of the configuration server, that is null.
 void giveNullAtNthCall(std::size_t n);
+/// The n-th call from now on says that it has succeeded and gives garbage: handles of nothing, counts beyond every
+/// buffer, texts without a NUL, numbers that nobody has stored, null for the data of a session.
+void giveGarbageAtNthCall(std::size_t n);
+/// The n-th call from now on is out of time. A message is written all the same, and a reply is there for the next read.
+void delayNthCall(std::size_t n);
 /// Every further call of one function succeeds with a null handle.
 void giveNull(std::string_view function);
 /// From now on a text of the configuration server that does not fit fills the whole buffer, and no NUL ends it.
