@@ -66,6 +66,8 @@ ViStatus VisaIO::read(std::string& reply)
     const ViStatus status = receive(readBuffer_, count);
     if (status < 0 || count == 0)
         return status;
+    // A vendor's VISA may claim more than there was room for.
+    count = std::min(count, static_cast<ViUInt32>(readBuffer_.size()));
     reply.assign(reinterpret_cast<const char*>(readBuffer_.data()), count);
     if (stripTermChar_ && reply.back() == static_cast<char>(termChar_))
         reply.pop_back();
