@@ -37,7 +37,10 @@ struct Plan
     std::atomic<bool> armed = false;
     std::atomic<bool> everyThread = false;
     std::atomic<pthread_t> thread{};
+    /// 0: none, or every one of the function.
     std::atomic<unsigned long> failing = 0;
+    /// Null: every function counts.
+    std::atomic<const char*> function = nullptr;
     std::atomic<int> error = 0;
     std::atomic<unsigned long> counted = 0;
     std::atomic<const char*> failed = nullptr;
@@ -45,9 +48,10 @@ struct Plan
 
 constinit Plan plan;
 
-void arm(unsigned long call, int error)
+void arm(unsigned long call, const char* function, int error)
 {
     plan.failing = call;
+    plan.function = function;
     plan.error = error;
     plan.counted = 0;
     plan.failed = nullptr;
@@ -57,21 +61,26 @@ void arm(unsigned long call, int error)
 /// Whether the call that begins now is the one.
 bool isTurnOf(const char* name)
 {
-    if (++plan.counted != plan.failing)
+    const unsigned long call = ++plan.counted;
+    const bool failsAlways = plan.failing == 0 && plan.function != nullptr;
+    if (call != plan.failing && !failsAlways)
         return false;
     plan.failed = name;
     return true;
 }
 
-bool counts()
+bool counts(const char* name)
 {
-    return plan.armed && (plan.everyThread || pthread_equal(plan.thread, pthread_self()) != 0);
+    if (!plan.armed || (!plan.everyThread && pthread_equal(plan.thread, pthread_self()) == 0))
+        return false;
+    const char* const function = plan.function;
+    return function == nullptr || std::strcmp(name, function) == 0;
 }
 
 /// Whether this call fails; sets errno if it does.
 bool fails(const char* name)
 {
-    if (!counts() || plan.error == kShortTransfer || !isTurnOf(name))
+    if (!counts(name) || plan.error < 0 || !isTurnOf(name))
         return false;
     errno = plan.error;
     return true;
@@ -80,9 +89,15 @@ bool fails(const char* name)
 /// How much of a transfer of this size takes place.
 std::size_t shortened(const char* name, std::size_t size)
 {
-    if (!counts() || plan.error != kShortTransfer || size < 2 || !isTurnOf(name))
+    if (!counts(name) || plan.error != kShortTransfer || size < 2 || !isTurnOf(name))
         return size;
     return size / 2;
+}
+
+/// Whether this transfer only says that it has taken place.
+bool isClaimed(const char* name)
+{
+    return counts(name) && plan.error == kClaimedTransfer && isTurnOf(name);
 }
 
 template <class Function>
@@ -111,10 +126,11 @@ void armFromEnvironment() __attribute__((constructor));
 void armFromEnvironment()
 {
     const char* const error = variable("KVX_FAIL_ERROR");
-    if (*variable("KVX_FAIL_CALL") == '\0' && *variable("KVX_FAIL_REPORT") == '\0')
+    const char* const function = variable("KVX_FAIL_FUNCTION");
+    if (*variable("KVX_FAIL_CALL") == '\0' && *variable("KVX_FAIL_REPORT") == '\0' && *function == '\0')
         return;
     plan.everyThread = true;
-    arm(std::strtoul(variable("KVX_FAIL_CALL"), nullptr, 10),
+    arm(std::strtoul(variable("KVX_FAIL_CALL"), nullptr, 10), *function == '\0' ? nullptr : function,
         std::strcmp(error, "short") == 0 ? kShortTransfer : static_cast<int>(std::strtol(error, nullptr, 10)));
 }
 
@@ -136,7 +152,13 @@ void report()
 void kvxArmFailingCall(unsigned long call, int error)
 {
     plan.thread = pthread_self();
-    arm(call, error);
+    arm(call, nullptr, error);
+}
+
+void kvxArmFailingFunction(const char* function, int error)
+{
+    plan.thread = pthread_self();
+    arm(0, function, error);
 }
 
 void kvxDisarmFailingCall()
@@ -172,6 +194,8 @@ const char* kvxFailedCall()
         static auto* const real = next<ssize_t parameters>(#name);                                                     \
         if (fails(#name))                                                                                              \
             return -1;                                                                                                 \
+        if (isClaimed(#name))                                                                                          \
+            return static_cast<ssize_t>(size);                                                                         \
         size = shortened(#name, size);                                                                                 \
         return real arguments;                                                                                         \
     }
