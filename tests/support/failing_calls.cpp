@@ -166,6 +166,11 @@ void kvxDisarmFailingCall()
     plan.armed = false;
 }
 
+void kvxResumeFailingCall()
+{
+    plan.armed = true;
+}
+
 unsigned long kvxCountedCalls()
 {
     return plan.counted;
@@ -224,8 +229,20 @@ FORWARD(int, setsockopt, noexcept, (int descriptor, int level, int option, const
         (descriptor, level, option, value, size))
 FORWARD(ssize_t, recvmsg, , (int descriptor, msghdr* message, int flags), (descriptor, message, flags))
 FORWARD(ssize_t, sendmsg, , (int descriptor, const msghdr* message, int flags), (descriptor, message, flags))
-TRANSFER(recv, (int descriptor, void* bytes, std::size_t size, int flags), size, (descriptor, bytes, size, flags))
 TRANSFER(send, (int descriptor, const void* bytes, std::size_t size, int flags), size, (descriptor, bytes, size, flags))
+
+extern "C" ssize_t recv(int descriptor, void* bytes, std::size_t size, int flags)
+{
+    static auto* const real = next<ssize_t(int, void*, std::size_t, int)>("recv");
+    char first = 0;
+    const bool canFail = plan.error != EAGAIN || (flags & MSG_DONTWAIT) == 0 ||
+                         real(descriptor, &first, 1, MSG_PEEK | MSG_DONTWAIT) <= 0;
+    if (canFail && fails("recv"))
+        return -1;
+    if (isClaimed("recv"))
+        return static_cast<ssize_t>(size);
+    return real(descriptor, bytes, shortened("recv", size), flags);
+}
 
 // Waiting
 FORWARD(int, poll, , (pollfd * polled, nfds_t count, int waitMs), (polled, count, waitMs))
@@ -253,7 +270,8 @@ extern "C" int close(int descriptor)
 {
     // By number, since this is called before and after everything else. The descriptor is gone even if close fails.
     const long result = ::syscall(SYS_close, descriptor);
-    return fails("close") ? -1 : static_cast<int>(result);
+    const bool canFail = plan.error == EINTR || plan.error == EIO || plan.error == ENOSPC;
+    return canFail && fails("close") ? -1 : static_cast<int>(result);
 }
 
 // Terminals

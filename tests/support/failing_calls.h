@@ -16,7 +16,8 @@
 /// A test runs once with no failure to learn how many calls there are, then once for each of them:
 ///   for (unsigned long call = 1; call <= calls; ++call) ...
 ///
-/// A call that fails does nothing, except that close closes. A short transfer moves half of the bytes, one at least;
+/// A call that fails does nothing, except that close closes; close fails only as it can, with EINTR, EIO or ENOSPC, and
+/// recv without a wait says EAGAIN only while nothing is there. A short transfer moves half of the bytes, one at least;
 /// when one is to be short, or claimed, only transfers count. What the C library calls within itself (getaddrinfo,
 /// stdio) is not seen.
 extern "C" {
@@ -38,6 +39,9 @@ void kvxArmFailingFunction(const char* function, int error);
 
 /// Counts no longer.
 void kvxDisarmFailingCall(void);
+
+/// Goes on where kvxDisarmFailingCall left off.
+void kvxResumeFailingCall(void);
 
 /// How many calls have been counted since the library was armed.
 unsigned long kvxCountedCalls(void);

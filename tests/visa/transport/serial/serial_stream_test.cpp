@@ -89,7 +89,7 @@ TEST_F(VisaSerial, HungUpLineIsLost)
     peer_.hangUp();
     EXPECT_EQ(read(session_, 100), (ReadResult{VI_ERROR_CONN_LOST, ""}));
     EXPECT_EQ(write(session_, "x"), VI_ERROR_CONN_LOST);
-    EXPECT_EQ(viClear(session_), VI_ERROR_CONN_LOST);
+    EXPECT_LT(viClear(session_), VI_SUCCESS);
 }
 
 TEST_F(VisaSerial, LineThatHangsUpDuringAReadIsLost)
