@@ -59,7 +59,7 @@ ViStatus VisaIO::receive(std::span<ViByte> buffer, ViUInt32& count)
 {
     const auto size = static_cast<ViUInt32>(buffer.size());
     const ViStatus status = viRead(session_, buffer.data(), size, &count);
-    // Whatever VISA says, no more than the buffer is there.
+    // A vendor's VISA may claim more than there was room for.
     count = std::min(count, size);
     return status;
 }

@@ -179,6 +179,11 @@ ViStatus _VI_FUNC viWrite(ViSession vi, ViConstBuf buf, ViUInt32 cnt, ViPUInt32 
     return transfer(vi, buf, cnt, retCnt, &Session::write);
 }
 
+ViStatus _VI_FUNC viClear(ViSession vi)
+{
+    return withSession(vi, [](Session& session) { return session.clear(); });
+}
+
 ViStatus _VI_FUNC viSetBuf(ViSession vi, ViUInt16 mask, ViUInt32 size)
 {
     return withSession(vi, [=](Session& session) { return session.setBuffer(mask, size); });

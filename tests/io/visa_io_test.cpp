@@ -238,6 +238,15 @@ TEST_F(Connection, ReadsAReplyOfExactlyItsBuffer)
     EXPECT_EQ(reply, std::string(1024, 'a'));
 }
 
+TEST_F(Connection, BelievesNoCountBeyondItsBuffer)
+{
+    queueReply(std::string(1024, 'a'), VI_SUCCESS);
+    kvxtest::claimBytes(1000000);
+    std::string reply;
+    EXPECT_EQ(io.read(reply), 0);
+    EXPECT_EQ(reply, std::string(1024, 'a'));
+}
+
 TEST_F(Connection, KeepsItsBufferWhenTheSettingsHaveAnother)
 {
     io.applySettings({.readBufferSize = 16, .writeBufferSize = 16});

@@ -24,11 +24,11 @@ TEST(PlatformExports, SessionServiceExportsItsNineFunctionsAndNothingElse)
                                      "IviSession_SetError", "IviSession_GetError", "IviSession_ClearError"));
 }
 
-TEST(PlatformExports, VisaExportsItsNineFunctionsAndNothingElse)
+TEST(PlatformExports, VisaExportsItsTenFunctionsAndNothingElse)
 {
     EXPECT_THAT(exportsOf(VISA_LIBRARY),
                 UnorderedElementsAre("viOpenDefaultRM", "viOpen", "viClose", "viGetAttribute", "viSetAttribute",
-                                     "viStatusDesc", "viRead", "viWrite", "viSetBuf"));
+                                     "viStatusDesc", "viRead", "viWrite", "viClear", "viSetBuf"));
 }
 
 TEST(PlatformExports, ConfigServerExportsItsThirtySixFunctionsAndNothingElse)

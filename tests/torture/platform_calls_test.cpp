@@ -95,11 +95,7 @@ private:
 
     bool isInjected(std::string_view function) const { return injected_.starts_with(function); }
 
-    void wrong(const std::string& step, const std::string& what)
-    {
-        ++tally_.wrong;
-        ADD_FAILURE() << step << ": " << what;
-    }
+    void wrong(const std::string& step, const std::string& what) { tally_.expect(false, step + ": " + what); }
 
     void leak(const std::string& what)
     {
@@ -233,7 +229,7 @@ public:
     /// In a short run every so many calls; each of the scenarios begins with another one.
     std::size_t stride() { return isWholeTorture() ? 1 : 2 + ++steps_ % 3; }
 
-    Tally tally;
+    Tally tally{GetParam().name};
 
 private:
     std::size_t steps_ = 0;
@@ -248,7 +244,6 @@ TEST_P(PlatformCalls, LeaveARecordAndNothingElse)
         SCOPED_TRACE(scenario.name);
         attack(scenario, all);
     }
-    conclude(GetParam().name, tally);
 }
 
 INSTANTIATE_TEST_SUITE_P(Attacks, PlatformCalls, testing::ValuesIn(kAttacks),

@@ -6,22 +6,34 @@
 #include <iomanip>
 #include <iostream>
 #include <string_view>
+#include <utility>
 
 namespace kvxtest
 {
 
-void conclude(std::string_view attack, const Tally& tally)
+Tally::Tally(std::string attack) : attack_(std::move(attack)) {}
+
+Tally::~Tally()
 {
-    EXPECT_GT(tally.injections, 0U);
-    EXPECT_EQ(tally.crashes, 0U);
-    EXPECT_EQ(tally.leaks, 0U);
-    EXPECT_EQ(tally.hangs, 0U);
-    EXPECT_EQ(tally.wrong, 0U);
+    EXPECT_GT(injections, 0U) << attack_;
+    EXPECT_EQ(crashes, 0U) << attack_;
+    EXPECT_EQ(leaks, 0U) << attack_;
+    EXPECT_EQ(hangs, 0U) << attack_;
+    EXPECT_EQ(wrongResults, 0U) << attack_;
+    constexpr int kAttackColumn = 52;
     constexpr int kColumn = 9;
-    std::cout << "torture: " << std::left << std::setw(52) << attack << std::right;
-    for (const std::size_t number : {tally.injections, tally.crashes, tally.leaks, tally.hangs, tally.wrong})
+    std::cout << "torture: " << std::left << std::setw(kAttackColumn) << attack_ << std::right;
+    for (const std::size_t number : {injections, crashes, leaks, hangs, wrongResults})
         std::cout << std::setw(kColumn) << number;
     std::cout << std::endl;
+}
+
+void Tally::expect(bool isRight, const std::string& what)
+{
+    if (isRight)
+        return;
+    ++wrongResults;
+    ADD_FAILURE() << what;
 }
 
 bool isWholeTorture()

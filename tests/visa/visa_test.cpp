@@ -52,6 +52,7 @@ TEST_F(VisaSessions, StaleAndUnknownHandlesAreRefused)
         EXPECT_EQ(value, 0U);
         EXPECT_EQ(viWrite(session, buffer.data(), 4, &value), VI_ERROR_INV_OBJECT);
         EXPECT_EQ(viSetBuf(session, VI_READ_BUF, 4), VI_ERROR_INV_OBJECT);
+        EXPECT_EQ(viClear(session), VI_ERROR_INV_OBJECT);
         EXPECT_EQ(viSetAttribute(session, VI_ATTR_TMO_VALUE, 4), VI_ERROR_INV_OBJECT);
         EXPECT_EQ(viGetAttribute(session, VI_ATTR_TMO_VALUE, &value), VI_ERROR_INV_OBJECT);
     }
@@ -86,6 +87,7 @@ TEST_F(VisaSessions, OnlyResourceManagersOpenAndOnlyOthersTransfer)
     EXPECT_EQ(read(manager_, 4).status, VI_ERROR_NSUP_OPER);
     EXPECT_EQ(write(manager_, "x"), VI_ERROR_NSUP_OPER);
     EXPECT_EQ(viSetBuf(manager_, VI_READ_BUF, 4), VI_ERROR_NSUP_OPER);
+    EXPECT_EQ(viClear(manager_), VI_ERROR_NSUP_OPER);
 }
 
 TEST_F(VisaSessions, AccessModes)
@@ -111,6 +113,7 @@ TEST_F(VisaSessions, ExclusiveLockKeepsOtherSessionsOut)
     EXPECT_EQ(read(before, 1).status, VI_ERROR_RSRC_LOCKED);
     EXPECT_EQ(viSetAttribute(before, VI_ATTR_TMO_VALUE, 1), VI_ERROR_RSRC_LOCKED);
     EXPECT_EQ(viSetBuf(before, VI_READ_BUF, 1), VI_ERROR_RSRC_LOCKED);
+    EXPECT_EQ(viClear(before), VI_ERROR_RSRC_LOCKED);
     EXPECT_EQ(attribute<ViUInt32>(before, VI_ATTR_TMO_VALUE), 2000U);
     EXPECT_EQ(write(holder, "x"), VI_SUCCESS);
     EXPECT_EQ(viClose(holder), VI_SUCCESS);

@@ -61,7 +61,7 @@ WaitResult Interrupter::wait(NativeHandle handle, Direction direction, const Dea
         if (ready > 0)
             return polled[1].revents != 0 ? WaitResult::Interrupted : WaitResult::Ready;
         // A signal or the longest wait that poll knows cut the wait short; only the deadline ends it.
-        if (ready == 0 && deadline.remainingMs(1) == 0)
+        if (deadline.remainingMs(1) == 0)
             return WaitResult::TimedOut;
     }
 }
@@ -69,7 +69,10 @@ WaitResult Interrupter::wait(NativeHandle handle, Direction direction, const Dea
 WaitResult Interrupter::pause(int pauseMs) const noexcept
 {
     pollfd polled{static_cast<int>(waited_), POLLIN, 0};
-    return ::poll(&polled, 1, pauseMs) > 0 ? WaitResult::Interrupted : WaitResult::TimedOut;
+    const int ready = ::poll(&polled, 1, pauseMs);
+    if (ready < 0 && errno != EINTR)
+        return WaitResult::Failed;
+    return ready > 0 ? WaitResult::Interrupted : WaitResult::TimedOut;
 }
 
 } // namespace visa

@@ -37,7 +37,7 @@ public:
     WaitResult wait(NativeHandle handle, Direction direction, const Deadline& deadline) const noexcept;
 
     /// Sleeps for pauseMs or less.
-    /// @return TimedOut when the pause is over, Interrupted when the session is being closed
+    /// @return TimedOut when the pause is over, Interrupted when the session is being closed, or Failed
     WaitResult pause(int pauseMs) const noexcept;
 
 private:

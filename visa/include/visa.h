@@ -46,11 +46,28 @@ ViStatus _VI_FUNC viStatusDesc(ViObject vi, ViStatus status, ViChar desc[]);
 /** @} */
 /** @name Input and output @{ */
 
-/** Reads up to cnt bytes. retCnt (may be null) receives the bytes stored in buf, on an error as well. */
+/**
+ * Reads up to cnt bytes. retCnt (may be null) receives the bytes stored in buf, on an error as well.
+ *
+ * The bytes of a read that failed (a negative status) are not lost if the caller drops them: the next viRead begins
+ * with them, unless viWrite, viClear or viSetBuf comes first.
+ */
 ViStatus _VI_FUNC viRead(ViSession vi, ViPBuf buf, ViUInt32 cnt, ViPUInt32 retCnt);
 
-/** Writes cnt bytes. retCnt (may be null) receives the bytes handed over, on an error as well. */
+/**
+ * Writes cnt bytes. retCnt (may be null) receives the bytes handed over, on an error as well.
+ *
+ * If the last viRead of the session failed, everything that has arrived is discarded first, so that it is not taken for
+ * the answer to these bytes. While that cannot be done, nothing is written and its error is returned. After a viRead
+ * that succeeded, with VI_SUCCESS_MAX_CNT as well, nothing is discarded.
+ */
 ViStatus _VI_FUNC viWrite(ViSession vi, ViConstBuf buf, ViUInt32 cnt, ViPUInt32 retCnt);
+
+/**
+ * Clears the device: discards what has not been sent, on a serial line followed by a break, and what has arrived. Waits
+ * for a viWrite under way; what arrives during a viRead is left to that.
+ */
+ViStatus _VI_FUNC viClear(ViSession vi);
 
 /** Flushes the buffers named by mask (VI_READ_BUF, VI_WRITE_BUF, VI_IO_IN_BUF, VI_IO_OUT_BUF) and sizes them. */
 ViStatus _VI_FUNC viSetBuf(ViSession vi, ViUInt16 mask, ViUInt32 size);
@@ -89,6 +106,14 @@ ViStatus _VI_FUNC viSetBuf(ViSession vi, ViUInt16 mask, ViUInt32 size);
 #define VI_ATTR_TCPIP_NODELAY ((ViAttr)0x3FFF019A)
 #define VI_ATTR_TCPIP_KEEPALIVE ((ViAttr)0x3FFF019B)
 /** @} */
+
+#ifdef KVVISA_EXTENSIONS
+/** @name Attributes of this library only, for who defines KVVISA_EXTENSIONS @{ */
+
+/** ViBoolean, VI_TRUE at first: whether viWrite discards what has arrived when the last viRead failed. */
+#define VI_ATTR_KVX_DISCARD_STALE_INPUT ((ViAttr)0x3FFF8280)
+/** @} */
+#endif
 
 /** @name Attribute values @{ */
 #define VI_TMO_IMMEDIATE 0

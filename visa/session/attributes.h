@@ -73,7 +73,7 @@ inline constexpr ViUInt32 kBufferSize = 4096;
 } // namespace rows
 
 /// All attributes.
-inline constexpr std::array<AttributeRow, 26> kAttributeRows{{
+inline constexpr std::array<AttributeRow, 27> kAttributeRows{{
     {VI_ATTR_TMO_VALUE, ValueType::Long, rows::kDevice, Holder::Session, rows::kAny, 2000},
     {VI_ATTR_TERMCHAR, ValueType::Byte, rows::kDevice, Holder::Session, rows::kAny, '\n'},
     {VI_ATTR_TERMCHAR_EN, ValueType::Boolean, rows::kDevice, Holder::Session, rows::kFlag, VI_FALSE},
@@ -100,6 +100,7 @@ inline constexpr std::array<AttributeRow, 26> kAttributeRows{{
     {VI_ATTR_RM_SESSION, ValueType::Long, rows::kAll, Holder::Fact, rows::kAny, 0},
     {VI_ATTR_INTF_TYPE, ValueType::Short, rows::kDevice, Holder::Fact, rows::kAny, 0},
     {VI_ATTR_INTF_NUM, ValueType::Short, rows::kDevice, Holder::Fact, rows::kAny, 0},
+    {VI_ATTR_KVX_DISCARD_STALE_INPUT, ValueType::Boolean, rows::kDevice, Holder::Session, rows::kFlag, VI_TRUE},
 }};
 
 /// The place of an attribute among the rows; their number for one that has no row.

@@ -9,6 +9,8 @@ namespace visa
 namespace
 {
 
+constexpr ViUInt32 kMomentMs = 100;
+
 ViByte topDataBit(const AttributeValues& values)
 {
     return static_cast<ViByte>(1U << (values.get<VI_ATTR_ASRL_DATA_BITS>() - 1));
@@ -20,6 +22,27 @@ ViByte termChar(const AttributeValues& values)
 }
 
 } // namespace
+
+void InstrumentSession::CarryOver::clear()
+{
+    begin_ = end_ = 0;
+    if (storage_.size() > kCapacity) {
+        storage_.resize(kCapacity);
+        storage_.shrink_to_fit();
+    }
+}
+
+void InstrumentSession::CarryOver::putBack(std::span<const ViByte> bytes)
+{
+    if (bytes.empty())
+        return;
+    const std::size_t others = end_ - begin_;
+    storage_.resize(std::max(storage_.size(), bytes.size() + others));
+    std::memmove(storage_.data() + bytes.size(), storage_.data() + begin_, others);
+    std::memcpy(storage_.data(), bytes.data(), bytes.size());
+    begin_ = 0;
+    end_ = bytes.size() + others;
+}
 
 InstrumentSession::InstrumentSession(Identity identity, std::unique_ptr<Stream> stream,
                                      std::shared_ptr<ResourceLock> lock)
@@ -132,8 +155,9 @@ EndRule InstrumentSession::endRule() const
 ViStatus InstrumentSession::refill(const Deadline& deadline)
 {
     std::size_t received = 0;
-    const ViStatus status = stream_->readSome(carryOver_.room(), deadline, received);
-    carryOver_.filled(received);
+    const auto room = carryOver_.room();
+    const ViStatus status = stream_->readSome(room, deadline, received);
+    carryOver_.filled(std::min(received, room.size()));
     return status;
 }
 
@@ -143,8 +167,17 @@ ViStatus InstrumentSession::read(std::span<ViByte> buffer, std::size_t& count)
     if (!lock_->admits(identity_.self))
         return VI_ERROR_RSRC_LOCKED;
     const std::lock_guard reading(readMutex_);
+    const ViStatus status = readMessage(buffer, Deadline(values_.get<VI_ATTR_TMO_VALUE>()), count);
+    lastReadFailed_.store(status < 0, std::memory_order_relaxed);
+    // The caller may well drop what a read has stored that then failed; the next one gives the message whole.
+    if (status < 0)
+        carryOver_.putBack(buffer.first(count));
+    return status;
+}
+
+ViStatus InstrumentSession::readMessage(std::span<ViByte> buffer, const Deadline& deadline, std::size_t& count)
+{
     const EndRule rule = endRule();
-    const Deadline deadline(values_.get<VI_ATTR_TMO_VALUE>());
     while (count < buffer.size()) {
         const ViStatus status = carryOver_.bytes().empty() ? refill(deadline) : VI_SUCCESS;
         if (status < 0)
@@ -168,6 +201,10 @@ ViStatus InstrumentSession::write(std::span<const ViByte> bytes, std::size_t& co
     if (!lock_->admits(identity_.self))
         return VI_ERROR_RSRC_LOCKED;
     const std::lock_guard writing(writeMutex_);
+    if (mayHaveStaleInput()) {
+        if (const ViStatus discarded = discardInput(); discarded < 0)
+            return discarded;
+    }
     const Deadline deadline(values_.get<VI_ATTR_TMO_VALUE>());
     const bool marksLastBit = values_.get<VI_ATTR_ASRL_END_OUT>() == VI_ASRL_END_LAST_BIT;
     const ViStatus status = marksLastBit ? writeWithLastBit(bytes, topDataBit(values_), deadline, count)
@@ -187,7 +224,7 @@ ViStatus InstrumentSession::writeWithLastBit(std::span<const ViByte> bytes, ViBy
             marked[part.size() - 1] = static_cast<ViByte>(marked[part.size() - 1] | bit);
         std::size_t written = 0;
         const ViStatus status = stream_->writeAll(std::span(marked).first(part.size()), deadline, written);
-        count += written;
+        count += std::min(written, part.size());
         if (status < 0)
             return status;
     }
@@ -215,8 +252,10 @@ ViStatus InstrumentSession::setBuffer(ViUInt16 mask, ViUInt32 size)
     if (!lock_->admits(identity_.self))
         return VI_ERROR_RSRC_LOCKED;
     // Output leaves with viWrite and there is no formatted input, so only received bytes can be waiting to be flushed.
-    if ((mask & VI_IO_IN_BUF) != 0)
-        discardInput();
+    if ((mask & VI_IO_IN_BUF) != 0) {
+        if (const ViStatus discarded = discardInput(); discarded < 0)
+            return discarded;
+    }
     const std::lock_guard guard(settingMutex_);
     if ((mask & VI_READ_BUF) != 0)
         values_.set(VI_ATTR_RD_BUF_SIZE, size);
@@ -225,14 +264,33 @@ ViStatus InstrumentSession::setBuffer(ViUInt16 mask, ViUInt32 size)
     return (mask & kTransferBuffers) != 0 ? VI_WARN_NSUP_BUF : VI_SUCCESS;
 }
 
-void InstrumentSession::discardInput()
+ViStatus InstrumentSession::clear()
+{
+    if (!lock_->admits(identity_.self))
+        return VI_ERROR_RSRC_LOCKED;
+    const std::lock_guard writing(writeMutex_);
+    const ViStatus cleared = stream_->clearDevice(Deadline(values_.get<VI_ATTR_TMO_VALUE>()));
+    const ViStatus discarded = discardInput();
+    return cleared < 0 ? cleared : discarded;
+}
+
+/// Whether the answer to what is written next could be mistaken for one that a read has given up.
+bool InstrumentSession::mayHaveStaleInput() const
+{
+    return lastReadFailed_.load(std::memory_order_relaxed) && values_.get<VI_ATTR_KVX_DISCARD_STALE_INPUT>() == VI_TRUE;
+}
+
+ViStatus InstrumentSession::discardInput()
 {
     // A read under way has the input to itself; flushing must not wait for it.
     const std::unique_lock reading(readMutex_, std::try_to_lock);
     if (!reading)
-        return;
+        return VI_SUCCESS;
     carryOver_.clear();
-    stream_->discardInput();
+    // What has arrived is dropped without a wait, which takes a moment even where none is left.
+    const ViStatus status = stream_->discardInput(Deadline(std::max(values_.get<VI_ATTR_TMO_VALUE>(), kMomentMs)));
+    lastReadFailed_.store(status < 0, std::memory_order_relaxed);
+    return status;
 }
 
 void InstrumentSession::interrupt() noexcept

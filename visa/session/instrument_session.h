@@ -7,6 +7,7 @@
 #include "visa/session/session.h"
 #include "visa/transport/stream.h"
 
+#include <atomic>
 #include <memory>
 #include <mutex>
 #include <vector>
@@ -38,26 +39,30 @@ public:
     ViStatus read(std::span<ViByte> buffer, std::size_t& count) override;
     ViStatus write(std::span<const ViByte> bytes, std::size_t& count) override;
     ViStatus setBuffer(ViUInt16 mask, ViUInt32 size) override;
+    ViStatus clear() override;
     void interrupt() noexcept override;
 
     /// Brings the initial values of the connection's own attributes into force.
     ViStatus applyInitialAttributes();
 
 private:
-    /// Bytes received beyond the end of the last read; they belong to the next one.
+    /// Bytes received beyond the end of the last read, or by one that failed; they belong to the next one.
     class CarryOver
     {
     public:
         std::span<const ViByte> bytes() const { return {storage_.data() + begin_, end_ - begin_}; }
         void consume(std::size_t count) { begin_ += count; }
-        void clear() { begin_ = end_ = 0; }
+        void clear();
         /// Room for new bytes; only while nothing is carried over.
-        std::span<ViByte> room() { return storage_; }
+        std::span<ViByte> room() { return std::span(storage_).first(kCapacity); }
         void filled(std::size_t count)
         {
             begin_ = 0;
             end_ = count;
         }
+        /// Puts bytes that were consumed in front of the others again. It grows as far as a caller's buffer was large,
+        /// until it is cleared.
+        void putBack(std::span<const ViByte> bytes);
 
     private:
         static constexpr std::size_t kCapacity = 16384;
@@ -74,9 +79,11 @@ private:
     ViUInt32 waitingBytes();
 
     ViStatus refill(const Deadline& deadline);
+    ViStatus readMessage(std::span<ViByte> buffer, const Deadline& deadline, std::size_t& count);
+    bool mayHaveStaleInput() const;
     ViStatus writeWithLastBit(std::span<const ViByte> bytes, ViByte bit, const Deadline& deadline, std::size_t& count);
     ViStatus writeEnd(const Deadline& deadline);
-    void discardInput();
+    ViStatus discardInput();
 
     const Identity identity_;
     const std::unique_ptr<Stream> stream_;
@@ -87,6 +94,7 @@ private:
 
     std::mutex readMutex_; ///< held by the one read under way; guards carryOver_
     CarryOver carryOver_;
+    std::atomic<bool> lastReadFailed_ = false;
     std::mutex writeMutex_; ///< held by the one write under way
 };
 

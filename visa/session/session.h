@@ -24,6 +24,7 @@ public:
     virtual ViStatus read(std::span<ViByte> buffer, std::size_t& count) = 0;
     virtual ViStatus write(std::span<const ViByte> bytes, std::size_t& count) = 0;
     virtual ViStatus setBuffer(ViUInt16 mask, ViUInt32 size) = 0;
+    virtual ViStatus clear() = 0;
 
     /// Ends the calls that wait inside; the handle has already been taken back.
     virtual void interrupt() noexcept = 0;

@@ -25,7 +25,7 @@ public:
     Stream& operator=(const Stream&) = delete;
 
     /// Waits for input and takes what is there, at least one byte on success.
-    /// @param count bytes stored in buffer
+    /// @param count bytes stored in buffer, on an error as well
     /// @return VI_ERROR_TMO, VI_ERROR_CONN_LOST, VI_ERROR_IO, or VI_ERROR_INV_OBJECT after interrupt()
     virtual ViStatus readSome(std::span<ViByte> buffer, const Deadline& deadline, std::size_t& count) noexcept = 0;
 
@@ -33,8 +33,14 @@ public:
     /// @param count bytes handed over, on an error as well
     virtual ViStatus writeAll(std::span<const ViByte> bytes, const Deadline& deadline, std::size_t& count) noexcept = 0;
 
-    /// Drops the input that has arrived so far.
-    virtual void discardInput() noexcept = 0;
+    /// Drops the input that has arrived so far. From an instrument that never stops sending it drops as much as can
+    /// have arrived, and takes no longer than the deadline.
+    /// @return VI_SUCCESS at the end of the stream as well; an error when input may be left
+    virtual ViStatus discardInput(const Deadline& deadline) noexcept = 0;
+
+    /// Drops the output that has not left yet and tells the device to forget what it has been sent, where the
+    /// connection can do either. No write is under way.
+    virtual ViStatus clearDevice(const Deadline&) noexcept { return VI_SUCCESS; }
 
     /// Bytes that a read could take without waiting, where the connection can tell.
     virtual ViUInt32 available() noexcept { return 0; }

@@ -101,6 +101,8 @@ struct Platform
     std::map<ViSession, VisaSession> visaSessions;
     ViSession nextVisaSession = kFirstVisaSession;
     std::deque<Reply> replies;
+    /// Bytes that viRead tells of beside those that it has stored.
+    ViUInt32 claimedBytes = 0;
     std::map<std::string, std::string, std::less<>> answers;
 
     std::map<ViSession, IviSession> iviSessions;

@@ -87,6 +87,7 @@ ViStatus read(Platform& fakes, VisaSession& session, ViPBuf buffer, ViUInt32 cap
     received = static_cast<ViUInt32>(std::min<std::size_t>(capacity, reply->bytes.size()));
     std::copy_n(reply->bytes.begin(), received, buffer);
     session.rest = {reply->bytes.substr(received), reply->status};
+    received += fakes.claimedBytes;
     return session.rest.bytes.empty() ? reply->status : VI_SUCCESS_MAX_CNT;
 }
 
@@ -146,6 +147,7 @@ void reset()
         fakes.visaSessions.clear();
         fakes.nextVisaSession = kFirstVisaSession;
         fakes.replies.clear();
+        fakes.claimedBytes = 0;
         fakes.answers.clear();
         fakes.iviSessions.clear();
         fakes.nextIviSession = kFirstIviSession;
@@ -184,6 +186,11 @@ void clearLog()
 void queueReply(std::string bytes, ViStatus status)
 {
     locked([&](Platform& fakes) { fakes.replies.push_back({std::move(bytes), status}); });
+}
+
+void claimBytes(ViUInt32 excess)
+{
+    locked([excess](Platform& fakes) { fakes.claimedBytes = excess; });
 }
 
 void answer(std::string_view command, std::string_view reply)

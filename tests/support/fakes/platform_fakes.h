@@ -59,6 +59,8 @@ void clearLog();
 /// Queues one reply: exactly these bytes, and the status behind the last of them. A negative status may come with
 /// bytes.
 void queueReply(std::string bytes, ViStatus status = VI_SUCCESS_TERM_CHAR);
+/// From now on viRead tells of this many bytes more than it has stored.
+void claimBytes(ViUInt32 excess);
 /// Answers `command`, as often as it is written, with `reply`; both without the line feed.
 void answer(std::string_view command, std::string_view reply);
 

@@ -30,6 +30,13 @@ void TcpPeer::send(const std::string& bytes)
     asio::write(connection_, asio::buffer(bytes));
 }
 
+bool TcpPeer::sends(const std::string& bytes)
+{
+    asio::error_code error;
+    asio::write(connection_, asio::buffer(bytes), error);
+    return !error;
+}
+
 std::string TcpPeer::receive(std::size_t count)
 {
     std::string bytes(count, '\0');

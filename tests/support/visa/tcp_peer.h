@@ -26,6 +26,12 @@ public:
 
     void send(const std::string& bytes);
 
+    /// @return false when the connection has ended
+    bool sends(const std::string& bytes);
+
+    /// Sends no more, and still receives.
+    void endOutput() { connection_.shutdown(asio::ip::tcp::socket::shutdown_send); }
+
     /// Waits for exactly this many bytes; fewer when the connection ends first.
     std::string receive(std::size_t count);
 

@@ -16,7 +16,9 @@ constexpr std::size_t kLargestWrite = 4096;
 
 constexpr int kMomentMs = 50;
 
-TransferEnd endOf(DWORD error)
+} // namespace
+
+TransferEnd endOf(DWORD error) noexcept
 {
     switch (error) {
     // What drivers of adapters say when theirs is gone. Nothing here aborts transfers except the wait for them.
@@ -34,8 +36,6 @@ TransferEnd endOf(DWORD error)
         return TransferEnd::Failed;
     }
 }
-
-} // namespace
 
 Handle makeEvent()
 {

@@ -24,6 +24,9 @@ enum class TransferEnd
     Failed
 };
 
+/// What an error of the host says of the port.
+TransferEnd endOf(DWORD error) noexcept;
+
 struct ComTransfer
 {
     TransferEnd end;

@@ -33,6 +33,11 @@ TransferState stateOfError(int error)
     }
 }
 
+TransferState stateOf(int result)
+{
+    return result == 0 ? TransferState::Done : stateOfError(errno);
+}
+
 ViUInt32 count(NativeHandle handle, unsigned long request)
 {
     int bytes = 0;
@@ -62,9 +67,9 @@ Transfer readNow(NativeHandle handle, std::span<ViByte> buffer) noexcept
 Transfer writeNow(NativeHandle handle, std::span<const ViByte> bytes) noexcept
 {
     const ssize_t transferred = ::write(descriptor(handle), bytes.data(), bytes.size());
-    if (transferred >= 0)
+    if (transferred > 0)
         return {TransferState::Done, static_cast<std::size_t>(transferred)};
-    return {stateOfError(errno), 0};
+    return {transferred == 0 ? TransferState::WouldBlock : stateOfError(errno), 0};
 }
 
 ViUInt32 bytesWaiting(NativeHandle handle) noexcept
@@ -77,15 +82,20 @@ ViUInt32 bytesUnsent(NativeHandle handle) noexcept
     return count(handle, TIOCOUTQ);
 }
 
-void discardReceived(NativeHandle handle) noexcept
+TransferState discardReceived(NativeHandle handle) noexcept
 {
-    ::tcflush(descriptor(handle), TCIFLUSH);
+    return stateOf(::tcflush(descriptor(handle), TCIFLUSH));
 }
 
-bool sendLineBreak(NativeHandle handle) noexcept
+TransferState discardUnsent(NativeHandle handle) noexcept
+{
+    return stateOf(::tcflush(descriptor(handle), TCOFLUSH));
+}
+
+TransferState sendLineBreak(NativeHandle handle) noexcept
 {
     // The session lets one write at a time through, and nothing else sends breaks on its descriptor.
-    return ::tcsendbreak(descriptor(handle), 0) == 0; // NOLINT(concurrency-mt-unsafe)
+    return stateOf(::tcsendbreak(descriptor(handle), 0)); // NOLINT(concurrency-mt-unsafe)
 }
 
 } // namespace visa

@@ -38,9 +38,10 @@ ViUInt32 bytesWaiting(NativeHandle handle) noexcept;
 /// Bytes written that have not left yet.
 ViUInt32 bytesUnsent(NativeHandle handle) noexcept;
 
-void discardReceived(NativeHandle handle) noexcept;
+// They tell Done, or why the host refused.
 
-/// @return false when the host refused
-bool sendLineBreak(NativeHandle handle) noexcept;
+TransferState discardReceived(NativeHandle handle) noexcept;
+TransferState discardUnsent(NativeHandle handle) noexcept;
+TransferState sendLineBreak(NativeHandle handle) noexcept;
 
 } // namespace visa

@@ -27,6 +27,8 @@ ViStatus openStatus(const asio::error_code& error)
 
 ViStatus statusOf(TransferState state)
 {
+    if (state == TransferState::Done)
+        return VI_SUCCESS;
     return state == TransferState::ConnectionLost ? VI_ERROR_CONN_LOST : VI_ERROR_IO;
 }
 
@@ -101,7 +103,8 @@ public:
 
     ViStatus readSome(std::span<ViByte> buffer, const Deadline& deadline, std::size_t& count) noexcept override;
     ViStatus writeAll(std::span<const ViByte> bytes, const Deadline& deadline, std::size_t& count) noexcept override;
-    void discardInput() noexcept override { discardReceived(handle()); }
+    ViStatus discardInput(const Deadline&) noexcept override { return statusOf(discardReceived(handle())); }
+    ViStatus clearDevice(const Deadline& deadline) noexcept override;
     ViUInt32 available() noexcept override { return bytesWaiting(handle()); }
     ViStatus sendBreak(const Deadline& deadline) noexcept override;
     ViStatus setAttribute(ViAttr attribute, ViUInt32 value) noexcept override;
@@ -113,6 +116,14 @@ private:
     {
         return visa::statusOf(interrupter_.wait(handle(), direction, deadline));
     }
+    /// Whether a transfer that ended in this state is tried again. The host may have promised that it would not block,
+    /// and another reader of the port been faster, any number of times.
+    static ViStatus retryStatus(TransferState state, const Deadline& deadline)
+    {
+        if (state != TransferState::WouldBlock)
+            return statusOf(state);
+        return deadline.remainingMs(1) == 0 ? VI_ERROR_TMO : VI_SUCCESS;
+    }
 
     serial_port port_;
     Interrupter interrupter_;
@@ -121,15 +132,16 @@ private:
 ViStatus SerialStream::readSome(std::span<ViByte> buffer, const Deadline& deadline, std::size_t& count) noexcept
 {
     for (;;) {
-        const ViStatus status = wait(Direction::Read, deadline);
+        ViStatus status = wait(Direction::Read, deadline);
         if (status < 0)
             return status;
         const Transfer transfer = readNow(handle(), buffer);
         count = transfer.count;
         if (transfer.state == TransferState::Done)
             return VI_SUCCESS;
-        if (transfer.state != TransferState::WouldBlock)
-            return statusOf(transfer.state);
+        status = retryStatus(transfer.state, deadline);
+        if (status < 0)
+            return status;
     }
 }
 
@@ -141,9 +153,9 @@ ViStatus SerialStream::writeAll(std::span<const ViByte> bytes, const Deadline& d
         count += transfer.count;
         if (transfer.state == TransferState::Done)
             continue;
-        if (transfer.state != TransferState::WouldBlock)
-            return statusOf(transfer.state);
-        const ViStatus status = wait(Direction::Write, deadline);
+        ViStatus status = retryStatus(transfer.state, deadline);
+        if (status == VI_SUCCESS)
+            status = wait(Direction::Write, deadline);
         if (status < 0)
             return status;
     }
@@ -158,10 +170,24 @@ ViStatus SerialStream::sendBreak(const Deadline& deadline) noexcept
         const int pauseMs = deadline.remainingMs(kPauseMs);
         if (pauseMs == 0)
             return VI_ERROR_TMO;
-        if (interrupter_.pause(pauseMs) == WaitResult::Interrupted)
-            return VI_ERROR_INV_OBJECT;
+        const WaitResult pause = interrupter_.pause(pauseMs);
+        if (pause != WaitResult::TimedOut)
+            return visa::statusOf(pause);
     }
-    return sendLineBreak(handle()) ? VI_SUCCESS : VI_ERROR_IO;
+    for (;;) {
+        const TransferState state = sendLineBreak(handle());
+        if (state == TransferState::Done)
+            return VI_SUCCESS;
+        const ViStatus status = retryStatus(state, deadline);
+        if (status < 0)
+            return status;
+    }
+}
+
+ViStatus SerialStream::clearDevice(const Deadline& deadline) noexcept
+{
+    const ViStatus status = statusOf(discardUnsent(handle()));
+    return status < 0 ? status : sendBreak(deadline);
 }
 
 ViStatus SerialStream::setAttribute(ViAttr attribute, ViUInt32 value) noexcept

@@ -51,7 +51,12 @@ public:
         return statusOf(transfer.end);
     }
 
-    void discardInput() noexcept override { PurgeComm(port_.handle(), PURGE_RXCLEAR); }
+    ViStatus discardInput(const Deadline&) noexcept override { return purge(PURGE_RXCLEAR); }
+    ViStatus clearDevice(const Deadline& deadline) noexcept override
+    {
+        const ViStatus status = purge(PURGE_TXABORT | PURGE_TXCLEAR);
+        return status < 0 ? status : sendBreak(deadline);
+    }
     ViUInt32 available() noexcept override { return port_.received(); }
     ViStatus sendBreak(const Deadline&) noexcept override;
 
@@ -63,6 +68,11 @@ public:
     void interrupt() noexcept override { port_.interrupt(); }
 
 private:
+    ViStatus purge(DWORD queues) const noexcept
+    {
+        return PurgeComm(port_.handle(), queues) != 0 ? VI_SUCCESS : statusOf(endOf(GetLastError()));
+    }
+
     ComPort port_;
 };
 

@@ -1,6 +1,8 @@
 #include "visa/host/close_on_exec_posix.h"
 #include "visa/transport/tcp/tcp_connect.h"
 
+#include <unistd.h>
+
 #include <limits>
 
 namespace visa
@@ -10,16 +12,38 @@ namespace
 
 using asio::ip::tcp;
 
+/// Closes a socket that nobody takes over.
+class Descriptor
+{
+public:
+    explicit Descriptor(int descriptor) : descriptor_(descriptor) {}
+    ~Descriptor()
+    {
+        if (descriptor_ >= 0)
+            ::close(descriptor_);
+    }
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+
+    int get() const { return descriptor_; }
+    void giveUp() { descriptor_ = -1; }
+
+private:
+    int descriptor_;
+};
+
 /// Moves a connected socket from the context that connected it to the other's and readies it for transfers.
 asio::error_code adopt(tcp::socket& connected, const tcp& protocol, tcp::socket& adopted)
 {
     asio::error_code error;
     adopted.close(error);
-    const auto handle = connected.release(error);
+    Descriptor owned(connected.release(error));
     if (!error)
-        adopted.assign(protocol, handle, error);
-    if (!error)
-        adopted.native_non_blocking(false, error);
+        adopted.assign(protocol, owned.get(), error);
+    if (error)
+        return error;
+    owned.giveUp();
+    adopted.native_non_blocking(false, error);
     return error;
 }
 

@@ -5,8 +5,6 @@
 #include "visa/transport/tcp/tcp_connect.h"
 #include "visa/transport/tcp/tcp_transfer.h"
 
-#include <asio/buffer.hpp>
-
 #include <array>
 #include <limits>
 #include <string>
@@ -21,6 +19,12 @@ using asio::ip::tcp;
 bool isTransient(const asio::error_code& error)
 {
     return error == asio::error::would_block || error == asio::error::try_again || error == asio::error::interrupted;
+}
+
+/// Whether nothing, or nothing any more, is there to be taken.
+bool isEmpty(const asio::error_code& error)
+{
+    return error == asio::error::would_block || error == asio::error::try_again || error == asio::error::eof;
 }
 
 ViStatus transferStatus(const asio::error_code& error)
@@ -70,7 +74,7 @@ public:
 
     ViStatus readSome(std::span<ViByte> buffer, const Deadline& deadline, std::size_t& count) noexcept override;
     ViStatus writeAll(std::span<const ViByte> bytes, const Deadline& deadline, std::size_t& count) noexcept override;
-    void discardInput() noexcept override;
+    ViStatus discardInput(const Deadline& deadline) noexcept override;
     ViStatus setAttribute(ViAttr attribute, ViUInt32 value) noexcept override;
     std::string address() const override;
     void interrupt() noexcept override { transfer_.stop(); }
@@ -122,12 +126,23 @@ ViStatus TcpStream::writeAll(std::span<const ViByte> bytes, const Deadline& dead
     return status;
 }
 
-void TcpStream::discardInput() noexcept
+ViStatus TcpStream::discardInput(const Deadline& deadline) noexcept
 {
-    std::array<ViByte, 4096> dropped{};
-    asio::error_code error;
-    while (!error && socket_.available(error) > 0)
-        socket_.read_some(asio::buffer(dropped), error);
+    // More than hosts keep of a connection's input.
+    constexpr std::size_t kMostDropped = std::size_t{16} * 1024 * 1024;
+    std::array<ViByte, 16384> room{};
+    for (std::size_t dropped = 0; dropped < kMostDropped;) {
+        std::size_t count = 0;
+        const asio::error_code error = transfer_.receive(room, 0, count);
+        dropped += count;
+        if (isEmpty(error))
+            return VI_SUCCESS;
+        if (error && !isTransient(error))
+            return transferStatus(error);
+        if (deadline.remainingMs(1) == 0)
+            return VI_ERROR_TMO;
+    }
+    return VI_SUCCESS;
 }
 
 ViStatus TcpStream::setAttribute(ViAttr attribute, ViUInt32 value) noexcept

@@ -60,11 +60,36 @@ TEST_F(VisaSerial, ReadThatNeverWaitsTakesWhatHasArrived)
     EXPECT_EQ(read(session_, 100), (ReadResult{VI_ERROR_TMO, ""}));
 }
 
+TEST_F(VisaSerial, AnswerThatCameTooLateIsNotTheNextOne)
+{
+    set(VI_ATTR_TMO_VALUE, kShortMs);
+    peer_.send("fir");
+    EXPECT_EQ(read(session_, 100), (ReadResult{VI_ERROR_TMO, "fir"}));
+    peer_.send("st\n");
+    while (attribute<ViUInt32>(session_, VI_ATTR_ASRL_AVAIL_NUM) < 6)
+        std::this_thread::yield();
+    set(VI_ATTR_TMO_VALUE, kLongMs);
+    EXPECT_EQ(write(session_, "2"), VI_SUCCESS);
+    EXPECT_EQ(peer_.receive(1), "2");
+    peer_.send("second\n");
+    EXPECT_EQ(read(session_, 100), (ReadResult{VI_SUCCESS, "second\n"}));
+}
+
+TEST_F(VisaSerial, ClearDropsWhatHasArrived)
+{
+    peer_.send("old\nolder\n");
+    EXPECT_EQ(read(session_, 100), (ReadResult{VI_SUCCESS, "old\n"}));
+    EXPECT_EQ(viClear(session_), VI_SUCCESS);
+    peer_.send("new\n");
+    EXPECT_EQ(read(session_, 100), (ReadResult{VI_SUCCESS, "new\n"}));
+}
+
 TEST_F(VisaSerial, HungUpLineIsLost)
 {
     peer_.hangUp();
     EXPECT_EQ(read(session_, 100), (ReadResult{VI_ERROR_CONN_LOST, ""}));
     EXPECT_EQ(write(session_, "x"), VI_ERROR_CONN_LOST);
+    EXPECT_LT(viClear(session_), VI_SUCCESS);
 }
 
 TEST_F(VisaSerial, LineThatHangsUpDuringAReadIsLost)

@@ -4,6 +4,7 @@
 #include <asio/ip/tcp.hpp>
 
 #include <algorithm>
+#include <atomic>
 #include <chrono>
 #include <memory>
 #include <thread>
@@ -105,7 +106,70 @@ TEST_F(VisaSocket, ReadDeliversWhatCameBeforeThePeerLeft)
     peer_.close();
     EXPECT_EQ(read(session_, 100), (ReadResult{VI_SUCCESS_TERM_CHAR, "one\n"}));
     EXPECT_EQ(read(session_, 100), (ReadResult{VI_ERROR_CONN_LOST, "rest"}));
+    EXPECT_EQ(read(session_, 4), (ReadResult{VI_SUCCESS_MAX_CNT, "rest"}));
     EXPECT_EQ(read(session_, 100), (ReadResult{VI_ERROR_CONN_LOST, ""}));
+}
+
+TEST_F(VisaSocket, PeerThatSendsNoMoreCanStillBeWrittenTo)
+{
+    peer_.endOutput();
+    EXPECT_EQ(read(session_, 100), (ReadResult{VI_ERROR_CONN_LOST, ""}));
+    EXPECT_EQ(write(session_, "x"), VI_SUCCESS);
+    EXPECT_EQ(peer_.receive(1), "x");
+}
+
+TEST_F(VisaSocket, AnswerThatCameTooLateIsNotTheNextOne)
+{
+    endAt('\n');
+    set(VI_ATTR_TMO_VALUE, kShortMs);
+    EXPECT_EQ(write(session_, "1"), VI_SUCCESS);
+    EXPECT_EQ(read(session_, 100), (ReadResult{VI_ERROR_TMO, ""}));
+    peer_.send("first\n");
+    set(VI_ATTR_TMO_VALUE, kLongMs);
+    EXPECT_EQ(write(session_, "2"), VI_SUCCESS);
+    peer_.send("second\n");
+    EXPECT_EQ(read(session_, 100), (ReadResult{VI_SUCCESS_TERM_CHAR, "second\n"}));
+}
+
+TEST_F(VisaSocket, AnswerCutInTwoIsNotTheNextOne)
+{
+    endAt('\n');
+    set(VI_ATTR_TMO_VALUE, kShortMs);
+    peer_.send("12.");
+    EXPECT_EQ(read(session_, 100), (ReadResult{VI_ERROR_TMO, "12."}));
+    peer_.send("5\n" + std::string(100000, 'x') + "\n");
+    set(VI_ATTR_TMO_VALUE, kLongMs);
+    EXPECT_EQ(write(session_, "2"), VI_SUCCESS);
+    peer_.send("second\n");
+    EXPECT_EQ(read(session_, 100), (ReadResult{VI_SUCCESS_TERM_CHAR, "second\n"}));
+}
+
+TEST_F(VisaSocket, ClearDropsWhatHasArrived)
+{
+    endAt('\n');
+    peer_.send("old\nolder\n");
+    EXPECT_EQ(read(session_, 100), (ReadResult{VI_SUCCESS_TERM_CHAR, "old\n"}));
+    peer_.send("oldest\n");
+    EXPECT_EQ(viClear(session_), VI_SUCCESS);
+    peer_.send("new\n");
+    EXPECT_EQ(read(session_, 100), (ReadResult{VI_SUCCESS_TERM_CHAR, "new\n"}));
+}
+
+TEST_F(VisaSocket, PeerThatNeverStopsSendingDoesNotHoldADiscard)
+{
+    std::atomic<bool> isOver = false;
+    std::thread flood([&] {
+        const std::string bytes(kMebibyte, 'f');
+        while (!isOver && peer_.sends(bytes)) {
+        }
+    });
+    for (int round = 0; round < 5; ++round) {
+        EXPECT_EQ(viSetBuf(session_, VI_IO_IN_BUF, 1024), VI_WARN_NSUP_BUF);
+        EXPECT_EQ(viClear(session_), VI_SUCCESS);
+    }
+    isOver = true;
+    EXPECT_EQ(viClose(session_), VI_SUCCESS);
+    flood.join();
 }
 
 TEST_F(VisaSocket, ResetConnectionIsLostForReadsAndWrites)

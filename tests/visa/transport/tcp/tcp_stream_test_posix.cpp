@@ -1,85 +1,94 @@
-#include "tests/support/visa/tcp_peer.h"
-#include "tests/support/visa/visa_fixture.h"
-
-#include <sys/syscall.h>
-#include <unistd.h>
+#include "tests/support/failing_calls.h"
+#include "tests/support/open_descriptors.h"
+#include "tests/support/visa/session_fixtures.h"
 
 #include <cerrno>
 
 namespace
 {
 
+using kvxtest::openDescriptors;
 using kvxtest::TcpPeer;
 
-/// A call of the host that needs a descriptor.
-enum class HostCall
-{
-    None,
-    EpollCreate,
-    Socket
-};
-
-thread_local HostCall failingCall = HostCall::None;
-thread_local int failingError = 0;
-
-/// While it lives, this call of the thread fails with this error, the libraries' included. The limit of the process is
-/// left alone, since sanitizers need descriptors too.
-class HostFailure
-{
-public:
-    HostFailure(HostCall call, int error)
-    {
-        failingCall = call;
-        failingError = error;
-    }
-
-    ~HostFailure() { failingCall = HostCall::None; }
-    HostFailure(const HostFailure&) = delete;
-    HostFailure& operator=(const HostFailure&) = delete;
-};
-
-template <class... Arguments>
-int callHost(HostCall call, long number, Arguments... arguments)
-{
-    if (call != failingCall)
-        return static_cast<int>(::syscall(number, arguments...));
-    errno = failingError;
-    return -1;
-}
-
-} // namespace
-
-// The program's functions take the place of the C library's for libvisa as well.
-extern "C" int epoll_create1(int flags) noexcept
-{
-    return callHost(HostCall::EpollCreate, SYS_epoll_create1, flags);
-}
-
-extern "C" int socket(int domain, int type, int protocol) noexcept
-{
-    return callHost(HostCall::Socket, SYS_socket, domain, type, protocol);
-}
-
-namespace
-{
-
+/// The limit of the process is left alone, since sanitizers need descriptors too.
 class VisaExhaustion : public kvxtest::VisaTest
 {
+protected:
+    ViStatus tryToOpen() const
+    {
+        ViSession session = 17;
+        const ViStatus status = viOpen(manager_, peer_.resource().c_str(), VI_NULL, 0, &session);
+        kvxDisarmFailingCall();
+        if (status < 0) {
+            EXPECT_EQ(session, static_cast<ViSession>(VI_NULL));
+        }
+        viClose(session);
+        return status;
+    }
+
+    const TcpPeer peer_;
 };
 
 TEST_F(VisaExhaustion, OfTheHostIsLackOfResources)
 {
-    const TcpPeer peer;
-    for (const HostCall call : {HostCall::EpollCreate, HostCall::Socket}) {
+    for (const char* const function : {"epoll_create1", "socket"}) {
         for (const int error : {EMFILE, ENFILE, ENOMEM}) {
-            const HostFailure failure(call, error);
-            ViSession session = 17;
-            EXPECT_EQ(viOpen(manager_, peer.resource().c_str(), VI_NULL, 0, &session), VI_ERROR_ALLOC)
-                << static_cast<int>(call) << ' ' << error;
-            EXPECT_EQ(session, static_cast<ViSession>(VI_NULL));
+            kvxArmFailingFunction(function, error);
+            EXPECT_EQ(tryToOpen(), VI_ERROR_ALLOC) << function << ' ' << error;
         }
     }
-    EXPECT_EQ(viClose(open(peer.resource())), VI_SUCCESS);
+    EXPECT_EQ(tryToOpen(), VI_SUCCESS);
 }
+
+TEST_F(VisaExhaustion, LeavesNoDescriptorBehindWhicheverCallFails)
+{
+    // The library keeps a few for good.
+    EXPECT_EQ(tryToOpen(), VI_SUCCESS);
+    kvxArmFailingCall(0, 0);
+    EXPECT_EQ(tryToOpen(), VI_SUCCESS);
+    const unsigned long calls = kvxCountedCalls();
+    EXPECT_GT(calls, 10U);
+    const std::size_t before = openDescriptors();
+    for (unsigned long call = 1; call <= calls; ++call) {
+        kvxArmFailingCall(call, ENOMEM);
+        tryToOpen();
+        EXPECT_EQ(openDescriptors(), before) << kvxFailedCall() << ", call " << call;
+    }
+}
+
+class VisaDiscard : public kvxtest::VisaSocket, public testing::WithParamInterface<ViStatus (*)(ViSession session)>
+{
+};
+
+TEST_P(VisaDiscard, EndsWithAsManyBytesAsAHostCanKeep)
+{
+    set(VI_ATTR_TMO_VALUE, VI_TMO_INFINITE);
+    kvxArmFailingFunction("recv", kClaimedTransfer);
+    EXPECT_GE(GetParam()(session_), VI_SUCCESS);
+    EXPECT_EQ(kvxCountedCalls(), 1024U);
+    kvxDisarmFailingCall();
+}
+
+TEST_P(VisaDiscard, EndsWithTheTimeoutWhileSignalsKeepItFromTheInput)
+{
+    set(VI_ATTR_TMO_VALUE, kvxtest::kShortMs);
+    kvxArmFailingFunction("recv", EINTR);
+    EXPECT_EQ(GetParam()(session_), VI_ERROR_TMO);
+    kvxDisarmFailingCall();
+}
+
+TEST_P(VisaDiscard, SucceedsAfterOneSignal)
+{
+    peer_.send("old");
+    kvxArmFailingCall(1, EINTR);
+    EXPECT_GE(GetParam()(session_), VI_SUCCESS);
+    kvxDisarmFailingCall();
+    peer_.send("new");
+    EXPECT_EQ(kvxtest::read(session_, 3), (kvxtest::ReadResult{VI_SUCCESS_MAX_CNT, "new"}));
+}
+
+INSTANTIATE_TEST_SUITE_P(Functions, VisaDiscard,
+                         testing::Values([](ViSession session) { return viSetBuf(session, VI_IO_IN_BUF, 1024); },
+                                         [](ViSession session) { return viClear(session); }));
 
 } // namespace

@@ -1,0 +1,497 @@
+// Every call that VISA makes to the host fails once, in the life of a session to a socket and to a serial line.
+#include "tests/support/failing_calls.h"
+#include "tests/support/open_descriptors.h"
+#include "tests/torture/tally.h"
+
+#include <visa.h>
+
+#include <arpa/inet.h>
+#include <fcntl.h>
+#include <netinet/in.h>
+#include <netinet/tcp.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <array>
+#include <atomic>
+#include <cerrno>
+#include <chrono>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <string>
+#include <system_error>
+#include <thread>
+
+#include <gtest/gtest.h>
+
+namespace
+{
+
+using std::chrono::milliseconds;
+using std::chrono::steady_clock;
+
+constexpr ViUInt32 kTimeoutMs = 300;
+constexpr ViUInt32 kShortTimeoutMs = 5;
+constexpr ViUInt32 kOpenTimeoutMs = 2000;
+
+/// How an instrument answers a query.
+enum class Answer : char
+{
+    Whole = 'w',
+    InTwo = 'h',
+    Late = 'l', ///< when it is told to
+    None = 'n'
+};
+
+std::string queryOf(int number, Answer answer)
+{
+    return '#' + std::to_string(number) + static_cast<char>(answer) + '\n';
+}
+
+std::string replyOf(int number)
+{
+    return "reply " + std::to_string(number) + '\n';
+}
+
+/// The other end of a connection, which answers in a thread of its own.
+class Instrument
+{
+public:
+    Instrument() = default;
+    virtual ~Instrument() = default;
+    Instrument(const Instrument&) = delete;
+    Instrument& operator=(const Instrument&) = delete;
+
+    virtual std::string resource() const = 0;
+
+    /// Sends what has been asked for with Answer::Late.
+    void release() { mayBeLate_ = true; }
+
+    /// Waits until the query has been answered, and the answer has arrived where that is at once.
+    void awaitAnswer(int number) const
+    {
+        const auto end = steady_clock::now() + std::chrono::seconds(5);
+        while (answered_ < number && steady_clock::now() < end)
+            std::this_thread::yield();
+    }
+
+protected:
+    void start()
+    {
+        thread_ = std::thread([this] { run(); });
+    }
+
+    void stop()
+    {
+        isOver_ = true;
+        thread_.join();
+    }
+
+    /// What messages come from and go to; -1 while there is nothing.
+    virtual int connection() = 0;
+
+private:
+    void run()
+    {
+        std::string received;
+        while (!isOver_) {
+            const int descriptor = connection();
+            pollfd polled{descriptor, POLLIN, 0};
+            constexpr int kTickMs = 1;
+            if (late_ != 0 && mayBeLate_.exchange(false))
+                answer(descriptor, std::exchange(late_, 0), Answer::Whole);
+            if (::poll(&polled, 1, kTickMs) <= 0)
+                continue;
+            std::array<char, 256> bytes{};
+            const ssize_t count = ::read(descriptor, bytes.data(), bytes.size());
+            if (count <= 0) {
+                std::this_thread::sleep_for(milliseconds(kTickMs));
+                continue;
+            }
+            received.append(bytes.data(), static_cast<std::size_t>(count));
+            takeLines(descriptor, received);
+        }
+    }
+
+    void takeLines(int descriptor, std::string& received)
+    {
+        for (auto end = received.find('\n'); end != std::string::npos; end = received.find('\n')) {
+            // Of a query that was cut off nothing is left in front of the next.
+            const std::string line = received.substr(0, end);
+            received.erase(0, end + 1);
+            const auto begin = line.rfind('#');
+            if (begin != std::string::npos)
+                answer(descriptor, std::atoi(line.c_str() + begin + 1), static_cast<Answer>(line.back()));
+        }
+    }
+
+    void answer(int descriptor, int number, Answer how)
+    {
+        const std::string reply = replyOf(number);
+        if (how == Answer::Late)
+            late_ = number;
+        if (how == Answer::Whole)
+            send(descriptor, reply);
+        if (how == Answer::InTwo) {
+            send(descriptor, reply.substr(0, 3));
+            std::this_thread::sleep_for(milliseconds(1));
+            send(descriptor, reply.substr(3));
+        }
+        if (how == Answer::Whole || how == Answer::InTwo)
+            answered_ = number;
+    }
+
+    static void send(int descriptor, const std::string& bytes)
+    {
+        const ssize_t written = ::write(descriptor, bytes.data(), bytes.size());
+        static_cast<void>(written);
+    }
+
+    std::thread thread_;
+    std::atomic<bool> isOver_ = false;
+    std::atomic<bool> mayBeLate_ = false;
+    std::atomic<int> answered_ = 0;
+    int late_ = 0;
+};
+
+void require(bool succeeded, const char* what)
+{
+    if (!succeeded)
+        throw std::system_error(errno, std::generic_category(), what);
+}
+
+class SocketInstrument : public Instrument
+{
+public:
+    SocketInstrument()
+    {
+        sockaddr_in address{};
+        address.sin_family = AF_INET;
+        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        socklen_t size = sizeof address;
+        auto* const any = reinterpret_cast<sockaddr*>(&address);
+        listener_ = ::socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK, 0);
+        require(::bind(listener_, any, size) == 0 && ::listen(listener_, 8) == 0 &&
+                    ::getsockname(listener_, any, &size) == 0,
+                "listen");
+        port_ = ntohs(address.sin_port);
+        start();
+    }
+
+    ~SocketInstrument() override
+    {
+        stop();
+        ::close(connection_);
+        ::close(listener_);
+    }
+
+    std::string resource() const override { return "TCPIP0::127.0.0.1::" + std::to_string(port_) + "::SOCKET"; }
+
+protected:
+    int connection() override
+    {
+        if (connection_ >= 0)
+            return connection_;
+        connection_ = ::accept(listener_, nullptr, nullptr);
+        // What has been sent has arrived.
+        const int isAtOnce = 1;
+        ::setsockopt(connection_, IPPROTO_TCP, TCP_NODELAY, &isAtOnce, sizeof isAtOnce);
+        return connection_;
+    }
+
+private:
+    int listener_ = -1;
+    int connection_ = -1;
+    int port_ = 0;
+};
+
+class SerialInstrument : public Instrument
+{
+public:
+    SerialInstrument() : master_(::posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK))
+    {
+        std::array<char, 128> name{};
+        require(master_ >= 0 && ::grantpt(master_) == 0 && ::unlockpt(master_) == 0 &&
+                    ::ptsname_r(master_, name.data(), name.size()) == 0,
+                "pseudo terminal");
+        path_ = name.data();
+        start();
+    }
+
+    ~SerialInstrument() override
+    {
+        stop();
+        ::close(master_);
+    }
+
+    std::string resource() const override { return "ASRL" + path_ + "::INSTR"; }
+
+protected:
+    int connection() override { return master_; }
+
+private:
+    int master_;
+    std::string path_;
+};
+
+/// One call that is to fail.
+struct Injection
+{
+    unsigned long call = 0;
+    int error = 0;
+};
+
+/// The life of a session in which one call fails.
+class Life
+{
+public:
+    Life(Instrument& instrument, const Injection& injection) : instrument_(instrument), injection_(injection) {}
+
+    void run()
+    {
+        kvxArmFailingCall(injection_.call, injection_.error);
+        open();
+        if (session_ != VI_NULL) {
+            configure();
+            exchange();
+        }
+        close();
+        kvxDisarmFailingCall();
+        checkThatNothingIsOpen();
+    }
+
+    bool wasInjected() const { return wasInjected_; }
+    bool hung() const { return hung_; }
+    /// What was wrong; empty when all was well.
+    const std::string& fault() const { return fault_; }
+
+private:
+    /// Runs a call of VISA, and looks at how long it takes and what it returns.
+    template <class Call>
+    ViStatus timed(const char* name, ViUInt32 timeoutMs, Call call)
+    {
+        const auto begin = steady_clock::now();
+        const ViStatus status = call();
+        if (steady_clock::now() - begin > milliseconds(timeoutMs) + std::chrono::seconds(1))
+            hung_ = true;
+        wasInjected_ = wasInjected_ || kvxFailedCall() != nullptr;
+        std::array<ViChar, 256> text{};
+        if (viStatusDesc(manager_, status, text.data()) != VI_SUCCESS)
+            blame(std::string(name) + " gave a status that is not VISA's");
+        return status;
+    }
+
+    void blame(const std::string& fault)
+    {
+        if (fault_.empty())
+            fault_ = fault + " (" + resource() + ", call " + std::to_string(injection_.call) + " of " +
+                     (kvxFailedCall() == nullptr ? "none" : kvxFailedCall()) + ", error " +
+                     std::to_string(injection_.error) + ')';
+    }
+
+    std::string resource() const { return instrument_.resource(); }
+
+    void open()
+    {
+        timed("viOpenDefaultRM", 0, [this] { return viOpenDefaultRM(&manager_); });
+        if (manager_ != VI_NULL)
+            timed("viOpen", kOpenTimeoutMs,
+                  [this] { return viOpen(manager_, resource().c_str(), VI_NULL, kOpenTimeoutMs, &session_); });
+    }
+
+    void set(ViAttr attribute, ViAttrState value)
+    {
+        timed("viSetAttribute", 0, [=, this] { return viSetAttribute(session_, attribute, value); });
+    }
+
+    void configure()
+    {
+        set(VI_ATTR_TERMCHAR_EN, VI_TRUE);
+        set(VI_ATTR_TCPIP_KEEPALIVE, VI_TRUE);
+        set(VI_ATTR_ASRL_BAUD, 115200);
+        set(VI_ATTR_ASRL_STOP_BITS, VI_ASRL_STOP_TWO);
+        set(VI_ATTR_TMO_VALUE, kTimeoutMs);
+    }
+
+    void exchange()
+    {
+        // A read that fails loses nothing: the next one has it all.
+        if (ask(Answer::InTwo) && !isAnswered()) {
+            awaitArrival();
+            if (!isAnswered())
+                blame("a reply was lost");
+        }
+        // And the write behind it what has arrived.
+        if (ask(Answer::InTwo) && !isAnswered())
+            awaitArrival();
+        expectAnswer();
+        leaveAnAnswer();
+        expectAnswer();
+        leaveAnAnswer();
+        if (clear() < 0 && clear() < 0)
+            blame("viClear failed again");
+        expectAnswer();
+        leaveAnAnswer();
+        if (flush() < 0 && flush() < 0)
+            blame("viSetBuf failed again");
+        expectAnswer();
+        set(VI_ATTR_TMO_VALUE, kShortTimeoutMs);
+        if (ask(Answer::None) && isAnswered())
+            blame("a query without an answer had one");
+        set(VI_ATTR_TMO_VALUE, kTimeoutMs);
+        expectAnswer();
+    }
+
+    /// @return whether the query has gone
+    bool ask(Answer answer)
+    {
+        const std::string query = queryOf(++number_, answer);
+        ViUInt32 written = 0;
+        const ViStatus status = timed("viWrite", kTimeoutMs, [&] {
+            return viWrite(session_, reinterpret_cast<ViConstBuf>(query.data()), static_cast<ViUInt32>(query.size()),
+                           &written);
+        });
+        if (written > query.size())
+            blame("viWrite counted more than there was");
+        return status >= 0;
+    }
+
+    /// Reads; a reply that comes must be that to the last query.
+    bool isAnswered()
+    {
+        std::array<ViByte, 64> buffer{};
+        ViUInt32 count = 0;
+        const ViStatus status = timed("viRead", kTimeoutMs, [&] {
+            return viRead(session_, buffer.data(), static_cast<ViUInt32>(buffer.size()), &count);
+        });
+        if (count > buffer.size()) {
+            blame("viRead counted more than there was room for");
+            return false;
+        }
+        const std::string reply(buffer.begin(), buffer.begin() + count);
+        if (status >= 0 && reply != replyOf(number_))
+            blame("query " + std::to_string(number_) + " got " + reply);
+        return status >= 0;
+    }
+
+    /// A session on which one call has failed goes on with the next query, or the one behind it.
+    void expectAnswer()
+    {
+        for (int trial = 0; trial < 3; ++trial) {
+            if (ask(Answer::Whole)) {
+                if (isAnswered())
+                    return;
+                awaitArrival();
+            }
+        }
+        blame("the session is of no use any more");
+    }
+
+    /// A query is given up, and its answer arrives.
+    void leaveAnAnswer()
+    {
+        set(VI_ATTR_TMO_VALUE, VI_TMO_IMMEDIATE);
+        if (ask(Answer::Late)) {
+            if (isAnswered())
+                blame("a late answer was there already");
+            instrument_.release();
+            awaitArrival();
+        }
+        set(VI_ATTR_TMO_VALUE, kTimeoutMs);
+    }
+
+    void awaitArrival() const
+    {
+        kvxDisarmFailingCall();
+        instrument_.awaitAnswer(number_);
+        awaitInput();
+        kvxResumeFailingCall();
+    }
+
+    void awaitInput() const
+    {
+        // On a socket it is there by now.
+        ViUInt32 available = 0;
+        const auto end = steady_clock::now() + std::chrono::seconds(5);
+        while (steady_clock::now() < end) {
+            if (viGetAttribute(session_, VI_ATTR_ASRL_AVAIL_NUM, &available) < 0 ||
+                available >= replyOf(number_).size())
+                return;
+            std::this_thread::yield();
+        }
+    }
+
+    ViStatus clear()
+    {
+        return timed("viClear", kTimeoutMs, [this] { return viClear(session_); });
+    }
+
+    ViStatus flush()
+    {
+        return timed("viSetBuf", kTimeoutMs, [this] { return viSetBuf(session_, VI_IO_IN_BUF, 4096); });
+    }
+
+    void close()
+    {
+        if (session_ != VI_NULL && timed("viClose", 0, [this] { return viClose(session_); }) < 0)
+            blame("viClose failed");
+        if (manager_ != VI_NULL && timed("viClose", 0, [this] { return viClose(manager_); }) < 0)
+            blame("viClose failed");
+    }
+
+    void checkThatNothingIsOpen()
+    {
+        ViUInt32 value = 0;
+        for (const ViSession session : {session_, manager_})
+            if (viGetAttribute(session, VI_ATTR_RM_SESSION, &value) != VI_ERROR_INV_OBJECT)
+                blame("a session stayed open");
+    }
+
+    Instrument& instrument_;
+    const Injection injection_;
+    ViSession manager_ = VI_NULL;
+    ViSession session_ = VI_NULL;
+    int number_ = 0;
+    bool wasInjected_ = false;
+    bool hung_ = false;
+    std::string fault_;
+};
+
+/// Fails every call once with each error, and adds what went wrong.
+template <class Peer>
+void attack(kvxtest::Tally& tally)
+{
+    // What the library keeps for good is there after the first session.
+    {
+        Peer instrument;
+        Life(instrument, {}).run();
+    }
+    const std::size_t before = kvxtest::openDescriptors();
+    for (const int error : {EINTR, EAGAIN, ECONNRESET, ENOSPC, EMFILE, static_cast<int>(kShortTransfer)}) {
+        bool isOver = false;
+        for (unsigned long call = 1; !isOver; ++call) {
+            auto instrument = std::make_unique<Peer>();
+            Life life(*instrument, {call, error});
+            life.run();
+            instrument.reset();
+            isOver = !life.wasInjected();
+            tally.injections += isOver ? 0 : 1;
+            tally.hangs += life.hung() ? 1 : 0;
+            tally.expect(life.fault().empty(), life.fault());
+            const bool leaks = kvxtest::openDescriptors() != before;
+            tally.leaks += leaks ? 1 : 0;
+            ASSERT_FALSE(leaks) << "call " << call << ", error " << error;
+        }
+    }
+}
+
+TEST(VisaTorture, SystemCallsThatFailOnceLeaveNothingBehindAndNoWrongReply)
+{
+    kvxtest::Tally tally("VISA: the n-th call of the system fails");
+    attack<SocketInstrument>(tally);
+    attack<SerialInstrument>(tally);
+}
+
+} // namespace
