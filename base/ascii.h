@@ -46,4 +46,13 @@ constexpr std::string_view skipBlanks(std::string_view text)
     return text.substr(static_cast<std::size_t>(first - text.begin()));
 }
 
+/// `text` without the blanks that it begins and ends with.
+constexpr std::string_view trimmed(std::string_view text)
+{
+    text = skipBlanks(text);
+    while (!text.empty() && isBlank(text.back()))
+        text.remove_suffix(1);
+    return text;
+}
+
 } // namespace base::ascii

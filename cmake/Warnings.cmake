@@ -6,6 +6,10 @@ target_compile_features(kvx_options INTERFACE cxx_std_20)
 target_compile_options(kvx_options INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
 # g++ 12 takes any optimised operator+(const char*, std::string&&) for an overlapping copy (GCC bug 105651).
 target_compile_options(kvx_options INTERFACE $<$<COMPILE_LANG_AND_ID:CXX,GNU>:-Wno-restrict>)
+if(CMAKE_UNITY_BUILD)
+    # Several sources are one: to g++ none of them is the main file, whose types may stay its own.
+    target_compile_options(kvx_options INTERFACE $<$<COMPILE_LANG_AND_ID:CXX,GNU>:-Wno-subobject-linkage>)
+endif()
 
 set(KVX_SANITIZE "" CACHE STRING "Sanitizers to build with, as -fsanitize takes them (address,undefined or thread)")
 if(KVX_SANITIZE)

@@ -18,15 +18,8 @@ namespace
 {
 
 using base::ascii::equalIgnoringCase;
+using base::ascii::trimmed;
 using InstLink::IoSettings;
-
-std::string_view trimmed(std::string_view text)
-{
-    text = base::ascii::skipBlanks(text);
-    while (!text.empty() && base::ascii::isBlank(text.back()))
-        text.remove_suffix(1);
-    return text;
-}
 
 /// A word that a key takes, and what it stands for.
 struct Word

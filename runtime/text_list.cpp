@@ -5,7 +5,7 @@ namespace drivekit
 namespace
 {
 
-std::string_view trimmed(std::string_view text)
+std::string_view withoutSpace(std::string_view text)
 {
     constexpr std::string_view kBlanks = " \t\r\n";
     const std::size_t first = text.find_first_not_of(kBlanks);
@@ -24,7 +24,7 @@ std::optional<std::string_view> listEntry(std::string_view list, std::size_t ind
             return std::nullopt;
         list.remove_prefix(comma + 1);
     }
-    return trimmed(list.substr(0, list.find(',')));
+    return withoutSpace(list.substr(0, list.find(',')));
 }
 
 } // namespace drivekit

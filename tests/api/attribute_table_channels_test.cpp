@@ -14,7 +14,7 @@ using testing::ElementsAre;
 using testing::ElementsAreArray;
 using testing::IsEmpty;
 
-using Lines = std::vector<std::string>;
+using TextLines = std::vector<std::string>;
 
 const ChannelMaximum& channel(int number)
 {
@@ -27,9 +27,9 @@ public:
     ViStatus set(ViConstString channel) const { return GetParam().set(vi, channel); }
 
     /// Everything that the call for these channels sends while the source mode suits them.
-    static Lines commandsOf(std::initializer_list<int> numbers)
+    static TextLines commandsOf(std::initializer_list<int> numbers)
     {
-        Lines lines;
+        TextLines lines;
         for (const int number : numbers) {
             if (channel(number).needsMode())
                 lines.emplace_back(":SOUR:Mode?\n");
@@ -73,7 +73,7 @@ TEST_P(ChannelSetting, TakesVirtualNames)
 TEST_P(ChannelSetting, ChecksTheStatusOnceBehindTheLastChannel)
 {
     open("QueryInstrStatus=1");
-    Lines expected = commandsOf({3, 4});
+    TextLines expected = commandsOf({3, 4});
     expected.emplace_back("*ESR?\n");
     EXPECT_EQ(set("OutputChannel3-4"), VI_SUCCESS);
     EXPECT_THAT(written(), ElementsAreArray(expected));
@@ -99,7 +99,7 @@ TEST_P(ChannelSetting, ReportsWhatTheInstrumentHasNotedOnce)
 TEST_P(ChannelSetting, StopsAtEveryWriteThatFails)
 {
     open("QueryInstrStatus=1");
-    const Lines all = commandsOf({3, 1, 4});
+    const TextLines all = commandsOf({3, 1, 4});
     for (std::size_t n = 1; n <= all.size() + 1; ++n) {
         SCOPED_TRACE(n);
         forget();
@@ -116,7 +116,7 @@ TEST_P(ChannelSetting, StopsAtAModeThatCannotBeRead)
     failNthCallOf("viRead", 1, VI_ERROR_TMO);
     EXPECT_EQ(set("OutputChannel3,OutputChannel1,OutputChannel4"), kIoError);
     expectRecordedOnce(kIoError, "I/O error.");
-    Lines expected = commandsOf({3});
+    TextLines expected = commandsOf({3});
     expected.emplace_back(":SOUR:Mode?\n");
     EXPECT_THAT(written(), ElementsAreArray(expected));
 }
@@ -189,14 +189,14 @@ public:
         EXPECT_EQ(timesRecorded(), 0U);
         forget();
         constexpr ViReal64 kInfinity = std::numeric_limits<ViReal64>::infinity();
-        const Lines mode = maximum.needsMode() ? Lines{":SOUR:Mode?\n"} : Lines{};
+        const TextLines mode = maximum.needsMode() ? TextLines{":SOUR:Mode?\n"} : TextLines{};
         for (const ViReal64 level : {std::nextafter(0.0, -1.0), std::nextafter(largest, kInfinity), -1.0, 1e308,
                                      std::nan(""), kInfinity, -kInfinity})
             expectOutOfRange(set(maximum.name().c_str(), id, level), mode);
     }
 
     /// Expects that a value is refused with its record, and that only these lines are sent.
-    void expectOutOfRange(ViStatus status, const Lines& lines) const
+    void expectOutOfRange(ViStatus status, const TextLines& lines) const
     {
         EXPECT_EQ(status, kOutOfRange);
         expectRecordedOnce(kOutOfRange, kOutOfRangeText);

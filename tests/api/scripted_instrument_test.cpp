@@ -12,7 +12,7 @@ using testing::DoAll;
 using testing::Return;
 using testing::SetArgReferee;
 
-constexpr ViStatus kWarning = 5;
+constexpr ViStatus kPositive = 5;
 
 class ScriptedInstrument : public ScriptedInstrumentTest
 {
@@ -20,7 +20,7 @@ public:
     /// Expects that a call has returned a warning, with nothing recorded and the lock given back.
     void expectWarning(ViStatus status) const
     {
-        EXPECT_EQ(status, kWarning);
+        EXPECT_EQ(status, kPositive);
         EXPECT_EQ(timesRecorded(), 0U);
         EXPECT_EQ(lockDepth(vi), 0U);
     }
@@ -36,7 +36,7 @@ TEST_F(ScriptedInstrument, AWarningEndsTheCallUnrecordedAndUnchecked)
 
 TEST_F(ScriptedInstrument, AWarningOfAStepEndsTheStepsOfAChannel)
 {
-    EXPECT_CALL(*instrument, setCurrentLevel(4, 1.0)).WillOnce(Return(kWarning));
+    EXPECT_CALL(*instrument, setCurrentLevel(4, 1.0)).WillOnce(Return(kPositive));
     expectWarning(KVX2800T_ConfigureCurrentLimit(vi, "OutputChannel4", 1, 1.0));
     EXPECT_CALL(*instrument, setCurrentLevel(3, 1.0)).WillOnce(Return(VI_SUCCESS));
     EXPECT_CALL(*instrument, setCurrentProtectionLevel(3, 1.0)).WillOnce(Return(5));
@@ -61,7 +61,7 @@ TEST_F(ScriptedInstrument, AFailureOfTheInstrumentIsRecordedWithItsMessage)
 
 TEST_F(ScriptedInstrument, AWarningOfTheOvpLevelEndsTheCall)
 {
-    EXPECT_CALL(*instrument, setVoltageProtectionLevel(3, 1.0)).WillOnce(Return(kWarning));
+    EXPECT_CALL(*instrument, setVoltageProtectionLevel(3, 1.0)).WillOnce(Return(kPositive));
     expectWarning(KVX2800T_ConfigureOVP(vi, "OutputChannel3-4", VI_TRUE, 1.0));
 }
 
@@ -69,7 +69,7 @@ TEST_F(ScriptedInstrument, AWarningOfTheModeChangeEndsTheCallWithoutAWait)
 {
     const ScriptedClock clock;
     EXPECT_CALL(*instrument, sourceMode).WillOnce(DoAll(SetArgReferee<0>(TSRO::SourceMode::Normal), Return(0)));
-    EXPECT_CALL(*instrument, setSourceMode(TSRO::SourceMode::Series)).WillOnce(Return(kWarning));
+    EXPECT_CALL(*instrument, setSourceMode(TSRO::SourceMode::Series)).WillOnce(Return(kPositive));
     expectWarning(KVX2800T_ConfigureVoltageLevel(vi, "OutputChannel5", 1.0));
     EXPECT_EQ(ScriptedClock::reads(), 0U);
 }
@@ -81,7 +81,7 @@ TEST_F(ScriptedInstrument, AModeChangeIsFollowedByASecondsWait)
     EXPECT_CALL(*instrument, setSourceMode(TSRO::SourceMode::Series)).WillOnce(Return(0));
     EXPECT_CALL(*instrument, setVoltageLevel(5, 1.0)).WillOnce([](ViInt32, double) {
         EXPECT_GE(ScriptedClock::last(), drivekit::kTicksPerSecond);
-        return kWarning;
+        return kPositive;
     });
     expectWarning(KVX2800T_ConfigureVoltageLevel(vi, "OutputChannel5", 1.0));
 }
@@ -89,19 +89,19 @@ TEST_F(ScriptedInstrument, AModeChangeIsFollowedByASecondsWait)
 TEST_F(ScriptedInstrument, AWarningEndsASetterUnrecordedAndUnchecked)
 {
     EXPECT_CALL(*instrument, setCurrentLevel(3, 1.0)).WillOnce(Return(0));
-    EXPECT_CALL(*instrument, setCurrentProtectionLevel(3, 1.0)).WillOnce(Return(kWarning));
+    EXPECT_CALL(*instrument, setCurrentProtectionLevel(3, 1.0)).WillOnce(Return(kPositive));
     expectWarning(KVX2800T_SetAttributeViReal64(vi, "OutputChannel3-4", KVX2800T_ATTR_CURRENT_LIMIT, 1.0));
-    EXPECT_CALL(*instrument, setCurrentProtectionEnabled(4, true)).WillOnce(Return(kWarning));
+    EXPECT_CALL(*instrument, setCurrentProtectionEnabled(4, true)).WillOnce(Return(kPositive));
     expectWarning(
         KVX2800T_SetAttributeViInt32(vi, "OutputChannel4,OutputChannel3", KVX2800T_ATTR_CURRENT_LIMIT_BEHAVIOR, 1));
-    EXPECT_CALL(*instrument, setVoltageProtectionEnabled(3, false)).WillOnce(Return(kWarning));
+    EXPECT_CALL(*instrument, setVoltageProtectionEnabled(3, false)).WillOnce(Return(kPositive));
     expectWarning(KVX2800T_SetAttributeViBoolean(vi, "OutputChannel3-4", KVX2800T_ATTR_OVP_ENABLED, VI_FALSE));
 }
 
 TEST_F(ScriptedInstrument, AWarningEndsAQueryUnrecordedAndUncheckedWithTheLastGoodValue)
 {
     EXPECT_CALL(*instrument, voltageLevel(3, testing::_)).WillOnce(DoAll(SetArgReferee<1>(3.5), Return(0)));
-    EXPECT_CALL(*instrument, voltageLevel(4, testing::_)).WillOnce(Return(kWarning));
+    EXPECT_CALL(*instrument, voltageLevel(4, testing::_)).WillOnce(Return(kPositive));
     ViReal64 volts = 77;
     expectWarning(KVX2800T_Measure(vi, "OutputChannel3-4,OutputChannel1", KVX2800T_VAL_MEASURE_VOLTAGE, &volts));
     EXPECT_EQ(volts, 3.5);
@@ -110,7 +110,7 @@ TEST_F(ScriptedInstrument, AWarningEndsAQueryUnrecordedAndUncheckedWithTheLastGo
 TEST_F(ScriptedInstrument, AWarningOfTheConditionLeavesTheOutput)
 {
     EXPECT_CALL(*instrument, questionableCondition(1, testing::_))
-        .WillOnce(DoAll(SetArgReferee<1>(3), Return(kWarning)));
+        .WillOnce(DoAll(SetArgReferee<1>(3), Return(kPositive)));
     ViBoolean inState = 77;
     expectWarning(KVX2800T_QueryOutputState(vi, "OutputChannel1-2", 0, &inState));
     EXPECT_EQ(inState, 77);
@@ -118,7 +118,7 @@ TEST_F(ScriptedInstrument, AWarningOfTheConditionLeavesTheOutput)
 
 TEST_F(ScriptedInstrument, AWarningEndsAGetterUnrecorded)
 {
-    EXPECT_CALL(*instrument, outputEnabled(2, testing::_)).WillOnce(Return(kWarning));
+    EXPECT_CALL(*instrument, outputEnabled(2, testing::_)).WillOnce(Return(kPositive));
     ViBoolean enabled = 77;
     expectWarning(KVX2800T_GetAttributeViBoolean(vi, "OutputChannel2", KVX2800T_ATTR_OUTPUT_ENABLED, &enabled));
     EXPECT_EQ(enabled, 77);
@@ -133,9 +133,9 @@ TEST_F(ScriptedInstrument, AFailedWriteOfDisableIsRecordedOnceAndReturned)
 
 TEST_F(ScriptedInstrument, AWarningOfDisableOrOfAResetIsTheCallsStatus)
 {
-    EXPECT_CALL(*instrument, writeRaw).WillOnce(Return(kWarning));
+    EXPECT_CALL(*instrument, writeRaw).WillOnce(Return(kPositive));
     expectWarning(KVX2800T_Disable(vi));
-    EXPECT_CALL(*instrument, reset).Times(2).WillRepeatedly(Return(kWarning));
+    EXPECT_CALL(*instrument, reset).Times(2).WillRepeatedly(Return(kPositive));
     expectWarning(KVX2800T_reset(vi));
     expectWarning(KVX2800T_ResetWithDefaults(vi));
 }
@@ -143,7 +143,7 @@ TEST_F(ScriptedInstrument, AWarningOfDisableOrOfAResetIsTheCallsStatus)
 TEST_F(ScriptedInstrument, AWarningOfTheErrorQueueLeavesBothOutputs)
 {
     EXPECT_CALL(*instrument, nextError)
-        .WillOnce(DoAll(SetArgReferee<0>(-113), SetArgReferee<1>("message"), Return(kWarning)));
+        .WillOnce(DoAll(SetArgReferee<0>(-113), SetArgReferee<1>("message"), Return(kPositive)));
     ViInt32 number = 77;
     std::array<ViChar, 256> text{};
     text.fill('#');
@@ -155,7 +155,7 @@ TEST_F(ScriptedInstrument, AWarningOfTheErrorQueueLeavesBothOutputs)
 TEST_F(ScriptedInstrument, ErrorBitsBehindAWarningOfTheStatusCheckAreAnError)
 {
     EXPECT_CALL(*instrument, setVoltageLevel(3, 1.0)).WillOnce(Return(0));
-    EXPECT_CALL(*instrument, eventStatus).WillOnce(DoAll(SetArgReferee<0>(0x20), Return(kWarning)));
+    EXPECT_CALL(*instrument, eventStatus).WillOnce(DoAll(SetArgReferee<0>(0x20), Return(kPositive)));
     EXPECT_EQ(KVX2800T_ConfigureVoltageLevel(vi, "OutputChannel3", 1.0), code(0xBFFA0001));
     expectRecordedOnce(code(0xBFFA0001), "Instrument error detected.  Use ErrorQuery() to determine the error(s).");
 }
@@ -171,7 +171,7 @@ TEST_F(ScriptedInstrument, ASimulatorThatDoesNotOpenIsRecordedOnceAndTheInstrume
     ViBoolean simulates = VI_FALSE;
     EXPECT_EQ(KVX2800T_GetAttributeViBoolean(vi, "", KVX2800T_ATTR_SIMULATE, &simulates), VI_SUCCESS);
     EXPECT_EQ(simulates, VI_TRUE);
-    session->simulationStatus = kWarning;
+    session->simulationStatus = kPositive;
     clearLog();
     expectWarning(KVX2800T_SetAttributeViBoolean(vi, "", KVX2800T_ATTR_SIMULATE, VI_TRUE));
     EXPECT_EQ(KVX2800T_SetAttributeViBoolean(vi, "", KVX2800T_ATTR_SIMULATE, VI_FALSE), VI_SUCCESS);
@@ -181,7 +181,7 @@ TEST_F(ScriptedInstrument, ASimulatorThatDoesNotOpenIsRecordedOnceAndTheInstrume
 TEST_F(ScriptedInstrument, AWarningOfTheStatusCheckIsTheCallsStatus)
 {
     EXPECT_CALL(*instrument, setVoltageLevel(3, 1.0)).WillOnce(Return(0));
-    EXPECT_CALL(*instrument, eventStatus).WillOnce(DoAll(SetArgReferee<0>(0), Return(kWarning)));
+    EXPECT_CALL(*instrument, eventStatus).WillOnce(DoAll(SetArgReferee<0>(0), Return(kPositive)));
     expectWarning(KVX2800T_ConfigureVoltageLevel(vi, "OutputChannel3", 1.0));
 }
 

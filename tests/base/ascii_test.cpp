@@ -55,4 +55,12 @@ TEST(Ascii, BlanksAreSkippedAtTheFrontOnly)
     EXPECT_EQ(skipBlanks(""), "");
 }
 
+TEST(Ascii, BlanksAreTrimmedAtBothEndsOnly)
+{
+    EXPECT_EQ(trimmed(" \t\n\v\f\ra b \r\n"), "a b");
+    EXPECT_EQ(trimmed("a"), "a");
+    EXPECT_EQ(trimmed(" \r\n"), "");
+    EXPECT_EQ(trimmed(""), "");
+}
+
 } // namespace

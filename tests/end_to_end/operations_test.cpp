@@ -22,7 +22,7 @@ using testing::AllOf;
 using testing::Ge;
 using testing::Gt;
 using testing::Le;
-using Lines = std::vector<std::string>;
+using TextLines = std::vector<std::string>;
 
 constexpr const char* kErrorQuery = ":SYSTem:ERRor?";
 
@@ -30,7 +30,7 @@ class OverTcp : public testing::Test
 {
 public:
     /// The options are those of the virtual instrument.
-    explicit OverTcp(Lines options = {}) : supply(withoutSettling(std::move(options))) {}
+    explicit OverTcp(TextLines options = {}) : supply(withoutSettling(std::move(options))) {}
 
     void SetUp() override { ASSERT_EQ(instrument.open(supply.resource(), ""), 0); }
 
@@ -62,14 +62,14 @@ public:
         EXPECT_EQ(setting.readBack->run(instrument, outputs), 0);
         EXPECT_EQ(outputs, setting.results);
         expectNoError();
-        EXPECT_EQ(supply.receivedLines(), (Lines{setting.line, setting.readBack->line, kErrorQuery}));
+        EXPECT_EQ(supply.receivedLines(), (TextLines{setting.line, setting.readBack->line, kErrorQuery}));
     }
 
     VirtualInstrumentProcess supply;
     TSRO::KVX2800T instrument;
 
 private:
-    static Lines withoutSettling(Lines options)
+    static TextLines withoutSettling(TextLines options)
     {
         options.insert(options.end(), {"--settle-ms", "0"});
         return options;
@@ -113,7 +113,7 @@ TEST_P(EveryOtherOperationOverTcp, IsTakenWithoutAnError)
     Values outputs;
     EXPECT_EQ(GetParam().run(instrument, outputs), 0);
     expectNoError();
-    EXPECT_EQ(supply.receivedLines(), (Lines{GetParam().line, kErrorQuery}));
+    EXPECT_EQ(supply.receivedLines(), (TextLines{GetParam().line, kErrorQuery}));
 }
 
 INSTANTIATE_TEST_SUITE_P(Actions, EveryOtherOperationOverTcp, testing::ValuesIn(settingsThat(false)), nameOf);

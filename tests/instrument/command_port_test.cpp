@@ -1,6 +1,7 @@
 #include "instrument/command_port.h"
 
 #include "tests/support/driver/scripted_connection.h"
+#include "tests/support/driver/visa_statuses.h"
 #include "tests/support/fakes/platform_fakes.h"
 #include "tests/support/thrown.h"
 
@@ -18,6 +19,10 @@ namespace
 
 using base::statusCode;
 using kvxtest::kInvalidKey;
+using kvxtest::kNoConnection;
+using kvxtest::kTermChar;
+using kvxtest::kTimedOut;
+using kvxtest::kWarning;
 using kvxtest::portOn;
 using kvxtest::ScriptedConnection;
 using kvxtest::throwsExactly;
@@ -25,10 +30,6 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using namespace TSRO;
 
-constexpr ViStatus kWarning = 0x3FFF0084;
-constexpr ViStatus kNoConnection = statusCode(0xBFFF000E);
-constexpr ViStatus kTimedOut = statusCode(0xBFFF0015);
-constexpr ViStatus kTermChar = 0x3FFF0005;
 constexpr ViStatus kMaxCount = 0x3FFF0006;
 
 static_assert(base::kErrorIo == statusCode(0xBFFA4214));

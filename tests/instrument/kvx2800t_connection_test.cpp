@@ -1,5 +1,6 @@
 #include "instrument/kvx2800t.h"
 
+#include "tests/support/driver/visa_statuses.h"
 #include "tests/support/fakes/platform_fakes.h"
 #include "tests/support/thrown.h"
 
@@ -15,6 +16,10 @@ namespace
 {
 
 using kvxtest::calls;
+using kvxtest::kNoConnection;
+using kvxtest::kNotFound;
+using kvxtest::kTimedOut;
+using kvxtest::kWarning;
 using kvxtest::throwsExactly;
 using testing::AllOf;
 using testing::Contains;
@@ -24,10 +29,6 @@ using TSRO::Identity;
 using TSRO::KVX2800T;
 
 constexpr ViStatus kIoError = static_cast<ViStatus>(0xBFFA4214);
-constexpr ViStatus kNoConnection = static_cast<ViStatus>(0xBFFF000E);
-constexpr ViStatus kNotFound = static_cast<ViStatus>(0xBFFF0011);
-constexpr ViStatus kTimedOut = static_cast<ViStatus>(0xBFFF0015);
-constexpr ViStatus kWarning = 0x3FFF0084;
 
 constexpr const char* kResource = "GPIB0::5::INSTR";
 constexpr const char* kIdentification = "Tessaro Instruments,KVX2803T,SN1,V1.00";

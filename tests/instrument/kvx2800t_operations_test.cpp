@@ -4,6 +4,7 @@
 #include "tests/support/driver/reply_oracle.h"
 #include "tests/support/driver/scripted_connection.h"
 #include "tests/support/driver/virtual_places.h"
+#include "tests/support/driver/visa_statuses.h"
 #include "tests/support/thrown.h"
 
 #include <algorithm>
@@ -27,6 +28,10 @@ using kvxtest::expectedOutcome;
 using kvxtest::Field;
 using kvxtest::FieldKind;
 using kvxtest::kInvalidKey;
+using kvxtest::kNoConnection;
+using kvxtest::kTermChar;
+using kvxtest::kTimedOut;
+using kvxtest::kWarning;
 using kvxtest::Operation;
 using kvxtest::Outcome;
 using kvxtest::outcomeOf;
@@ -37,11 +42,6 @@ using kvxtest::throwsExactly;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using namespace TSRO;
-
-constexpr ViStatus kWarning = 0x3FFF0084;
-constexpr ViStatus kTermChar = 0x3FFF0005;
-constexpr ViStatus kTimedOut = statusCode(0xBFFF0015);
-constexpr ViStatus kNoConnection = statusCode(0xBFFF000E);
 
 class KVX2800TTest : public testing::Test
 {

@@ -5,6 +5,7 @@
 #include "tests/support/driver/operation_table.h"
 #include "tests/support/driver/reply_oracle.h"
 #include "tests/support/driver/scripted_connection.h"
+#include "tests/support/driver/visa_statuses.h"
 
 #include <iterator>
 #include <memory>
@@ -18,6 +19,7 @@ namespace
 {
 
 using kvxtest::expectedOutcome;
+using kvxtest::kTimedOut;
 using kvxtest::Operation;
 using kvxtest::Outcome;
 using kvxtest::outcomeOf;
@@ -25,7 +27,6 @@ using kvxtest::portOn;
 using kvxtest::ScriptedConnection;
 
 constexpr ViStatus kIoError = static_cast<ViStatus>(0xBFFA4214);
-constexpr ViStatus kTimedOut = static_cast<ViStatus>(0xBFFF0015);
 constexpr ViStatus kMaxCount = 0x3FFF0006;
 
 class Replies

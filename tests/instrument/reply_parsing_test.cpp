@@ -252,7 +252,7 @@ TEST(ParseIntegers, ThrowForMoreThanThirtyTwoBits)
 
 // ---- Comparison with the C library, in the C locale that every test program starts in
 
-enum class Outcome
+enum class ReadAs
 {
     Value,
     Invalid,
@@ -262,7 +262,7 @@ enum class Outcome
 template <class Value>
 struct Result
 {
-    Outcome outcome;
+    ReadAs outcome;
     Value value;
 };
 
@@ -270,11 +270,11 @@ template <class Value, class Parse>
 Result<Value> resultOf(Parse parse, const std::string& text)
 {
     try {
-        return {Outcome::Value, parse(text)};
+        return {ReadAs::Value, parse(text)};
     } catch (const std::invalid_argument&) {
-        return {Outcome::Invalid, Value()};
+        return {ReadAs::Invalid, Value()};
     } catch (const std::out_of_range&) {
-        return {Outcome::OutOfRange, Value()};
+        return {ReadAs::OutOfRange, Value()};
     }
 }
 
@@ -285,10 +285,10 @@ Result<double> strtodResult(const std::string& text)
     errno = 0;
     const double value = std::strtod(text.c_str(), &end);
     if (end == text.c_str())
-        return {Outcome::Invalid, 0.0};
+        return {ReadAs::Invalid, 0.0};
     if (errno == ERANGE && (value == 0.0 || std::isinf(value)))
-        return {Outcome::OutOfRange, 0.0};
-    return {Outcome::Value, value};
+        return {ReadAs::OutOfRange, 0.0};
+    return {ReadAs::Value, value};
 }
 
 Result<ViInt32> strtolResult(const std::string& text)
@@ -297,10 +297,10 @@ Result<ViInt32> strtolResult(const std::string& text)
     errno = 0;
     const long long value = std::strtoll(text.c_str(), &end, 10);
     if (end == text.c_str())
-        return {Outcome::Invalid, 0};
+        return {ReadAs::Invalid, 0};
     if (errno == ERANGE || value < std::numeric_limits<ViInt32>::min() || value > std::numeric_limits<ViInt32>::max())
-        return {Outcome::OutOfRange, 0};
-    return {Outcome::Value, static_cast<ViInt32>(value)};
+        return {ReadAs::OutOfRange, 0};
+    return {ReadAs::Value, static_cast<ViInt32>(value)};
 }
 
 std::uint64_t bitsOf(double value)

@@ -1,6 +1,7 @@
 // What each kind of connection sets on a session that was just opened: the calls, their arguments and their order.
 
 #include "io/visa_io.h"
+#include "tests/support/driver/visa_statuses.h"
 #include "tests/support/fakes/platform_fakes.h"
 
 #include <memory>
@@ -15,10 +16,10 @@ namespace
 using InstLink::IoSettings;
 using InstLink::makeConnection;
 using kvxtest::calls;
+using kvxtest::kWarning;
 using testing::ElementsAreArray;
 
 constexpr ViStatus kNotSupported = static_cast<ViStatus>(0xBFFF001D);
-constexpr ViStatus kWarning = 0x3FFF0084;
 
 using Calls = std::vector<std::string>;
 

@@ -1,5 +1,6 @@
 #include "io/visa_io.h"
 #include "tests/support/driver/scripted_connection.h"
+#include "tests/support/driver/visa_statuses.h"
 #include "tests/support/fakes/platform_fakes.h"
 
 #include <initializer_list>
@@ -17,13 +18,12 @@ using InstLink::connect;
 using InstLink::ConnectionHolder;
 using InstLink::makeConnection;
 using kvxtest::calls;
+using kvxtest::kClosingFailed;
+using kvxtest::kNotFound;
+using kvxtest::kWarning;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
-
-constexpr ViStatus kNotFound = static_cast<ViStatus>(0xBFFF0011);
-constexpr ViStatus kClosingFailed = static_cast<ViStatus>(0xBFFF0016);
-constexpr ViStatus kWarning = 0x3FFF0084;
 
 std::type_index typeFor(const std::string& resource)
 {

@@ -1,4 +1,5 @@
 #include "io/visa_io.h"
+#include "tests/support/driver/visa_statuses.h"
 #include "tests/support/fakes/platform_fakes.h"
 
 #include <memory>
@@ -14,17 +15,17 @@ namespace
 using InstLink::IoSettings;
 using InstLink::VisaIO;
 using kvxtest::calls;
+using kvxtest::kClosingFailed;
+using kvxtest::kNotFound;
+using kvxtest::kTermChar;
+using kvxtest::kTimedOut;
+using kvxtest::kWarning;
 using kvxtest::queueReply;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-constexpr ViStatus kTermChar = 0x3FFF0005;
 constexpr ViStatus kMaxCount = 0x3FFF0006;
-constexpr ViStatus kWarning = 0x3FFF0084;
-constexpr ViStatus kTimedOut = static_cast<ViStatus>(0xBFFF0015);
 constexpr ViStatus kNoObject = static_cast<ViStatus>(0xBFFF000E);
-constexpr ViStatus kNotFound = static_cast<ViStatus>(0xBFFF0011);
-constexpr ViStatus kClosingFailed = static_cast<ViStatus>(0xBFFF0016);
 
 static_assert(std::is_abstract_v<InstLink::VisaIOBase>);
 static_assert(std::is_base_of_v<InstLink::VisaIOBase, VisaIO>);

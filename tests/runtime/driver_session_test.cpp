@@ -11,7 +11,7 @@ using namespace kvxtest;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-constexpr ViStatus kFailed = code(0xBFFA1777);
+constexpr ViStatus kOperationFailed = code(0xBFFA1777);
 
 /// A session that writes down the steps of its life and takes their statuses from a test.
 class SteppedSession : public drivekit::DriverSession
@@ -140,8 +140,8 @@ TEST_F(DriverSessionTest, InitializeInitialisesTheStatusWhenStatusCheckingIsOn)
 
 TEST_F(DriverSessionTest, AFailedResolutionEndsWithoutCleanUp)
 {
-    session.statuses["ResolveConfiguration"] = kFailed;
-    EXPECT_EQ(initialize(), kFailed);
+    session.statuses["ResolveConfiguration"] = kOperationFailed;
+    EXPECT_EQ(initialize(), kOperationFailed);
     EXPECT_THAT(session.steps, ElementsAre("ResolveConfiguration"));
     EXPECT_EQ(timesRecorded(), 0U);
 }
@@ -157,33 +157,33 @@ TEST_F(DriverSessionTest, InterchangeCheckingIsRefusedBeforeAnythingIsOpened)
 
 TEST_F(DriverSessionTest, AFailedOpenClosesTheInstrument)
 {
-    session.statuses["OpenInstrument"] = kFailed;
-    EXPECT_EQ(initialize(), kFailed);
+    session.statuses["OpenInstrument"] = kOperationFailed;
+    EXPECT_EQ(initialize(), kOperationFailed);
     EXPECT_THAT(session.steps, ElementsAre("ResolveConfiguration", "OpenInstrument", "CloseInstrument"));
 }
 
 TEST_F(DriverSessionTest, AFailedStatusInitialisationClosesTheInstrument)
 {
     session.queryStatus = true;
-    session.statuses["InitializeStatus"] = kFailed;
-    EXPECT_EQ(initialize(), kFailed);
+    session.statuses["InitializeStatus"] = kOperationFailed;
+    EXPECT_EQ(initialize(), kOperationFailed);
     EXPECT_THAT(session.steps,
                 ElementsAre("ResolveConfiguration", "OpenInstrument", "InitializeStatus", "CloseInstrument"));
 }
 
 TEST_F(DriverSessionTest, AFailedIdentificationClosesTheInstrument)
 {
-    session.statuses["ReadIdentity"] = kFailed;
-    EXPECT_EQ(initialize(), kFailed);
+    session.statuses["ReadIdentity"] = kOperationFailed;
+    EXPECT_EQ(initialize(), kOperationFailed);
     EXPECT_THAT(session.steps,
                 ElementsAre("ResolveConfiguration", "OpenInstrument", "ReadIdentity", "CloseInstrument"));
 }
 
 TEST_F(DriverSessionTest, AFailedCloseDoesNotReplaceTheStatusOfTheFailure)
 {
-    session.statuses["OpenInstrument"] = kFailed;
+    session.statuses["OpenInstrument"] = kOperationFailed;
     session.statuses["CloseInstrument"] = VI_ERROR_IO;
-    EXPECT_EQ(initialize(), kFailed);
+    EXPECT_EQ(initialize(), kOperationFailed);
 }
 
 TEST_F(DriverSessionTest, WarningsDoNotEndTheInitialisation)
@@ -245,8 +245,8 @@ TEST_F(DriverSessionTest, ItsModelIsTheIdentifiedOne)
 
 TEST_F(DriverSessionTest, CloseClosesTheInstrumentAndReturnsItsStatus)
 {
-    session.statuses["CloseInstrument"] = kFailed;
-    EXPECT_EQ(session.Close(), kFailed);
+    session.statuses["CloseInstrument"] = kOperationFailed;
+    EXPECT_EQ(session.Close(), kOperationFailed);
     EXPECT_THAT(session.steps, ElementsAre("CloseInstrument"));
 }
 

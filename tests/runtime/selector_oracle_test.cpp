@@ -30,7 +30,7 @@ namespace
 using namespace kvxtest;
 
 /// RapidCheck makes a hundred cases of a property; each has so many texts.
-constexpr std::size_t kTexts = 20;
+constexpr std::size_t kSelectors = 20;
 
 // Draws inside of rc::gen::exec().
 
@@ -199,35 +199,35 @@ public:
 
 RC_GTEST_FIXTURE_PROP(SelectorOracle, SelectorsOfPhysicalNamesResolveAsTheReferenceSays, ())
 {
-    expectAsTheReference(several(kTexts, selectorsOf({kPhysical, kAliases})));
+    expectAsTheReference(several(kSelectors, selectorsOf({kPhysical, kAliases})));
 }
 
 RC_GTEST_FIXTURE_PROP(SelectorOracle, SelectorsOfAnyNamesResolveAsTheReferenceSays, ())
 {
-    expectAsTheReference(several(kTexts, selectorsOf({kWild, kHuge})));
+    expectAsTheReference(several(kSelectors, selectorsOf({kWild, kHuge})));
 }
 
 RC_GTEST_FIXTURE_PROP(SelectorOracle, MutatedSelectorsResolveAsTheReferenceSays, ())
 {
-    expectAsTheReference(several(kTexts, mutantsOf({kPhysical, kAliases, kWild})));
+    expectAsTheReference(several(kSelectors, mutantsOf({kPhysical, kAliases, kWild})));
 }
 
 RC_GTEST_FIXTURE_PROP(SelectorOracle, SelectorsOfVirtualNamesResolveAsTheReferenceSays, ())
 {
     const auto names = several(1 + below(6), virtualNames());
-    expectAsTheReference(several(kTexts, selectorsOf({kVirtual, kPhysical})), names);
+    expectAsTheReference(several(kSelectors, selectorsOf({kVirtual, kPhysical})), names);
 }
 
 RC_GTEST_FIXTURE_PROP(SelectorOracle, MutatedSelectorsOfVirtualNamesResolveAsTheReferenceSays, ())
 {
     const auto names = several(1 + below(6), virtualNames());
-    expectAsTheReference(several(kTexts, mutantsOf({kVirtual})), names);
+    expectAsTheReference(several(kSelectors, mutantsOf({kVirtual})), names);
 }
 
 RC_GTEST_PROP(SelectorGrammar, AcceptsWhatItsExpressionAccepts, ())
 {
-    const auto texts = several(kTexts, rc::gen::oneOf(selectorsOf({kWild, kVirtual}), mutantsOf({kWild, kVirtual}),
-                                                      rc::gen::string<std::string>()));
+    const auto texts = several(kSelectors, rc::gen::oneOf(selectorsOf({kWild, kVirtual}), mutantsOf({kWild, kVirtual}),
+                                                          rc::gen::string<std::string>()));
     for (const std::string& text : texts) {
         const bool fits = fitsSelectorGrammar(text);
         const bool isAccepted = drivekit::selector::isWellFormed(text);

@@ -20,12 +20,12 @@ namespace
 
 using TSRO::canonicalReal;
 
-constexpr int kDraws = 10000;
+constexpr int kValues = 10000;
 
 TEST(UniformReal, LiesBetweenZeroAndOneWithoutOne)
 {
     TSRO::RandomSource source;
-    for (int i = 0; i < kDraws; ++i) {
+    for (int i = 0; i < kValues; ++i) {
         const double value = source.uniformReal();
         ASSERT_GE(value, 0.0);
         ASSERT_LT(value, 1.0);
@@ -60,7 +60,7 @@ TEST(UniformReal, IsTheStandardsCanonicalValueOfTheDraws)
         TSRO::RandomSource::seedGenerator(seed);
         TSRO::RandomSource source;
         std::mt19937 generator(seed);
-        for (int i = 0; i < kDraws; ++i) {
+        for (int i = 0; i < kValues; ++i) {
             const double expected = std::generate_canonical<double, 53>(generator);
             ASSERT_EQ(source.uniformReal(), expected) << "draw " << i << " of seed " << seed;
         }
@@ -71,7 +71,7 @@ TEST(UniformReal, FillsEveryTenthAlike)
 {
     TSRO::RandomSource source;
     std::array<int, 10> counts{};
-    for (int i = 0; i < kDraws; ++i)
+    for (int i = 0; i < kValues; ++i)
         ++counts[static_cast<std::size_t>(source.uniformReal() * 10.0)];
     for (const int count : counts) {
         EXPECT_GT(count, 700);
@@ -84,18 +84,18 @@ TEST(UniformReal, HasMoreThanThirtyTwoBits)
     TSRO::RandomSource source;
     // A multiple of 2^-32 in every one of the draws would be a source of 32 bits.
     int finer = 0;
-    for (int i = 0; i < kDraws; ++i) {
+    for (int i = 0; i < kValues; ++i) {
         const double scaled = source.uniformReal() * 4294967296.0;
         finer += scaled != static_cast<double>(static_cast<std::uint64_t>(scaled)) ? 1 : 0;
     }
-    EXPECT_GT(finer, kDraws / 2);
+    EXPECT_GT(finer, kValues / 2);
 }
 
 TEST(UniformRealBetween, LiesBetweenItsEndsAndReachesBothOuterTenths)
 {
     TSRO::RandomSource source;
     std::array<int, 10> counts{};
-    for (int i = 0; i < kDraws; ++i) {
+    for (int i = 0; i < kValues; ++i) {
         const double value = source.uniformReal(-2.0, 3.0);
         ASSERT_GE(value, -2.0);
         ASSERT_LE(value, 3.0);
@@ -122,14 +122,14 @@ TEST_P(UniformInteger, ReachesEveryNumberBelowTheCountAlikeOften)
     TSRO::RandomSource source;
     const std::uint32_t count = GetParam();
     std::vector<int> counts(count);
-    for (int i = 0; i < kDraws; ++i) {
+    for (int i = 0; i < kValues; ++i) {
         const std::uint32_t value = source.uniformInteger(count);
         ASSERT_LT(value, count);
         ++counts[value];
     }
     const auto [least, most] = std::minmax_element(counts.begin(), counts.end());
-    EXPECT_GT(*least, static_cast<int>(kDraws / count * 6 / 10));
-    EXPECT_LT(*most, static_cast<int>(kDraws / count * 14 / 10 + 1));
+    EXPECT_GT(*least, static_cast<int>(kValues / count * 6 / 10));
+    EXPECT_LT(*most, static_cast<int>(kValues / count * 14 / 10 + 1));
 }
 
 INSTANTIATE_TEST_SUITE_P(Counts, UniformInteger, testing::Values(1U, 2U, 3U, 4U, 6U, 8U, 11U),
@@ -143,7 +143,7 @@ TEST(LargeUniformInteger, IsRejectedWhereItWouldBeMoreLikelyThanOthers)
     // With 3 * 2^30 numbers a plain high word of the product would favour every third one by two to one.
     constexpr std::uint32_t kCount = 3U << 30U;
     std::array<int, 3> counts{};
-    for (int i = 0; i < kDraws; ++i) {
+    for (int i = 0; i < kValues; ++i) {
         const std::uint32_t value = source.uniformInteger(kCount);
         ASSERT_LT(value, kCount);
         ++counts[value % 3];
@@ -256,7 +256,7 @@ TEST(Boolean, IsTrueAndFalseAlikeOften)
 {
     TSRO::RandomSource source;
     int trues = 0;
-    for (int i = 0; i < kDraws; ++i)
+    for (int i = 0; i < kValues; ++i)
         trues += source.boolean() ? 1 : 0;
     EXPECT_GT(trues, 4500);
     EXPECT_LT(trues, 5500);

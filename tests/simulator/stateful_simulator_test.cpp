@@ -4,6 +4,7 @@
 #include "tests/support/comma_locale.h"
 #include "tests/support/driver/operation_preparation.h"
 #include "tests/support/driver/operation_table.h"
+#include "tests/support/driver/visa_statuses.h"
 #include "tests/support/fakes/platform_fakes.h"
 #include "virtual_instrument/scpi/virtual_instrument.h"
 
@@ -21,6 +22,9 @@
 namespace
 {
 
+using kvxtest::kNoConnection;
+using kvxtest::kTermChar;
+using kvxtest::kTimedOut;
 using kvxtest::Operation;
 using kvxtest::preparationOf;
 using kvxtest::Values;
@@ -30,9 +34,6 @@ using TSRO::InstBase;
 using TSRO::makeStatefulSimulator;
 using namespace std::chrono_literals;
 
-constexpr ViStatus kTermChar = 0x3FFF0005;
-constexpr ViStatus kTimedOut = static_cast<ViStatus>(0xBFFF0015);
-constexpr ViStatus kNoConnection = static_cast<ViStatus>(0xBFFF000E);
 constexpr ViStatus kIoError = static_cast<ViStatus>(0xBFFA4214);
 constexpr ViStatus kOutOfRange = static_cast<ViStatus>(0xBFFA4217);
 constexpr ViStatus kTruncated = base::kWarnArrayTruncated;

@@ -21,7 +21,7 @@ using XmlNode = rapidxml::xml_node<char>;
 using XmlAttribute = rapidxml::xml_attribute<char>;
 
 constexpr std::string_view kRootName = "IviConfigStore";
-constexpr std::string_view kSpace = " \t\r\n";
+constexpr std::string_view kWhiteSpace = " \t\r\n";
 
 std::optional<std::string> attributeOf(const XmlNode& node, const char* name)
 {
@@ -104,7 +104,7 @@ private:
             const std::size_t value = placeOf(last->value());
             place = text_.find(text_.at(value - 1), value) + 1;
         }
-        return text_.find_first_not_of(kSpace, place);
+        return text_.find_first_not_of(kWhiteSpace, place);
     }
 
     /// Where the end tag begins: the next one behind the last child that is in no other markup.

@@ -12,9 +12,9 @@ namespace kvxtest
 namespace
 {
 
-using Lines = std::vector<std::string>;
+using TextLines = std::vector<std::string>;
 
-constexpr const char* kNoInstrument =
+constexpr const char* kNoInstrumentLine =
     "0xBFFA4214 I/O error.  Insufficient location information or resource not present in the system\n";
 
 /// A line of the list of attributes.
@@ -80,7 +80,7 @@ TEST(FirstSession, PrintsWhatItConfiguredAndTheRecordedError)
 TEST(FirstSession, SaysWhyItCouldNotOpen)
 {
     EXPECT_EQ(runProgram(KVX_FIRST_SESSION, {"BANANA"}),
-              (FinishedProgram{1, "", std::string("InitWithOptions: ") + kNoInstrument}));
+              (FinishedProgram{1, "", std::string("InitWithOptions: ") + kNoInstrumentLine}));
 }
 
 TEST(FirstSession, WantsOneResource)
@@ -113,7 +113,7 @@ TEST(AllAttributes, TakesOptions)
 TEST(AllAttributes, SaysWhyItCouldNotOpen)
 {
     EXPECT_EQ(runProgram(KVX_ALL_ATTRIBUTES, {"BANANA"}),
-              (FinishedProgram{1, "", "all_attributes: " + std::string(kNoInstrument)}));
+              (FinishedProgram{1, "", "all_attributes: " + std::string(kNoInstrumentLine)}));
     EXPECT_EQ(
         runProgram(KVX_ALL_ATTRIBUTES, {"", "Simulate=1,Banana=1"}),
         (FinishedProgram{1, "", "all_attributes: 0xBFFA004B The 'banana' name in the option string is unknown.\n"}));
@@ -175,7 +175,7 @@ TEST(ErrorHandling, ShowsStatusesTextsAndTheInstrumentsErrors)
 TEST(ErrorHandling, FailsWithoutAnInstrument)
 {
     EXPECT_EQ(runProgram(KVX_ERROR_HANDLING, {"BANANA"}),
-              (FinishedProgram{1, "open: error " + std::string(kNoInstrument), ""}));
+              (FinishedProgram{1, "open: error " + std::string(kNoInstrumentLine), ""}));
 }
 
 TEST(ErrorHandling, WantsOneResource)
@@ -185,9 +185,9 @@ TEST(ErrorHandling, WantsOneResource)
 
 #ifdef KVX_TWO_SUPPLIES
 
-Lines linesOfARamp(const Lines& levels)
+TextLines linesOfARamp(const TextLines& levels)
 {
-    Lines lines{"*IDN?", "*RST", ":OUTP:STAT CH3,ON"};
+    TextLines lines{"*IDN?", "*RST", ":OUTP:STAT CH3,ON"};
     for (const std::string& level : levels) {
         lines.push_back(":SOUR3:VOLT " + level);
         lines.emplace_back(":SOUR3:VOLT?");
@@ -212,9 +212,9 @@ TEST(TwoSupplies, RampsBoth)
 TEST(TwoSupplies, OneWorksWithoutTheOther)
 {
     const VirtualInstrumentProcess second;
-    EXPECT_EQ(
-        runProgram(KVX_TWO_SUPPLIES, {"BANANA", second.resource()}),
-        (FinishedProgram{1, "first: " + std::string(kNoInstrument) + "second: 3.0 V 6.0 V 9.0 V 12.0 V 15.0 V\n", ""}));
+    EXPECT_EQ(runProgram(KVX_TWO_SUPPLIES, {"BANANA", second.resource()}),
+              (FinishedProgram{
+                  1, "first: " + std::string(kNoInstrumentLine) + "second: 3.0 V 6.0 V 9.0 V 12.0 V 15.0 V\n", ""}));
 }
 
 TEST(TwoSupplies, WantsTwoResources)

@@ -13,7 +13,7 @@ namespace kvxtest
 namespace
 {
 
-using Lines = std::vector<std::string>;
+using TextLines = std::vector<std::string>;
 
 TEST(DelayPowerUp, LoadsAProgramForEachRailAndStartsThemTogether)
 {
@@ -26,47 +26,47 @@ TEST(DelayPowerUp, LoadsAProgramForEachRailAndStartsThemTogether)
                                "OutputChannel3: 3.300 V, 0.330 A\n"
                                "power is up\n",
                                ""}));
-    const Lines lines = instrument.receivedLines();
+    const TextLines lines = instrument.receivedLines();
     EXPECT_GT(std::count(lines.begin(), lines.end(), ":DELAY:STATUS?"), 0);
     EXPECT_EQ(withoutPolls(withoutStatusChecks(lines), ":DELAY:STATUS?"),
-              (Lines{"*IDN?",
-                     "*CLS",
-                     "*RST",
-                     ":SOUR4:VOLT 1.800000",
-                     ":SOUR4:CURR 0.500000",
-                     ":SOUR4:CURR:PROT 0.500000",
-                     ":SOUR4:CURR:PROT:STAT ON",
-                     ":INST:SELE CH4",
-                     ":DELAY:GROUP:CLEar",
-                     ":DELAY:GROUP:PARAmeter 1,ON,0.100000",
-                     ":INST:SELE CH4",
-                     ":DELAY:CYCLEs 1",
-                     ":INST:SELE CH4",
-                     ":DELAY:ENDState ON",
-                     ":SOUR3:VOLT 3.300000",
-                     ":SOUR3:CURR 0.500000",
-                     ":SOUR3:CURR:PROT 0.500000",
-                     ":SOUR3:CURR:PROT:STAT ON",
-                     ":INST:SELE CH3",
-                     ":DELAY:GROUP:CLEar",
-                     ":DELAY:GROUP:PARAmeter 1,OFF,0.200000",
-                     ":DELAY:GROUP:PARAmeter 2,ON,0.100000",
-                     ":INST:SELE CH3",
-                     ":DELAY:CYCLEs 1",
-                     ":INST:SELE CH3",
-                     ":DELAY:ENDState ON",
-                     ":INST:SELE CH4",
-                     ":DELAY:STATe ON",
-                     ":INST:SELE CH3",
-                     ":DELAY:STATe ON",
-                     ":STATus:QUEStionable:INSTrument:ISUMmary4:CONDition?",
-                     ":OUTP:STAT? CH4",
-                     ":OUTP:CVCC? CH4",
-                     ":MEAS:ALL? CH4",
-                     ":STATus:QUEStionable:INSTrument:ISUMmary3:CONDition?",
-                     ":OUTP:STAT? CH3",
-                     ":OUTP:CVCC? CH3",
-                     ":MEAS:ALL? CH3"}));
+              (TextLines{"*IDN?",
+                         "*CLS",
+                         "*RST",
+                         ":SOUR4:VOLT 1.800000",
+                         ":SOUR4:CURR 0.500000",
+                         ":SOUR4:CURR:PROT 0.500000",
+                         ":SOUR4:CURR:PROT:STAT ON",
+                         ":INST:SELE CH4",
+                         ":DELAY:GROUP:CLEar",
+                         ":DELAY:GROUP:PARAmeter 1,ON,0.100000",
+                         ":INST:SELE CH4",
+                         ":DELAY:CYCLEs 1",
+                         ":INST:SELE CH4",
+                         ":DELAY:ENDState ON",
+                         ":SOUR3:VOLT 3.300000",
+                         ":SOUR3:CURR 0.500000",
+                         ":SOUR3:CURR:PROT 0.500000",
+                         ":SOUR3:CURR:PROT:STAT ON",
+                         ":INST:SELE CH3",
+                         ":DELAY:GROUP:CLEar",
+                         ":DELAY:GROUP:PARAmeter 1,OFF,0.200000",
+                         ":DELAY:GROUP:PARAmeter 2,ON,0.100000",
+                         ":INST:SELE CH3",
+                         ":DELAY:CYCLEs 1",
+                         ":INST:SELE CH3",
+                         ":DELAY:ENDState ON",
+                         ":INST:SELE CH4",
+                         ":DELAY:STATe ON",
+                         ":INST:SELE CH3",
+                         ":DELAY:STATe ON",
+                         ":STATus:QUEStionable:INSTrument:ISUMmary4:CONDition?",
+                         ":OUTP:STAT? CH4",
+                         ":OUTP:CVCC? CH4",
+                         ":MEAS:ALL? CH4",
+                         ":STATus:QUEStionable:INSTrument:ISUMmary3:CONDition?",
+                         ":OUTP:STAT? CH3",
+                         ":OUTP:CVCC? CH3",
+                         ":MEAS:ALL? CH3"}));
 }
 
 TEST(DelayPowerUp, TakesRailsInTheirOrder)

@@ -14,7 +14,7 @@ namespace kvxtest
 namespace
 {
 
-using Lines = std::vector<std::string>;
+using TextLines = std::vector<std::string>;
 
 TEST(ListRamp, LoadsAListRunsItAndMeasuresAtItsEnd)
 {
@@ -24,37 +24,37 @@ TEST(ListRamp, LoadsAListRunsItAndMeasuresAtItsEnd)
                                "OutputChannel3: 10 steps up to 4.00 V, 0.050 s each\n"
                                "at its end: 4.000 V, 0.400 A, 1.600 W\n",
                                ""}));
-    const Lines lines = instrument.receivedLines();
+    const TextLines lines = instrument.receivedLines();
     EXPECT_GT(std::count(lines.begin(), lines.end(), ":LIST:STATUS?"), 0);
     EXPECT_EQ(withoutPolls(withoutStatusChecks(lines), ":LIST:STATUS?"),
-              (Lines{"*IDN?",
-                     "*CLS",
-                     "*RST",
-                     ":SOUR3:CURR 0.500000",
-                     ":SOUR3:CURR:PROT 0.500000",
-                     ":SOUR3:CURR:PROT:STAT ON",
-                     ":INST:SELE CH3",
-                     ":LIST:GROUP:CLE",
-                     ":LIST:GROUP:PARA 1,0.400000,0.500000,0.050000",
-                     ":LIST:GROUP:PARA 2,0.800000,0.500000,0.050000",
-                     ":LIST:GROUP:PARA 3,1.200000,0.500000,0.050000",
-                     ":LIST:GROUP:PARA 4,1.600000,0.500000,0.050000",
-                     ":LIST:GROUP:PARA 5,2.000000,0.500000,0.050000",
-                     ":LIST:GROUP:PARA 6,2.400000,0.500000,0.050000",
-                     ":LIST:GROUP:PARA 7,2.800000,0.500000,0.050000",
-                     ":LIST:GROUP:PARA 8,3.200000,0.500000,0.050000",
-                     ":LIST:GROUP:PARA 9,3.600000,0.500000,0.050000",
-                     ":LIST:GROUP:PARA 10,4.000000,0.500000,0.050000",
-                     ":INST:SELE CH3",
-                     ":LIST:CYCLE 1",
-                     ":INST:SELE CH3",
-                     ":LIST:ENDS LAST",
-                     ":INST:SELE CH3",
-                     ":LIST:STAT ON",
-                     ":OUTP:STAT CH3,ON",
-                     ":STATus:QUEStionable:INSTrument:ISUMmary3:CONDition?",
-                     ":MEAS:ALL? CH3",
-                     ":OUTPut:STATe ALL,OFF"}));
+              (TextLines{"*IDN?",
+                         "*CLS",
+                         "*RST",
+                         ":SOUR3:CURR 0.500000",
+                         ":SOUR3:CURR:PROT 0.500000",
+                         ":SOUR3:CURR:PROT:STAT ON",
+                         ":INST:SELE CH3",
+                         ":LIST:GROUP:CLE",
+                         ":LIST:GROUP:PARA 1,0.400000,0.500000,0.050000",
+                         ":LIST:GROUP:PARA 2,0.800000,0.500000,0.050000",
+                         ":LIST:GROUP:PARA 3,1.200000,0.500000,0.050000",
+                         ":LIST:GROUP:PARA 4,1.600000,0.500000,0.050000",
+                         ":LIST:GROUP:PARA 5,2.000000,0.500000,0.050000",
+                         ":LIST:GROUP:PARA 6,2.400000,0.500000,0.050000",
+                         ":LIST:GROUP:PARA 7,2.800000,0.500000,0.050000",
+                         ":LIST:GROUP:PARA 8,3.200000,0.500000,0.050000",
+                         ":LIST:GROUP:PARA 9,3.600000,0.500000,0.050000",
+                         ":LIST:GROUP:PARA 10,4.000000,0.500000,0.050000",
+                         ":INST:SELE CH3",
+                         ":LIST:CYCLE 1",
+                         ":INST:SELE CH3",
+                         ":LIST:ENDS LAST",
+                         ":INST:SELE CH3",
+                         ":LIST:STAT ON",
+                         ":OUTP:STAT CH3,ON",
+                         ":STATus:QUEStionable:INSTrument:ISUMmary3:CONDition?",
+                         ":MEAS:ALL? CH3",
+                         ":OUTPut:STATe ALL,OFF"}));
 }
 
 TEST(ListRamp, SaysThatTheLoadHasTrippedIt)

@@ -16,13 +16,13 @@ namespace kvxtest
 namespace
 {
 
-using Lines = std::vector<std::string>;
+using TextLines = std::vector<std::string>;
 
-const Lines kConfigured{":SOUR3:VOLT 3.300000",      ":SOUR3:CURR 0.500000",      ":SOUR3:CURR:PROT 0.500000",
-                        ":SOUR3:CURR:PROT:STAT OFF", ":SOUR3:VOLT:PROT 4.000000", ":SOUR3:VOLT:PROT:STAT ON",
-                        ":OUTP:STAT CH3,ON"};
-const Lines kVerified{":SOUR3:VOLT?",      ":SOUR3:CURR?",           ":SOUR3:CURR:PROT:STAT?",
-                      ":SOUR3:VOLT:PROT?", ":SOUR3:VOLT:PROT:STAT?", ":OUTP:STAT? CH3"};
+const TextLines kConfigured{":SOUR3:VOLT 3.300000",      ":SOUR3:CURR 0.500000",      ":SOUR3:CURR:PROT 0.500000",
+                            ":SOUR3:CURR:PROT:STAT OFF", ":SOUR3:VOLT:PROT 4.000000", ":SOUR3:VOLT:PROT:STAT ON",
+                            ":OUTP:STAT CH3,ON"};
+const TextLines kVerified{":SOUR3:VOLT?",      ":SOUR3:CURR?",           ":SOUR3:CURR:PROT:STAT?",
+                          ":SOUR3:VOLT:PROT?", ":SOUR3:VOLT:PROT:STAT?", ":OUTP:STAT? CH3"};
 const std::string kOff = ":OUTPut:STATe ALL,OFF";
 
 std::string reading(int number)
@@ -36,7 +36,7 @@ std::string failure(int number)
 }
 
 /// The reading that has failed; nothing when none has.
-std::optional<int> failedReading(const Lines& output)
+std::optional<int> failedReading(const TextLines& output)
 {
     for (int number = 1; number <= static_cast<int>(output.size()); ++number)
         if (std::find(output.begin(), output.end(), failure(number)) != output.end())
@@ -45,9 +45,9 @@ std::optional<int> failedReading(const Lines& output)
 }
 
 /// What the program prints when that one of `count` readings fails once.
-Lines outputWithFailure(int failed, int count, const std::string& recovery)
+TextLines outputWithFailure(int failed, int count, const std::string& recovery)
 {
-    Lines output;
+    TextLines output;
     for (int number = 1; number <= count; ++number) {
         if (number == failed)
             output.insert(output.end(), {failure(number), recovery});
@@ -57,14 +57,14 @@ Lines outputWithFailure(int failed, int count, const std::string& recovery)
 }
 
 /// Connecting and measuring aside: how often the program does so is the connection's business.
-Lines settingsIn(Lines lines)
+TextLines settingsIn(TextLines lines)
 {
     std::erase(lines, "*IDN?");
     std::erase(lines, ":MEAS:ALL? CH3");
     return lines;
 }
 
-Lines operator+(Lines first, const Lines& second)
+TextLines operator+(TextLines first, const TextLines& second)
 {
     first.insert(first.end(), second.begin(), second.end());
     return first;
@@ -72,16 +72,16 @@ Lines operator+(Lines first, const Lines& second)
 
 /// The program, which knows no configuration store. It may connect again with the session that it has, or with a new
 /// one at once.
-class PulledCable : public testing::TestWithParam<Lines>
+class PulledCable : public testing::TestWithParam<TextLines>
 {
 protected:
-    std::unique_ptr<ChildProcess> start(const Lines& arguments) const
+    std::unique_ptr<ChildProcess> start(const TextLines& arguments) const
     {
         return std::make_unique<ChildProcess>(KVX_PULLED_CABLE, arguments + GetParam());
     }
 
     /// Its further lines.
-    static Lines toItsEnd(ChildProcess& program, Lines output)
+    static TextLines toItsEnd(ChildProcess& program, TextLines output)
     {
         while (const auto line = program.readLine())
             output.push_back(*line);
@@ -100,32 +100,32 @@ TEST_P(PulledCable, GoesOnAfterItsConnectionWasCut)
     const std::optional<std::string> first = program->readLine();
     ASSERT_EQ(first, reading(1));
     instrument.control("disconnect");
-    const Lines output = toItsEnd(*program, {*first});
+    const TextLines output = toItsEnd(*program, {*first});
     EXPECT_EQ(program->wait(), 0);
     EXPECT_EQ(program->errorOutput(), "");
     const std::optional<int> failed = failedReading(output);
     ASSERT_TRUE(failed);
     EXPECT_EQ(output, outputWithFailure(*failed, 40, "connected again, settings as they were"));
-    EXPECT_EQ(settingsIn(instrument.receivedLines()), kConfigured + kVerified + Lines{kOff});
+    EXPECT_EQ(settingsIn(instrument.receivedLines()), kConfigured + kVerified + TextLines{kOff});
 }
 
 TEST_P(PulledCable, SetsWhatAPowerFailureHasReset)
 {
-    std::optional<VirtualInstrumentProcess> instrument(std::in_place, Lines{"--load", "CH3=10"});
+    std::optional<VirtualInstrumentProcess> instrument(std::in_place, TextLines{"--load", "CH3=10"});
     const std::string port = std::to_string(instrument->port());
     const auto program = start({instrument->resource(), "5", "200"});
-    Lines output{program->readLine().value_or("")};
-    ASSERT_EQ(output, Lines{reading(1)});
+    TextLines output{program->readLine().value_or("")};
+    ASSERT_EQ(output, TextLines{reading(1)});
     instrument->kill();
     while (!failedReading(output))
         output.push_back(program->readLine().value());
-    instrument.emplace(Lines{"--load", "CH3=10", "--port", port});
+    instrument.emplace(TextLines{"--load", "CH3=10", "--port", port});
     const int failed = *failedReading(output);
     output = toItsEnd(*program, output);
     EXPECT_EQ(program->wait(), 0);
     EXPECT_EQ(program->errorOutput(), "");
     EXPECT_EQ(output, outputWithFailure(failed, 5, "connected again, settings were lost and are set again"));
-    EXPECT_EQ(settingsIn(instrument->receivedLines()), Lines{":SOUR3:VOLT?"} + kConfigured + Lines{kOff});
+    EXPECT_EQ(settingsIn(instrument->receivedLines()), TextLines{":SOUR3:VOLT?"} + kConfigured + TextLines{kOff});
 }
 
 TEST_P(PulledCable, SaysThatTheInstrumentDoesNotComeBack)
@@ -135,7 +135,7 @@ TEST_P(PulledCable, SaysThatTheInstrumentDoesNotComeBack)
     const std::optional<std::string> first = program->readLine();
     ASSERT_EQ(first, reading(1));
     instrument.kill();
-    const Lines output = toItsEnd(*program, {*first});
+    const TextLines output = toItsEnd(*program, {*first});
     EXPECT_EQ(program->wait(), 1);
     const std::optional<int> failed = failedReading(output);
     ASSERT_TRUE(failed);
@@ -143,16 +143,16 @@ TEST_P(PulledCable, SaysThatTheInstrumentDoesNotComeBack)
     EXPECT_TRUE(program->errorOutput().starts_with("pulled_cable: 0xBFFA4214 I/O error.")) << program->errorOutput();
 }
 
-INSTANTIATE_TEST_SUITE_P(WithItsSession, PulledCable, testing::Values(Lines{}));
-INSTANTIATE_TEST_SUITE_P(WithANewOne, PulledCable, testing::Values(Lines{"--reopen"}));
+INSTANTIATE_TEST_SUITE_P(WithItsSession, PulledCable, testing::Values(TextLines{}));
+INSTANTIATE_TEST_SUITE_P(WithANewOne, PulledCable, testing::Values(TextLines{"--reopen"}));
 
 TEST(PulledCableProgram, ReadsUndisturbed)
 {
     VirtualInstrumentProcess instrument({"--load", "CH3=10"});
     EXPECT_EQ(runProgram(KVX_PULLED_CABLE, {instrument.resource(), "2", "0"}),
               (FinishedProgram{0, reading(1) + "\n" + reading(2) + "\n", ""}));
-    const Lines measured{":MEAS:ALL? CH3", ":MEAS:ALL? CH3", kOff};
-    EXPECT_EQ(instrument.receivedLines(), Lines{"*IDN?"} + kConfigured + measured);
+    const TextLines measured{":MEAS:ALL? CH3", ":MEAS:ALL? CH3", kOff};
+    EXPECT_EQ(instrument.receivedLines(), TextLines{"*IDN?"} + kConfigured + measured);
 }
 
 TEST(PulledCableProgram, WantsAResource)

@@ -16,7 +16,7 @@ namespace kvxtest
 namespace
 {
 
-using Lines = std::vector<std::string>;
+using TextLines = std::vector<std::string>;
 
 constexpr double kInterval = 0.1;
 
@@ -35,7 +35,7 @@ struct Log
     }
 
     std::vector<double> seconds;
-    Lines values;
+    TextLines values;
 };
 
 class SoakLog : public testing::Test
@@ -55,29 +55,30 @@ TEST_F(SoakLog, WritesWhatTheMetersReadWithTheTimeSinceTheStart)
                                        "--interval", "0.1", "--samples", "3"}),
               (FinishedProgram{0, "OutputChannel3,OutputChannel4: 5.000 V, at most 1.000 A\n3 samples\n", ""}));
     const Log log(path);
-    EXPECT_EQ(log.values, (Lines{row("OutputChannel3 V,OutputChannel3 A,OutputChannel3 W,OutputChannel4 V,"
-                                     "OutputChannel4 A,OutputChannel4 W"),
-                                 row("5.000,0.500,2.500,5.000,0.000,0.000"), row("5.000,0.500,2.500,5.000,0.000,0.000"),
-                                 row("5.000,0.500,2.500,5.000,0.000,0.000")}));
+    EXPECT_EQ(log.values,
+              (TextLines{row("OutputChannel3 V,OutputChannel3 A,OutputChannel3 W,OutputChannel4 V,"
+                             "OutputChannel4 A,OutputChannel4 W"),
+                         row("5.000,0.500,2.500,5.000,0.000,0.000"), row("5.000,0.500,2.500,5.000,0.000,0.000"),
+                         row("5.000,0.500,2.500,5.000,0.000,0.000")}));
     ASSERT_EQ(log.seconds.size(), 3U);
     EXPECT_GE(log.seconds[0], 0.0);
     EXPECT_GE(log.seconds[1], kInterval);
     EXPECT_GE(log.seconds[2], 2 * kInterval);
-    Lines sample{":MEAS:ALL? CH3", ":MEAS:ALL? CH4", ":STATus:QUEStionable:INSTrument:ISUMmary3:CONDition?",
-                 ":STATus:QUEStionable:INSTrument:ISUMmary4:CONDition?"};
-    Lines expected{"*IDN?",
-                   "*CLS",
-                   "*RST",
-                   ":SOUR3:VOLT 5.000000",
-                   ":SOUR4:VOLT 5.000000",
-                   ":SOUR3:CURR 1.000000",
-                   ":SOUR3:CURR:PROT 1.000000",
-                   ":SOUR3:CURR:PROT:STAT ON",
-                   ":SOUR4:CURR 1.000000",
-                   ":SOUR4:CURR:PROT 1.000000",
-                   ":SOUR4:CURR:PROT:STAT ON",
-                   ":OUTP:STAT CH3,ON",
-                   ":OUTP:STAT CH4,ON"};
+    TextLines sample{":MEAS:ALL? CH3", ":MEAS:ALL? CH4", ":STATus:QUEStionable:INSTrument:ISUMmary3:CONDition?",
+                     ":STATus:QUEStionable:INSTrument:ISUMmary4:CONDition?"};
+    TextLines expected{"*IDN?",
+                       "*CLS",
+                       "*RST",
+                       ":SOUR3:VOLT 5.000000",
+                       ":SOUR4:VOLT 5.000000",
+                       ":SOUR3:CURR 1.000000",
+                       ":SOUR3:CURR:PROT 1.000000",
+                       ":SOUR3:CURR:PROT:STAT ON",
+                       ":SOUR4:CURR 1.000000",
+                       ":SOUR4:CURR:PROT 1.000000",
+                       ":SOUR4:CURR:PROT:STAT ON",
+                       ":OUTP:STAT CH3,ON",
+                       ":OUTP:STAT CH4,ON"};
     for (int number = 0; number < 3; ++number)
         expected.insert(expected.end(), sample.begin(), sample.end());
     expected.emplace_back(":OUTPut:STATe ALL,OFF");
@@ -91,7 +92,7 @@ TEST_F(SoakLog, EndsWithATripAndKeepsWhatItHas)
               (FinishedProgram{1, "OutputChannel3: 5.000 V, at most 0.300 A\n",
                                "soak_log.py: OutputChannel3 has tripped: over-current\n"}));
     EXPECT_EQ(Log(path).values,
-              (Lines{row("OutputChannel3 V,OutputChannel3 A,OutputChannel3 W"), row("0.000,0.000,0.000")}));
+              (TextLines{row("OutputChannel3 V,OutputChannel3 A,OutputChannel3 W"), row("0.000,0.000,0.000")}));
     EXPECT_EQ(instrument.receivedLines().back(), ":OUTPut:STATe ALL,OFF");
 }
 
@@ -115,7 +116,7 @@ TEST_F(SoakLog, SaysThatItCannotWriteItsFile)
     const std::string missing = folder / "no-such-folder/soak.csv";
     EXPECT_EQ(runPython(KVX_SOAK_LOG, {instrument.resource(), missing}),
               (FinishedProgram{1, "", "soak_log.py: [Errno 2] No such file or directory: '" + missing + "'\n"}));
-    EXPECT_EQ(instrument.receivedLines(), (Lines{}));
+    EXPECT_EQ(instrument.receivedLines(), (TextLines{}));
 }
 
 } // namespace

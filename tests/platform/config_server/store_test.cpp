@@ -58,13 +58,13 @@ TEST_F(LoadedStore, DriverSessionIsFoundByItsName)
     EXPECT_EQ(IviConfig_DisposeHandle(found), VI_SUCCESS);
 }
 
-struct LookUp
+struct NameLookUp
 {
     const char* name;
     const char* found;
 };
 
-class StoreLookUp : public LoadedStore, public testing::WithParamInterface<LookUp>
+class StoreLookUp : public LoadedStore, public testing::WithParamInterface<NameLookUp>
 {
 };
 
@@ -77,8 +77,8 @@ TEST_P(StoreLookUp, LogicalNamesComeFirst)
 }
 
 INSTANTIATE_TEST_SUITE_P(Names, StoreLookUp,
-                         testing::Values(LookUp{"BenchSupply", "KVX2800T"}, LookUp{"Shadowed", "KVX2800T"},
-                                         LookUp{"Plain", "Plain"}, LookUp{"Lost", "Lost"}),
+                         testing::Values(NameLookUp{"BenchSupply", "KVX2800T"}, NameLookUp{"Shadowed", "KVX2800T"},
+                                         NameLookUp{"Plain", "Plain"}, NameLookUp{"Lost", "Lost"}),
                          [](const auto& instance) { return std::string(instance.param.name); });
 
 TEST_F(LoadedStore, NamesThatLeadToNoDriverSessionAreNotFound)

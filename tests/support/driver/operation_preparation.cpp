@@ -5,19 +5,19 @@
 namespace kvxtest
 {
 
-using Lines = std::vector<std::string>;
+using TextLines = std::vector<std::string>;
 
-const Lines& preparationOf(const std::string& operation)
+const TextLines& preparationOf(const std::string& operation)
 {
     static const std::string kGroup = ":LIST:GROUP:PARA ";
     static const std::string kStep = ":DELAY:GROUP:PARAmeter ";
-    static const Lines kOneGroup = {kGroup + "1,5,1,10"};
-    static const Lines kTwoGroups = {kGroup + "1,5,1,10", kGroup + "2,6,1,10"};
-    static const Lines kThreeGroups = {kGroup + "1,5,1,10", kGroup + "2,6,1,10", kGroup + "3,7,1,10"};
-    static const Lines kOneStep = {kStep + "1,ON,10"};
-    static const Lines kTwoSteps = {kStep + "1,ON,10", kStep + "2,OFF,10"};
-    static const Lines kTemplate = {":LIST:TEMP:OBJ V,1", ":LIST:TEMP:MAXV 20", ":LIST:TEMP:PERI 4"};
-    static const std::map<std::string, Lines> all = {
+    static const TextLines kOneGroup = {kGroup + "1,5,1,10"};
+    static const TextLines kTwoGroups = {kGroup + "1,5,1,10", kGroup + "2,6,1,10"};
+    static const TextLines kThreeGroups = {kGroup + "1,5,1,10", kGroup + "2,6,1,10", kGroup + "3,7,1,10"};
+    static const TextLines kOneStep = {kStep + "1,ON,10"};
+    static const TextLines kTwoSteps = {kStep + "1,ON,10", kStep + "2,OFF,10"};
+    static const TextLines kTemplate = {":LIST:TEMP:OBJ V,1", ":LIST:TEMP:MAXV 20", ":LIST:TEMP:PERI 4"};
+    static const std::map<std::string, TextLines> all = {
         {"setVoltageLevelOfTheSeries", {":SOUR:Mode SER"}},
         {"setCurrentProtectionEnabledOff", {":SOUR:Mode PARA"}},
         {"setOvpValue", {":SOUR:Mode PARA"}},
@@ -42,7 +42,7 @@ const Lines& preparationOf(const std::string& operation)
         {"clearDelayGroups", kOneStep},
         {"constructDelay", {":DELAY:GENerate:POINTs 4", ":DELAY:GENerate:TIMe:ON 1", ":DELAY:GENerate:TIMe:OFF 1"}},
     };
-    static const Lines kNothing;
+    static const TextLines kNothing;
     const auto found = all.find(operation);
     return found == all.end() ? kNothing : found->second;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <memory>
 #include <optional>
 #include <string>
@@ -7,6 +8,10 @@
 
 namespace kvxtest
 {
+
+/// How long a test waits for a program before it takes it for hanging, and how often it looks.
+inline constexpr std::chrono::seconds kHangGuard{60};
+inline constexpr std::chrono::milliseconds kPollInterval{5};
 
 /// A program started by a test. Its standard output is read line by line, its error output is kept. The destructor
 /// kills it when it still runs and always collects it, so a test leaves no process behind. Its standard input is an
@@ -23,7 +28,7 @@ public:
     ChildProcess& operator=(const ChildProcess&) = delete;
 
     /// The next line of its standard output without the line feed; nothing at its end. Throws std::runtime_error when
-    /// none comes within the hang guard of one minute.
+    /// none comes within the hang guard.
     std::optional<std::string> readLine();
 
     /// What it has written to its error output so far.

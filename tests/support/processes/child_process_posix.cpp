@@ -22,9 +22,6 @@ namespace kvxtest
 namespace
 {
 
-constexpr std::chrono::milliseconds kHangGuard{60'000};
-constexpr std::chrono::milliseconds kPollInterval{5};
-
 /// From making the descriptors to marking them, no other thread may start a process: it would inherit them, and the
 /// end of the output would not be seen.
 std::mutex& spawnMutex()
@@ -196,7 +193,7 @@ struct ChildProcess::Host
     void readMore()
     {
         pollfd waiting{output.readEnd.number(), POLLIN, 0};
-        const int ready = ::poll(&waiting, 1, static_cast<int>(kHangGuard.count()));
+        const int ready = ::poll(&waiting, 1, static_cast<int>(std::chrono::milliseconds(kHangGuard).count()));
         if (ready == 0)
             throw std::runtime_error("a child process says nothing");
         std::array<char, 1024> chunk{};

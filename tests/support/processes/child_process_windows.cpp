@@ -40,8 +40,6 @@ namespace
 
 using platform::Handle;
 
-constexpr std::chrono::seconds kHangGuard{60};
-constexpr std::chrono::milliseconds kPollInterval{5};
 constexpr UINT kKilled = 137;
 
 [[noreturn]] void throwLastError(const char* what)

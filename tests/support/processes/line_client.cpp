@@ -1,18 +1,13 @@
 #include "tests/support/processes/line_client.h"
 
+#include "tests/support/processes/child_process.h"
+
 #include <asio.hpp>
 
 #include <chrono>
 
 namespace kvxtest
 {
-namespace
-{
-
-constexpr std::chrono::seconds kHangGuard{60};
-
-} // namespace
-
 struct LineClient::Link
 {
     asio::io_context context{1};

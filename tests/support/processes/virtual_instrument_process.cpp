@@ -14,9 +14,6 @@ namespace kvxtest
 namespace
 {
 
-constexpr std::chrono::seconds kHangGuard{60};
-constexpr std::chrono::milliseconds kPollInterval{5};
-
 std::vector<std::string> argumentsFor(const std::vector<std::string>& extra)
 {
     std::vector<std::string> arguments{"--control-port", "0", "--until-stdin-closes"};

@@ -31,7 +31,7 @@ public:
     ManualInstrument device;
 };
 
-constexpr const char* kStopped = "STOPPED,0.000000,0,0\n";
+constexpr const char* kStoppedList = "STOPPED,0.000000,0,0\n";
 
 TEST_F(List, WaitsForTheOutputAndThenGoesThroughItsGroups)
 {
@@ -49,7 +49,7 @@ TEST_F(List, WaitsForTheOutputAndThenGoesThroughItsGroups)
     advance(1999);
     EXPECT_EQ(status(), "RUNNING,0.001000,2,1\n");
     advance(1);
-    expectOutput(kStopped, "0.000\n");
+    expectOutput(kStoppedList, "0.000\n");
     EXPECT_EQ(device.exchange("LIST:STAT?;:OUTP:STAT? CH1"), "0;0\n");
 }
 
@@ -85,20 +85,20 @@ TEST_F(List, EndStateLastMakesTheLastGroupTheSettings)
 {
     device.exchange("SOUR1:VOLT 3;:LIST:ENDS LAST;:OUTP:STAT CH1,ON;:LIST:STAT ON");
     advance(3000);
-    expectOutput(kStopped, "8.000\n");
+    expectOutput(kStoppedList, "8.000\n");
     EXPECT_EQ(device.exchange("OUTP:STAT? CH1;:SOUR1:VOLT?;CURR?"), "1;8.000000;1.000000\n");
 }
 
 TEST_F(List, SwitchingItOffBringsTheEndStateAbout)
 {
     device.exchange("OUTP:STAT CH1,ON;:LIST:STAT ON;STAT OFF");
-    EXPECT_EQ(status(), kStopped);
+    EXPECT_EQ(status(), kStoppedList);
     EXPECT_EQ(output(), "0\n");
 
     device.exchange("LIST:ENDS LAST;:OUTP:STAT CH1,ON;:LIST:STAT ON");
     advance(1500);
     device.exchange("LIST:STAT OFF");
-    expectOutput(kStopped, "8.000\n");
+    expectOutput(kStoppedList, "8.000\n");
 
     device.exchange("LIST:STAT ON;:OUTP:STAT CH1,OFF;:LIST:STAT OFF");
     EXPECT_EQ(device.exchange("OUTP:STAT? CH1;:SOUR1:VOLT?"), "0;5.000000\n");
@@ -109,7 +109,7 @@ TEST_F(List, SwitchingItOffBeforeItHasBegunAppliesItsEndState)
     device.exchange("TRIG:IN:ENAB CH1,ON;:OUTP:STAT CH1,ON;:LIST:STAT ON");
     EXPECT_EQ(status(), "READY,1.000000,1,1\n");
     device.exchange("LIST:STAT OFF");
-    EXPECT_EQ(status(), kStopped);
+    EXPECT_EQ(status(), kStoppedList);
     EXPECT_EQ(output(), "0\n");
 }
 
@@ -117,7 +117,7 @@ TEST_F(List, SwitchingItOffBeforeItHasBegunWithLastLeavesTheLevelsAlone)
 {
     device.exchange(
         "SOUR1:VOLT 12.5;:TRIG:IN:ENAB CH1,ON;:OUTP:STAT CH1,ON;:LIST:ENDS LAST;:LIST:STAT ON;:LIST:STAT OFF");
-    EXPECT_EQ(status(), kStopped);
+    EXPECT_EQ(status(), kStoppedList);
     EXPECT_EQ(output(), "1\n");
     EXPECT_EQ(device.exchange("SOUR1:VOLT?"), "12.500000\n");
 }
@@ -193,7 +193,7 @@ TEST_F(List, CountsItsCyclesDown)
     advance(2499);
     EXPECT_EQ(status(), "RUNNING,0.001000,2,1\n");
     advance(1);
-    EXPECT_EQ(status(), kStopped);
+    EXPECT_EQ(status(), kStoppedList);
 }
 
 TEST_F(List, CyclesOfZeroHaveNoEnd)
@@ -216,10 +216,10 @@ TEST_F(List, TheLongestOneEndsWhenItShould)
     advance(51'199'487);
     EXPECT_EQ(status(), "RUNNING,0.001000,512,1\n");
     advance(1);
-    EXPECT_EQ(status(), kStopped);
+    EXPECT_EQ(status(), kStoppedList);
     device.exchange("OUTP:STAT CH1,ON;:LIST:STAT ON");
     advance(86'400'000);
-    EXPECT_EQ(status(), kStopped);
+    EXPECT_EQ(status(), kStoppedList);
 }
 
 TEST_F(List, AnEndlessOneOfTheShortestGroupsRunsForACentury)
@@ -238,7 +238,7 @@ TEST_F(List, ProtectionSeesEveryGroupOfOneLongStep)
     EXPECT_EQ(output(), "1\n");
     advance(86'400'000);
     EXPECT_EQ(output(), "0\n");
-    EXPECT_EQ(status(), kStopped);
+    EXPECT_EQ(status(), kStoppedList);
     EXPECT_EQ(device.exchange("STAT:QUES:INST:ISUM1:COND?;EVEN?"), "8;8\n");
 }
 
@@ -268,7 +268,7 @@ TEST_F(List, ADemandAsLongAsTheDelayTripsAtTheEndOfItsGroup)
     device.exchange("OUTP:OCP:VAL CH1,0.8;DEL CH1,0.5;STAT CH1,ON;:OUTP:STAT CH1,ON;:LIST:STAT ON");
     advance(500);
     EXPECT_EQ(output(), "0\n");
-    EXPECT_EQ(status(), kStopped);
+    EXPECT_EQ(status(), kStoppedList);
 }
 
 TEST_F(List, AGroupAboveTheOverVoltageLevelTripsAndEndsIt)
@@ -277,7 +277,7 @@ TEST_F(List, AGroupAboveTheOverVoltageLevelTripsAndEndsIt)
     advance(999);
     EXPECT_EQ(status(), "RUNNING,0.001000,1,1\n");
     advance(100'000);
-    EXPECT_EQ(status(), kStopped);
+    EXPECT_EQ(status(), kStoppedList);
     EXPECT_EQ(device.exchange("OUTP:STAT? CH1;:SOUR1:VOLT?;:STAT:QUES:INST:ISUM1:COND?"), "0;3.000000;4\n");
 }
 
@@ -323,7 +323,7 @@ TEST_F(List, CannotStartWhileTheDelayProgramRuns)
 {
     device.exchange("DELAY:GROUP:PARA 1,ON,1;:DELAY:STAT ON");
     EXPECT_EQ(device.errorOf("LIST:STAT ON"), kSettingsConflict);
-    EXPECT_EQ(status(), kStopped);
+    EXPECT_EQ(status(), kStoppedList);
     device.exchange("DELAY:STAT OFF");
     EXPECT_EQ(device.errorOf("LIST:STAT ON"), kNoError);
 }
@@ -356,12 +356,12 @@ TEST_F(List, ASourceModeEndsThoseOfTheOutputsItConcerns)
     device.exchange("INST:SELE CH3;:LIST:GROUP:PARA 1,1,1,10;:LIST:STAT ON;:SOUR:MODE PARA");
     EXPECT_EQ(status(), "RUNNING,10.000000,1,1\n");
     device.exchange("INST:SELE CH1");
-    EXPECT_EQ(status(), kStopped);
+    EXPECT_EQ(status(), kStoppedList);
     EXPECT_EQ(device.exchange("LIST:GROUP:NUM?;:SOUR1:VOLT?"), "2;0.000000\n");
     device.exchange("SOUR:MODE NORMAL");
     advance(500);
     device.exchange("OUTP:STAT CH1,ON");
-    EXPECT_EQ(status(), kStopped);
+    EXPECT_EQ(status(), kStoppedList);
 }
 
 TEST_F(List, TheSameSourceModeAgainLeavesItRunning)
@@ -381,7 +381,7 @@ TEST_F(List, RunsOnACombinedChannel)
 TEST_F(List, ResetStopsAndClearsIt)
 {
     device.exchange("LIST:CYCLE 5;ENDS LAST;TEMP:SEL FALL;:OUTP:STAT CH1,ON;:LIST:STAT ON;*RST");
-    EXPECT_EQ(status(), kStopped);
+    EXPECT_EQ(status(), kStoppedList);
     EXPECT_EQ(device.exchange("LIST:GROUP:NUM?;:LIST:CYCLE?;ENDS?;TEMP:SEL?;:OUTP:STAT? CH1;:SOUR1:VOLT?"),
               "0;1;OFF;SINE;0;0.000000\n");
 }
@@ -390,7 +390,7 @@ TEST_F(List, APowerCycleStopsItAndKeepsItAsThePowerOnStateSays)
 {
     device.exchange("OUTP:PONS:STAT CH1,LAST;:SOUR1:VOLT 3;CURR 1;:LIST:ENDS LAST;:OUTP:STAT CH1,ON;:LIST:STAT ON");
     device.control("power-cycle");
-    expectOutput(kStopped, "3.000\n");
+    expectOutput(kStoppedList, "3.000\n");
     EXPECT_EQ(device.exchange("LIST:GROUP:NUM?;:LIST:ENDS?"), "2;LAST\n");
     device.exchange("OUTP:PONS:STAT CH1,RST");
     device.control("power-cycle");

@@ -1,5 +1,7 @@
 #include "visa/transport/tcp/tcp_connect.h"
 
+#include "visa/transport/tcp/socket_error_windows.h"
+
 #include <winsock2.h>
 
 #include <algorithm>
@@ -11,11 +13,6 @@ namespace
 {
 
 using asio::ip::tcp;
-
-asio::error_code lastError()
-{
-    return {WSAGetLastError(), asio::error::get_system_category()};
-}
 
 /// Asio's own open() leaves the socket to be inherited until it is told otherwise.
 asio::error_code openPrivately(tcp::socket& socket, const tcp& protocol)

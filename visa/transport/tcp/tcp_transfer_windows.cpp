@@ -1,5 +1,7 @@
 #include "visa/transport/tcp/tcp_transfer.h"
 
+#include "visa/transport/tcp/socket_error_windows.h"
+
 #include <winsock2.h>
 
 #include <algorithm>
@@ -15,11 +17,6 @@ constexpr int kLongestWaitMs = 50;
 
 /// Windows takes a single send of any size whole, however little the other end reads.
 constexpr std::size_t kLargestTransfer = 65536;
-
-asio::error_code lastError()
-{
-    return {WSAGetLastError(), asio::error::get_system_category()};
-}
 
 int lengthOf(std::size_t size)
 {
