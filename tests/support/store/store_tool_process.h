@@ -17,4 +17,7 @@ struct Outcome
 /// Runs kvx2800t-store to its end.
 Outcome runStoreTool(const std::vector<std::string>& arguments);
 
+/// The same from the shell of POSIX, with redirections such as `>/dev/full`.
+Outcome runStoreToolInShell(const std::vector<std::string>& arguments, const std::string& redirections);
+
 } // namespace kvxtest
