@@ -19,6 +19,11 @@ Outcome run(const std::string& path, const std::vector<std::string>& arguments)
 
 } // namespace
 
+std::string storeToolPath()
+{
+    return KVX_STORE_TOOL;
+}
+
 Outcome runStoreTool(const std::vector<std::string>& arguments)
 {
     return run(KVX_STORE_TOOL, arguments);

@@ -14,6 +14,9 @@ struct Outcome
     std::string errors;
 };
 
+/// Where kvx2800t-store is.
+std::string storeToolPath();
+
 /// Runs kvx2800t-store to its end.
 Outcome runStoreTool(const std::vector<std::string>& arguments);
 
