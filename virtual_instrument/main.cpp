@@ -3,14 +3,16 @@
 #include "virtual_instrument/transport/console.h"
 #include "virtual_instrument/transport/error_text.h"
 #include "virtual_instrument/transport/journal.h"
+#include "virtual_instrument/transport/output_queue.h"
 #include "virtual_instrument/transport/server.h"
 #include "virtual_instrument/transport/standard_input.h"
 
 #include <asio.hpp>
 #include <chrono>
 #include <exception>
-#include <iostream>
 #include <string>
+#include <string_view>
+#include <utility>
 
 namespace
 {
@@ -33,35 +35,51 @@ auto startOrExplain(const std::string& what, Start start)
     }
 }
 
+constexpr auto kLoopback = "127.0.0.1";
+
 std::string listenText(const std::string& address, unsigned short port)
 {
     return "listen on " + address + ':' + std::to_string(port);
 }
 
-/// Scripts read these lines to learn where to connect; each is flushed as soon as it is true.
-void announce(const std::string& line)
+/// The lines that scripts read to learn where to connect; each leaves as soon as it is true.
+void startTransports(Server& server, const Options& options, OutputQueue& output)
 {
-    std::cout << line << std::endl;
-}
-
-void startTransports(Server& server, const Options& options)
-{
-    announce("listening on " + startOrExplain(listenText(options.bindAddress, options.port),
-                                              [&] { return server.listen(options.bindAddress, options.port); }));
+    output.add("listening on " + startOrExplain(listenText(options.bindAddress, options.port),
+                                                [&] { return server.listen(options.bindAddress, options.port); }));
     if (options.serial)
-        announce("serial line at " + startOrExplain("offer a serial line", [&] { return server.openSerial(); }));
-    if (const auto port = options.controlPort)
-        announce("test control on " +
-                 startOrExplain(listenText("127.0.0.1", *port), [&] { return server.listenControl(*port); }));
+        output.add("serial line at " + startOrExplain("offer a serial line", [&] { return server.openSerial(); }));
+    if (const auto port = options.controlPort) {
+        const std::string address = options.controlToken ? options.bindAddress : kLoopback;
+        output.add("test control on " + startOrExplain(listenText(address, *port), [&] {
+                       return server.listenControl(address, *port, options.controlToken);
+                   }));
+    }
 }
 
-void run(const Options& options)
+void warnOfNetwork(Journal& journal, const Options& options)
+{
+    if (asio::ip::make_address(options.bindAddress).is_loopback())
+        return;
+    journal.warn("anyone who reaches " + options.bindAddress +
+                 " can operate this instrument: its port has no password");
+    if (options.controlToken)
+        journal.warn("whoever listens on the network sees the token of the test control");
+}
+
+OutputQueue::Write writerTo(StandardOutput output)
+{
+    return [output](std::string_view bytes) { writeTo(output, bytes); };
+}
+
+void run(const Options& options, OutputQueue& output, OutputQueue& errors)
 {
     asio::io_context context(1);
     VirtualInstrument instrument(options.instrument, steadyTime);
     for (const auto& [channel, ohms] : options.loads)
         instrument.supply().setLoad(channel, ohms);
-    Journal journal(std::cerr, options.trace);
+    Journal journal([&errors](std::string line) { errors.add(std::move(line)); }, options.trace);
+    warnOfNetwork(journal, options);
     Server server(context, instrument, journal);
 
     asio::signal_set signals(context);
@@ -71,7 +89,7 @@ void run(const Options& options)
     if (options.untilStdinCloses)
         startOrExplain("watch the standard input",
                        [&] { whenStandardInputEnds(context, [&context] { context.stop(); }); });
-    startTransports(server, options);
+    startTransports(server, options, output);
     context.run();
 }
 
@@ -80,14 +98,17 @@ void run(const Options& options)
 int main(int argumentCount, char** arguments)
 {
     writePlainLineFeeds();
+    outliveReaders();
+    const auto commandLine = parseCommandLine(argumentCount, arguments);
+    if (!commandLine.options)
+        return commandLine.exitCode;
+    OutputQueue output(writerTo(StandardOutput::Output));
+    OutputQueue errors(writerTo(StandardOutput::Errors));
     try {
-        const auto commandLine = parseCommandLine(argumentCount, arguments);
-        if (!commandLine.options)
-            return commandLine.exitCode;
-        run(*commandLine.options);
+        run(*commandLine.options, output, errors);
         return 0;
     } catch (const std::exception& error) {
-        std::cerr << "kvx2800t-virtual: " << error.what() << std::endl;
+        errors.add("kvx2800t-virtual: " + std::string(error.what()));
         return 1;
     }
 }

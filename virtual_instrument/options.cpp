@@ -5,6 +5,7 @@
 #include "virtual_instrument/transport/test_control.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <iostream>
 
 namespace kvxvirtual
@@ -14,6 +15,7 @@ namespace
 
 constexpr int kUsageError = 2;
 constexpr int kLongestSettleMilliseconds = 3'600'000;
+constexpr std::size_t kLongestToken = 1024;
 
 struct LoadOption
 {
@@ -39,12 +41,20 @@ std::string checkLoadOption(const std::string& text)
     return parseLoadOption(text) ? std::string() : "not <channel>=<ohms> or <channel>=open: " + text;
 }
 
+/// One word, which a line of the test control can hold.
+std::string checkToken(const std::string& text)
+{
+    const bool isWord = !text.empty() && std::none_of(text.begin(), text.end(), isBlank);
+    return isWord && text.size() <= kLongestToken ? std::string() : "not one word of at most 1024 bytes";
+}
+
 } // namespace
 
 CommandLine parseCommandLine(int argumentCount, const char* const* arguments)
 {
     Options options;
     unsigned short controlPort = 0;
+    std::string controlToken;
     int settleMilliseconds = static_cast<int>(options.instrument.settleTime.count());
     std::vector<std::string> loads;
     bool listCommands = false;
@@ -59,8 +69,12 @@ CommandLine parseCommandLine(int argumentCount, const char* const* arguments)
         ->check(CLI::ValidIPV4)
         ->capture_default_str();
     app.add_flag("--serial", options.serial, "offer a serial line (a pseudo terminal) and print its path");
-    const auto* const control =
+    auto* const control =
         app.add_option("--control-port", controlPort, "TCP port of the test control on 127.0.0.1, 0 for any free one");
+    app.add_option("--control-token", controlToken,
+                   "offer the test control where --bind says, to those who send \"token TOKEN\" first")
+        ->check(CLI::Validator(checkToken, "TOKEN"))
+        ->needs(control);
     app.add_option("--load", loads, "connect a load: CH1=10 (ohms) or CH1=open; may be repeated")
         ->check(CLI::Validator(checkLoadOption, "CHANNEL=OHMS"))
         ->take_all();
@@ -87,6 +101,8 @@ CommandLine parseCommandLine(int argumentCount, const char* const* arguments)
 
     if (control->count() > 0)
         options.controlPort = controlPort;
+    if (!controlToken.empty())
+        options.controlToken = controlToken;
     options.instrument.settleTime = std::chrono::milliseconds(settleMilliseconds);
     for (const auto& text : loads) {
         if (const auto load = parseLoadOption(text))

@@ -3,8 +3,10 @@
 #include <asio.hpp>
 #include <gmock/gmock.h>
 
+#include <atomic>
 #include <chrono>
 #include <random>
+#include <regex>
 #include <thread>
 
 namespace
@@ -15,6 +17,7 @@ using testing::ContainsRegex;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::Not;
+using testing::UnorderedElementsAre;
 using testing::UnorderedElementsAreArray;
 
 const std::string kIdentity = "Tessaro Instruments,KVX2833T,VIRT0000001,V1.00";
@@ -137,6 +140,20 @@ TEST(Program, ALongRunOfGarbageDisturbsNoneOfThoseWhoWork)
     EXPECT_EQ(LineClient(program.port()).query("*IDN?"), kIdentity);
 }
 
+/// Sends a line again and again, and reads nothing.
+void sendUntilItEnds(LineClient& client, const std::string& line)
+{
+    std::string lines;
+    for (int i = 0; i < 10'000; ++i)
+        lines += line;
+    try {
+        while (true)
+            client.send(lines);
+    } catch (const std::system_error&) {
+        // The test has ended.
+    }
+}
+
 TEST(Program, AClientThatTakesNoRepliesDisturbsNoOther)
 {
     VirtualInstrumentProcess program;
@@ -148,6 +165,23 @@ TEST(Program, AClientThatTakesNoRepliesDisturbsNoOther)
     LineClient good(program.port());
     EXPECT_EQ(good.query("*OPC?"), "1");
     EXPECT_EQ(program.control("sync"), "ok");
+}
+
+TEST(Program, AClientThatTakesNoRepliesDoesNotHoldUpTheControlWhileAnotherIsBusy)
+{
+    VirtualInstrumentProcess program;
+    LineClient greedy(program.port());
+    LineClient busy(program.port());
+    std::atomic<bool> ended = false;
+    const std::jthread queries([&] {
+        sendUntilItEnds(greedy, "*IDN?\n");
+        ended = true;
+    });
+    const std::jthread commands([&busy] { sendUntilItEnds(busy, "*CLS\n"); });
+    for (int i = 0; i < 100; ++i)
+        EXPECT_EQ(program.control("sync"), "ok");
+    EXPECT_FALSE(ended);
+    EXPECT_EQ(program.control("disconnect"), "ok");
 }
 
 TEST(Program, LogsWhatClientsSentByteForByte)
@@ -321,6 +355,161 @@ TEST(Program, TracesOverruns)
     EXPECT_THAT(program.errorOutput(), HasSubstr(" > (input buffer overrun)\n"));
 }
 
+/// The program with its error output in the same pipe as the standard output, and its test control open.
+class ProgramWithOnePipe
+{
+public:
+    explicit ProgramWithOnePipe(const std::string& redirection)
+        : process_("/bin/sh", {"-c", "exec \"$0\" \"$@\" " + redirection, virtualInstrumentPath(), "--port", "0",
+                               "--control-port", "0", "--until-stdin-closes", "--trace"})
+    {
+        port_ = nextPort();
+        controlPort_ = nextPort();
+    }
+
+    unsigned short port() const { return port_; }
+    unsigned short controlPort() const { return controlPort_; }
+    ChildProcess& process() { return process_; }
+
+private:
+    unsigned short nextPort()
+    {
+        const auto line = process_.readLine().value_or(":0");
+        return static_cast<unsigned short>(std::stoi(line.substr(line.rfind(':') + 1)));
+    }
+
+    ChildProcess process_;
+    unsigned short port_ = 0;
+    unsigned short controlPort_ = 0;
+};
+
+/// More than a pipe and the queue before it hold.
+void fillOutputs(LineClient& client)
+{
+    const std::string message = "*CLS" + std::string(4000, ' ') + "\n";
+    for (int i = 0; i < 300; ++i)
+        client.send(message);
+    for (int i = 0; i < 300; ++i)
+        ASSERT_EQ(client.query("SOUR3:VOLT 2;VOLT?"), "2.000000");
+}
+
+TEST(Program, OutputsThatNobodyReadsHoldItUpInNothing)
+{
+    ProgramWithOnePipe program("2>&1");
+    LineClient client(program.port());
+    fillOutputs(client);
+    EXPECT_EQ(LineClient(program.controlPort()).query("sync"), "ok");
+    program.process().terminate();
+    EXPECT_EQ(program.process().wait(), 0);
+}
+
+TEST(Program, SaysHowManyLinesNobodyHasRead)
+{
+    ProgramWithOnePipe program("2>&1");
+    LineClient client(program.port());
+    fillOutputs(client);
+    auto line = program.process().readLine();
+    while (line && !line->ends_with(" lines are lost, as nobody read this output)"))
+        line = program.process().readLine();
+    EXPECT_NE(line, std::nullopt);
+}
+
+TEST(Program, OutlivesTheReadersOfItsOutputs)
+{
+    ProgramWithOnePipe program("2>&1 | head -n 2");
+    LineClient client(program.port());
+    for (int i = 0; i < 100; ++i)
+        ASSERT_EQ(client.query("*OPC?"), "1");
+    EXPECT_EQ(LineClient(program.controlPort()).query("sync"), "ok");
+}
+
+const std::vector<std::string> kRequests{
+    "GET / HTTP/1.1\r\nHost: 127.0.0.1\r\n\r\n",
+    "POST / HTTP/1.1\r\nHost: 127.0.0.1\r\nContent-Length: 50\r\n\r\nSOUR3:VOLT 5\nload CH1 1\n",
+    "POST /" + std::string(5000, 'x') + " HTTP/1.1\r\n\r\nSOUR3:VOLT 5\ninject 5 \"x\"\n",
+    "Host: 127.0.0.1\r\n\r\nSOUR3:VOLT 5\n",
+};
+
+TEST(Program, EndsWebBrowsersBeforeAnythingIsExecuted)
+{
+    VirtualInstrumentProcess program;
+    for (const auto& request : kRequests) {
+        LineClient browser(program.port());
+        browser.send(request);
+        EXPECT_TRUE(browser.waitForEnd()) << request;
+    }
+    EXPECT_THAT(program.receivedLines(), ElementsAre());
+    LineClient client(program.port());
+    EXPECT_EQ(client.query("SOUR3:VOLT?"), "0.000000");
+    EXPECT_EQ(client.query("SYST:ERR?"), "0,\"No error\"");
+    EXPECT_THAT(program.errorOutput(), HasSubstr(" sent an HTTP request: cut off, nothing of it is executed\n"));
+}
+
+TEST(Program, EndsWebBrowsersAtTheTestControlToo)
+{
+    VirtualInstrumentProcess program;
+    for (const auto& request : kRequests) {
+        LineClient browser(program.controlPort());
+        browser.send(request);
+        EXPECT_TRUE(browser.waitForEnd()) << request;
+    }
+    EXPECT_EQ(LineClient(program.port()).query("SYST:ERR?"), "0,\"No error\"");
+}
+
+/// The lines of its outputs without ports; it is told to end after the last.
+std::vector<std::string> beginningWith(const std::vector<std::string>& arguments, const std::string& lastLine)
+{
+    std::vector<std::string> all{"-c", "exec \"$0\" \"$@\" 2>&1", virtualInstrumentPath(), "--port",
+                                 "0",  "--until-stdin-closes"};
+    all.insert(all.end(), arguments.begin(), arguments.end());
+    ChildProcess program("/bin/sh", all);
+    std::vector<std::string> lines;
+    while (const auto line = program.readLine()) {
+        lines.push_back(std::regex_replace(*line, std::regex(":[0-9]+$"), ""));
+        if (line->starts_with(lastLine))
+            program.terminate();
+    }
+    EXPECT_EQ(program.wait(), 0);
+    return lines;
+}
+
+constexpr auto kOpenToAll = "warning: anyone who reaches 0.0.0.0 can operate this instrument: its port has no password";
+
+TEST(Program, WarnsOfAnAddressThatOthersReachAndKeepsTheTestControlFromThem)
+{
+    EXPECT_THAT(beginningWith({"--bind", "0.0.0.0", "--control-port", "0"}, "test control on"),
+                UnorderedElementsAre(kOpenToAll, "listening on 0.0.0.0", "test control on 127.0.0.1"));
+    EXPECT_THAT(beginningWith({"--bind", "127.0.0.2"}, "listening on"), ElementsAre("listening on 127.0.0.2"));
+}
+
+TEST(Program, OffersTheTestControlToOthersWithAToken)
+{
+    EXPECT_THAT(beginningWith({"--bind", "0.0.0.0", "--control-port", "0", "--control-token", "x"}, "test control on"),
+                UnorderedElementsAre(kOpenToAll,
+                                     "warning: whoever listens on the network sees the token of the test control",
+                                     "listening on 0.0.0.0", "test control on 0.0.0.0"));
+}
+
+TEST(Program, TheTestControlTakesThoseWhoShowTheToken)
+{
+    ChildProcess program(virtualInstrumentPath(), {"--port", "0", "--control-port", "0", "--until-stdin-closes",
+                                                   "--control-token", "open-sesame"});
+    const auto listening = program.readLine().value_or("");
+    const auto control = program.readLine().value_or("");
+    const auto port = static_cast<unsigned short>(std::stoi(control.substr(control.rfind(':') + 1)));
+    LineClient welcome(port);
+    EXPECT_EQ(welcome.query("token open-sesame"), "ok");
+    EXPECT_EQ(welcome.query("sync"), "ok");
+    for (const std::string line : {"sync", "token", "token open", "token open-sesamf", "token open-sesame now", ""}) {
+        LineClient stranger(port);
+        EXPECT_EQ(stranger.query(line), "error the first line has to be: token <token>") << line;
+        EXPECT_TRUE(stranger.waitForEnd()) << line;
+    }
+    LineClient talkative(port);
+    talkative.send(std::string(5000, 'x') + '\n');
+    EXPECT_TRUE(talkative.waitForEnd());
+}
+
 TEST(Program, CtrlCEndsItCleanly)
 {
     VirtualInstrumentProcess program({"--serial"});
@@ -372,8 +561,16 @@ TEST(Program, AnnouncesOnlyWhatIsOn)
 TEST(Program, RefusesBadOptions)
 {
     const std::vector<std::vector<std::string>> kBad = {
-        {"--load", "CH9=1"},   {"--load", "CH1"},  {"--load", "CH1=-1"}, {"--port", "65536"},
-        {"--settle-ms", "-1"}, {"--bind", "here"}, {"--nonsense"},
+        {"--load", "CH9=1"},
+        {"--load", "CH1"},
+        {"--load", "CH1=-1"},
+        {"--port", "65536"},
+        {"--settle-ms", "-1"},
+        {"--bind", "here"},
+        {"--nonsense"},
+        {"--control-token", "x"},
+        {"--control-port", "0", "--control-token", ""},
+        {"--control-port", "0", "--control-token", "a b"},
     };
     for (const auto& arguments : kBad) {
         ChildProcess program(virtualInstrumentPath(), arguments);
@@ -396,9 +593,9 @@ TEST(Program, ExplainsItsOptions)
     while (const auto line = program.readLine())
         help += *line + '\n';
     EXPECT_EQ(program.wait(), 0);
-    for (const auto* const option :
-         {"--port", "--bind", "--serial", "--control-port", "--load", "--settle-ms", "--idn", "--boolean-words",
-          "--alternate-keywords", "--trace", "--until-stdin-closes", "--commands", "--help", "--version"})
+    for (const auto* const option : {"--port", "--bind", "--serial", "--control-port", "--control-token", "--load",
+                                     "--settle-ms", "--idn", "--boolean-words", "--alternate-keywords", "--trace",
+                                     "--until-stdin-closes", "--commands", "--help", "--version"})
         EXPECT_THAT(help, HasSubstr(option));
     EXPECT_EQ(program.errorOutput(), "");
 }

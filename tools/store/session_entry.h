@@ -12,7 +12,7 @@
 namespace store_tool
 {
 
-/// Longest text that the driver reads from a store, in bytes.
+/// Longest text that every driver reads from a store as a whole, in bytes; many cut a longer one.
 inline constexpr std::size_t kLongestText = 1023;
 
 /// The flags of a driver session with the values that the driver has without a store.

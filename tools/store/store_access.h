@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
@@ -10,6 +11,9 @@ namespace store_tool
 
 /// The text of a store file. Throws StoreError when it cannot be read, is no file or is larger than a store may be.
 std::string readStoreFile(const std::string& path);
+
+/// The path from the root on, as drivers are told it.
+std::string absolutePath(const std::string& path);
 
 /// What a change does when there is no file.
 enum class WhenMissing
@@ -22,7 +26,8 @@ enum class WhenMissing
 inline constexpr std::chrono::milliseconds kLongestWait{10'000};
 
 /// A change of one store file, from reading it to replacing it. Where links lead to is what is read and replaced. While
-/// it lives, other changes of files in the same folder wait, as far as the file system has locks.
+/// it lives, other changes of files in the same folder wait, as far as the file system has locks; only those who may
+/// write in the folder can make them wait. What killed changes have left there is removed.
 class StoreChange
 {
 public:
@@ -37,6 +42,9 @@ public:
 
     /// What the file has; nothing when it is missing.
     const std::optional<std::string>& text() const;
+
+    /// How many other names (hard links) the file has. They keep the old text when the file is replaced.
+    std::uintmax_t otherNames() const;
 
     /// Puts a new text in place of the file in one step, with the file's rights. Throws StoreError and leaves the file
     /// as it is when that fails or when something else has changed it since it was read.

@@ -62,7 +62,7 @@ public:
     bool close()
     {
         const int number = std::exchange(number_, -1);
-        return number < 0 || ::close(number) == 0;
+        return number < 0 || ::close(number) == 0 || errno == EINTR;
     }
 
 private:
@@ -168,32 +168,147 @@ private:
     std::vector<std::filesystem::path> made_;
 };
 
-/// Waits for a lock of something else. File systems without locks give none at once.
-void lock(const Descriptor& folder, const std::string& path, std::chrono::milliseconds longestWait)
+Descriptor openedFolder(const std::string& path)
 {
-    constexpr std::chrono::milliseconds kPause{10};
-    const auto end = std::chrono::steady_clock::now() + longestWait;
-    while (uninterrupted([&] { return ::flock(folder.number(), LOCK_EX | LOCK_NB); }) != 0 && errno == EWOULDBLOCK) {
-        if (std::chrono::steady_clock::now() >= end)
-            throw StoreError(path + " is locked by something else");
-        std::this_thread::sleep_for(kPause);
-    }
-}
-
-/// A lock on the folder, since the file itself is replaced. Some file systems have none; there the comparison before
-/// replacing has to do.
-Descriptor lockedFolder(const std::string& path, std::chrono::milliseconds longestWait)
-{
-    Descriptor folder(::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    Descriptor folder(uninterrupted([&] { return ::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); }));
     if (folder.number() < 0)
         fail("cannot open " + path, errno);
-    lock(folder, path, longestWait);
     return folder;
 }
 
 bool isSame(const struct stat& one, const struct stat& other)
 {
     return one.st_dev == other.st_dev && one.st_ino == other.st_ino;
+}
+
+/// A lock for all changes in a folder: a file there that is locked, since the stores themselves are replaced. It can be
+/// opened by those who may write in the folder and by nobody else, so that readers cannot keep a change waiting. It is
+/// gone with the lock; one that a killed program has left is taken over.
+class FolderLock
+{
+public:
+    FolderLock() = default;
+    ~FolderLock()
+    {
+        if (file_.number() >= 0)
+            ::unlinkat(folder_, kName, 0);
+    }
+
+    FolderLock(const FolderLock&) = delete;
+    FolderLock& operator=(const FolderLock&) = delete;
+
+    /// Waits for the lock of something else. The folder stays open as long as the lock lives.
+    void take(int folder, const std::string& path, std::chrono::milliseconds longestWait)
+    {
+        constexpr std::chrono::milliseconds kPause{10};
+        const auto end = std::chrono::steady_clock::now() + longestWait;
+        folder_ = folder;
+        while (!tryToTake()) {
+            if (std::chrono::steady_clock::now() >= end)
+                throw StoreError(path + " is locked by something else");
+            std::this_thread::sleep_for(kPause);
+        }
+    }
+
+    /// Whether nothing else can be writing in the folder now. Some file systems have no locks; there the comparison
+    /// before replacing has to do.
+    bool isExclusive() const { return isExclusive_; }
+
+    /// Throws StoreError when the file of the lock could not be made.
+    void requireWritable(const std::string& path) const
+    {
+        if (error_ != 0)
+            fail("cannot create a file in " + path, error_);
+    }
+
+private:
+    static constexpr auto kName = ".kvx2800t-store.lock";
+
+    /// Whether there is nothing to be waited for.
+    bool tryToTake()
+    {
+        Descriptor file = openOrMake();
+        if (file.number() < 0)
+            return error_ != 0;
+        isExclusive_ = uninterrupted([&] { return ::flock(file.number(), LOCK_EX | LOCK_NB); }) == 0;
+        if ((!isExclusive_ && errno == EWOULDBLOCK) || !isInPlace(file))
+            return false;
+        file_ = std::move(file);
+        return true;
+    }
+
+    /// Nothing for a file that somebody else is just making or removing, and with an error where none can be made.
+    Descriptor openOrMake()
+    {
+        constexpr int kFlags = O_WRONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK;
+        Descriptor file(uninterrupted([this] { return ::openat(folder_, kName, kFlags); }));
+        if (file.number() >= 0 || errno != ENOENT)
+            return file;
+        file = Descriptor(uninterrupted([this] { return ::openat(folder_, kName, kFlags | O_CREAT | O_EXCL, 0200); }));
+        if (file.number() >= 0)
+            letWritersOpen(file);
+        else if (errno != EEXIST)
+            error_ = errno;
+        return file;
+    }
+
+    /// Those who may write in the folder may open the file.
+    void letWritersOpen(const Descriptor& file) const
+    {
+        constexpr mode_t kWriters = S_IWUSR | S_IWGRP | S_IWOTH;
+        struct stat status
+        {
+        };
+        if (::fstat(folder_, &status) != 0)
+            return;
+        mode_t rights = (status.st_mode & kWriters) | S_IWUSR;
+        if (::fchown(file.number(), static_cast<uid_t>(-1), status.st_gid) != 0)
+            rights &= ~mode_t{S_IWGRP};
+        static_cast<void>(::fchmod(file.number(), rights));
+    }
+
+    /// Whether who had it before has left it in its place.
+    bool isInPlace(const Descriptor& file) const
+    {
+        struct stat mine
+        {
+        };
+        struct stat there
+        {
+        };
+        return ::fstat(file.number(), &mine) == 0 && ::fstatat(folder_, kName, &there, AT_SYMLINK_NOFOLLOW) == 0 &&
+               isSame(mine, there);
+    }
+
+    int folder_ = -1;
+    Descriptor file_;
+    bool isExclusive_ = false;
+    int error_ = 0;
+};
+
+constexpr std::string_view kTemporaryName = ".kvx2800t-store-";
+constexpr std::string_view kTemporaryPattern = "XXXXXX";
+
+/// Whether a file is called what mkstemp makes of the pattern.
+bool isTemporaryName(std::string_view name)
+{
+    constexpr std::string_view kLetters = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789";
+    return name.starts_with(kTemporaryName) && name.size() == kTemporaryName.size() + kTemporaryPattern.size() &&
+           name.find_first_not_of(kLetters, kTemporaryName.size()) == std::string_view::npos;
+}
+
+/// Removes what killed changes have left. Only for the owner of the folder's lock: nobody else is writing now.
+void removeLeftFiles(const std::string& folder)
+{
+    namespace fs = std::filesystem;
+    std::error_code error;
+    std::vector<fs::path> left;
+    for (fs::directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error)) {
+        if (isTemporaryName(entry->path().filename().string()) && fs::is_regular_file(entry->symlink_status(error)))
+            left.push_back(entry->path());
+    }
+    for (const fs::path& path : left)
+        ::unlink(path.c_str());
 }
 
 mode_t rightsOfNewFiles()
@@ -207,7 +322,10 @@ mode_t rightsOfNewFiles()
 class TemporaryFile
 {
 public:
-    explicit TemporaryFile(const std::string& folder) : path_(folder + "/.kvx2800t-store-XXXXXX"), file_(open(path_)) {}
+    explicit TemporaryFile(const std::string& folder)
+        : path_(folder + '/' + std::string(kTemporaryName) + std::string(kTemporaryPattern)), file_(open(path_))
+    {
+    }
     ~TemporaryFile() { ::unlink(path_.c_str()); }
 
     TemporaryFile(const TemporaryFile&) = delete;
@@ -244,7 +362,7 @@ public:
     /// Brings the bytes to the disk, so that a crash after the replacement finds them.
     void finish()
     {
-        if (::fsync(file_.number()) != 0 || !file_.close())
+        if (uninterrupted([this] { return ::fsync(file_.number()); }) != 0 || !file_.close())
             fail("cannot write " + path_, errno);
     }
 
@@ -269,7 +387,8 @@ struct StoreChange::Host
 {
     std::string path;
     Descriptor folder;
-    NewFolders newFolders; // goes before the lock
+    NewFolders newFolders; // go after the lock, whose file is in them
+    FolderLock lock;
     std::optional<FileContent> before;
     std::optional<std::string> text;
 
@@ -298,6 +417,13 @@ struct StoreChange::Host
     }
 };
 
+std::string absolutePath(const std::string& path)
+{
+    std::error_code error;
+    const std::string absolute = std::filesystem::absolute(path, error).string();
+    return error ? path : absolute;
+}
+
 std::string readStoreFile(const std::string& path)
 {
     auto content = readIfThere(path);
@@ -312,7 +438,10 @@ StoreChange::StoreChange(const std::string& path, WhenMissing whenMissing, std::
     if (whenMissing == WhenMissing::Create)
         host_->newFolders.makeFor(path);
     host_->path = resolved(path);
-    host_->folder = lockedFolder(host_->folderPath(), longestWait);
+    host_->folder = openedFolder(host_->folderPath());
+    host_->lock.take(host_->folder.number(), host_->folderPath(), longestWait);
+    if (host_->lock.isExclusive())
+        removeLeftFiles(host_->folderPath());
     host_->before = readIfThere(host_->path);
     if (host_->before)
         host_->text = std::move(host_->before->text);
@@ -327,8 +456,15 @@ const std::optional<std::string>& StoreChange::text() const
     return host_->text;
 }
 
+std::uintmax_t StoreChange::otherNames() const
+{
+    const auto names = host_->before ? host_->before->status.st_nlink : 0;
+    return names > 1 ? names - 1 : 0;
+}
+
 void StoreChange::replaceBy(const std::string& text)
 {
+    host_->lock.requireWritable(host_->folderPath());
     TemporaryFile file(host_->folderPath());
     file.write(text);
     if (host_->before)

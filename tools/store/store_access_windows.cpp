@@ -302,6 +302,35 @@ Handle lockedFolder(const std::wstring& folder, std::chrono::milliseconds longes
     }
 }
 
+constexpr std::wstring_view kTemporaryName = L".kvx2800t-store-";
+
+bool isTemporaryName(std::wstring_view name)
+{
+    return name.starts_with(kTemporaryName) && name.size() > kTemporaryName.size() &&
+           name.find_first_not_of(L"0123456789", kTemporaryName.size()) == std::wstring_view::npos;
+}
+
+/// Removes a file that no program has open.
+void removeLeftFile(const std::wstring& path)
+{
+    constexpr DWORD kFlags = FILE_FLAG_DELETE_ON_CLOSE | FILE_FLAG_OPEN_REPARSE_POINT;
+    const Handle file = open(path, {DELETE, 0, OPEN_EXISTING, kFlags});
+}
+
+/// Removes what killed changes have left. Only for the owner of the folder's lock: nobody else is writing now.
+void removeLeftFiles(const std::wstring& folder)
+{
+    WIN32_FIND_DATAW found{};
+    const HANDLE search = FindFirstFileW((folder + L'\\' + std::wstring(kTemporaryName) + L'*').c_str(), &found);
+    if (search == INVALID_HANDLE_VALUE)
+        return;
+    do {
+        if (isTemporaryName(found.cFileName) && (found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0)
+            removeLeftFile(folder + L'\\' + found.cFileName);
+    } while (FindNextFileW(search, &found) != 0);
+    FindClose(search);
+}
+
 bool isSame(const BY_HANDLE_FILE_INFORMATION& one, const BY_HANDLE_FILE_INFORMATION& other)
 {
     return one.dwVolumeSerialNumber == other.dwVolumeSerialNumber && one.nFileIndexHigh == other.nFileIndexHigh &&
@@ -394,7 +423,7 @@ private:
         constexpr DWORD kAccess = GENERIC_WRITE | WRITE_DAC | DELETE;
         std::random_device random;
         while (true) {
-            path_ = folder + L"\\.kvx2800t-store-" + std::to_wstring(random());
+            path_ = folder + L'\\' + std::wstring(kTemporaryName) + std::to_wstring(random());
             // Readers that come while it takes the store's place are not kept out.
             Handle file = open(path_, {kAccess, FILE_SHARE_READ, CREATE_NEW, FILE_FLAG_WRITE_THROUGH});
             const DWORD error = GetLastError();
@@ -466,6 +495,12 @@ private:
     }
 };
 
+std::string absolutePath(const std::string& path)
+{
+    const std::wstring place = systemPath(path);
+    return place.empty() ? path : shown(place);
+}
+
 std::string readStoreFile(const std::string& path)
 {
     auto content = readIfThere(path);
@@ -484,6 +519,7 @@ StoreChange::StoreChange(const std::string& path, WhenMissing whenMissing, std::
     else if (!isFolder(folder))
         fail("cannot open " + shown(folder), ERROR_PATH_NOT_FOUND);
     host_->lock = lockedFolder(folder, longestWait);
+    removeLeftFiles(folder);
     host_->before = readIfThere(host_->path);
     if (host_->before)
         host_->text = std::move(host_->before->text);
@@ -496,6 +532,12 @@ StoreChange::~StoreChange() = default;
 const std::optional<std::string>& StoreChange::text() const
 {
     return host_->text;
+}
+
+std::uintmax_t StoreChange::otherNames() const
+{
+    const DWORD names = host_->before ? host_->before->status.nNumberOfLinks : 0;
+    return names > 1 ? names - 1 : 0;
 }
 
 void StoreChange::replaceBy(const std::string& text)

@@ -18,6 +18,9 @@ namespace store_tool
 namespace
 {
 
+/// What a buffer of IVI's size for paths holds beside the terminator.
+constexpr std::size_t kLongestPath = 259;
+
 std::string reasonOf(ViStatus status)
 {
     return status == IVICONFIG_ERROR_MASTER_REGISTRY_CONFLICT ? " names different stores for programs of 32 and 64 bits"
@@ -69,11 +72,16 @@ int runList(const std::string& path, std::ostream& out)
 int runCheck(const std::string& path, std::ostream& out)
 {
     const auto findings = check(load(path));
+    const std::size_t size = absolutePath(path).size();
+    const bool isLong = size > kLongestPath;
+    if (isLong)
+        out << printable(path) << ": the path has " << size << " characters, of which many drivers read "
+            << kLongestPath << '\n';
     for (const Finding& finding : findings)
         out << located(path, finding) << '\n';
-    if (findings.empty())
+    if (findings.empty() && !isLong)
         out << printable(path) << ": no findings\n";
-    return findings.empty() ? kSuccess : kFailure;
+    return findings.empty() && !isLong ? kSuccess : kFailure;
 }
 
 Deeds edit(StoreText& store, const Request& request)
@@ -98,27 +106,6 @@ void requireNothingWorse(const std::vector<Finding>& before, const StoreText& af
         throw StoreError("nothing is written, since the store would get faults:" + faults);
 }
 
-int runChange(const std::string& path, const Request& request, std::ostream& out)
-{
-    StoreChange change(path, request.creates ? WhenMissing::Create : WhenMissing::Refuse);
-    StoreText store = readText(path, change.text().value_or(emptyStoreText()));
-    const auto before = check(store);
-    const Deeds deeds = edit(store, request);
-    requireNothingWorse(before, store);
-    change.replaceBy(store.text());
-    for (const std::string& deed : deeds)
-        out << deed << '\n';
-    return kSuccess;
-}
-
-int run(const Request& request, std::ostream& out)
-{
-    const std::string path = pathOf(request);
-    if (request.command == Command::List)
-        return runList(path, out);
-    return request.command == Command::Check ? runCheck(path, out) : runChange(path, request, out);
-}
-
 /// The message with its own line breaks, but none of the control characters that paths and files may have.
 void complain(std::ostream& errors, std::string_view message)
 {
@@ -130,16 +117,58 @@ void complain(std::ostream& errors, std::string_view message)
     errors << printable(message) << '\n';
 }
 
+/// Says what has been done. The store is changed by now, so a warning has to do where that cannot be said.
+void tell(const std::string& path, const Deeds& deeds, std::uintmax_t otherNames, std::ostream& out,
+          std::ostream& errors)
+{
+    for (const std::string& deed : deeds)
+        out << deed << '\n';
+    if (otherNames > 0)
+        complain(errors, "warning: " + path + " had " + std::to_string(otherNames + 1) +
+                             " names (hard links); the others still lead to the old content");
+    if (!out.flush())
+        complain(errors, "warning: " + path + " is changed, but the output cannot be written");
+}
+
+void requireWritten(std::ostream& out)
+{
+    if (!out.flush())
+        throw StoreError("cannot write the output");
+}
+
+int runChange(const std::string& path, const Request& request, std::ostream& out, std::ostream& errors)
+{
+    StoreChange change(path, request.creates ? WhenMissing::Create : WhenMissing::Refuse);
+    StoreText store = readText(path, change.text().value_or(emptyStoreText()));
+    const auto before = check(store);
+    const Deeds deeds = edit(store, request);
+    requireNothingWorse(before, store);
+    change.replaceBy(store.text());
+    tell(path, deeds, change.otherNames(), out, errors);
+    return kSuccess;
+}
+
+int run(const Request& request, std::ostream& out, std::ostream& errors)
+{
+    const std::string path = pathOf(request);
+    const bool isList = request.command == Command::List;
+    if (!isList && request.command != Command::Check)
+        return runChange(path, request, out, errors);
+    const int exitCode = isList ? runList(path, out) : runCheck(path, out);
+    requireWritten(out);
+    return exitCode;
+}
+
 } // namespace
 
 int runTool(int argumentCount, const char* const* arguments, std::ostream& out, std::ostream& errors)
 {
     try {
         const auto commandLine = parseCommandLine(argumentCount, arguments, out, errors);
-        const int exitCode = commandLine.request ? run(*commandLine.request, out) : commandLine.exitCode;
-        if (!out.flush())
-            throw StoreError("cannot write the output");
-        return exitCode;
+        if (commandLine.request)
+            return run(*commandLine.request, out, errors);
+        requireWritten(out);
+        return commandLine.exitCode;
     } catch (const std::exception& error) {
         complain(errors, error.what());
         return kFailure;

@@ -1,6 +1,7 @@
 #include "tools/store/value_rules.h"
 
 #include "tools/store/plain_text.h"
+#include "tools/store/session_entry.h"
 #include "tools/store/values.h"
 
 #include <algorithm>
@@ -59,6 +60,13 @@ std::string unless(bool isRight, std::string_view text, std::string_view problem
     return isRight ? std::string() : inQuotes(text) + std::string(problem);
 }
 
+/// Names and values that drivers read into a buffer of their own.
+bool isReadByDrivers(std::string_view element)
+{
+    constexpr std::array<std::string_view, 5> kRead{"Name", "MapTo", "IOResourceDescriptor", "DriverSetup", "Value"};
+    return std::find(kRead.begin(), kRead.end(), element) != kRead.end();
+}
+
 std::string problemOfText(const XmlElement& owner, std::string_view text, Content content)
 {
     switch (content) {
@@ -90,6 +98,9 @@ std::string problemOf(const XmlElement& owner, const XmlElement& child, Content 
         return "has control characters or is not UTF-8";
     if (text.empty() && isNeeded(owner, content))
         return "is empty";
+    if (isReadByDrivers(child.name) && child.text.size() > kLongestText)
+        return "has " + std::to_string(child.text.size()) + " bytes, of which many drivers read " +
+               std::to_string(kLongestText);
     return problemOfText(owner, text, content);
 }
 

@@ -24,11 +24,8 @@ public:
     virtual std::uint64_t bytesWaiting() = 0;
 
     /// Whether it has executed everything up to its first `bytes` bytes, or gets no further by itself because it has
-    /// ended or waits to send a delayed reply.
-    virtual bool hasReached(std::uint64_t bytes) const = 0;
-
-    /// Grows with everything read and every reply sent.
-    virtual std::uint64_t steps() const = 0;
+    /// ended, waits to send a delayed reply or has a client that takes no replies.
+    virtual bool hasReached(std::uint64_t bytes) = 0;
 };
 
 } // namespace kvxvirtual

@@ -5,14 +5,29 @@
 namespace kvxvirtual
 {
 
+void Journal::warn(std::string_view what)
+{
+    write_("warning: " + std::string(what));
+}
+
 void Journal::clientCame(std::string_view client)
 {
-    out_ << "client " << client << " connected" << std::endl;
+    write_("client " + std::string(client) + " connected");
 }
 
 void Journal::clientWent(std::string_view client)
 {
-    out_ << "client " << client << " disconnected" << std::endl;
+    write_("client " + std::string(client) + " disconnected");
+}
+
+void Journal::refusedHttp(std::string_view client)
+{
+    write_("client " + std::string(client) + " sent an HTTP request: cut off, nothing of it is executed");
+}
+
+void Journal::refusedControl(std::string_view client)
+{
+    write_("client " + std::string(client) + " sent no token, or a wrong one, to the test control: cut off");
 }
 
 void Journal::traceLine(std::string_view client, std::string_view direction, std::string_view bytes)
@@ -20,7 +35,7 @@ void Journal::traceLine(std::string_view client, std::string_view direction, std
     if (!trace_)
         return;
     const std::chrono::duration<double> sinceStart = std::chrono::steady_clock::now() - start_;
-    out_ << fixedText(sinceStart.count(), 6) << ' ' << client << direction << escaped(bytes) << std::endl;
+    write_(fixedText(sinceStart.count(), 6) + ' ' + std::string(client) + std::string(direction) + escaped(bytes));
 }
 
 } // namespace kvxvirtual

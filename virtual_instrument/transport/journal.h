@@ -1,9 +1,10 @@
 #pragma once
 
 #include <chrono>
-#include <ostream>
+#include <functional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace kvxvirtual
 {
@@ -13,11 +14,17 @@ namespace kvxvirtual
 class Journal
 {
 public:
-    /// `out` must outlive the journal.
-    Journal(std::ostream& out, bool trace) : out_(out), trace_(trace) {}
+    /// Takes one line, without its line feed.
+    using Write = std::function<void(std::string)>;
+
+    Journal(Write write, bool trace) : write_(std::move(write)), trace_(trace) {}
+
+    void warn(std::string_view what);
 
     void clientCame(std::string_view client);
     void clientWent(std::string_view client);
+    void refusedHttp(std::string_view client);
+    void refusedControl(std::string_view client);
     void received(std::string_view client, std::string_view bytes) { traceLine(client, " > ", bytes); }
     void overrun(std::string_view client) { traceLine(client, " > ", "(input buffer overrun)"); }
     void sent(std::string_view client, std::string_view bytes) { traceLine(client, " < ", bytes); }
@@ -25,7 +32,7 @@ public:
 private:
     void traceLine(std::string_view client, std::string_view direction, std::string_view bytes);
 
-    std::ostream& out_;
+    Write write_;
     bool trace_;
     std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
 };

@@ -3,30 +3,35 @@
 #include "virtual_instrument/scpi/line_assembler.h"
 #include "virtual_instrument/scpi/virtual_instrument.h"
 #include "virtual_instrument/transport/connection.h"
+#include "virtual_instrument/transport/http_guard.h"
 #include "virtual_instrument/transport/journal.h"
 
 #include <array>
 #include <asio.hpp>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 
 namespace kvxvirtual
 {
 
-/// A stream of bytes from one client (a socket, a serial line) to the instrument and back. It reads no further while a
-/// reply is on its way, so a client that does not take its replies holds up nobody else and fills no memory.
+/// A stream of bytes from one client (a socket, a serial line) to the instrument and back. What waits for the client is
+/// one reply and what the host holds for it; when the host takes no more, nothing is read from this client until it has
+/// taken its replies, which holds up nobody else and fills no memory.
 template <class Stream>
 class MessageConnection final : public Connection, public std::enable_shared_from_this<MessageConnection<Stream>>
 {
 public:
     using Ended = std::function<void(MessageConnection&)>;
 
-    /// `name` is the client's in the journal. `ended` is called once, when the stream has ended.
-    MessageConnection(Stream stream, std::string name, VirtualInstrument& instrument, Journal& journal, Ended ended)
+    /// `name` is the client's in the journal. `ended` is called once, when the stream has ended. With `guard`, an HTTP
+    /// request ends it before anything is executed.
+    MessageConnection(Stream stream, std::string name, VirtualInstrument& instrument, Journal& journal, Ended ended,
+                      std::optional<HttpGuard> guard)
         : stream_(std::move(stream)), delayTimer_(stream_.get_executor()), name_(std::move(name)),
-          instrument_(instrument), journal_(journal), ended_(std::move(ended))
+          instrument_(instrument), journal_(journal), ended_(std::move(ended)), guard_(std::move(guard))
     {
         asio::error_code ignored;
         stream_.non_blocking(true, ignored);
@@ -56,21 +61,18 @@ public:
         return error ? 0 : waiting.get();
     }
 
-    bool hasReached(std::uint64_t bytes) const override
+    bool hasReached(std::uint64_t bytes) override
     {
-        if (state_ == State::Reading)
-            return bytesRead_ >= bytes;
-        return state_ != State::Replying;
+        // What a client has discarded on its way (a serial line's output) never comes.
+        return state_ != State::Reading || bytesRead_ >= bytes || bytesWaiting() == 0;
     }
-
-    std::uint64_t steps() const override { return steps_; }
 
 private:
     enum class State
     {
         Reading,
         Delaying,
-        Replying,
+        Blocked,
         Ended
     };
 
@@ -93,17 +95,26 @@ private:
             return read();
         if (error)
             return close();
-        bytesRead_ += count;
-        ++steps_;
-        lines_.append({chunk_.data(), count});
+        take({chunk_.data(), count});
+    }
+
+    void take(std::string_view bytes)
+    {
+        bytesRead_ += bytes.size();
+        if (guard_ && guard_->detects(bytes)) {
+            journal_.refusedHttp(name_);
+            return close();
+        }
+        lines_.append(bytes);
         executeLines();
     }
 
     void executeLines()
     {
         while (const auto line = lines_.next()) {
-            if (auto response = execute(*line))
-                return reply(std::move(*response));
+            auto response = execute(*line);
+            if (response && !reply(std::move(*response)))
+                return;
         }
         read();
     }
@@ -119,7 +130,8 @@ private:
         return instrument_.receive(line.bytes);
     }
 
-    void reply(Response response)
+    /// Whether the reply has left; otherwise executeLines() is called when it has.
+    bool reply(Response response)
     {
         reply_ = std::move(response.bytes);
         if (response.delay.count() == 0)
@@ -127,20 +139,33 @@ private:
         state_ = State::Delaying;
         delayTimer_.expires_after(response.delay);
         delayTimer_.async_wait([self = this->shared_from_this()](asio::error_code error) {
-            if (!error)
-                self->write();
+            if (!error && self->write())
+                self->executeLines();
         });
+        return false;
     }
 
-    void write()
+    bool write()
     {
-        state_ = State::Replying;
         journal_.sent(name_, reply_);
-        asio::async_write(stream_, asio::buffer(reply_),
+        asio::error_code error;
+        const auto count = stream_.write_some(asio::buffer(reply_), error);
+        if (error && error != asio::error::would_block) {
+            close();
+            return false;
+        }
+        if (count < reply_.size())
+            writeRest(count);
+        return count == reply_.size();
+    }
+
+    void writeRest(std::size_t begin)
+    {
+        state_ = State::Blocked;
+        asio::async_write(stream_, asio::buffer(reply_) + begin,
                           [self = this->shared_from_this()](asio::error_code error, std::size_t) {
                               if (error)
                                   return self->close();
-                              ++self->steps_;
                               self->executeLines();
                           });
     }
@@ -151,11 +176,11 @@ private:
     VirtualInstrument& instrument_;
     Journal& journal_;
     Ended ended_;
+    std::optional<HttpGuard> guard_;
     LineAssembler lines_;
     std::array<char, 4096> chunk_{};
     std::string reply_;
     std::uint64_t bytesRead_ = 0;
-    std::uint64_t steps_ = 0;
     State state_ = State::Reading;
 };
 

@@ -32,13 +32,10 @@ private:
     /// Looks, and comes back after everything else that is ready to run has run once.
     void look();
     bool reached() const;
-    std::uint64_t steps() const;
 
     asio::io_context& context_;
     std::function<void()> action_;
     std::vector<Goal> goals_;
-    std::uint64_t lastSteps_ = 0;
-    int idleRounds_ = 0;
 };
 
 } // namespace kvxvirtual

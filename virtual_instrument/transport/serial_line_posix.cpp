@@ -51,7 +51,8 @@ SerialLine openSerialLine(asio::io_context& context, VirtualInstrument& instrume
 
     using SerialConnection = MessageConnection<PseudoTerminal>;
     const std::string name = path.data();
-    const auto connection = std::make_shared<SerialConnection>(std::move(terminal), name, instrument, journal, nullptr);
+    const auto connection =
+        std::make_shared<SerialConnection>(std::move(terminal), name, instrument, journal, nullptr, std::nullopt);
     connection->start();
     return {name, connection};
 }

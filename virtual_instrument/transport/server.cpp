@@ -23,6 +23,14 @@ std::string textOf(const Endpoint& endpoint)
     return text.str();
 }
 
+/// Where the client is; nothing when it has gone already.
+std::optional<std::string> clientName(const asio::ip::tcp::socket& socket)
+{
+    asio::error_code gone;
+    const auto endpoint = socket.remote_endpoint(gone);
+    return gone ? std::nullopt : std::optional(textOf(endpoint));
+}
+
 } // namespace
 
 Server::Server(asio::io_context& context, VirtualInstrument& instrument, Journal& journal)
@@ -43,10 +51,13 @@ std::string Server::openSerial()
     return line.path;
 }
 
-std::string Server::listenControl(unsigned short port)
+std::string Server::listenControl(const std::string& address, unsigned short port, std::optional<std::string> token)
 {
-    return listenOn("127.0.0.1", port, [this](Socket socket) {
-        std::make_shared<ControlConnection>(std::move(socket), control_, [this](auto action) {
+    return listenOn(address, port, [this, token = std::move(token)](Socket socket) {
+        const auto name = clientName(socket);
+        if (!name)
+            return;
+        std::make_shared<ControlConnection>(std::move(socket), *name, control_, journal_, token, [this](auto action) {
             whenQuiet(std::move(action));
         })->start();
     });
@@ -93,15 +104,14 @@ bool Server::acceptWaiting(Listener& listener)
 void Server::addClient(Socket socket)
 {
     using Client = MessageConnection<Socket>;
-    asio::error_code gone;
-    const auto endpoint = socket.remote_endpoint(gone);
-    if (gone)
+    const auto name = clientName(socket);
+    if (!name)
         return;
-    const auto client =
-        std::make_shared<Client>(std::move(socket), textOf(endpoint), instrument_, journal_, [this](Client& ended) {
-            journal_.clientWent(ended.name());
-            clients_.erase(ended.shared_from_this());
-        });
+    const auto ended = [this](Client& client) {
+        journal_.clientWent(client.name());
+        clients_.erase(client.shared_from_this());
+    };
+    const auto client = std::make_shared<Client>(std::move(socket), *name, instrument_, journal_, ended, HttpGuard());
     clients_.insert(client);
     journal_.clientCame(client->name());
     client->start();

@@ -11,6 +11,7 @@
 #include <functional>
 #include <list>
 #include <memory>
+#include <optional>
 #include <set>
 #include <string>
 #include <utility>
@@ -33,8 +34,8 @@ public:
     /// Offers a serial line; returns the path that clients open. Throws std::system_error.
     std::string openSerial();
 
-    /// Offers the test control on the loopback interface; otherwise as listen().
-    std::string listenControl(unsigned short port);
+    /// Offers the test control, to clients that show the token when there is one; otherwise as listen().
+    std::string listenControl(const std::string& address, unsigned short port, std::optional<std::string> token);
 
 private:
     using Socket = asio::ip::tcp::socket;

@@ -85,7 +85,7 @@ VirtualInstrumentProcess::VirtualInstrumentProcess(const std::vector<std::string
         else if (line->starts_with(kSerial))
             serialPath_ = line->substr(kSerial.size());
         else if (line->starts_with(kControl))
-            control_.emplace(portIn(*line));
+            control_.emplace(controlPort_ = portIn(*line));
     }
 }
 

@@ -29,6 +29,7 @@ public:
     VirtualInstrumentProcess& operator=(const VirtualInstrumentProcess&) = delete;
 
     unsigned short port() const { return port_; }
+    unsigned short controlPort() const { return controlPort_; }
 
     /// The VISA resource descriptor of its raw socket: `TCPIP0::127.0.0.1::<port>::SOCKET`.
     std::string resource() const;
@@ -60,6 +61,7 @@ public:
 private:
     ChildProcess process_;
     unsigned short port_ = 0;
+    unsigned short controlPort_ = 0;
     std::string serialPath_;
     std::optional<LineClient> control_;
     bool killed_ = false;

@@ -33,6 +33,15 @@ TEST_F(StoreAccess, NeverWritesIntoTheFileItself)
     EXPECT_EQ(readFile(fromUtf8(reader)), "old");
 }
 
+TEST_F(StoreAccess, CountsOtherNamesOfTheFile)
+{
+    EXPECT_EQ(StoreChange(path_, WhenMissing::Refuse).otherNames(), 0U);
+    EXPECT_EQ(StoreChange(folder_ / "new.xml", WhenMissing::Create).otherNames(), 0U);
+    fs::create_hard_link(fromUtf8(path_), fromUtf8(folder_ / "one"));
+    fs::create_hard_link(fromUtf8(path_), fromUtf8(folder_ / "two"));
+    EXPECT_EQ(StoreChange(path_, WhenMissing::Refuse).otherNames(), 2U);
+}
+
 TEST_F(StoreAccess, RefusesWhatIsNoFile)
 {
     const std::string folder = toUtf8(folder_.path());

@@ -63,9 +63,7 @@ private:
 TEST_F(StoreAccess, ReplacesAFileAndKeepsItsRights)
 {
     ASSERT_EQ(::chmod(path_.c_str(), 0640), 0);
-    StoreChange change(path_, WhenMissing::Refuse);
-    EXPECT_EQ(change.text(), "old");
-    change.replaceBy("new");
+    replace("new");
     EXPECT_EQ(readFile(path_), "new");
     EXPECT_EQ(fs::status(path_).permissions(), fs::perms(0640));
     EXPECT_EQ(folder_.count(), 1U);
@@ -76,8 +74,7 @@ TEST_F(StoreAccess, ReplacesWhatALinkLeadsTo)
     fs::create_directory(folder_ / "links");
     const std::string link = folder_ / "links/store.xml";
     fs::create_symlink("../store.xml", link);
-    StoreChange change(link, WhenMissing::Refuse);
-    change.replaceBy("new");
+    StoreChange(link, WhenMissing::Refuse).replaceBy("new");
     EXPECT_TRUE(fs::is_symlink(link));
     EXPECT_EQ(readFile(path_), "new");
     EXPECT_EQ(folder_.count(), 2U);
@@ -149,6 +146,111 @@ TEST_F(StoreAccess, LeavesNoFolderBehindOnAFullDisk)
         EXPECT_THAT(complaint([&change] { change.replaceBy("new text"); }), StartsWith("cannot write "));
     }
     EXPECT_FALSE(fs::exists(folder_ / "a"));
+}
+
+TEST_F(StoreAccess, RemovesWhatKilledChangesHaveLeft)
+{
+    for (const char* const name : {".kvx2800t-store-a1B2c3", ".kvx2800t-store-XXXXXX", ".kvx2800t-store.lock"})
+        writeFile(folder_ / name, "left");
+    replace("new");
+    EXPECT_EQ(readFile(path_), "new");
+    EXPECT_EQ(folder_.count(), 1U);
+}
+
+TEST_F(StoreAccess, RemovesTheOtherNameOfAStoreWhoseMakerWasKilledInBetween)
+{
+    fs::create_hard_link(path_, folder_ / ".kvx2800t-store-a1B2c3");
+    EXPECT_EQ(StoreChange(path_, WhenMissing::Refuse).otherNames(), 0U);
+    EXPECT_EQ(folder_.count(), 1U);
+}
+
+TEST_F(StoreAccess, LeavesFilesOfOthersAlone)
+{
+    for (const char* const name :
+         {".kvx2800t-store-", ".kvx2800t-store-a1B2c", ".kvx2800t-store-a1B2c34", ".kvx2800t-store-a1B2c.",
+          "kvx2800t-store-a1B2c3", ".kvx2800t-store-a1B2c3.bak", ".kvx2800t-storea1B2c3"})
+        writeFile(folder_ / name, "precious");
+    fs::create_directory(folder_ / ".kvx2800t-store-folder");
+    fs::create_symlink("store.xml", folder_ / ".kvx2800t-store-linked");
+    const auto count = folder_.count();
+    replace("new");
+    EXPECT_EQ(folder_.count(), count);
+}
+
+/// Takes every lock that it can get on a file or a folder, for as long as it lives.
+class Greedy
+{
+public:
+    void lock(const std::string& path)
+    {
+        for (const int flags : {O_RDONLY, O_WRONLY}) {
+            const int descriptor = ::open(path.c_str(), flags | O_CLOEXEC);
+            if (descriptor < 0)
+                continue;
+            descriptors_.push_back(descriptor);
+            EXPECT_EQ(::flock(descriptor, LOCK_EX | LOCK_NB), 0);
+            return;
+        }
+    }
+    std::size_t count() const { return descriptors_.size(); }
+
+    Greedy() = default;
+    ~Greedy()
+    {
+        for (const int descriptor : descriptors_)
+            ::close(descriptor);
+    }
+    Greedy(const Greedy&) = delete;
+    Greedy& operator=(const Greedy&) = delete;
+
+private:
+    std::vector<int> descriptors_;
+};
+
+TEST_F(StoreAccess, WhoMayOnlyReadCannotKeepAChangeWaiting)
+{
+    if (::geteuid() != 0)
+        GTEST_SKIP() << "only the superuser can become somebody else";
+    ASSERT_EQ(::chmod(folder_.path().c_str(), 0755), 0);
+    ASSERT_EQ(::chmod(path_.c_str(), 0644), 0);
+    Greedy reader;
+    {
+        const PlainUser user;
+        reader.lock(folder_.path());
+        reader.lock(path_);
+    }
+    StoreChange change(path_, WhenMissing::Refuse, std::chrono::milliseconds(0));
+    {
+        const PlainUser user;
+        reader.lock(folder_ / ".kvx2800t-store.lock");
+    }
+    EXPECT_EQ(reader.count(), 2U);
+    change.replaceBy("new");
+    EXPECT_EQ(readFile(path_), "new");
+}
+
+TEST_F(StoreAccess, AllWhoMayWriteInTheFolderWaitForEachOther)
+{
+    ASSERT_EQ(::chmod(folder_.path().c_str(), 0777), 0);
+    ASSERT_EQ(::chmod(path_.c_str(), 0644), 0);
+    const auto change = [this] { StoreChange(path_, WhenMissing::Refuse, std::chrono::milliseconds(0)); };
+    {
+        const StoreChange other(path_, WhenMissing::Refuse);
+        const PlainUser user;
+        EXPECT_EQ(complaint(change), folder_.path().string() + " is locked by something else");
+    }
+    writeFile(folder_ / ".kvx2800t-store.lock", "");
+    ASSERT_EQ(::chmod((folder_ / ".kvx2800t-store.lock").c_str(), 0222), 0);
+    const PlainUser user;
+    EXPECT_EQ(complaint(change), "");
+}
+
+TEST_F(StoreAccess, ALinkInPlaceOfTheLockIsNotFollowed)
+{
+    fs::create_symlink("elsewhere", folder_ / ".kvx2800t-store.lock");
+    EXPECT_EQ(complaint([this] { StoreChange(path_, WhenMissing::Refuse, std::chrono::milliseconds(0)); }),
+              folder_.path().string() + " is locked by something else");
+    EXPECT_FALSE(fs::exists(folder_ / "elsewhere"));
 }
 
 TEST_F(StoreAccess, LeavesOutRightsOfAGroupThatItCannotKeep)

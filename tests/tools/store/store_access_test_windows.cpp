@@ -103,6 +103,17 @@ TEST_F(StoreAccessOnWindows, AFileKeepsItsProtectionFromTheRightsOfItsFolder)
     EXPECT_TRUE(rights().starts_with(L"D:P"));
 }
 
+TEST_F(StoreAccessOnWindows, RemovesWhatKilledChangesHaveLeftAndNothingElse)
+{
+    for (const char* const name : {".kvx2800t-store-4294967295", ".kvx2800t-store-0"})
+        writeFile(fromUtf8(folder_ / name), "left");
+    for (const char* const name : {".kvx2800t-store-", ".kvx2800t-store-12a", "kvx2800t-store-12"})
+        writeFile(fromUtf8(folder_ / name), "precious");
+    replace("new");
+    EXPECT_EQ(readFile(fromUtf8(path_)), "new");
+    EXPECT_EQ(folder_.count(), 4U);
+}
+
 TEST_F(StoreAccessOnWindows, AReadOnlyFileStaysAsItIs)
 {
     ASSERT_NE(SetFileAttributesW(place().c_str(), FILE_ATTRIBUTE_READONLY), 0);

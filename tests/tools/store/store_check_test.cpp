@@ -13,6 +13,7 @@ using namespace store_tool;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
+using testing::Not;
 
 /// The findings as LINE: PLACE: TEXT.
 std::vector<std::string> findings(const std::string& text)
@@ -42,6 +43,25 @@ TEST(StoreCheck, FindsNothingInSoundStores)
     EXPECT_THAT(findings(exampleStore()), IsEmpty());
     EXPECT_THAT(findings(emptyStoreText()), IsEmpty());
     EXPECT_THAT(findings("<IviConfigStore/>"), IsEmpty());
+}
+
+TEST(StoreCheck, FindsTextsThatManyDriversCut)
+{
+    const std::string longest(1023, 'x');
+    const std::string finding = ": has 1024 bytes, of which many drivers read 1023";
+    for (const std::string element : {"Name", "MapTo", "IOResourceDescriptor", "DriverSetup", "Value"}) {
+        const std::string text = exampleStore();
+        const auto begin = text.find("<" + element + ">") + element.size() + 2;
+        ASSERT_LT(begin, text.size()) << element;
+        const auto end = text.find("</", begin);
+        const auto withText = [&](const std::string& content) {
+            return findings(text.substr(0, begin) + content + text.substr(end));
+        };
+        EXPECT_THAT(withText(longest), Not(Contains(testing::HasSubstr(" bytes, of which many drivers read "))))
+            << element;
+        EXPECT_THAT(withText(longest + 'x'), Contains(testing::EndsWith(element + finding))) << element;
+    }
+    EXPECT_THAT(findingsWith("<Description>", "<Description>" + longest + longest), IsEmpty());
 }
 
 TEST(StoreCheck, FindsUnknownElements)
@@ -241,9 +261,10 @@ TEST(StoreCheck, TellsFaultsOfTheFileFromTerminalsAndKeepsThemShort)
 {
     EXPECT_THAT(findings("<IviConfigStore><a\x1B/></IviConfigStore>"), ElementsAre("1: a\\x1B: is not known here"));
     const std::string longName(1'000'000, 'n');
-    EXPECT_THAT(
-        findingsWith("<Name>BenchSupply</Name>", "<Name>" + longName + "</Name><Own/>"),
-        ElementsAre("56: LogicalNames/IviLogicalName '" + std::string(100, 'n') + "...'/Own: is not known here"));
+    const std::string place = "56: LogicalNames/IviLogicalName '" + std::string(100, 'n') + "...'/";
+    EXPECT_THAT(findingsWith("<Name>BenchSupply</Name>", "<Name>" + longName + "</Name><Own/>"),
+                ElementsAre(place + "Name: has 1000000 bytes, of which many drivers read 1023",
+                            place + "Own: is not known here"));
 }
 
 TEST(StoreCheck, LooksAtEveryElementOfALargeStore)

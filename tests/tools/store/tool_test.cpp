@@ -320,7 +320,7 @@ TEST_F(Program, LosesNoChangeOfProgramsAtTheSameTime)
     programs.reserve(8);
     for (int i = 0; i < 8; ++i)
         programs.push_back(std::make_unique<ChildProcess>(
-            KVX_STORE_TOOL,
+            storeToolPath(),
             std::vector<std::string>{"--store", path_, "add", "S" + std::to_string(i), "--resource", "x"}));
     for (const auto& program : programs)
         EXPECT_EQ(program->wait(), 0) << program->errorOutput();

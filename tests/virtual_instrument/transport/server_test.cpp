@@ -5,7 +5,9 @@
 
 #include <array>
 #include <chrono>
-#include <sstream>
+#include <string>
+#include <utility>
+#include <vector>
 
 namespace
 {
@@ -46,12 +48,12 @@ protected:
 
     asio::io_context context_{1};
     asio::io_context clientContext_{1};
-    std::ostringstream journalText_;
+    std::vector<std::string> journalLines_;
     VirtualInstrument instrument_{{}, [] { return InstrumentClock::Duration(0); }};
-    Journal journal_{journalText_, false};
+    Journal journal_{[this](std::string line) { journalLines_.push_back(std::move(line)); }, false};
     Server server_{context_, instrument_, journal_};
     std::string address_ = server_.listen("127.0.0.1", 0);
-    std::string controlAddress_ = server_.listenControl(0);
+    std::string controlAddress_ = server_.listenControl("127.0.0.1", 0, std::nullopt);
 };
 
 TEST_F(HeldServer, HearsClientsThatItHasNotAcceptedBeforeTheControlActs)
