@@ -5,7 +5,8 @@
 #                     UndefinedBehaviorSanitizer and under ThreadSanitizer, a short run of the fuzzers, and the builds for
 #                     Windows with their tests under Wine
 #   ./test.sh --long  what takes too long for every change: clang-tidy over the tests, its analyzer over all sources, the
-#                     driver broken one line at a time (tests/mutants), a long run of the fuzzers
+#                     driver broken one line at a time (tests/mutants), all of the attacks of tests/torture, a long run of
+#                     the fuzzers
 set -eu
 cd "$(dirname "$0")"
 . ./cmake/scripts.sh
@@ -30,6 +31,7 @@ run_tests() {
     ended=0
     ctest --preset "$1" -j "$(nproc)" || ended=$?
     cases=$(count_cases "build/$1/Testing/Temporary/LastTest.log")
+    tell_torture "build/$1/Testing/Temporary/LastTest.log"
     say "$cases"
     end_step "$cases"
     [ "$ended" = 0 ] || exit "$ended"
@@ -40,6 +42,22 @@ count_cases() {
     awk '/^\[  PASSED  \] / { passed += $4 } /^\[  SKIPPED \] [0-9]+ test/ { skipped += $4 }
          /^\[  FAILED  \] [0-9]+ test/ { failed += $4 }
          END { printf "cases: %d passed, %d failed, %d skipped", passed, failed, skipped }' "$1"
+}
+
+# tell_torture LOG: the table of the attacks of tests/torture, whose columns but the first are all zero
+tell_torture() {
+    rows=$(sed -n 's/^torture: //p' "$1")
+    [ -n "$rows" ] || return 0
+    printf '%-52s%9s%9s%9s%9s%9s\n' Attack injected crashes leaks hangs wrong
+    say "$rows"
+}
+
+# torture: all of the attacks, with none left out
+torture() {
+    build release
+    step "Torture, all of it"
+    KVX_TORTURE=whole ctest --preset release -R '^torture' -j "$(nproc)"
+    tell_torture build/release/Testing/Temporary/LastTest.log
 }
 
 sources() { git ls-files '*.h' '*.hpp' '*.c' '*.cpp'; }
@@ -116,6 +134,7 @@ case "${1-}" in
     build release
     check_tidy '' -v "$driver"
     try_faults
+    torture
     fuzz 1000000
     ;;
 *) fail "usage: ./test.sh [--all | --long]" ;;

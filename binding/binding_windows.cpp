@@ -1,9 +1,10 @@
 /// The platform's C functions, for the driver on Windows: each is bound by its name when it is first called, so that
 /// the driver loads, and simulates without VISA, on a machine that lacks them.
 ///
-/// A library is searched for as every program's is, then beside the driver's own file; once found it stays loaded.
-/// While it or its function is missing, a call returns VI_ERROR_LIBRARY_NFOUND and does nothing else, and the next call
-/// searches anew. Any thread may call.
+/// A library is searched for in the folders of the program, of the system and of PATH, then beside the driver's own
+/// file, and so is what it needs; once found it stays loaded. The current folder, which may be a shared one with
+/// anybody's files, does not count, nor does a relative one of PATH. While it or its function is missing, a call
+/// returns VI_ERROR_LIBRARY_NFOUND and does nothing else, and the next call searches anew. Any thread may call.
 
 #include <IviCShared.h>
 #include <IviConfigServer.h>
@@ -11,11 +12,14 @@
 
 #include <windows.h>
 
+#include <algorithm>
 #include <array>
 #include <atomic>
 #include <cstddef>
+#include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace
 {
@@ -35,18 +39,98 @@ private:
     DWORD before_ = 0;
 };
 
-/// The path of the file that this code is in, up to and including the last backslash; empty when it cannot be told.
+/// What `get(buffer, size)` writes of at most the longest path that Windows has; empty when it fails.
+template <class Get>
+std::wstring pathFrom(Get get)
+{
+    std::wstring path(32768, L'\0');
+    const DWORD length = get(path.data(), static_cast<DWORD>(path.size()));
+    path.resize(length < path.size() ? length : 0);
+    return path;
+}
+
+/// The folder of a module's file; empty when it cannot be told.
+std::wstring folderOf(HMODULE module)
+{
+    std::wstring path =
+        pathFrom([module](wchar_t* buffer, DWORD size) { return GetModuleFileNameW(module, buffer, size); });
+    path.resize(path.rfind(L'\\') + 1);
+    return path;
+}
+
 std::wstring ownFolder()
 {
     HMODULE self = nullptr;
     constexpr DWORD kByAddress = GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT;
-    if (GetModuleHandleExW(kByAddress, reinterpret_cast<LPCWSTR>(&ownFolder), &self) == 0)
-        return {};
-    // The longest path that Windows has.
-    std::wstring path(32768, L'\0');
-    path.resize(GetModuleFileNameW(self, path.data(), static_cast<DWORD>(path.size())));
-    path.resize(path.rfind(L'\\') + 1);
-    return path;
+    const BOOL found = GetModuleHandleExW(kByAddress, reinterpret_cast<LPCWSTR>(&ownFolder), &self);
+    return found == 0 ? std::wstring() : folderOf(self);
+}
+
+bool isAbsolute(std::wstring_view folder)
+{
+    constexpr std::size_t kDrive = 3;
+    return folder.starts_with(L"\\\\") ||
+           (folder.size() >= kDrive && folder[1] == L':' && (folder[2] == L'\\' || folder[2] == L'/'));
+}
+
+/// The absolute folders of PATH.
+std::vector<std::wstring> foldersOfPath()
+{
+    const std::wstring path =
+        pathFrom([](wchar_t* buffer, DWORD size) { return GetEnvironmentVariableW(L"PATH", buffer, size); });
+    std::vector<std::wstring> folders;
+    std::wstring_view rest = path;
+    while (!rest.empty()) {
+        const std::wstring_view folder = rest.substr(0, rest.find(L';'));
+        rest.remove_prefix(std::min(rest.size(), folder.size() + 1));
+        if (isAbsolute(folder))
+            folders.emplace_back(folder);
+    }
+    return folders;
+}
+
+/// While it lives, libraries that are needed by one that is being loaded are looked for in these folders, too.
+class FurtherFolders
+{
+public:
+    explicit FurtherFolders(const std::vector<std::wstring>& folders)
+    {
+        for (const std::wstring& folder : folders)
+            if (DLL_DIRECTORY_COOKIE const cookie = AddDllDirectory(folder.c_str()); cookie != nullptr)
+                cookies_.push_back(cookie);
+    }
+    FurtherFolders(const FurtherFolders&) = delete;
+    FurtherFolders& operator=(const FurtherFolders&) = delete;
+    ~FurtherFolders()
+    {
+        for (DLL_DIRECTORY_COOKIE const cookie : cookies_)
+            RemoveDllDirectory(cookie);
+    }
+
+private:
+    std::vector<DLL_DIRECTORY_COOKIE> cookies_;
+};
+
+/// Loads the first library that has one of these names, folder after folder; one that the program has loaded is that.
+HMODULE loadLibrary(std::span<const wchar_t* const> names)
+{
+    for (const wchar_t* const name : names)
+        if (HMODULE loaded = nullptr; name != nullptr && GetModuleHandleExW(0, name, &loaded) != 0)
+            return loaded;
+    const std::vector<std::wstring> further = foldersOfPath();
+    std::vector<std::wstring> folders = {folderOf(nullptr), pathFrom(GetSystemDirectoryW),
+                                         pathFrom(GetWindowsDirectoryW)};
+    folders.insert(folders.end(), further.begin(), further.end());
+    folders.push_back(ownFolder());
+    std::erase(folders, L"");
+    const FurtherFolders needed(further);
+    constexpr DWORD kWithNeeded = LOAD_LIBRARY_SEARCH_DLL_LOAD_DIR | LOAD_LIBRARY_SEARCH_DEFAULT_DIRS;
+    for (const std::wstring& folder : folders)
+        for (const wchar_t* const name : names)
+            if (name != nullptr)
+                if (HMODULE const module = LoadLibraryExW((folder + L'\\' + name).c_str(), nullptr, kWithNeeded))
+                    return module;
+    return nullptr;
 }
 
 /// A library of the platform, under any of the names that it may have.
@@ -70,22 +154,10 @@ public:
     }
 
 private:
-    /// What a library in a folder of ours needs may be there, too.
-    static HMODULE load(const std::wstring& folder, const wchar_t* name)
-    {
-        return folder.empty() ? LoadLibraryW(name)
-                              : LoadLibraryExW((folder + name).c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);
-    }
-
     HMODULE load() const
     {
         const QuietErrors quiet;
-        for (const std::wstring& folder : {std::wstring(), ownFolder()})
-            for (const wchar_t* const name : names_)
-                if (name != nullptr)
-                    if (HMODULE const module = load(folder, name); module != nullptr)
-                        return module;
-        return nullptr;
+        return loadLibrary(names_);
     }
 
     std::array<const wchar_t*, 2> names_;

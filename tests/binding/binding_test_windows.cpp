@@ -92,6 +92,56 @@ TEST(DriverDll, LooksForThePlatformsLibrariesBesideItselfAndOnEachCallThatNeedsT
     EXPECT_EQ(close(vi), VI_SUCCESS);
 }
 
+/// The process's current folder, and PATH, as a test wants them.
+class Surroundings
+{
+public:
+    Surroundings(const fs::path& currentFolder, const std::wstring& path) : before_(fs::current_path())
+    {
+        pathBefore_.resize(
+            GetEnvironmentVariableW(L"PATH", pathBefore_.data(), static_cast<DWORD>(pathBefore_.size())));
+        fs::current_path(currentFolder);
+        SetEnvironmentVariableW(L"PATH", path.c_str());
+    }
+    Surroundings(const Surroundings&) = delete;
+    Surroundings& operator=(const Surroundings&) = delete;
+    ~Surroundings()
+    {
+        fs::current_path(before_);
+        SetEnvironmentVariableW(L"PATH", pathBefore_.c_str());
+    }
+
+private:
+    fs::path before_;
+    std::wstring pathBefore_ = std::wstring(32767, L'\0');
+};
+
+/// Init of a simulated session by a driver in a folder that has none of the platform's libraries.
+ViStatus simulateAlone(const DriverFolder& folder)
+{
+    const SharedLibrary library(utf8(folder.driver()));
+    ViSession vi = VI_NULL;
+    char resource[] = "";
+    const ViStatus opened = library.find<decltype(KVX2800T_InitWithOptions)>("KVX2800T_InitWithOptions")(
+        resource, VI_FALSE, VI_FALSE, "Simulate=1", &vi);
+    library.find<decltype(KVX2800T_close)>("KVX2800T_close")(vi);
+    return opened;
+}
+
+TEST(DriverDll, LoadsNoLibraryFromTheCurrentFolderNorFromARelativeOneOfPath)
+{
+    const DriverFolder driver(L"driver alone");
+    const DriverFolder planted(L"planted");
+    planted.add(KVX_SESSION_SERVICE);
+    planted.add(KVX_CONFIG_SERVER);
+    for (const wchar_t* const path : {L"", L".", L".;;.\\", L"planted;..\\planted"}) {
+        const Surroundings surroundings(planted.driver().parent_path(), path);
+        EXPECT_EQ(simulateAlone(driver), kLibraryMissing);
+    }
+    const Surroundings above(planted.driver().parent_path().parent_path(), L"planted");
+    EXPECT_EQ(simulateAlone(driver), kLibraryMissing);
+}
+
 TEST(DriverDll, LoadingItAHundredTimesLeavesNothingBehind)
 {
     const auto loadMany = [](int count) {
@@ -139,6 +189,20 @@ TEST(DriverDll, SimulatingWithItLeavesNothingBehindEither)
     simulateMany(100);
     EXPECT_EQ(openDescriptors(), descriptors);
     EXPECT_EQ(heldAllocations(), allocations);
+}
+
+// Behind the tests that must find nothing: libraries that have been loaded stay.
+TEST(DriverDll, LoadsLibrariesAndWhatTheyNeedFromTheFoldersOfPath)
+{
+    const DriverFolder driver(L"driver alone again");
+    const DriverFolder services(L"session service");
+    const DriverFolder servers(L"configuration server");
+    services.add(KVX_SESSION_SERVICE);
+    servers.add(KVX_CONFIG_SERVER);
+    const std::wstring path = servers.driver().parent_path().make_preferred().wstring() + L";." + L";" +
+                              services.driver().parent_path().make_preferred().wstring();
+    const Surroundings surroundings(driver.driver().parent_path(), path);
+    EXPECT_EQ(simulateAlone(driver), VI_SUCCESS);
 }
 
 /// A text of the version resource of the driver's file.
