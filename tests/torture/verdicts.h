@@ -1,10 +1,8 @@
 #pragma once
 
 #include <cstddef>
-#include <iomanip>
 #include <iostream>
 #include <string>
-#include <string_view>
 
 namespace kvxtest
 {

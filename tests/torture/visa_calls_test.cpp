@@ -23,6 +23,7 @@
 #include <string>
 #include <system_error>
 #include <thread>
+#include <utility>
 
 #include <gtest/gtest.h>
 
