@@ -64,7 +64,7 @@ bool isUsbId(std::string_view text)
     return hexadecimal ? parseNumber(text.substr(2), 16, 0xFFFF).has_value() : parseDecimal(text).has_value();
 }
 
-/// Splits at "::" outside brackets, which protect the colons of an IPv6 address.
+/// Splits at "::" outside pairs of brackets, which protect the colons of an IPv6 address.
 Parts split(std::string_view text)
 {
     Parts parts;
@@ -72,7 +72,7 @@ Parts split(std::string_view text)
     bool bracketed = false;
     for (std::size_t i = 0; i < text.size(); ++i) {
         if (text[i] == '[')
-            bracketed = true;
+            bracketed = text.find(']', i) != std::string_view::npos;
         if (text[i] == ']')
             bracketed = false;
         if (bracketed || text.substr(i, kSeparator.size()) != kSeparator)
@@ -208,7 +208,8 @@ constexpr std::array<Grammar, 4> kGrammars{{
 
 std::optional<ResourceName> parseResourceName(std::string_view text)
 {
-    if (text.size() > kLongestResourceName)
+    // What is put behind a colon at the end would be separated in front of it.
+    if (text.size() > kLongestResourceName || text.ends_with(':'))
         return std::nullopt;
     Parts parts = split(text);
     if (startsIgnoringCase(parts.front(), "ASRL/") && parts.front().substr(4).starts_with("/dev/"))

@@ -2,11 +2,11 @@
 
 #include "visa/transport/stream.h"
 
-#include <algorithm>
+#include <cstddef>
 #include <cstring>
 #include <deque>
+#include <span>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace kvxtest

@@ -112,6 +112,18 @@ TEST_F(VisaResourceName, MalformedStringsAreInvalidNames)
         EXPECT_EQ(statusOf(resource), VI_ERROR_INV_RSRC_NAME) << resource.substr(0, 80);
 }
 
+TEST_F(VisaResourceName, ColonAtTheEndBelongsToNoName)
+{
+    for (const char* resource : {"ASRL/dev/ttyS0:", "USB::0x1::0x2::A:", "TCPIP::user:@h:", "TCPIP::h::inst0:"})
+        EXPECT_EQ(statusOf(resource), VI_ERROR_INV_RSRC_NAME) << resource;
+}
+
+TEST_F(VisaResourceName, BracketThatIsNotClosedProtectsNothing)
+{
+    EXPECT_EQ(statusOf("TCPIP::h::a[b::INSTR"), VI_ERROR_LIBRARY_NFOUND);
+    EXPECT_EQ(statusOf("USB::0x1::0x2::A[::0::INSTR"), VI_ERROR_LIBRARY_NFOUND);
+}
+
 TEST_F(VisaResourceName, NullNameIsInvalid)
 {
     ViSession session = 17;

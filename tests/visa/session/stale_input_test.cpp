@@ -2,6 +2,8 @@
 #include "visa/session/instrument_session.h"
 #include "visa/session/manager_session.h"
 
+#include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <utility>

@@ -116,7 +116,7 @@ ComTransfer ComPort::write(std::span<const ViByte> bytes, const Deadline& deadli
         });
         // The last bytes may have gone while the wait for them was given up.
         const bool isLate = transfer.end == TransferEnd::TimedOut && transfer.count == piece.size();
-        whole = {isLate ? TransferEnd::Done : transfer.end, whole.count + transfer.count};
+        whole = {isLate ? TransferEnd::Done : transfer.end, whole.count + std::min(transfer.count, piece.size())};
     }
     return whole;
 }

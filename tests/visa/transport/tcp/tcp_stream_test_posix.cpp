@@ -91,4 +91,35 @@ INSTANTIATE_TEST_SUITE_P(Functions, VisaDiscard,
                          testing::Values([](ViSession session) { return viSetBuf(session, VI_IO_IN_BUF, 1024); },
                                          [](ViSession session) { return viClear(session); }));
 
+using VisaSocket = kvxtest::VisaSocket;
+
+TEST_F(VisaSocket, ExchangeIsOneCallOfTheHostForEachTransfer)
+{
+    endAt('\n');
+    EXPECT_EQ(kvxtest::write(session_, "1"), VI_SUCCESS);
+    peer_.send("one\n");
+    EXPECT_EQ(kvxtest::read(session_, 100).bytes, "one\n");
+    kvxArmFailingCall(0, 0);
+    EXPECT_EQ(kvxtest::write(session_, "2"), VI_SUCCESS);
+    EXPECT_EQ(kvxCountedCalls(), 1U);
+    kvxDisarmFailingCall();
+    peer_.send("two\n");
+    kvxResumeFailingCall();
+    EXPECT_EQ(kvxtest::read(session_, 100).bytes, "two\n");
+    EXPECT_EQ(kvxCountedCalls(), 2U);
+    kvxDisarmFailingCall();
+}
+
+TEST_F(VisaSocket, DiscardBeforeAWriteIsOneMoreCallWhereNothingHasArrived)
+{
+    set(VI_ATTR_TMO_VALUE, VI_TMO_IMMEDIATE);
+    EXPECT_EQ(kvxtest::read(session_, 100).status, VI_ERROR_TMO);
+    kvxArmFailingCall(0, 0);
+    EXPECT_EQ(kvxtest::write(session_, "1"), VI_SUCCESS);
+    EXPECT_EQ(kvxCountedCalls(), 2U);
+    EXPECT_EQ(kvxtest::write(session_, "2"), VI_SUCCESS);
+    EXPECT_EQ(kvxCountedCalls(), 3U);
+    kvxDisarmFailingCall();
+}
+
 } // namespace
