@@ -89,12 +89,12 @@ check_manual() {
     cmake --build --preset release --target manual
 }
 
-# fuzz INPUTS: each fuzzer starts from its corpus, if it has one, and ends after that number of inputs.
+# fuzz INPUTS SECONDS: each fuzzer starts from its corpus, if it has one, and ends after that number of inputs or seconds.
 fuzz() {
     build asan-ubsan fuzzers
     step "Fuzzing"
     rm -rf build/found
-    ls build/asan-ubsan/bin/fuzz_* | xargs -P "$(nproc)" -I {} fuzz/run.sh {} "$1"
+    ls build/asan-ubsan/bin/fuzz_* | xargs -P "$(nproc)" -I {} fuzz/run.sh {} "$1" "$2"
 }
 
 try_faults() {
@@ -126,7 +126,7 @@ case "${1-}" in
     check_tidy '-clang-analyzer-*' -v -e '^tests/' -e "$driver"
     run_tests asan-ubsan
     run_tests tsan
-    fuzz 50000
+    fuzz 50000 20
     test_windows
     ;;
 --long)
@@ -135,7 +135,7 @@ case "${1-}" in
     check_tidy '' -v "$driver"
     try_faults
     torture
-    fuzz 1000000
+    fuzz 1000000 600
     ;;
 *) fail "usage: ./test.sh [--all | --long]" ;;
 esac

@@ -33,11 +33,17 @@ public:
         : stream_(std::move(stream)), delayTimer_(stream_.get_executor()), name_(std::move(name)),
           instrument_(instrument), journal_(journal), ended_(std::move(ended)), guard_(std::move(guard))
     {
-        asio::error_code ignored;
-        stream_.non_blocking(true, ignored);
     }
 
-    void start() { read(); }
+    void start()
+    {
+        asio::error_code error;
+        stream_.non_blocking(true, error);
+        // A reply that its client does not take would hold up everybody.
+        if (error)
+            return close();
+        read();
+    }
 
     const std::string& name() const { return name_; }
 
