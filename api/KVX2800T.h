@@ -26,8 +26,8 @@
  * error has been recorded on the session together with a text: KVX2800T_GetError reads both. The first error stays
  * until it is read or cleared. An error of VISA or of the IVI shared components that reaches the caller keeps its code.
  * Nothing is recorded where there is no session to record on: when the session service refuses a new handle
- * (IviSession_New), the session's lock (IviSession_Lock) or, at the beginning of a function, the session behind a handle
- * (IviSession_GetDataPtr).
+ * (IviSession_New), the session's lock (IviSession_Lock) or, at the beginning of a function, the session behind a
+ * handle (IviSession_GetDataPtr).
  *
  * @par Exceptions
  * A reply that the driver cannot read as the number or switch it has asked for, and a channel range with a number
@@ -51,8 +51,8 @@
  * <tr><th>key</th><th>what it does</th></tr>
  * <tr><td>Profile</td><td>"Bench" switches the six keys below on; a key beside it wins.</td></tr>
  * <tr><td>SafeErrors</td><td>No function throws: a reply that cannot be read is 0xBFFA0059 with the reply in the text,
- * a value without a keyword KVX2800T_ERROR_VALUE_OUT_OF_RANGE, a number beyond 32 bits in a selector 0xBFFA0064, anything
- * else 0xBFFA0000; recorded, with the lock given back. An init that fails so leaves nothing open.</td></tr>
+ * a value without a keyword KVX2800T_ERROR_VALUE_OUT_OF_RANGE, a number beyond 32 bits in a selector 0xBFFA0064,
+ * anything else 0xBFFA0000; recorded, with the lock given back. An init that fails so leaves nothing open.</td></tr>
  * <tr><td>FreshReplies</td><td>A reply never answers another query. After an exchange that failed, timed out, was cut
  * or could not be read, the next command first brings the connection into step: a raw socket is closed and opened
  * again; elsewhere what comes is read until nothing has come for one time-out, and "*IDN?" is asked until the known
@@ -483,8 +483,8 @@ ViStatus _VI_FUNC KVX2800T_InitWithOptions(ViRsrc ResourceName, ViBoolean IdQuer
  * @brief Closes a session and its connection. The handle is unknown afterwards.
  *
  * @param Vi  the session.
- * @return 0, or KVX2800T_ERROR_INVALID_SESSION_HANDLE (nothing recorded). When the session service refuses to dispose of
- *         the handle, its status: the session is closed all the same, and the handle leads to none.
+ * @return 0, or KVX2800T_ERROR_INVALID_SESSION_HANDLE (nothing recorded). When the session service refuses to dispose
+ * of the handle, its status: the session is closed all the same, and the handle leads to none.
  */
 ViStatus _VI_FUNC KVX2800T_close(ViSession Vi);
 

@@ -83,7 +83,7 @@ ViStatus connect(ConnectionHolder& holder, const std::string& resource)
     const ViStatus status = connection->open(resource);
     if (status < 0)
         return status;
-    opening.release();
+    static_cast<void>(opening.release());
     replace(holder, connection);
     return status;
 }

@@ -8,6 +8,8 @@
 #include "tests/torture/session_life.h"
 #include "tests/torture/tally.h"
 
+#include <gtest/gtest.h>
+
 #include <chrono>
 #include <fstream>
 #include <future>

@@ -249,7 +249,7 @@ TEST_P(HostileInstruments, GetNoReplyUsedForAnotherQuery)
     std::vector<Case> cases;
     for (const Attack& attack : all)
         for (const char* const options : {kPlain, kForgiving})
-            for (const std::size_t query : {1, 2, 3, 5})
+            for (const std::size_t query : {1U, 2U, 3U, 5U})
                 cases.push_back({&attack, GetParam(), options, query});
     // What the libraries keep for the rest of the process they take now; no query is attacked.
     Life({all.data(), GetParam(), kPlain, 0}).live();

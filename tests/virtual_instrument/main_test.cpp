@@ -442,6 +442,7 @@ TEST(Program, EndsWebBrowsersBeforeAnythingIsExecuted)
     LineClient client(program.port());
     EXPECT_EQ(client.query("SOUR3:VOLT?"), "0.000000");
     EXPECT_EQ(client.query("SYST:ERR?"), "0,\"No error\"");
+    EXPECT_EQ(program.interrupt(), 0);
     EXPECT_THAT(program.errorOutput(), HasSubstr(" sent an HTTP request: cut off, nothing of it is executed\n"));
 }
 
