@@ -10,10 +10,13 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <chrono>
 #include <fstream>
-#include <future>
 #include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
 
 // Whole lives of sessions with the platform's libraries and an instrument, in which there is no memory: for the n-th
 // allocation, or for all from the n-th on.
