@@ -447,10 +447,10 @@ TEST_F(ConfigurationStoreTest, ATextIsReadTwiceAtMostWhateverTheServerSaysOfItsS
 
 TEST_F(ConfigurationStoreTest, AFailureOfTheSecondReadOfATextIsRecorded)
 {
-    constexpr ViStatus kFailed = code(0xBFFA1777);
+    constexpr ViStatus kSecondFailed = code(0xBFFA1777);
     storeRichEntry().driverSetup = std::string(1024, 'x');
-    failNthCallOf("IviConfig_GetDriverSessionPropertyViString", 2, kFailed);
-    EXPECT_EQ(resolve(), kFailed);
+    failNthCallOf("IviConfig_GetDriverSessionPropertyViString", 2, kSecondFailed);
+    EXPECT_EQ(resolve(), kSecondFailed);
     EXPECT_EQ(timesRecorded(), 1U);
     EXPECT_EQ(openConfigHandles(), 0U);
 }
