@@ -56,8 +56,12 @@ tell_torture() {
 torture() {
     build release
     step "Torture, all of it"
-    KVX_TORTURE=whole ctest --preset release -R '^torture' -j "$(nproc)"
+    ended=0
+    KVX_TORTURE=whole ctest --preset release -R '^torture' -j "$(nproc)" || ended=$?
     tell_torture build/release/Testing/Temporary/LastTest.log
+    [ "$ended" = 0 ] || exit "$ended"
+    step "Working for an hour on a link that is dropped"
+    KVX_SOAK_MINUTES=60 build/release/bin/torture_soak_test
 }
 
 sources() { git ls-files '*.h' '*.hpp' '*.c' '*.cpp'; }

@@ -16,6 +16,7 @@
 #include <array>
 #include <atomic>
 #include <cstddef>
+#include <new>
 #include <span>
 #include <string>
 #include <string_view>
@@ -157,7 +158,12 @@ private:
     HMODULE load() const
     {
         const QuietErrors quiet;
-        return loadLibrary(names_);
+        try {
+            return loadLibrary(names_);
+        } catch (const std::bad_alloc&) {
+            // No exception leaves a C function; the next call searches anew.
+            return nullptr;
+        }
     }
 
     std::array<const wchar_t*, 2> names_;

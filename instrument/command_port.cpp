@@ -136,7 +136,13 @@ ViStatus CommandPort::query(std::string_view command, std::string& reply)
     ViStatus status = transmit(*connection, command, true);
     if (status < 0)
         return status;
-    status = connection->read(reply);
+    try {
+        status = connection->read(reply);
+    } catch (...) {
+        // Some of the reply may be taken, and its rest is the next read's.
+        freshReplies_.suspect();
+        throw;
+    }
     if (status < 0 || status == VI_SUCCESS_MAX_CNT)
         freshReplies_.suspect();
     return noted(status);

@@ -11,6 +11,7 @@
 #include <deque>
 #include <functional>
 #include <memory>
+#include <new>
 #include <span>
 #include <string>
 #include <utility>
@@ -45,6 +46,8 @@ public:
     {
         ++reads;
         timeouts.push_back(timeout());
+        if (std::exchange(lacksMemory, false))
+            throw std::bad_alloc();
         const ViStatus next = takeStatus();
         if (next < 0)
             return next;
@@ -95,6 +98,8 @@ public:
     /// In place of readStatus, for the reads to come: a failure, a completion code, or 0 for what would come anyway.
     std::deque<ViStatus> nextStatuses;
     ViStatus writeStatus = VI_SUCCESS;
+    /// Whether there is none for the reply of the next read, which stays.
+    bool lacksMemory = false;
     ViStatus reopenStatus = VI_SUCCESS;
     std::deque<Pending> pending;
     std::vector<std::string> written;
@@ -194,6 +199,14 @@ TEST_P(FreshRepliesTest, NoReplyAnswersAnotherQueryHoweverLateTheInstrumentIs)
             EXPECT_EQ(ask("S?"), "reply to S?") << delay;
         }
     }
+}
+
+TEST_P(FreshRepliesTest, AReplyThatThereWasNoMemoryForAnswersNoOtherQuery)
+{
+    instrument->lacksMemory = true;
+    EXPECT_THROW(ask("A?"), std::bad_alloc);
+    EXPECT_EQ(ask("B?"), "reply to B?");
+    EXPECT_EQ(ask("C?"), "reply to C?");
 }
 
 TEST_P(FreshRepliesTest, ComeBackAfterALateReplyWithTheNextCommand)

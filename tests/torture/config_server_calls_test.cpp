@@ -4,6 +4,8 @@
 #include "tests/torture/tally.h"
 
 #include <cerrno>
+#include <chrono>
+#include <string>
 
 // Every call that the configuration server makes to the host while a store is read fails once.
 
@@ -21,6 +23,7 @@ public:
         const std::size_t before = openDescriptors();
         IviConfigStoreHandle store = nullptr;
         IviDriverSessionHandle session = nullptr;
+        const auto begin = std::chrono::steady_clock::now();
         kvxArmFailingCall(call, error);
         ViStatus status = IviConfig_Initialize(&store);
         if (status >= 0)
@@ -28,6 +31,7 @@ public:
         if (status >= 0)
             status = IviConfig_GetDriverSession(store, "KVX2800T", &session);
         kvxDisarmFailingCall();
+        tally.hangs += std::chrono::steady_clock::now() - begin > std::chrono::seconds(3) ? 1 : 0;
         const std::string when = "call " + std::to_string(call) + ", error " + std::to_string(error);
         if (status >= 0)
             tally.expect(sessionText(session, IVICONFIG_VAL_CONFIG_COMPONENT_NAME) == "KVX2800T",
@@ -51,7 +55,8 @@ TEST_F(ConfigServerCalls, ThatFailLeaveAStatusAndNothingOpen)
     Tally tally("configuration server: the n-th call of the system fails");
     // What the libraries keep is there after the first load.
     attack(tally, 0, 0);
-    for (const int error : {EINTR, EAGAIN, EIO, ENOENT, EMFILE, ENOMEM, static_cast<int>(kShortTransfer)})
+    for (const int error :
+         {EINTR, EAGAIN, ECONNRESET, ENOSPC, EIO, ENOENT, EMFILE, ENOMEM, static_cast<int>(kShortTransfer)})
         for (unsigned long call = 1;; ++call) {
             attack(tally, call, error);
             if (!wasInjected_)

@@ -241,12 +241,11 @@ void HostileInstrument::answer(const std::string& message)
         return;
     ++queries_;
     const std::string reply = replyTo(message) + "\n";
-    if (queries_ != attacked_) {
+    if (queries_ == attacked_)
+        malice_(*line_, reply);
+    else
         line_->send(reply);
-        return;
-    }
-    malice_(*line_, reply);
-    isOver_ = true;
+    ++answered_;
 }
 
 std::string HostileInstrument::replyTo(const std::string& message) const

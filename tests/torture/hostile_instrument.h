@@ -59,8 +59,8 @@ public:
     /// The queries that have come so far.
     std::size_t queries() const { return queries_; }
 
-    /// Whether the attack is over, its bytes on the way.
-    bool isOver() const { return isOver_; }
+    /// How many of them it has done with, their bytes on the way.
+    std::size_t answered() const { return answered_; }
 
     static LevelReply read(double level);
 
@@ -73,7 +73,7 @@ private:
     const std::size_t attacked_;
     const Malice malice_;
     std::atomic<std::size_t> queries_ = 0;
-    std::atomic<bool> isOver_ = false;
+    std::atomic<std::size_t> answered_ = 0;
     std::atomic<bool> isShut_ = false;
     std::thread server_;
 };

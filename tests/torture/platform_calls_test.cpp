@@ -2,6 +2,7 @@
 #include "tests/torture/session_life.h"
 #include "tests/torture/tally.h"
 
+#include <chrono>
 #include <iostream>
 #include <stdexcept>
 
@@ -136,6 +137,7 @@ private:
     {
         ViStatus status = VI_SUCCESS;
         bool hasThrown = false;
+        const auto begin = std::chrono::steady_clock::now();
         try {
             const bool isRight = step.call(vi_, status);
             if (!isRight && scenario_.isAnswered && scenario_.forgives())
@@ -150,6 +152,8 @@ private:
             ++tally_.crashes;
             ADD_FAILURE() << step.name << " throws";
         }
+        // The fakes never wait.
+        tally_.hangs += std::chrono::steady_clock::now() - begin > std::chrono::seconds(3) ? 1 : 0;
         if (hasThrown) {
             if (!step.mayThrow)
                 ++tally_.crashes;
@@ -226,7 +230,7 @@ public:
         }
     }
 
-    /// In a short run every so many calls; each of the scenarios begins with another one.
+    /// How many calls on the next one is that is attacked: in a short run two to four.
     std::size_t stride() { return isWholeTorture() ? 1 : 2 + ++steps_ % 3; }
 
     Tally tally{GetParam().name};

@@ -70,7 +70,12 @@ public:
 private:
     ViStatus purge(DWORD queues) const noexcept
     {
-        return PurgeComm(port_.handle(), queues) != 0 ? VI_SUCCESS : statusOf(endOf(GetLastError()));
+        if (PurgeComm(port_.handle(), queues) != 0)
+            return VI_SUCCESS;
+        // A port's driver that knows no such request keeps nothing that could be dropped.
+        const DWORD error = GetLastError();
+        const bool isUnknown = error == ERROR_INVALID_FUNCTION || error == ERROR_NOT_SUPPORTED;
+        return isUnknown ? VI_SUCCESS : statusOf(endOf(error));
     }
 
     ComPort port_;

@@ -142,7 +142,7 @@ ViStatus TcpStream::discardInput(const Deadline& deadline) noexcept
         if (deadline.remainingMs(1) == 0)
             return VI_ERROR_TMO;
     }
-    return VI_SUCCESS;
+    return VI_ERROR_TMO;
 }
 
 ViStatus TcpStream::setAttribute(ViAttr attribute, ViUInt32 value) noexcept
