@@ -1,6 +1,6 @@
 #!/bin/sh
 # Tells how fast the fuzzers are and what they reach of the driver and its platform, with llvm-cov:
-#   fuzz/coverage.sh [INPUTS]   inputs of each fuzzer, from its corpus on; 100000 unless told otherwise
+#   fuzz/coverage.sh [SECONDS]   for each fuzzer, from its corpus on; 30 unless told otherwise
 set -eu
 cd "$(dirname "$0")/.."
 . ./cmake/scripts.sh
@@ -16,7 +16,7 @@ run() {
     corpus=fuzz/corpus/${name#fuzz_}
     [ -d "$corpus" ] || corpus=
     found=$(mktemp -d)
-    LLVM_PROFILE_FILE="$folder/profiles/$name-%m.profraw" "$1" -runs="$2" -seed=1 -max_len=512 -print_final_stats=1 \
+    LLVM_PROFILE_FILE="$folder/profiles/$name-%m.profraw" "$1" -max_total_time="$2" -seed=1 -max_len=512 -print_final_stats=1 \
         "$found" $corpus >"$folder/$name.log" 2>&1 || { cat "$folder/$name.log"; exit 1; }
     rm -rf "$found"
     printf '%-28s%9s inputs a second\n' "$name" "$(sed -n 's/^stat::average_exec_per_sec: *//p' "$folder/$name.log")"
@@ -24,7 +24,7 @@ run() {
 
 objects=
 for fuzzer in "$folder"/bin/fuzz_*; do
-    run "$fuzzer" "${1:-100000}"
+    run "$fuzzer" "${1:-30}"
     objects="$objects -object $fuzzer"
 done
 for library in "$folder"/lib/*.so; do
