@@ -315,7 +315,8 @@ private:
     int error_ = 0;
 };
 
-constexpr std::string_view kTemporaryName = ".kvx2800t-store-";
+/// Long enough that nobody gives such a name to a file of their own, which would be removed.
+constexpr std::string_view kTemporaryName = ".kvx2800t-store.unfinished-change.";
 constexpr std::string_view kTemporaryPattern = "XXXXXX";
 
 /// Whether a file is called what mkstemp makes of the pattern.

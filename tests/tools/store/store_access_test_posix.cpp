@@ -152,7 +152,8 @@ TEST_F(StoreAccess, LeavesNoFolderBehindOnAFullDisk)
 
 TEST_F(StoreAccess, RemovesWhatKilledChangesHaveLeft)
 {
-    for (const char* const name : {".kvx2800t-store-a1B2c3", ".kvx2800t-store-XXXXXX", ".kvx2800t-store.lock"})
+    for (const char* const name : {".kvx2800t-store.unfinished-change.a1B2c3",
+                                   ".kvx2800t-store.unfinished-change.XXXXXX", ".kvx2800t-store.lock"})
         writeFile(folder_ / name, "left");
     replace("new");
     EXPECT_EQ(readFile(path_), "new");
@@ -161,7 +162,7 @@ TEST_F(StoreAccess, RemovesWhatKilledChangesHaveLeft)
 
 TEST_F(StoreAccess, RemovesTheOtherNameOfAStoreWhoseMakerWasKilledInBetween)
 {
-    fs::create_hard_link(path_, folder_ / ".kvx2800t-store-a1B2c3");
+    fs::create_hard_link(path_, folder_ / ".kvx2800t-store.unfinished-change.a1B2c3");
     EXPECT_EQ(StoreChange(path_, WhenMissing::Refuse).otherNames(), 0U);
     EXPECT_EQ(folder_.count(), 1U);
 }
@@ -169,11 +170,14 @@ TEST_F(StoreAccess, RemovesTheOtherNameOfAStoreWhoseMakerWasKilledInBetween)
 TEST_F(StoreAccess, LeavesFilesOfOthersAlone)
 {
     for (const char* const name :
-         {".kvx2800t-store-", ".kvx2800t-store-a1B2c", ".kvx2800t-store-a1B2c34", ".kvx2800t-store-a1B2c.",
-          "kvx2800t-store-a1B2c3", ".kvx2800t-store-a1B2c3.bak", ".kvx2800t-storea1B2c3"})
+         {".kvx2800t-store-backup", ".kvx2800t-store-saved1", ".kvx2800t-store.backup", ".kvx2800t-store-a1B2c3",
+          ".kvx2800t-store.unfinished-change.", ".kvx2800t-store.unfinished-change.a1B2c",
+          ".kvx2800t-store.unfinished-change.a1B2c34", ".kvx2800t-store.unfinished-change.a1B2c.",
+          "kvx2800t-store.unfinished-change.a1B2c3", ".kvx2800t-store.unfinished-change.a1B2c3.bak",
+          ".kvx2800t-store.unfinished-changea1B2c3"})
         writeFile(folder_ / name, "precious");
-    fs::create_directory(folder_ / ".kvx2800t-store-folder");
-    fs::create_symlink("store.xml", folder_ / ".kvx2800t-store-linked");
+    fs::create_directory(folder_ / ".kvx2800t-store.unfinished-change.folder");
+    fs::create_symlink("store.xml", folder_ / ".kvx2800t-store.unfinished-change.linked");
     const auto count = folder_.count();
     replace("new");
     EXPECT_EQ(folder_.count(), count);
