@@ -171,22 +171,23 @@ private:
 
 TEST_F(StoreToolTorture, KilledAnywhereItLeavesTheOldStoreOrTheNewOne)
 {
-    constexpr int kEdits = 300;
+    constexpr std::size_t kKills = 300;
+    constexpr int kMostEdits = 1200; // On a machine whose speed changes, many programs end before they are killed.
     Tally tally("store tool: killed at random points");
     const auto start = std::chrono::steady_clock::now();
     EXPECT_EQ(runStoreTool(onStore(path_, {"remove", "KVX2800T"})).exitCode, 0);
     const auto life = std::chrono::steady_clock::now() - start;
     RandomKiller killer(folder_ / ".kvx2800t-store.lock", std::chrono::duration_cast<std::chrono::microseconds>(life));
-    int killed = 0;
+    int edits = 0;
     int changed = 0;
     int left = 0;
-    for (int n = 0; n < kEdits; ++n) {
-        const std::string when = "after kill " + std::to_string(n);
+    for (; tally.injections < kKills && edits < kMostEdits; ++edits) {
+        const std::string when = "after edit " + std::to_string(edits);
         const std::string before = text();
-        const std::string after = textAfter(edit(n));
-        ChildProcess program(storeToolPath(), onStore(path_, edit(n)));
-        killed += killer.kill(program) == kKilled ? 1 : 0;
-        ++tally.injections;
+        const std::string after = textAfter(edit(edits));
+        ChildProcess program(storeToolPath(), onStore(path_, edit(edits)));
+        // A program that has ended before says nothing about kills.
+        tally.injections += killer.kill(program) == kKilled ? 1 : 0;
         const std::string now = text();
         changed += now == after ? 1 : 0;
         left += folder_.count() > 1 ? 1 : 0;
@@ -194,7 +195,8 @@ TEST_F(StoreToolTorture, KilledAnywhereItLeavesTheOldStoreOrTheNewOne)
         expectThatTheNextWorks(tally, when);
         writeFile(path_, after);
     }
-    std::cout << killed << " killed, " << changed << " stores changed, " << left << " with files beside them\n";
+    EXPECT_GT(tally.injections, 0U);
+    std::cout << edits << " edits, " << changed << " stores changed, " << left << " with files beside them\n";
 }
 
 TEST_F(StoreToolTorture, WritersAtOnceLoseNoUpdate)
@@ -271,8 +273,9 @@ struct FailingCall
     const char* error;
 };
 
-const std::array kErrors{FailingCall{"EINTR", "4"}, FailingCall{"EIO", "5"}, FailingCall{"EAGAIN", "11"},
-                         FailingCall{"ENOSPC", "28"}, FailingCall{"short transfers", "short"}};
+const std::array kErrors{FailingCall{"EINTR", "4"},        FailingCall{"EIO", "5"},
+                         FailingCall{"EAGAIN", "11"},      FailingCall{"ENOSPC", "28"},
+                         FailingCall{"ECONNRESET", "104"}, FailingCall{"short transfers", "short"}};
 
 class StoreToolCalls : public StoreToolTorture, public testing::WithParamInterface<FailingCall>
 {

@@ -181,9 +181,10 @@ bool isSame(const struct stat& one, const struct stat& other)
     return one.st_dev == other.st_dev && one.st_ino == other.st_ino;
 }
 
-/// A lock for all changes in a folder: a file there that is locked, since the stores themselves are replaced. It can be
-/// opened by those who may write in the folder and by nobody else, so that readers cannot keep a change waiting. It is
-/// gone with the lock; one that a killed program has left is taken over.
+/// A lock for all changes in a folder: a file there that is locked, since the stores themselves are replaced. It
+/// belongs to the folder's owner and group as far as its maker may give it to them, and can be opened by those of them
+/// who may write in the folder and by nobody else, so that readers cannot keep a change waiting. It is gone with the
+/// lock; one that a killed program has left is taken over by who may open it.
 class FolderLock
 {
 public:
@@ -197,13 +198,15 @@ public:
     FolderLock(const FolderLock&) = delete;
     FolderLock& operator=(const FolderLock&) = delete;
 
-    /// Waits for the lock of something else. The folder stays open as long as the lock lives.
+    /// Waits for the lock of something else. Throws StoreError when that lasts, and at once for a file that cannot be
+    /// opened: who holds it, or whether anybody does, is not to be seen. The folder stays open as long as the lock
+    /// lives.
     void take(int folder, const std::string& path, std::chrono::milliseconds longestWait)
     {
         constexpr std::chrono::milliseconds kPause{10};
         const auto end = std::chrono::steady_clock::now() + longestWait;
         folder_ = folder;
-        while (!tryToTake()) {
+        while (!tryToTake(path)) {
             if (std::chrono::steady_clock::now() >= end)
                 throw StoreError(path + " is locked by something else");
             std::this_thread::sleep_for(kPause);
@@ -224,10 +227,13 @@ public:
 private:
     static constexpr auto kName = ".kvx2800t-store.lock";
 
+    static constexpr int kFlags = O_WRONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK;
+    static constexpr mode_t kRightsOfMaker = S_IWUSR;
+
     /// Whether there is nothing to be waited for.
-    bool tryToTake()
+    bool tryToTake(const std::string& path)
     {
-        Descriptor file = openOrMake();
+        Descriptor file = openOrMake(path);
         if (file.number() < 0)
             return error_ != 0;
         isExclusive_ = uninterrupted([&] { return ::flock(file.number(), LOCK_EX | LOCK_NB); }) == 0;
@@ -237,14 +243,36 @@ private:
         return true;
     }
 
-    /// Nothing for a file that somebody else is just making or removing, and with an error where none can be made.
-    Descriptor openOrMake()
+    /// Nothing for a file that somebody else has just made, and with an error where none can be made.
+    Descriptor openOrMake(const std::string& path)
     {
-        constexpr int kFlags = O_WRONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK;
         Descriptor file(uninterrupted([this] { return ::openat(folder_, kName, kFlags); }));
-        if (file.number() >= 0 || errno != ENOENT)
+        if (file.number() >= 0)
             return file;
-        file = Descriptor(uninterrupted([this] { return ::openat(folder_, kName, kFlags | O_CREAT | O_EXCL, 0200); }));
+        if (errno != ENOENT)
+            fail("cannot open " + path + '/' + kName, errno);
+        file = makeAtOnce();
+        return file.number() >= 0 ? std::move(file) : makeInSteps();
+    }
+
+    /// A file that has its rights before it has its name: nobody finds one that only its maker may open, however early
+    /// that is killed. Nothing where the host has no files without a name.
+    Descriptor makeAtOnce() const
+    {
+        Descriptor file(
+            uninterrupted([this] { return ::openat(folder_, ".", O_WRONLY | O_CLOEXEC | O_TMPFILE, kRightsOfMaker); }));
+        if (file.number() < 0)
+            return file;
+        letWritersOpen(file);
+        const std::string nameless = "/proc/self/fd/" + std::to_string(file.number());
+        return ::linkat(AT_FDCWD, nameless.c_str(), folder_, kName, AT_SYMLINK_FOLLOW) == 0 ? std::move(file)
+                                                                                            : Descriptor();
+    }
+
+    Descriptor makeInSteps()
+    {
+        Descriptor file(
+            uninterrupted([this] { return ::openat(folder_, kName, kFlags | O_CREAT | O_EXCL, kRightsOfMaker); }));
         if (file.number() >= 0)
             letWritersOpen(file);
         else if (errno != EEXIST)
@@ -261,8 +289,9 @@ private:
         };
         if (::fstat(folder_, &status) != 0)
             return;
-        mode_t rights = (status.st_mode & kWriters) | S_IWUSR;
-        if (::fchown(file.number(), static_cast<uid_t>(-1), status.st_gid) != 0)
+        mode_t rights = (status.st_mode & kWriters) | kRightsOfMaker;
+        if (::fchown(file.number(), status.st_uid, status.st_gid) != 0 &&
+            ::fchown(file.number(), static_cast<uid_t>(-1), status.st_gid) != 0)
             rights &= ~mode_t{S_IWGRP};
         static_cast<void>(::fchmod(file.number(), rights));
     }
@@ -286,7 +315,8 @@ private:
     int error_ = 0;
 };
 
-constexpr std::string_view kTemporaryName = ".kvx2800t-store-";
+/// Long enough that nobody gives such a name to a file of their own, which would be removed.
+constexpr std::string_view kTemporaryName = ".kvx2800t-store.unfinished-change.";
 constexpr std::string_view kTemporaryPattern = "XXXXXX";
 
 /// Whether a file is called what mkstemp makes of the pattern.

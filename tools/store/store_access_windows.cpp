@@ -302,7 +302,8 @@ Handle lockedFolder(const std::wstring& folder, std::chrono::milliseconds longes
     }
 }
 
-constexpr std::wstring_view kTemporaryName = L".kvx2800t-store-";
+/// Long enough that nobody gives such a name to a file of their own, which would be removed.
+constexpr std::wstring_view kTemporaryName = L".kvx2800t-store.unfinished-change.";
 
 bool isTemporaryName(std::wstring_view name)
 {

@@ -63,8 +63,15 @@ std::string unless(bool isRight, std::string_view text, std::string_view problem
 /// Names and values that drivers read into a buffer of their own.
 bool isReadByDrivers(std::string_view element)
 {
-    constexpr std::array<std::string_view, 5> kRead{"Name", "MapTo", "IOResourceDescriptor", "DriverSetup", "Value"};
+    constexpr std::array<std::string_view, 6> kRead{"Name",        "MapTo", "RCName", "IOResourceDescriptor",
+                                                    "DriverSetup", "Value"};
     return std::find(kRead.begin(), kRead.end(), element) != kRead.end();
+}
+
+/// What the configuration server gives drivers of a text: white space at its ends belongs to values of strings alone.
+std::string_view textGiven(const XmlElement& owner, const XmlElement& child)
+{
+    return owner.name == "IviString" ? std::string_view(child.text) : trimmed(child.text);
 }
 
 std::string problemOfText(const XmlElement& owner, std::string_view text, Content content)
@@ -98,9 +105,9 @@ std::string problemOf(const XmlElement& owner, const XmlElement& child, Content 
         return "has control characters or is not UTF-8";
     if (text.empty() && isNeeded(owner, content))
         return "is empty";
-    if (isReadByDrivers(child.name) && child.text.size() > kLongestText)
-        return "has " + std::to_string(child.text.size()) + " bytes, of which many drivers read " +
-               std::to_string(kLongestText);
+    const std::size_t size = textGiven(owner, child).size();
+    if (isReadByDrivers(child.name) && size > kLongestText)
+        return "has " + std::to_string(size) + " bytes, of which many drivers read " + std::to_string(kLongestText);
     return problemOfText(owner, text, content);
 }
 

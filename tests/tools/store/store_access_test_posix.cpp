@@ -17,11 +17,13 @@ using namespace store_tool;
 using testing::StartsWith;
 namespace fs = std::filesystem;
 
+constexpr uid_t kPlainUser = 65534;
+
 /// Acts as a user without special rights while it lives.
 class PlainUser
 {
 public:
-    PlainUser() : before_(::geteuid()) { become(65534); }
+    PlainUser() : before_(::geteuid()) { become(kPlainUser); }
     ~PlainUser() { become(before_); }
     PlainUser(const PlainUser&) = delete;
     PlainUser& operator=(const PlainUser&) = delete;
@@ -150,7 +152,8 @@ TEST_F(StoreAccess, LeavesNoFolderBehindOnAFullDisk)
 
 TEST_F(StoreAccess, RemovesWhatKilledChangesHaveLeft)
 {
-    for (const char* const name : {".kvx2800t-store-a1B2c3", ".kvx2800t-store-XXXXXX", ".kvx2800t-store.lock"})
+    for (const char* const name : {".kvx2800t-store.unfinished-change.a1B2c3",
+                                   ".kvx2800t-store.unfinished-change.XXXXXX", ".kvx2800t-store.lock"})
         writeFile(folder_ / name, "left");
     replace("new");
     EXPECT_EQ(readFile(path_), "new");
@@ -159,7 +162,7 @@ TEST_F(StoreAccess, RemovesWhatKilledChangesHaveLeft)
 
 TEST_F(StoreAccess, RemovesTheOtherNameOfAStoreWhoseMakerWasKilledInBetween)
 {
-    fs::create_hard_link(path_, folder_ / ".kvx2800t-store-a1B2c3");
+    fs::create_hard_link(path_, folder_ / ".kvx2800t-store.unfinished-change.a1B2c3");
     EXPECT_EQ(StoreChange(path_, WhenMissing::Refuse).otherNames(), 0U);
     EXPECT_EQ(folder_.count(), 1U);
 }
@@ -167,11 +170,14 @@ TEST_F(StoreAccess, RemovesTheOtherNameOfAStoreWhoseMakerWasKilledInBetween)
 TEST_F(StoreAccess, LeavesFilesOfOthersAlone)
 {
     for (const char* const name :
-         {".kvx2800t-store-", ".kvx2800t-store-a1B2c", ".kvx2800t-store-a1B2c34", ".kvx2800t-store-a1B2c.",
-          "kvx2800t-store-a1B2c3", ".kvx2800t-store-a1B2c3.bak", ".kvx2800t-storea1B2c3"})
+         {".kvx2800t-store-backup", ".kvx2800t-store-saved1", ".kvx2800t-store.backup", ".kvx2800t-store-a1B2c3",
+          ".kvx2800t-store.unfinished-change.", ".kvx2800t-store.unfinished-change.a1B2c",
+          ".kvx2800t-store.unfinished-change.a1B2c34", ".kvx2800t-store.unfinished-change.a1B2c.",
+          "kvx2800t-store.unfinished-change.a1B2c3", ".kvx2800t-store.unfinished-change.a1B2c3.bak",
+          ".kvx2800t-store.unfinished-changea1B2c3"})
         writeFile(folder_ / name, "precious");
-    fs::create_directory(folder_ / ".kvx2800t-store-folder");
-    fs::create_symlink("store.xml", folder_ / ".kvx2800t-store-linked");
+    fs::create_directory(folder_ / ".kvx2800t-store.unfinished-change.folder");
+    fs::create_symlink("store.xml", folder_ / ".kvx2800t-store.unfinished-change.linked");
     const auto count = folder_.count();
     replace("new");
     EXPECT_EQ(folder_.count(), count);
@@ -245,11 +251,50 @@ TEST_F(StoreAccess, AllWhoMayWriteInTheFolderWaitForEachOther)
     EXPECT_EQ(complaint(change), "");
 }
 
+TEST_F(StoreAccess, TheOwnerOfTheFolderTakesOverALockThatTheSuperuserHasLeft)
+{
+    if (::geteuid() != 0)
+        GTEST_SKIP() << "only the superuser can give files away";
+    const std::string lock = folder_ / ".kvx2800t-store.lock";
+    ASSERT_EQ(::chown(folder_.path().c_str(), kPlainUser, kPlainUser), 0);
+    ASSERT_EQ(::chown(path_.c_str(), kPlainUser, kPlainUser), 0);
+    ASSERT_EQ(::chmod(folder_.path().c_str(), 0755), 0);
+    {
+        const StoreChange killed(path_, WhenMissing::Refuse);
+        fs::create_hard_link(lock, folder_ / "kept");
+    }
+    fs::rename(folder_ / "kept", lock);
+    {
+        const PlainUser user;
+        EXPECT_EQ(complaint([this] { replace("new"); }), "");
+    }
+    EXPECT_EQ(readFile(path_), "new");
+    EXPECT_EQ(folder_.count(), 1U);
+}
+
+TEST_F(StoreAccess, SaysWhatLockCannotBeOpened)
+{
+    const std::string lock = folder_ / ".kvx2800t-store.lock";
+    const auto change = [this] { StoreChange(path_, WhenMissing::Refuse, std::chrono::milliseconds(0)); };
+    writeFile(lock, "");
+    ASSERT_EQ(::chmod(lock.c_str(), 0), 0);
+    ASSERT_EQ(::chmod(folder_.path().c_str(), 0777), 0);
+    ASSERT_EQ(::chmod(path_.c_str(), 0644), 0);
+    {
+        const PlainUser user;
+        EXPECT_EQ(complaint(change), "cannot open " + lock + ": Permission denied");
+    }
+    fs::remove(lock);
+    fs::create_directory(lock);
+    EXPECT_EQ(complaint(change), "cannot open " + lock + ": Is a directory");
+}
+
 TEST_F(StoreAccess, ALinkInPlaceOfTheLockIsNotFollowed)
 {
-    fs::create_symlink("elsewhere", folder_ / ".kvx2800t-store.lock");
+    const std::string lock = folder_ / ".kvx2800t-store.lock";
+    fs::create_symlink("elsewhere", lock);
     EXPECT_EQ(complaint([this] { StoreChange(path_, WhenMissing::Refuse, std::chrono::milliseconds(0)); }),
-              folder_.path().string() + " is locked by something else");
+              "cannot open " + lock + ": Too many levels of symbolic links");
     EXPECT_FALSE(fs::exists(folder_ / "elsewhere"));
 }
 

@@ -105,13 +105,15 @@ TEST_F(StoreAccessOnWindows, AFileKeepsItsProtectionFromTheRightsOfItsFolder)
 
 TEST_F(StoreAccessOnWindows, RemovesWhatKilledChangesHaveLeftAndNothingElse)
 {
-    for (const char* const name : {".kvx2800t-store-4294967295", ".kvx2800t-store-0"})
+    for (const char* const name :
+         {".kvx2800t-store.unfinished-change.4294967295", ".kvx2800t-store.unfinished-change.0"})
         writeFile(fromUtf8(folder_ / name), "left");
-    for (const char* const name : {".kvx2800t-store-", ".kvx2800t-store-12a", "kvx2800t-store-12"})
+    for (const char* const name : {".kvx2800t-store-2026", ".kvx2800t-store.unfinished-change.",
+                                   ".kvx2800t-store.unfinished-change.12a", "kvx2800t-store.unfinished-change.12"})
         writeFile(fromUtf8(folder_ / name), "precious");
     replace("new");
     EXPECT_EQ(readFile(fromUtf8(path_)), "new");
-    EXPECT_EQ(folder_.count(), 4U);
+    EXPECT_EQ(folder_.count(), 5U);
 }
 
 TEST_F(StoreAccessOnWindows, AReadOnlyFileStaysAsItIs)

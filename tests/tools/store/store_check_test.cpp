@@ -49,7 +49,7 @@ TEST(StoreCheck, FindsTextsThatManyDriversCut)
 {
     const std::string longest(1023, 'x');
     const std::string finding = ": has 1024 bytes, of which many drivers read 1023";
-    for (const std::string element : {"Name", "MapTo", "IOResourceDescriptor", "DriverSetup", "Value"}) {
+    for (const std::string element : {"Name", "MapTo", "RCName", "IOResourceDescriptor", "DriverSetup", "Value"}) {
         const std::string text = exampleStore();
         const auto begin = text.find("<" + element + ">") + element.size() + 2;
         ASSERT_LT(begin, text.size()) << element;
@@ -62,6 +62,16 @@ TEST(StoreCheck, FindsTextsThatManyDriversCut)
         EXPECT_THAT(withText(longest + 'x'), Contains(testing::EndsWith(element + finding))) << element;
     }
     EXPECT_THAT(findingsWith("<Description>", "<Description>" + longest + longest), IsEmpty());
+}
+
+TEST(StoreCheck, CountsWhiteSpaceAtTheEndsOfATextWhereDriversGetIt)
+{
+    const std::string space(1023, ' ');
+    EXPECT_THAT(findingsWith("<Value>0.25</Value>", "<Value>\n" + space + "0.25\n</Value>"), IsEmpty());
+    EXPECT_THAT(findingsWith("<RCName>OutputChannel</RCName>", "<RCName>" + space + "OutputChannel</RCName>"),
+                IsEmpty());
+    EXPECT_THAT(findingsWith("<Value>line 4</Value>", "<Value>" + space + "4</Value>"),
+                ElementsAre(testing::EndsWith("Value: has 1024 bytes, of which many drivers read 1023")));
 }
 
 TEST(StoreCheck, FindsUnknownElements)
