@@ -100,7 +100,7 @@ private:
     bool takeTurn()
     {
         ++turns;
-        const double volts = static_cast<double>(turns % 1000) / 100.0;
+        const double volts = static_cast<double>(turns % 600) / 100.0;
         ViReal64 level = -1.0;
         ViReal64 measured = 0.0;
         ViBoolean state = VI_FALSE;
