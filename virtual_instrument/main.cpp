@@ -93,22 +93,35 @@ void run(const Options& options, OutputQueue& output, OutputQueue& errors)
     context.run();
 }
 
+constexpr std::string_view kComplaint = "kvx2800t-virtual: ";
+
+/// The exit code, behind lines that leave without holding the instrument up.
+int runWithOutputs(const Options& options)
+{
+    OutputQueue output(writerTo(StandardOutput::Output));
+    OutputQueue errors(writerTo(StandardOutput::Errors));
+    try {
+        run(options, output, errors);
+        return 0;
+    } catch (const std::exception& error) {
+        errors.add(std::string(kComplaint) + error.what());
+        return 1;
+    }
+}
+
 } // namespace
 
 int main(int argumentCount, char** arguments)
 {
-    writePlainLineFeeds();
-    outliveReaders();
-    const auto commandLine = parseCommandLine(argumentCount, arguments);
-    if (!commandLine.options)
-        return commandLine.exitCode;
-    OutputQueue output(writerTo(StandardOutput::Output));
-    OutputQueue errors(writerTo(StandardOutput::Errors));
     try {
-        run(*commandLine.options, output, errors);
-        return 0;
+        writePlainLineFeeds();
+        outliveReaders();
+        const auto commandLine = parseCommandLine(argumentCount, arguments);
+        return commandLine.options ? runWithOutputs(*commandLine.options) : commandLine.exitCode;
     } catch (const std::exception& error) {
-        errors.add("kvx2800t-virtual: " + std::string(error.what()));
+        // Piece by piece: there may be no memory for one text.
+        for (const std::string_view text : {kComplaint, std::string_view(error.what()), std::string_view("\n")})
+            writeTo(StandardOutput::Errors, text);
         return 1;
     }
 }

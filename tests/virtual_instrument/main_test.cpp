@@ -3,10 +3,12 @@
 #include <asio.hpp>
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <random>
 #include <regex>
+#include <sys/resource.h>
 #include <thread>
 
 namespace
@@ -548,6 +550,37 @@ TEST(Program, APortInUseIsExplained)
     EXPECT_EQ(second.wait(), 1);
     EXPECT_EQ(second.errorOutput(),
               "kvx2800t-virtual: cannot listen on 127.0.0.1:" + port + ": Address already in use\n");
+}
+
+/// Leaves programs that are started while it lives no room for the stack of a thread.
+class NoRoomForThreads
+{
+public:
+    NoRoomForThreads()
+    {
+        EXPECT_EQ(::getrlimit(RLIMIT_STACK, &before_), 0);
+        const rlimit limit{std::min(rlim_t{1} << 47, before_.rlim_max), before_.rlim_max};
+        EXPECT_EQ(::setrlimit(RLIMIT_STACK, &limit), 0);
+    }
+    ~NoRoomForThreads() { EXPECT_EQ(::setrlimit(RLIMIT_STACK, &before_), 0); }
+    NoRoomForThreads(const NoRoomForThreads&) = delete;
+    NoRoomForThreads& operator=(const NoRoomForThreads&) = delete;
+
+    /// Not where this process may not ask for such stacks.
+    bool isEffective() const { return before_.rlim_max == RLIM_INFINITY; }
+
+private:
+    rlimit before_{};
+};
+
+TEST(Program, ExplainsThatItCannotStart)
+{
+    const NoRoomForThreads noRoom;
+    if (!noRoom.isEffective())
+        GTEST_SKIP() << "stacks have a limit here";
+    ChildProcess program(virtualInstrumentPath(), {"--port", "0"});
+    EXPECT_EQ(program.wait(), 1);
+    EXPECT_EQ(program.errorOutput(), "kvx2800t-virtual: Resource temporarily unavailable\n");
 }
 
 TEST(Program, AnnouncesOnlyWhatIsOn)
