@@ -45,3 +45,7 @@ if(KVX_SANITIZE MATCHES undefined)
     target_compile_options(kvx_test_options INTERFACE
         -fno-sanitize=undefined -fno-sanitize-coverage=inline-8bit-counters,pc-table)
 endif()
+if(WIN32 AND CMAKE_UNITY_BUILD)
+    # Eight tests in one have more sections than a plain object has room for.
+    target_compile_options(kvx_test_options INTERFACE -Wa,-mbig-obj)
+endif()
