@@ -552,6 +552,8 @@ TEST(Program, APortInUseIsExplained)
               "kvx2800t-virtual: cannot listen on 127.0.0.1:" + port + ": Address already in use\n");
 }
 
+#ifdef KVX_STACKS_OF_ANY_SIZE
+
 /// Leaves programs that are started while it lives no room for the stack of a thread.
 class NoRoomForThreads
 {
@@ -582,6 +584,8 @@ TEST(Program, ExplainsThatItCannotStart)
     EXPECT_EQ(program.wait(), 1);
     EXPECT_EQ(program.errorOutput(), "kvx2800t-virtual: Resource temporarily unavailable\n");
 }
+
+#endif
 
 TEST(Program, AnnouncesOnlyWhatIsOn)
 {
