@@ -58,40 +58,6 @@ std::string utf8(const fs::path& path)
     return {text.begin(), text.end()};
 }
 
-TEST(DriverDll, LooksForThePlatformsLibrariesBesideItselfAndOnEachCallThatNeedsThem)
-{
-    const VirtualInstrumentProcess instrument;
-    const DriverFolder folder(L"from none to all \u03A9\u65E5");
-    const SharedLibrary library(utf8(folder.driver()));
-    auto* const init = library.find<decltype(KVX2800T_InitWithOptions)>("KVX2800T_InitWithOptions");
-    auto* const close = library.find<decltype(KVX2800T_close)>("KVX2800T_close");
-    auto* const getError = library.find<decltype(KVX2800T_GetError)>("KVX2800T_GetError");
-    std::string resource = instrument.resource();
-    ViSession vi = 4711;
-
-    EXPECT_EQ(init(resource.data(), VI_FALSE, VI_FALSE, "Simulate=1", &vi), kLibraryMissing);
-    EXPECT_EQ(vi, ViSession{VI_NULL});
-    EXPECT_EQ(close(vi), status(0xBFFA1190));
-    EXPECT_EQ(getError(VI_NULL, nullptr, 0, nullptr), kLibraryMissing);
-
-    folder.add(KVX_SESSION_SERVICE);
-    EXPECT_EQ(init(resource.data(), VI_FALSE, VI_FALSE, "Simulate=1", &vi), kLibraryMissing);
-    EXPECT_EQ(vi, ViSession{VI_NULL});
-    ViStatus code = VI_SUCCESS;
-    EXPECT_EQ(getError(VI_NULL, &code, -1, std::array<ViChar, 256>().data()), VI_SUCCESS);
-    EXPECT_EQ(code, kLibraryMissing);
-
-    folder.add(KVX_CONFIG_SERVER, KVX_OTHER_CONFIG_SERVER_NAME);
-    EXPECT_EQ(init(resource.data(), VI_FALSE, VI_FALSE, "", &vi), KVX2800T_ERROR_IO);
-    EXPECT_EQ(vi, ViSession{VI_NULL});
-    ASSERT_EQ(init(resource.data(), VI_FALSE, VI_FALSE, "Simulate=1", &vi), VI_SUCCESS);
-    EXPECT_EQ(close(vi), VI_SUCCESS);
-
-    folder.add(KVX_VISA);
-    ASSERT_EQ(init(resource.data(), VI_TRUE, VI_FALSE, "", &vi), VI_SUCCESS);
-    EXPECT_EQ(close(vi), VI_SUCCESS);
-}
-
 /// The process's current folder, and PATH, as a test wants them.
 class Surroundings
 {
@@ -128,6 +94,7 @@ ViStatus simulateAlone(const DriverFolder& folder)
     return opened;
 }
 
+// Ahead of the tests that find libraries, which stay loaded.
 TEST(DriverDll, LoadsNoLibraryFromTheCurrentFolderNorFromARelativeOneOfPath)
 {
     const DriverFolder driver(L"driver alone");
@@ -140,6 +107,40 @@ TEST(DriverDll, LoadsNoLibraryFromTheCurrentFolderNorFromARelativeOneOfPath)
     }
     const Surroundings above(planted.driver().parent_path().parent_path(), L"planted");
     EXPECT_EQ(simulateAlone(driver), kLibraryMissing);
+}
+
+TEST(DriverDll, LooksForThePlatformsLibrariesBesideItselfAndOnEachCallThatNeedsThem)
+{
+    const VirtualInstrumentProcess instrument;
+    const DriverFolder folder(L"from none to all \u03A9\u65E5");
+    const SharedLibrary library(utf8(folder.driver()));
+    auto* const init = library.find<decltype(KVX2800T_InitWithOptions)>("KVX2800T_InitWithOptions");
+    auto* const close = library.find<decltype(KVX2800T_close)>("KVX2800T_close");
+    auto* const getError = library.find<decltype(KVX2800T_GetError)>("KVX2800T_GetError");
+    std::string resource = instrument.resource();
+    ViSession vi = 4711;
+
+    EXPECT_EQ(init(resource.data(), VI_FALSE, VI_FALSE, "Simulate=1", &vi), kLibraryMissing);
+    EXPECT_EQ(vi, ViSession{VI_NULL});
+    EXPECT_EQ(close(vi), status(0xBFFA1190));
+    EXPECT_EQ(getError(VI_NULL, nullptr, 0, nullptr), kLibraryMissing);
+
+    folder.add(KVX_SESSION_SERVICE);
+    EXPECT_EQ(init(resource.data(), VI_FALSE, VI_FALSE, "Simulate=1", &vi), kLibraryMissing);
+    EXPECT_EQ(vi, ViSession{VI_NULL});
+    ViStatus code = VI_SUCCESS;
+    EXPECT_EQ(getError(VI_NULL, &code, -1, std::array<ViChar, 256>().data()), VI_SUCCESS);
+    EXPECT_EQ(code, kLibraryMissing);
+
+    folder.add(KVX_CONFIG_SERVER, KVX_OTHER_CONFIG_SERVER_NAME);
+    EXPECT_EQ(init(resource.data(), VI_FALSE, VI_FALSE, "", &vi), KVX2800T_ERROR_IO);
+    EXPECT_EQ(vi, ViSession{VI_NULL});
+    ASSERT_EQ(init(resource.data(), VI_FALSE, VI_FALSE, "Simulate=1", &vi), VI_SUCCESS);
+    EXPECT_EQ(close(vi), VI_SUCCESS);
+
+    folder.add(KVX_VISA);
+    ASSERT_EQ(init(resource.data(), VI_TRUE, VI_FALSE, "", &vi), VI_SUCCESS);
+    EXPECT_EQ(close(vi), VI_SUCCESS);
 }
 
 TEST(DriverDll, LoadingItAHundredTimesLeavesNothingBehind)
