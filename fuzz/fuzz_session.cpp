@@ -4,6 +4,8 @@
 #include "tests/support/driver/exported_calls.h"
 #include "tests/support/driver/instrument_calls.h"
 #include "tests/support/driver/scripted_clock.h"
+#include "tests/support/environment.h"
+#include "tests/support/temporary_folder.h"
 
 #include <arpa/inet.h>
 #include <netinet/in.h>
@@ -13,6 +15,8 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>
+#include <fstream>
+#include <functional>
 #include <mutex>
 #include <stdexcept>
 #include <string>
@@ -89,6 +93,33 @@ struct Call
     bool mayThrow = false;
 };
 
+ViStatus directIo(ViSession vi)
+{
+    std::array<ViByte, 6> message = {'*', 'I', 'D', 'N', '?', '\n'};
+    std::array<ViByte, 64> reply{};
+    ViInt64 count = 0;
+    const ViStatus status = KVX2800T_viWrite(vi, message.data(), message.size(), &count);
+    return status < 0 ? status : KVX2800T_viRead(vi, reply.size(), reply.data(), &count);
+}
+
+ViStatus inherent(ViSession vi)
+{
+    std::array<ViChar, 64> text{};
+    ViStatus status = KVX2800T_GetNextCoercionRecord(vi, text.size(), text.data());
+    if (status >= 0)
+        status = KVX2800T_SetIoTimeout(vi, 1);
+    return status;
+}
+
+ViStatus measureAll(ViSession vi)
+{
+    std::array<ViReal64, 2> volts{};
+    std::array<ViReal64, 2> amperes{};
+    std::array<ViReal64, 2> watts{};
+    ViInt32 count = 0;
+    return KVX2800T_MeasureAll(vi, "OutputChannel3,Core", 2, volts.data(), amperes.data(), watts.data(), &count);
+}
+
 const std::vector<Call>& everyCall()
 {
     static const std::vector<Call> every = [] {
@@ -100,6 +131,7 @@ const std::vector<Call>& everyCall()
         }
         for (const InstrumentCall& call : instrumentCalls())
             calls.push_back({[&call](ViSession vi) { return call(vi); }});
+        calls.insert(calls.end(), {{directIo}, {inherent}, {[](ViSession vi) { return measureAll(vi); }}});
         return calls;
     }();
     return every;
@@ -110,7 +142,45 @@ constexpr std::array kOptions = {
     "QueryInstrStatus=1,DriverSetup=IoTimeout:1,SafeErrors:1",
     "DriverSetup=IoTimeout:1,SafeErrors:1,DetailedErrors:1,TrueReadings:1",
     "QueryInstrStatus=1,DriverSetup=IoTimeout:1",
+    "DriverSetup=Profile:Bench,IoTimeout:1",
+    "Simulate=1,DriverSetup=Model:KVX2833T",
+    "Simulate=1,DriverSetup=Profile:Bench",
+    // By the name of an entry of the store.
+    "",
+    "QueryInstrStatus=1,DriverSetup=SafeErrors:1,IoTimeout:1",
 };
+constexpr std::size_t kFirstByName = 7;
+
+/// The name of an entry that leads to the instrument, in a store of this process.
+std::string storeEntry(const std::string& resource)
+{
+    static TemporaryFolder folder;
+    std::ofstream(folder / "store.xml") << R"(<IviConfigStore>
+  <SoftwareModules><IviSoftwareModule id="p1"><Name>KVX2800T</Name><PhysicalNames>
+    <IviPhysicalName id="p2"><Name>OutputChannel1</Name><RCName>OutputChannel</RCName></IviPhysicalName></PhysicalNames>
+  </IviSoftwareModule></SoftwareModules>
+  <HardwareAssets><IviHardwareAsset id="p3"><Name>Supply</Name><IOResourceDescriptor>)"
+                                        << resource << R"(</IOResourceDescriptor></IviHardwareAsset></HardwareAssets>
+  <DriverSessions><IviDriverSession id="p4"><Name>Bench</Name>
+    <DataComponents><IviStructure id="p5"><Name>Configurable Initial Settings</Name><Type>Structure</Type><DataComponents>
+      <IviString id="p6"><Name>model</Name><Type>String</Type><Value>KVX2833T</Value></IviString>
+      <IviInteger id="p7"><Name>Retries</Name><Type>Integer</Type><Value>3</Value></IviInteger>
+      <IviReal id="p8"><Name>Settling</Name><Type>Real</Type><Value>0.5</Value></IviReal>
+      <IviBoolean id="p9"><Name>Trace</Name><Type>Boolean</Type><Value>1</Value></IviBoolean>
+    </DataComponents></IviStructure></DataComponents>
+    <IviHardwareAsset idref="p3"/><IviSoftwareModuleRef idref="p1"/>
+    <VirtualNames><IviVirtualName id="p10"><Name>Core</Name><MapTo>OutputChannel4</MapTo></IviVirtualName>
+      <IviVirtualName id="p11"><Name>Rail</Name><MapTo>OutputChannel</MapTo><VirtualRanges>
+        <IviVirtualRange id="p12"><Name>Rails</Name><Max>3</Max><Min>1</Min><StartingPhysicalIndex>2</StartingPhysicalIndex></IviVirtualRange>
+      </VirtualRanges></IviVirtualName></VirtualNames>
+    <Cache>1</Cache><RangeCheck>1</RangeCheck><DriverSetup>IoTimeout:1</DriverSetup></IviDriverSession></DriverSessions>
+  <LogicalNames><IviLogicalName id="p13"><Name>BenchSupply</Name><IviDriverSession idref="p4"/></IviLogicalName></LogicalNames>
+</IviConfigStore>
+)";
+    static const EnvironmentVariable master("IVI_MASTER_STORE", (folder / "store.xml").c_str());
+    static const EnvironmentVariable noProcessDefault("IVICONFIGSERVERDEFAULT", nullptr);
+    return "BenchSupply";
+}
 
 void check(const Call& call, ViSession vi, bool isSafe)
 {
@@ -140,15 +210,18 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         return 0;
     static Instrument instrument;
     static std::string resource = instrument.resource();
+    static std::string name = storeEntry(resource);
     static kvxtest::ScriptedClock clock;
-    const char* const options = kOptions[data[0] % kOptions.size()];
-    const bool isSafe = std::string_view(options).find("SafeErrors") != std::string_view::npos;
+    const std::size_t choice = data[0] % kOptions.size();
+    const char* const options = kOptions[choice];
+    const std::string_view keys = options;
+    const bool isSafe = keys.find("SafeErrors") != keys.npos || keys.find("Bench") != keys.npos;
     const std::size_t calls = std::min<std::size_t>(data[1] % (kMostCalls + 1), size - 2);
     instrument.setBytes("Tessaro Instruments,KVX2833T,SN1,V2.34\n" +
                         std::string(reinterpret_cast<const char*>(data) + 2 + calls, size - 2 - calls));
     ViSession vi = VI_NULL;
     try {
-        KVX2800T_InitWithOptions(resource.data(), VI_TRUE, VI_FALSE, options, &vi);
+        KVX2800T_InitWithOptions((choice < kFirstByName ? resource : name).data(), VI_TRUE, VI_FALSE, options, &vi);
     } catch (const std::logic_error&) {
         expect(!isSafe);
     }
