@@ -47,7 +47,6 @@ void prepare(const Scenario& scenario)
     answerExportedCalls();
     for (const auto& [line, reply] : preparedReplies())
         answer(line, reply);
-    answer("*ESR?", "0");
     if (std::string(scenario.resource) == "BenchSupply") {
         StoredSoftwareModule& module = configurationStore().softwareModules.emplace_back();
         module.physicalNames = {{"OutputChannel1"}, {"OutputChannel2"}};
