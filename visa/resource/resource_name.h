@@ -38,6 +38,9 @@ struct ResourceName
 /// The VI_INTF_ type of a kind of resource.
 ViUInt16 interfaceType(ResourceKind kind);
 
+/// The interface for people: "ASRL1", "serial port /dev/ttyUSB0", "TCPIP0".
+std::string interfaceName(const ResourceName& name);
+
 /// "INSTR" or "SOCKET".
 std::string_view resourceClass(ResourceKind kind);
 
