@@ -76,14 +76,13 @@ check_format() {
 # Where clang's analyzer follows every path in --all; in --long it does so everywhere.
 driver='^\(api\|runtime\|instrument\|simulator\|io\|base\|binding\)/'
 
-# check_tidy CHECKS [-v] FILES: checks beside those of .clang-tidy, a pattern for grep. clang does not read the precompiled
-# header, which is g++'s.
+# check_tidy CHECKS [-v] FILES: checks beside those of .clang-tidy, a pattern for grep. The other builds compile several
+# sources as one; the commands for each come from one that is never built.
 check_tidy() {
     step "Checking with clang-tidy"
     checks=$1
     shift
-    mkdir -p build/tidy
-    sed 's/-Winvalid-pch -include [^ ]*//' build/release/compile_commands.json >build/tidy/compile_commands.json
+    cmake --preset tidy >/dev/null
     sources | grep '\.cpp$' | grep -v -e '^fuzz/' -e '^benchmarks/' -e windows -e mingw | grep "$@" |
         xargs -P "$(nproc)" -n 4 clang-tidy --quiet --checks="$checks" --extra-arg=-Wno-unknown-warning-option -p build/tidy 2>/dev/null
 }
