@@ -14,10 +14,10 @@ if(CMAKE_CROSSCOMPILING)
     find_program(KVX_LLD ld.lld)
 endif()
 
-# kvx_run_test(<program> <shards>)
-# Processes under Wine start too slowly to share a program's cases. Programs of 32 bits need a Wine that is not in every
-# Debian; without it they are built only when they are asked for.
-function(kvx_run_test program)
+# kvx_run_test(<program> <shards, or empty>)
+# Processes under Wine start too slowly to share a program's cases: those that would begin first. Programs of 32 bits need
+# a Wine that is not in every Debian; without it they are built only when they are asked for.
+function(kvx_run_test program shards)
     if(CMAKE_CROSSCOMPILING)
         if(CMAKE_SIZEOF_VOID_P EQUAL 4 AND NOT EXISTS /usr/lib/wine/wine)
             set_target_properties(${program} PROPERTIES EXCLUDE_FROM_ALL ON)
@@ -30,4 +30,7 @@ function(kvx_run_test program)
     endif()
     add_test(NAME ${program} COMMAND ${run} $<TARGET_FILE:${program}> --gtest_brief=1)
     set_tests_properties(${program} PROPERTIES TIMEOUT 600)
+    if(shards)
+        set_tests_properties(${program} PROPERTIES COST ${shards})
+    endif()
 endfunction()
