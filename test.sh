@@ -15,6 +15,7 @@ cd "$(dirname "$0")"
 wine_prefix=
 finish() {
     if [ -n "$wine_prefix" ]; then
+        wait
         WINEPREFIX=$wine_prefix wineserver --kill >/dev/null 2>&1 || true
         rm -rf "$wine_prefix"
     fi
@@ -76,14 +77,13 @@ check_format() {
 # Where clang's analyzer follows every path in --all; in --long it does so everywhere.
 driver='^\(api\|runtime\|instrument\|simulator\|io\|base\|binding\)/'
 
-# check_tidy CHECKS [-v] FILES: checks beside those of .clang-tidy, a pattern for grep. clang does not read the precompiled
-# header, which is g++'s.
+# check_tidy CHECKS [-v] FILES: checks beside those of .clang-tidy, a pattern for grep. The other builds compile several
+# sources as one; the commands for each come from one that is never built.
 check_tidy() {
     step "Checking with clang-tidy"
     checks=$1
     shift
-    mkdir -p build/tidy
-    sed 's/-Winvalid-pch -include [^ ]*//' build/release/compile_commands.json >build/tidy/compile_commands.json
+    cmake --preset tidy >/dev/null
     sources | grep '\.cpp$' | grep -v -e '^fuzz/' -e '^benchmarks/' -e windows -e mingw | grep "$@" |
         xargs -P "$(nproc)" -n 4 clang-tidy --quiet --checks="$checks" --extra-arg=-Wno-unknown-warning-option -p build/tidy 2>/dev/null
 }
@@ -109,6 +109,8 @@ try_faults() {
 test_windows() {
     wine_prefix=$(mktemp -d)
     export WINEPREFIX="$wine_prefix"
+    # The prefix takes half a minute, most of it spent waiting: it is made while the programs are built.
+    cmake/host/wine.sh cmd /c exit >/dev/null 2>&1 &
     run_tests windows-x64
     # Of the 32-bit build the files are checked; its programs run where there is a 32-bit Wine.
     run_tests windows-x86
