@@ -5,7 +5,7 @@
 #                     UndefinedBehaviorSanitizer and under ThreadSanitizer, a short run of the fuzzers, and the builds for
 #                     Windows with their tests under Wine
 #   ./test.sh --long  what takes too long for every change: clang-tidy over the tests, its analyzer over all sources, the
-#                     driver broken one line at a time (tests/mutants), all of the attacks of tests/torture, a long run of
+#                     driver built on a vendor's components and broken one line at a time (tests/mutants), all of the attacks of tests/torture, a long run of
 #                     the fuzzers
 set -eu
 cd "$(dirname "$0")"
@@ -62,6 +62,12 @@ torture() {
     [ "$ended" = 0 ] || exit "$ended"
     step "Working for an hour on a link that is dropped"
     KVX_SOAK_MINUTES=60 build/release/bin/torture_soak_test
+}
+
+# test_vendor_platform: the driver built on made-up vendors' components
+test_vendor_platform() {
+    step "Building on a vendor's components"
+    /usr/bin/python3 -B tests/build/vendor_platform_test.py . --build
 }
 
 sources() { git ls-files '*.h' '*.hpp' '*.c' '*.cpp'; }
@@ -137,6 +143,7 @@ case "${1-}" in
     install_packages build test check
     build release
     check_tidy '' -v "$driver"
+    test_vendor_platform
     try_faults
     torture
     fuzz 1000000 600
