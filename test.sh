@@ -5,8 +5,8 @@
 #                     UndefinedBehaviorSanitizer and under ThreadSanitizer, a short run of the fuzzers, and the builds for
 #                     Windows with their tests under Wine
 #   ./test.sh --long  what takes too long for every change: clang-tidy over the tests, its analyzer over all sources, the
-#                     driver built on a vendor's components and broken one line at a time (tests/mutants), all of the attacks of tests/torture, a long run of
-#                     the fuzzers
+#                     driver built on a vendor's components and broken one line at a time (tests/mutants), all of the
+#                     attacks of tests/torture, a long run of the fuzzers
 set -eu
 cd "$(dirname "$0")"
 . ./cmake/scripts.sh

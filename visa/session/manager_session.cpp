@@ -1,6 +1,6 @@
 #include "visa/session/manager_session.h"
 
-#include "visa/session/attributes.h"
+#include "visa/attribute/attributes.h"
 
 namespace visa
 {

@@ -15,7 +15,12 @@ public:
     ViStatus read(std::span<ViByte>, std::size_t&) override { return VI_ERROR_NSUP_OPER; }
     ViStatus write(std::span<const ViByte>, std::size_t&) override { return VI_ERROR_NSUP_OPER; }
     ViStatus setBuffer(ViUInt16, ViUInt32) override { return VI_ERROR_NSUP_OPER; }
+    ViStatus flush(ViUInt16) override { return VI_ERROR_NSUP_OPER; }
     ViStatus clear() override { return VI_ERROR_NSUP_OPER; }
+    ViStatus trigger() override { return VI_ERROR_NSUP_OPER; }
+    ViStatus readStatusByte(ViUInt16&) override { return VI_ERROR_NSUP_OPER; }
+    ViStatus controlRemote(ViUInt16) override { return VI_ERROR_NSUP_OPER; }
+    ViStatus abort() override { return VI_ERROR_NSUP_OPER; }
     void interrupt() noexcept override {}
 };
 

@@ -6,6 +6,7 @@
 #include <array>
 #include <atomic>
 #include <cstddef>
+#include <limits>
 #include <span>
 #include <string_view>
 
@@ -17,6 +18,9 @@ using SessionClass = unsigned;
 inline constexpr SessionClass kManager = 1;
 inline constexpr SessionClass kSerial = 2;
 inline constexpr SessionClass kSocket = 4;
+inline constexpr SessionClass kVxi11 = 8;
+inline constexpr SessionClass kHislip = 16;
+inline constexpr SessionClass kUsb = 32;
 
 /// How an attribute's value is passed; the widths differ, and writing more would overwrite the caller's memory.
 enum class ValueType
@@ -25,25 +29,28 @@ enum class ValueType
     Short,
     Boolean,
     Long,
+    Address, ///< as wide as a pointer
     Text
 };
 
-/// Where an attribute's value lives.
+/// Where an attribute's value lives. Only the first two can be set.
 enum class Holder
 {
-    Session,    ///< among the session's values; viSetAttribute changes it
-    Connection, ///< as Session, and the connection has to accept it first
-    Fact        ///< told by the session; read only
+    Session,       ///< among the session's values
+    Connection,    ///< as Session, and the connection has to accept it first
+    Noted,         ///< among the session's values, which change on other ways
+    Fact,          ///< told by the session
+    ConnectionFact ///< told by the connection
 };
 
 /// The values that viSetAttribute accepts: a range, or a list where there is one.
 struct AllowedValues
 {
-    ViUInt32 smallest = 0;
-    ViUInt32 largest = 0xFFFFFFFF;
+    ViAttrState smallest = 0;
+    ViAttrState largest = std::numeric_limits<ViAttrState>::max();
     std::span<const ViUInt32> list{};
 
-    bool contains(ViUInt32 value) const;
+    bool contains(ViAttrState value) const;
 };
 
 struct AttributeRow
@@ -53,7 +60,7 @@ struct AttributeRow
     SessionClass classes;
     Holder holder;
     AllowedValues allowed;
-    ViUInt32 initial;
+    ViAttrState initial;
 };
 
 /// What the rows of the table are made of.
@@ -62,23 +69,28 @@ namespace rows
 inline constexpr std::array<ViUInt32, 2> kProtocols{VI_PROT_NORMAL, VI_PROT_4882_STRS};
 inline constexpr std::array<ViUInt32, 3> kStopBits{VI_ASRL_STOP_ONE, VI_ASRL_STOP_ONE5, VI_ASRL_STOP_TWO};
 
-inline constexpr SessionClass kDevice = kSerial | kSocket;
+inline constexpr SessionClass kMessage = kVxi11 | kHislip | kUsb;
+inline constexpr SessionClass kTcpip = kSocket | kVxi11 | kHislip;
+inline constexpr SessionClass kInstr = kSerial | kMessage;
+inline constexpr SessionClass kDevice = kInstr | kSocket;
 inline constexpr SessionClass kAll = kManager | kDevice;
 
 inline constexpr AllowedValues kAny{};
 inline constexpr AllowedValues kFlag{0, 1};
+inline constexpr AllowedValues kOff{0, 0};
 inline constexpr AllowedValues kBaud{1, 0xFFFFFFFF};
+inline constexpr ViUInt32 kUnknown = 0xFFFF; ///< -1 in 16 bits
 
 inline constexpr ViUInt32 kBufferSize = 4096;
 } // namespace rows
 
 /// All attributes.
-inline constexpr std::array<AttributeRow, 27> kAttributeRows{{
+inline constexpr std::array<AttributeRow, 46> kAttributeRows{{
     {VI_ATTR_TMO_VALUE, ValueType::Long, rows::kDevice, Holder::Session, rows::kAny, 2000},
     {VI_ATTR_TERMCHAR, ValueType::Byte, rows::kDevice, Holder::Session, rows::kAny, '\n'},
     {VI_ATTR_TERMCHAR_EN, ValueType::Boolean, rows::kDevice, Holder::Session, rows::kFlag, VI_FALSE},
     {VI_ATTR_SEND_END_EN, ValueType::Boolean, rows::kDevice, Holder::Session, rows::kFlag, VI_TRUE},
-    {VI_ATTR_SUPPRESS_END_EN, ValueType::Boolean, kSerial, Holder::Session, rows::kFlag, VI_FALSE},
+    {VI_ATTR_SUPPRESS_END_EN, ValueType::Boolean, rows::kInstr, Holder::Session, rows::kFlag, VI_FALSE},
     {VI_ATTR_ASRL_BAUD, ValueType::Long, kSerial, Holder::Connection, rows::kBaud, 9600},
     {VI_ATTR_ASRL_DATA_BITS, ValueType::Short, kSerial, Holder::Connection, {5, 8}, 8},
     {VI_ATTR_ASRL_PARITY, ValueType::Short, kSerial, Holder::Connection, {0, VI_ASRL_PAR_SPACE}, VI_ASRL_PAR_NONE},
@@ -86,15 +98,34 @@ inline constexpr std::array<AttributeRow, 27> kAttributeRows{{
     {VI_ATTR_ASRL_FLOW_CNTRL, ValueType::Short, kSerial, Holder::Connection, {0, 7}, VI_ASRL_FLOW_NONE},
     {VI_ATTR_ASRL_END_IN, ValueType::Short, kSerial, Holder::Session, {0, VI_ASRL_END_TERMCHAR}, VI_ASRL_END_TERMCHAR},
     {VI_ATTR_ASRL_END_OUT, ValueType::Short, kSerial, Holder::Session, {0, VI_ASRL_END_BREAK}, VI_ASRL_END_NONE},
-    {VI_ATTR_ASRL_AVAIL_NUM, ValueType::Long, kSerial, Holder::Fact, rows::kAny, 0},
-    {VI_ATTR_RD_BUF_SIZE, ValueType::Long, rows::kDevice, Holder::Fact, rows::kAny, rows::kBufferSize},
-    {VI_ATTR_WR_BUF_SIZE, ValueType::Long, rows::kDevice, Holder::Fact, rows::kAny, rows::kBufferSize},
+    {VI_ATTR_ASRL_AVAIL_NUM, ValueType::Long, kSerial, Holder::ConnectionFact, rows::kAny, 0},
+    {VI_ATTR_RD_BUF_SIZE, ValueType::Long, rows::kDevice, Holder::Noted, rows::kAny, rows::kBufferSize},
+    {VI_ATTR_WR_BUF_SIZE, ValueType::Long, rows::kDevice, Holder::Noted, rows::kAny, rows::kBufferSize},
     {VI_ATTR_IO_PROT, ValueType::Short, rows::kDevice, Holder::Session, {0, 0, rows::kProtocols}, VI_PROT_NORMAL},
     {VI_ATTR_TCPIP_NODELAY, ValueType::Boolean, kSocket, Holder::Connection, rows::kFlag, VI_TRUE},
     {VI_ATTR_TCPIP_KEEPALIVE, ValueType::Boolean, kSocket, Holder::Connection, rows::kFlag, VI_FALSE},
-    {VI_ATTR_TCPIP_ADDR, ValueType::Text, kSocket, Holder::Fact, rows::kAny, 0},
-    {VI_ATTR_TCPIP_HOSTNAME, ValueType::Text, kSocket, Holder::Fact, rows::kAny, 0},
+    {VI_ATTR_TCPIP_ADDR, ValueType::Text, rows::kTcpip, Holder::ConnectionFact, rows::kAny, 0},
+    {VI_ATTR_TCPIP_HOSTNAME, ValueType::Text, rows::kTcpip, Holder::Fact, rows::kAny, 0},
     {VI_ATTR_TCPIP_PORT, ValueType::Short, kSocket, Holder::Fact, rows::kAny, 0},
+    {VI_ATTR_TCPIP_DEVICE_NAME, ValueType::Text, kVxi11 | kHislip, Holder::Fact, rows::kAny, 0},
+    {VI_ATTR_TCPIP_IS_HISLIP, ValueType::Boolean, kVxi11 | kHislip, Holder::Fact, rows::kAny, 0},
+    {VI_ATTR_TCPIP_HISLIP_OVERLAP_EN, ValueType::Boolean, kHislip, Holder::Connection, rows::kFlag, VI_FALSE},
+    {VI_ATTR_TCPIP_HISLIP_VERSION, ValueType::Long, kHislip, Holder::ConnectionFact, rows::kAny, 0},
+    {VI_ATTR_TCPIP_HISLIP_MAX_MESSAGE_KB, ValueType::Long, kHislip, Holder::Connection, rows::kAny, 1024},
+    {VI_ATTR_TCPIP_HISLIP_ENCRYPTION_EN, ValueType::Boolean, kHislip, Holder::Connection, rows::kOff, VI_FALSE},
+    {VI_ATTR_MANF_ID, ValueType::Short, kUsb, Holder::ConnectionFact, rows::kAny, 0},
+    {VI_ATTR_MODEL_CODE, ValueType::Short, kUsb, Holder::ConnectionFact, rows::kAny, 0},
+    {VI_ATTR_MANF_NAME, ValueType::Text, kUsb, Holder::ConnectionFact, rows::kAny, 0},
+    {VI_ATTR_MODEL_NAME, ValueType::Text, kUsb, Holder::ConnectionFact, rows::kAny, 0},
+    {VI_ATTR_4882_COMPLIANT, ValueType::Boolean, kUsb, Holder::ConnectionFact, rows::kAny, 0},
+    {VI_ATTR_USB_SERIAL_NUM, ValueType::Text, kUsb, Holder::ConnectionFact, rows::kAny, 0},
+    {VI_ATTR_USB_INTFC_NUM, ValueType::Short, kUsb, Holder::ConnectionFact, rows::kAny, 0},
+    {VI_ATTR_USB_MAX_INTR_SIZE, ValueType::Short, kUsb, Holder::Session, rows::kAny, 0},
+    {VI_ATTR_USB_PROTOCOL, ValueType::Short, kUsb, Holder::ConnectionFact, rows::kAny, 0},
+    {VI_ATTR_ASRL_CTS_STATE, ValueType::Short, kSerial, Holder::ConnectionFact, rows::kAny, rows::kUnknown},
+    {VI_ATTR_ASRL_DCD_STATE, ValueType::Short, kSerial, Holder::ConnectionFact, rows::kAny, rows::kUnknown},
+    {VI_ATTR_ASRL_DSR_STATE, ValueType::Short, kSerial, Holder::ConnectionFact, rows::kAny, rows::kUnknown},
+    {VI_ATTR_ASRL_RI_STATE, ValueType::Short, kSerial, Holder::ConnectionFact, rows::kAny, rows::kUnknown},
     {VI_ATTR_RSRC_CLASS, ValueType::Text, rows::kAll, Holder::Fact, rows::kAny, 0},
     {VI_ATTR_RSRC_NAME, ValueType::Text, rows::kAll, Holder::Fact, rows::kAny, 0},
     {VI_ATTR_RM_SESSION, ValueType::Long, rows::kAll, Holder::Fact, rows::kAny, 0},
@@ -115,10 +146,10 @@ constexpr std::size_t indexOf(ViAttr attribute)
 const AttributeRow* findAttribute(ViAttr attribute, SessionClass sessionClass);
 
 /// The value as the attribute's type sees it: a register may carry a sign-extended number.
-ViUInt32 reduced(ViAttrState value, ValueType type);
+ViAttrState reduced(ViAttrState value, ValueType type);
 
 /// Stores a number in the caller's variable, in the width of the attribute's type.
-void storeNumber(ViUInt32 value, ValueType type, void* target);
+void storeNumber(ViAttrState value, ValueType type, void* target);
 
 /// Stores a text of at most 255 characters in the caller's buffer; the rest of a longer one is left out.
 void storeText(std::string_view text, void* target);
@@ -129,8 +160,11 @@ class AttributeValues
 public:
     AttributeValues();
 
-    ViUInt32 get(ViAttr attribute) const { return values_[indexOf(attribute)].load(std::memory_order_relaxed); }
-    void set(ViAttr attribute, ViUInt32 value) { values_[indexOf(attribute)].store(value, std::memory_order_relaxed); }
+    ViAttrState get(ViAttr attribute) const { return values_[indexOf(attribute)].load(std::memory_order_relaxed); }
+    void set(ViAttr attribute, ViAttrState value)
+    {
+        values_[indexOf(attribute)].store(value, std::memory_order_relaxed);
+    }
 
     /// The value of an attribute that is known when this is compiled: nothing is searched.
     template <ViAttr attribute>
@@ -138,11 +172,11 @@ public:
     {
         constexpr std::size_t kIndex = indexOf(attribute);
         static_assert(kIndex < kAttributeRows.size());
-        return values_[kIndex].load(std::memory_order_relaxed);
+        return static_cast<ViUInt32>(values_[kIndex].load(std::memory_order_relaxed));
     }
 
 private:
-    std::array<std::atomic<ViUInt32>, kAttributeRows.size()> values_{};
+    std::array<std::atomic<ViAttrState>, kAttributeRows.size()> values_{};
 };
 
 } // namespace visa

@@ -1,6 +1,7 @@
 #include "tests/support/visa/scripted_stream.h"
 #include "visa/session/instrument_session.h"
 #include "visa/session/manager_session.h"
+#include "visa/transport/stream_transport.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -56,7 +57,11 @@ protected:
 
     ScriptedStream& stream_ = *new ScriptedStream;
     std::shared_ptr<visa::ResourceLock> lock_ = std::make_shared<visa::ResourceLock>();
-    visa::InstrumentSession session_{{2, 1, name()}, std::unique_ptr<visa::Stream>(&stream_), lock_};
+    visa::InstrumentSession session_{
+        {2, 1, name()},
+        {std::make_unique<visa::StreamTransport>(std::unique_ptr<visa::Stream>(&stream_), visa::Framing::None),
+         visa::kSocket},
+        lock_};
 };
 
 TEST_F(StaleInput, MessageCutInTwoByATimeoutIsWholeInTheNextRead)
