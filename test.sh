@@ -5,8 +5,8 @@
 #                     UndefinedBehaviorSanitizer and under ThreadSanitizer, a short run of the fuzzers, and the builds for
 #                     Windows with their tests under Wine
 #   ./test.sh --long  what takes too long for every change: clang-tidy over the tests, its analyzer over all sources, the
-#                     driver broken one line at a time (tests/mutants), all of the attacks of tests/torture, a long run of
-#                     the fuzzers
+#                     driver built on a vendor's components and broken one line at a time (tests/mutants), all of the
+#                     attacks of tests/torture, the builds for ARM with their tests under QEMU, a long run of the fuzzers
 set -eu
 cd "$(dirname "$0")"
 . ./cmake/scripts.sh
@@ -65,6 +65,12 @@ torture() {
     KVX_SOAK_MINUTES=60 build/release/bin/torture_soak_test
 }
 
+# test_vendor_platform: the driver built on made-up vendors' components
+test_vendor_platform() {
+    step "Building on a vendor's components"
+    /usr/bin/python3 -B tests/build/vendor_platform_test.py . --build
+}
+
 sources() { git ls-files '*.h' '*.hpp' '*.c' '*.cpp'; }
 
 check_format() {
@@ -118,6 +124,13 @@ test_windows() {
     packaging/windows/package.sh
 }
 
+# test_arm: the tests in QEMU's user mode, but for those of cmake/host/not_under_qemu.txt; the virtual instrument is this
+# machine's
+test_arm() {
+    run_tests linux-arm64
+    run_tests linux-armhf
+}
+
 case "${1-}" in
 '')
     install_packages build test
@@ -136,11 +149,13 @@ case "${1-}" in
     test_windows
     ;;
 --long)
-    install_packages build test check
+    install_packages build test check arm
     build release
     check_tidy '' -v "$driver"
+    test_vendor_platform
     try_faults
     torture
+    test_arm
     fuzz 1000000 600
     ;;
 *) fail "usage: ./test.sh [--all | --long]" ;;
