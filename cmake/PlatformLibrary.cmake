@@ -3,11 +3,11 @@ add_library(platform_headers INTERFACE)
 target_include_directories(platform_headers SYSTEM INTERFACE
     ${PROJECT_SOURCE_DIR}/platform/include ${PROJECT_SOURCE_DIR}/visa/include)
 
-# kvx_platform_library(<name> FACE <source> [SOURCES <file>...] [LIBRARIES <target>...])
-# A shared library that exports exactly the functions named in exports.txt beside it, one a line. FACE is the source
-# that defines them; everything else has hidden visibility.
+# kvx_platform_library(<name> FACE <source>... [SOURCES <file>...] [LIBRARIES <target>...])
+# A shared library that exports exactly the functions named in exports.txt beside it, one a line. FACE are the
+# sources that define them; everything else has hidden visibility.
 function(kvx_platform_library name)
-    cmake_parse_arguments(ARG "" "FACE" "SOURCES;LIBRARIES" ${ARGN})
+    cmake_parse_arguments(ARG "" "" "FACE;SOURCES;LIBRARIES" ${ARGN})
     add_library(${name} SHARED ${ARG_FACE} ${ARG_SOURCES})
     target_link_libraries(${name} PUBLIC platform_headers PRIVATE kvx_options platform_common ${ARG_LIBRARIES})
     kvx_export_only(${name} ${CMAKE_CURRENT_SOURCE_DIR}/exports.txt)

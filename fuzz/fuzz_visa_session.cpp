@@ -3,6 +3,7 @@
 // read goes on beyond its end.
 #include "tests/support/visa/scripted_stream.h"
 #include "visa/session/instrument_session.h"
+#include "visa/transport/stream_transport.h"
 
 #include <algorithm>
 #include <array>
@@ -154,8 +155,11 @@ private:
     }
 
     kvxtest::ScriptedStream& stream_ = *new kvxtest::ScriptedStream;
-    visa::InstrumentSession session_{identity(), std::unique_ptr<visa::Stream>(&stream_),
-                                     std::make_shared<visa::ResourceLock>()};
+    visa::InstrumentSession session_{
+        identity(),
+        {std::make_unique<visa::StreamTransport>(std::unique_ptr<visa::Stream>(&stream_), visa::Framing::None),
+         visa::kSocket},
+        std::make_shared<visa::ResourceLock>()};
     std::string pending_;
     bool lastReadFailed_ = false;
     bool isDiscarding_ = true;

@@ -1,62 +1,34 @@
-#include "visa/host/host_error.h"
+#include "visa/attribute/attributes.h"
+#include "visa/function_frame.h"
 #include "visa/host/network.h"
-#include "visa/session/attributes.h"
 #include "visa/session/instrument_session.h"
 #include "visa/session/manager_session.h"
-#include "visa/session/session_registry.h"
 #include "visa/session/status_texts.h"
-#include "visa/transport/backends.h"
+#include "visa/transport/transports.h"
 
 #include <visa.h>
 
 #include <cstdio>
 #include <cstring>
-#include <new>
+#include <limits>
+#include <optional>
 #include <span>
 #include <string>
-#include <system_error>
 
 namespace
 {
 
+using visa::guarded;
 using visa::InstrumentSession;
 using visa::ManagerSession;
+using visa::registry;
+using visa::ResourceLock;
 using visa::ResourceName;
 using visa::Session;
-using visa::SessionRegistry;
+using visa::withSession;
 
 // Callers pass a negative attribute value sign-extended to a pointer's width.
 static_assert(sizeof(ViAttrState) == sizeof(void*));
-
-/// Never destroyed: drivers may close their sessions from their own clean-up while the process ends.
-SessionRegistry& registry()
-{
-    static SessionRegistry& sessions = *new SessionRegistry;
-    return sessions;
-}
-
-/// The frame of every function: no exception leaves the library.
-template <class Action>
-ViStatus guarded(Action action) noexcept
-{
-    try {
-        return action();
-    } catch (const std::bad_alloc&) {
-        return VI_ERROR_ALLOC;
-    } catch (const std::system_error& failure) {
-        return visa::isExhaustion(failure.code()) ? VI_ERROR_ALLOC : VI_ERROR_SYSTEM_ERROR;
-    }
-}
-
-/// Runs action(session), which keeps the session alive while another thread closes it.
-template <class Action>
-ViStatus withSession(ViSession handle, Action action) noexcept
-{
-    return guarded([handle, &action] {
-        const auto session = registry().find(handle);
-        return session == nullptr ? VI_ERROR_INV_OBJECT : action(*session);
-    });
-}
 
 /// A read or a write; the count of bytes is told on a failure as well.
 template <class Byte>
@@ -72,6 +44,39 @@ ViStatus transfer(ViSession handle, Byte* bytes, ViUInt32 size, ViPUInt32 counte
     return status;
 }
 
+std::optional<ResourceName> parsedName(ViConstRsrc name)
+{
+    return name == nullptr ? std::nullopt : visa::parseResourceName({name, std::strlen(name)});
+}
+
+void storeWanted(std::string_view text, ViChar target[])
+{
+    if (target != nullptr)
+        visa::storeText(text, target);
+}
+
+ViStatus lockShared(Session& session, ViUInt32 timeout, ViConstKeyId requestedKey, ViChar accessKey[])
+{
+    std::optional<std::string> key;
+    // An empty key is as good as none, for languages without null texts.
+    if (requestedKey != nullptr && *requestedKey != '\0') {
+        if (::strnlen(requestedKey, ResourceLock::kLongestKey + 1) > ResourceLock::kLongestKey)
+            return VI_ERROR_INV_ACCESS_KEY;
+        key = requestedKey;
+    }
+    const ViStatus status = session.lockShared(timeout, key);
+    if (status >= 0)
+        visa::storeText(*key, accessKey);
+    return status;
+}
+
+/// What connecting has left of the time; without a time-out a lock is not waited for.
+ViUInt32 lockTimeoutMs(ViUInt32 timeout, const visa::Deadline& deadline)
+{
+    const int leftMs = deadline.remainingMs(std::numeric_limits<int>::max());
+    return timeout == VI_TMO_INFINITE || timeout == VI_TMO_IMMEDIATE ? timeout : static_cast<ViUInt32>(leftMs);
+}
+
 ViStatus openInstrument(ViSession manager, const ResourceName& name, ViAccessMode mode, ViUInt32 timeout,
                         ViSession& opened)
 {
@@ -80,16 +85,17 @@ ViStatus openInstrument(ViSession manager, const ResourceName& name, ViAccessMod
     if (handle == VI_NULL)
         return VI_ERROR_ALLOC;
     auto lock = registry().lockOf(name.canonical);
-    std::unique_ptr<visa::Stream> stream;
-    ViStatus status = visa::openStream(name, visa::Deadline(timeout == 0 ? kDefaultTimeoutMs : timeout), stream);
+    visa::OpenedTransport transport;
+    const visa::Deadline deadline(timeout == 0 ? kDefaultTimeoutMs : timeout);
+    ViStatus status = visa::openTransport(name, deadline, transport);
     if (status < 0)
         return status;
     const auto session = std::make_shared<InstrumentSession>(InstrumentSession::Identity{handle, manager, name},
-                                                             std::move(stream), lock);
+                                                             std::move(transport), lock);
     status = session->applyInitialAttributes();
     if (status < 0)
         return status;
-    if ((mode & VI_EXCLUSIVE_LOCK) != 0 && !lock->acquire(handle))
+    if ((mode & VI_EXCLUSIVE_LOCK) != 0 && session->lockExclusively(lockTimeoutMs(timeout, deadline)) < 0)
         return VI_ERROR_RSRC_LOCKED;
     if (!registry().add(handle, session))
         return VI_ERROR_INV_OBJECT;
@@ -99,19 +105,53 @@ ViStatus openInstrument(ViSession manager, const ResourceName& name, ViAccessMod
 
 } // namespace
 
-ViStatus _VI_FUNC viOpenDefaultRM(ViPSession sesn)
+ViStatus _VI_FUNC viOpenDefaultRM(ViPSession vi)
 {
-    if (sesn == nullptr)
+    if (vi == nullptr)
         return VI_ERROR_INV_PARAMETER;
-    *sesn = VI_NULL;
-    return guarded([sesn] {
+    *vi = VI_NULL;
+    return guarded([vi] {
         const ViSession handle = registry().reserveHandle();
         if (handle == VI_NULL)
             return VI_ERROR_ALLOC;
         // Every use of the network, the reading of addresses as well, comes through a manager.
         visa::startNetwork();
         registry().add(handle, std::make_shared<ManagerSession>());
-        *sesn = handle;
+        *vi = handle;
+        return VI_SUCCESS;
+    });
+}
+
+// The older name is a macro for programs that are compiled, and a function for those that load this library.
+#undef viGetDefaultRM
+extern "C" ViStatus _VI_FUNC viGetDefaultRM(ViPSession vi);
+
+ViStatus _VI_FUNC viGetDefaultRM(ViPSession vi)
+{
+    return viOpenDefaultRM(vi);
+}
+
+ViStatus _VI_FUNC viParseRsrc(ViSession rmSesn, ViConstRsrc rsrcName, ViPUInt16 intfType, ViPUInt16 intfNum)
+{
+    return viParseRsrcEx(rmSesn, rsrcName, intfType, intfNum, nullptr, nullptr, nullptr);
+}
+
+ViStatus _VI_FUNC viParseRsrcEx(ViSession rmSesn, ViConstRsrc rsrcName, ViPUInt16 intfType, ViPUInt16 intfNum,
+                                ViChar rsrcClass[], ViChar expandedUnaliasedName[], ViChar aliasIfExists[])
+{
+    return withSession(rmSesn, [=](const Session& manager) {
+        if (manager.manager() != VI_NULL)
+            return VI_ERROR_NSUP_OPER;
+        if (intfType == nullptr || intfNum == nullptr)
+            return VI_ERROR_INV_PARAMETER;
+        const auto name = parsedName(rsrcName);
+        if (!name)
+            return VI_ERROR_INV_RSRC_NAME;
+        *intfType = visa::interfaceType(name->kind);
+        *intfNum = name->board;
+        storeWanted(visa::resourceClass(name->kind), rsrcClass);
+        storeWanted(name->canonical, expandedUnaliasedName);
+        storeWanted({}, aliasIfExists);
         return VI_SUCCESS;
     });
 }
@@ -127,7 +167,7 @@ ViStatus _VI_FUNC viOpen(ViSession sesn, ViConstRsrc name, ViAccessMode mode, Vi
             return VI_ERROR_NSUP_OPER;
         if ((mode & ~kKnownModes) != 0)
             return VI_ERROR_INV_ACC_MODE;
-        const auto parsed = name == nullptr ? std::nullopt : visa::parseResourceName({name, std::strlen(name)});
+        const auto parsed = parsedName(name);
         return parsed ? openInstrument(sesn, *parsed, mode, timeout, *vi) : VI_ERROR_INV_RSRC_NAME;
     });
 }
@@ -169,6 +209,45 @@ ViStatus _VI_FUNC viStatusDesc(ViObject, ViStatus status, ViChar desc[])
     });
 }
 
+ViStatus _VI_FUNC viTerminate(ViObject vi, ViUInt16 degree, ViJobId jobId)
+{
+    return withSession(vi, [=](Session& session) {
+        if (degree != VI_NULL)
+            return VI_ERROR_INV_DEGREE;
+        // Only asynchronous operations have jobs.
+        return jobId == VI_NULL ? session.abort() : VI_ERROR_INV_JOB_ID;
+    });
+}
+
+ViStatus _VI_FUNC viLock(ViSession vi, ViAccessMode lockType, ViUInt32 timeout, ViConstKeyId requestedKey,
+                         ViChar accessKey[])
+{
+    return withSession(vi, [=](Session& session) {
+        if (lockType == VI_EXCLUSIVE_LOCK) {
+            storeWanted({}, accessKey);
+            return session.lockExclusively(timeout);
+        }
+        if (lockType != VI_SHARED_LOCK)
+            return VI_ERROR_INV_LOCK_TYPE;
+        return accessKey == nullptr ? VI_ERROR_INV_PARAMETER : lockShared(session, timeout, requestedKey, accessKey);
+    });
+}
+
+ViStatus _VI_FUNC viUnlock(ViSession vi)
+{
+    return withSession(vi, [](Session& session) { return session.unlock(); });
+}
+
+ViStatus _VI_FUNC viDisableEvent(ViSession vi, ViEventType, ViUInt16)
+{
+    return withSession(vi, [](const Session&) { return VI_SUCCESS_EVENT_DIS; });
+}
+
+ViStatus _VI_FUNC viDiscardEvents(ViSession vi, ViEventType, ViUInt16)
+{
+    return withSession(vi, [](const Session&) { return VI_SUCCESS_QUEUE_EMPTY; });
+}
+
 ViStatus _VI_FUNC viRead(ViSession vi, ViPBuf buf, ViUInt32 cnt, ViPUInt32 retCnt)
 {
     return transfer(vi, buf, cnt, retCnt, &Session::read);
@@ -179,6 +258,26 @@ ViStatus _VI_FUNC viWrite(ViSession vi, ViConstBuf buf, ViUInt32 cnt, ViPUInt32 
     return transfer(vi, buf, cnt, retCnt, &Session::write);
 }
 
+ViStatus _VI_FUNC viAssertTrigger(ViSession vi, ViUInt16 protocol)
+{
+    return withSession(
+        vi, [=](Session& session) { return protocol == VI_TRIG_PROT_DEFAULT ? session.trigger() : VI_ERROR_INV_PROT; });
+}
+
+ViStatus _VI_FUNC viReadSTB(ViSession vi, ViPUInt16 status)
+{
+    return withSession(vi, [=](Session& session) {
+        return status == nullptr ? VI_ERROR_INV_PARAMETER : session.readStatusByte(*status);
+    });
+}
+
+ViStatus _VI_FUNC viGpibControlREN(ViSession vi, ViUInt16 mode)
+{
+    return withSession(vi, [=](Session& session) {
+        return mode > VI_GPIB_REN_ADDRESS_GTL ? VI_ERROR_INV_MODE : session.controlRemote(mode);
+    });
+}
+
 ViStatus _VI_FUNC viClear(ViSession vi)
 {
     return withSession(vi, [](Session& session) { return session.clear(); });
@@ -187,4 +286,9 @@ ViStatus _VI_FUNC viClear(ViSession vi)
 ViStatus _VI_FUNC viSetBuf(ViSession vi, ViUInt16 mask, ViUInt32 size)
 {
     return withSession(vi, [=](Session& session) { return session.setBuffer(mask, size); });
+}
+
+ViStatus _VI_FUNC viFlush(ViSession vi, ViUInt16 mask)
+{
+    return withSession(vi, [=](Session& session) { return session.flush(mask); });
 }

@@ -5,7 +5,9 @@
  *
  * Usable from C89 and from C++. ViInt32 has 32 bits on every host, LP64 included.
  */
-#ifndef KVX_VISATYPE_H
+#ifndef __VISATYPE_HEADER__
+#define __VISATYPE_HEADER__
+/* This is the header with all of the types that visa.h needs. */
 #define KVX_VISATYPE_H
 
 #include <limits.h>
@@ -31,23 +33,11 @@
 #endif
 #endif
 
-typedef signed char ViInt8;
-typedef unsigned char ViUInt8;
-typedef unsigned char ViByte;
-typedef char ViChar;
-typedef short ViInt16;
-typedef unsigned short ViUInt16;
-typedef unsigned short ViBoolean;
-typedef float ViReal32;
-typedef double ViReal64;
-
-#if LONG_MAX > 0x7FFFFFFFL
-typedef int ViInt32;
-typedef unsigned int ViUInt32;
-#else
-typedef long ViInt32;
-typedef unsigned long ViUInt32;
-#endif
+#define _VI_FAR
+#define _VI_SIGNED signed
+#define _VI_PTR *
+/** What makes a code an error. */
+#define _VI_ERROR (-2147483647L - 1)
 
 #if defined(_WIN32)
 typedef __int64 ViInt64;
@@ -57,69 +47,100 @@ typedef unsigned __int64 ViUInt64;
 typedef int64_t ViInt64;
 typedef uint64_t ViUInt64;
 #endif
+#define _VI_INT64_UINT64_DEFINED
+
+#if LONG_MAX > 0x7FFFFFFFL
+typedef int ViInt32;
+typedef unsigned int ViUInt32;
+#else
+typedef long ViInt32;
+typedef unsigned long ViUInt32;
+#endif
+
+typedef signed char ViInt8;
+typedef unsigned char ViUInt8;
+typedef unsigned char ViByte;
+typedef char ViChar;
+typedef short ViInt16;
+typedef unsigned short ViUInt16;
+typedef unsigned short ViBoolean;
+typedef float ViReal32;
+typedef double ViReal64;
+typedef void* ViAddr;
 
 /** Completion of a call: 0 is success, positive a warning or a completion code, negative an error. */
 typedef ViInt32 ViStatus;
 typedef ViUInt32 ViVersion;
 typedef ViUInt32 ViObject;
 typedef ViObject ViSession;
-typedef ViObject ViEvent;
-typedef ViObject ViFindList;
 typedef ViUInt32 ViAttr;
-typedef ViUInt32 ViEventType;
-typedef ViUInt32 ViEventFilter;
-typedef ViUInt32 ViJobId;
-typedef ViUInt32 ViAccessMode;
 
-/** As wide as a pointer: a caller that passes a negative 32-bit number sends a sign-extended value. */
-#if defined(_VISA_ENV_IS_64_BIT)
-typedef ViUInt64 ViAttrState;
-typedef ViUInt64 ViBusAddress;
-typedef ViUInt64 ViBusSize;
-#else
-typedef ViUInt32 ViAttrState;
-typedef ViUInt32 ViBusAddress;
-typedef ViUInt32 ViBusSize;
-#endif
+/** @name One of a type, and an array of it @{ */
+typedef ViInt8* ViPInt8;
+typedef ViInt8* ViAInt8;
+typedef ViUInt8* ViPUInt8;
+typedef ViUInt8* ViAUInt8;
+typedef ViByte* ViPByte;
+typedef ViByte* ViAByte;
+typedef ViChar* ViPChar;
+typedef ViChar* ViAChar;
+typedef ViInt16* ViPInt16;
+typedef ViInt16* ViAInt16;
+typedef ViUInt16* ViPUInt16;
+typedef ViUInt16* ViAUInt16;
+typedef ViBoolean* ViPBoolean;
+typedef ViBoolean* ViABoolean;
+typedef ViInt32* ViPInt32;
+typedef ViInt32* ViAInt32;
+typedef ViUInt32* ViPUInt32;
+typedef ViUInt32* ViAUInt32;
+typedef ViInt64* ViPInt64;
+typedef ViInt64* ViAInt64;
+typedef ViUInt64* ViPUInt64;
+typedef ViUInt64* ViAUInt64;
+typedef ViReal32* ViPReal32;
+typedef ViReal32* ViAReal32;
+typedef ViReal64* ViPReal64;
+typedef ViReal64* ViAReal64;
+typedef ViAddr* ViPAddr;
+typedef ViAddr* ViAAddr;
+typedef ViStatus* ViPStatus;
+typedef ViStatus* ViAStatus;
+typedef ViVersion* ViPVersion;
+typedef ViVersion* ViAVersion;
+typedef ViObject* ViPObject;
+typedef ViObject* ViAObject;
+typedef ViSession* ViPSession;
+typedef ViSession* ViASession;
+/** @} */
 
-typedef void* ViAddr;
-typedef void* ViPAttrState;
-typedef ViChar* ViString;
-typedef ViString ViRsrc;
-typedef const ViChar* ViConstString;
-typedef ViConstString ViConstRsrc;
-typedef ViByte* ViBuf;
-typedef ViByte* ViPBuf;
+typedef ViPByte ViBuf;
+typedef ViPByte ViPBuf;
+typedef ViPByte* ViABuf;
 typedef const ViByte* ViConstBuf;
 
-typedef ViInt8* ViPInt8;
-typedef ViUInt8* ViPUInt8;
-typedef ViByte* ViPByte;
-typedef ViChar* ViPChar;
-typedef ViInt16* ViPInt16;
-typedef ViUInt16* ViPUInt16;
-typedef ViBoolean* ViPBoolean;
-typedef ViInt32* ViPInt32;
-typedef ViUInt32* ViPUInt32;
-typedef ViInt64* ViPInt64;
-typedef ViUInt64* ViPUInt64;
-typedef ViReal32* ViPReal32;
-typedef ViReal64* ViPReal64;
-typedef ViStatus* ViPStatus;
-typedef ViObject* ViPObject;
-typedef ViSession* ViPSession;
-typedef ViAttr* ViPAttr;
-typedef ViEvent* ViPEvent;
-typedef ViFindList* ViPFindList;
-typedef ViJobId* ViPJobId;
-typedef ViAddr* ViPAddr;
-typedef ViString* ViPString;
-typedef ViRsrc* ViPRsrc;
+typedef ViPChar ViString;
+typedef ViPChar ViPString;
+typedef ViPChar* ViAString;
+#ifndef _VI_CONST_STRING_DEFINED
+typedef const ViChar* ViConstString;
+#define _VI_CONST_STRING_DEFINED
+#endif
+
+typedef ViString ViRsrc;
+typedef ViString ViPRsrc;
+typedef ViString* ViARsrc;
+typedef ViConstString ViConstRsrc;
 
 #define VI_NULL 0
 #define VI_TRUE 1
 #define VI_FALSE 0
 /** A status and not a long, so that it keeps the width of ViStatus in every expression. */
 #define VI_SUCCESS ((ViStatus)0)
+
+/** @name Older names @{ */
+#define VISAFN _VI_FUNC
+#define ViPtr _VI_PTR
+/** @} */
 
 #endif

@@ -58,10 +58,10 @@ std::optional<ViUInt16> parseDecimal(std::string_view digits, ViUInt16 largest =
     return parseNumber(digits, 10, largest);
 }
 
-bool isUsbId(std::string_view text)
+std::optional<ViUInt16> parseUsbId(std::string_view text)
 {
     const bool hexadecimal = startsIgnoringCase(text, "0X");
-    return hexadecimal ? parseNumber(text.substr(2), 16, 0xFFFF).has_value() : parseDecimal(text).has_value();
+    return hexadecimal ? parseNumber(text.substr(2), 16, 0xFFFF) : parseDecimal(text);
 }
 
 /// Splits at "::" outside pairs of brackets, which protect the colons of an IPv6 address.
@@ -120,13 +120,18 @@ bool parseSocket(const Parts& parts, ResourceName& name)
     return name.port != 0;
 }
 
-bool isDeviceName(std::string_view text)
+/// "inst0", "hislip0,4881"
+bool parseDevice(std::string_view text, ResourceName& name)
 {
     const std::size_t comma = text.find(',');
-    if (comma != std::string_view::npos && parseDecimal(text.substr(comma + 1)).value_or(0) == 0)
-        return false;
-    const std::string_view device = text.substr(0, comma);
-    return !device.empty() && isPrintable(device) && device.find(':') == std::string_view::npos;
+    if (comma != std::string_view::npos) {
+        name.port = parseDecimal(text.substr(comma + 1)).value_or(0);
+        if (name.port == 0)
+            return false;
+    }
+    name.namesDevice = true;
+    name.device = text.substr(0, comma);
+    return !name.device.empty() && isPrintable(name.device) && name.device.find(':') == std::string::npos;
 }
 
 bool parseTcpip(Parts& parts, ResourceName& name)
@@ -134,10 +139,12 @@ bool parseTcpip(Parts& parts, ResourceName& name)
     if (equalsIgnoringCase(parts.back(), "SOCKET"))
         return parseSocket(parts, name);
     dropInstrumentClass(parts);
+    name.device = "inst0";
     const bool hasDevice = parts.size() == 3;
-    if (parts.size() < 2 || parts.size() > 3 || !parseHost(parts[1], name) || (hasDevice && !isDeviceName(parts[2])))
+    if (parts.size() < 2 || parts.size() > 3 || !parseHost(parts[1], name) ||
+        (hasDevice && !parseDevice(parts[2], name)))
         return false;
-    const std::string device = hasDevice ? std::string(parts[2]) : "inst0";
+    const std::string device = hasDevice ? std::string(parts[2]) : name.device;
     name.canonical += "::" + std::string(parts[1]) + "::" + device + "::INSTR";
     return true;
 }
@@ -161,10 +168,17 @@ bool parseGpib(Parts& parts, ResourceName& name)
 bool parseUsb(Parts& parts, ResourceName& name)
 {
     dropInstrumentClass(parts);
-    if (parts.size() < 4 || parts.size() > 5 || !isUsbId(parts[1]) || !isUsbId(parts[2]))
+    if (parts.size() < 4 || parts.size() > 5 || parts[3].empty() || !isPrintable(parts[3]))
         return false;
-    if (parts[3].empty() || !isPrintable(parts[3]) || (parts.size() == 5 && !parseDecimal(parts[4])))
+    const auto vendor = parseUsbId(parts[1]);
+    const auto product = parseUsbId(parts[2]);
+    if (parts.size() == 5)
+        name.interfaceNumber = parseDecimal(parts[4]);
+    if (!vendor || !product || (parts.size() == 5 && !name.interfaceNumber))
         return false;
+    name.vendorId = *vendor;
+    name.productId = *product;
+    name.serialNumber = parts[3];
     for (std::size_t i = 1; i < parts.size(); ++i)
         name.canonical += "::" + std::string(parts[i]);
     name.canonical += "::INSTR";
@@ -205,6 +219,35 @@ constexpr std::array<Grammar, 4> kGrammars{{
 }};
 
 } // namespace
+
+ViUInt16 interfaceType(ResourceKind kind)
+{
+    switch (kind) {
+    case ResourceKind::Serial:
+        return VI_INTF_ASRL;
+    case ResourceKind::Gpib:
+        return VI_INTF_GPIB;
+    case ResourceKind::Usb:
+        return VI_INTF_USB;
+    case ResourceKind::TcpipInstrument:
+    case ResourceKind::TcpipSocket:
+        break;
+    }
+    return VI_INTF_TCPIP;
+}
+
+std::string interfaceName(const ResourceName& name)
+{
+    std::string text = name.canonical.substr(0, name.canonical.find("::"));
+    if (name.kind == ResourceKind::Serial && text.starts_with("ASRL/"))
+        return "serial port " + name.address;
+    return text;
+}
+
+std::string_view resourceClass(ResourceKind kind)
+{
+    return kind == ResourceKind::TcpipSocket ? "SOCKET" : "INSTR";
+}
 
 std::optional<ResourceName> parseResourceName(std::string_view text)
 {

@@ -2,7 +2,9 @@
 
 #include <visa.h>
 
+#include <optional>
 #include <span>
+#include <string>
 
 namespace visa
 {
@@ -23,8 +25,18 @@ public:
     virtual ViStatus setAttribute(ViAttr attribute, ViAttrState value) = 0;
     virtual ViStatus read(std::span<ViByte> buffer, std::size_t& count) = 0;
     virtual ViStatus write(std::span<const ViByte> bytes, std::size_t& count) = 0;
+    virtual ViStatus lockExclusively(ViUInt32 timeoutMs) = 0;
+    /// @param key see ResourceLock::acquireShared
+    virtual ViStatus lockShared(ViUInt32 timeoutMs, std::optional<std::string>& key) = 0;
+    virtual ViStatus unlock() = 0;
     virtual ViStatus setBuffer(ViUInt16 mask, ViUInt32 size) = 0;
+    virtual ViStatus flush(ViUInt16 mask) = 0;
     virtual ViStatus clear() = 0;
+    virtual ViStatus trigger() = 0;
+    virtual ViStatus readStatusByte(ViUInt16& status) = 0;
+    virtual ViStatus controlRemote(ViUInt16 mode) = 0;
+    /// Ends a read and a write that wait at this moment.
+    virtual ViStatus abort() = 0;
 
     /// Ends the calls that wait inside; the handle has already been taken back.
     virtual void interrupt() noexcept = 0;

@@ -61,4 +61,11 @@ std::shared_ptr<ResourceLock> SessionRegistry::lockOf(const std::string& canonic
     return lock;
 }
 
+SessionRegistry& registry()
+{
+    // Never destroyed: drivers may close their sessions from their own clean-up while the process ends.
+    static SessionRegistry& sessions = *new SessionRegistry;
+    return sessions;
+}
+
 } // namespace visa

@@ -40,4 +40,7 @@ private:
     std::uint64_t lastHandle_ = 0;
 };
 
+/// The process's.
+SessionRegistry& registry();
+
 } // namespace visa

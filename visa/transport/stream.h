@@ -11,9 +11,9 @@
 namespace visa
 {
 
-/// The seam between the session, which knows VISA's rules, and a kind of connection, which moves bytes.
+/// A connection that moves bytes and knows no messages, of which StreamTransport makes a transport.
 ///
-/// A back end implements it in files of its own and enters its open function in backends.cpp. One read and one write
+/// One read and one write
 /// may run at the same time, and interrupt() at any time; the destructor runs when no call is under way. Nothing
 /// throws.
 class Stream
@@ -51,6 +51,9 @@ public:
     /// Brings one of the connection's own settings into force.
     /// @return VI_ERROR_NSUP_ATTR_STATE when the connection cannot have this value, which leaves the old one in force
     virtual ViStatus setAttribute(ViAttr attribute, ViUInt32 value) noexcept = 0;
+
+    /// The attributes that only this connection can tell, where it is not told otherwise.
+    virtual ViUInt32 numberFact(ViAttr) noexcept { return static_cast<ViUInt32>(VI_STATE_UNKNOWN); }
 
     /// The address at the other end as text; empty where there is none.
     virtual std::string address() const { return {}; }

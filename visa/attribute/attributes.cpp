@@ -1,4 +1,4 @@
-#include "visa/session/attributes.h"
+#include "visa/attribute/attributes.h"
 
 #include <algorithm>
 #include <cstring>
@@ -6,7 +6,7 @@
 namespace visa
 {
 
-bool AllowedValues::contains(ViUInt32 value) const
+bool AllowedValues::contains(ViAttrState value) const
 {
     if (!list.empty())
         return std::find(list.begin(), list.end(), value) != list.end();
@@ -20,7 +20,7 @@ const AttributeRow* findAttribute(ViAttr attribute, SessionClass sessionClass)
                                                                                                 : nullptr;
 }
 
-ViUInt32 reduced(ViAttrState value, ValueType type)
+ViAttrState reduced(ViAttrState value, ValueType type)
 {
     switch (type) {
     case ValueType::Byte:
@@ -29,13 +29,15 @@ ViUInt32 reduced(ViAttrState value, ValueType type)
     case ValueType::Boolean:
         return static_cast<ViUInt16>(value);
     case ValueType::Long:
+        return static_cast<ViUInt32>(value);
+    case ValueType::Address:
     case ValueType::Text:
         break;
     }
-    return static_cast<ViUInt32>(value);
+    return value;
 }
 
-void storeNumber(ViUInt32 value, ValueType type, void* target)
+void storeNumber(ViAttrState value, ValueType type, void* target)
 {
     const auto store = [target](auto number) { std::memcpy(target, &number, sizeof number); };
     switch (type) {
@@ -45,6 +47,8 @@ void storeNumber(ViUInt32 value, ValueType type, void* target)
     case ValueType::Boolean:
         return store(static_cast<ViUInt16>(value));
     case ValueType::Long:
+        return store(static_cast<ViUInt32>(value));
+    case ValueType::Address:
     case ValueType::Text:
         break;
     }

@@ -1,7 +1,9 @@
 #include "tests/support/visa/scripted_stream.h"
 #include "visa/session/instrument_session.h"
 #include "visa/session/manager_session.h"
+#include "visa/transport/stream_transport.h"
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -56,7 +58,11 @@ protected:
 
     ScriptedStream& stream_ = *new ScriptedStream;
     std::shared_ptr<visa::ResourceLock> lock_ = std::make_shared<visa::ResourceLock>();
-    visa::InstrumentSession session_{{2, 1, name()}, std::unique_ptr<visa::Stream>(&stream_), lock_};
+    visa::InstrumentSession session_{
+        {2, 1, name()},
+        {std::make_unique<visa::StreamTransport>(std::unique_ptr<visa::Stream>(&stream_), visa::Framing::None),
+         visa::kSocket},
+        lock_};
 };
 
 TEST_F(StaleInput, MessageCutInTwoByATimeoutIsWholeInTheNextRead)
@@ -223,7 +229,8 @@ TEST_F(StaleInput, ClearTellsItsFirstFailureAndDropsTheInputAllTheSame)
 
 TEST_F(StaleInput, ClearIsRefusedWhileAnotherSessionHoldsTheLock)
 {
-    ASSERT_TRUE(lock_->acquire(17));
+    const std::atomic<bool> isClosing = false;
+    ASSERT_EQ(lock_->acquireExclusive(17, visa::Deadline(VI_TMO_IMMEDIATE), isClosing), VI_SUCCESS);
     EXPECT_EQ(session_.clear(), VI_ERROR_RSRC_LOCKED);
     EXPECT_THAT(stream_.calls, IsEmpty());
 }

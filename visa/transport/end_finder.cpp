@@ -1,4 +1,4 @@
-#include "visa/session/end_finder.h"
+#include "visa/transport/end_finder.h"
 
 #include <algorithm>
 #include <cstring>

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "visa/resource/resource_name.h"
+#include "visa/transport/transport.h"
+
+#include <memory>
+
+namespace visa
+{
+
+/// A connection, and which attributes its sessions have.
+struct OpenedTransport
+{
+    std::unique_ptr<Transport> transport{};
+    SessionClass sessionClass = 0;
+};
+
+/// Connects to a resource through the transports that serve it, in the order of their table, until one answers.
+/// @param opened receives the connection on success
+/// @return VI_ERROR_LIBRARY_NFOUND for a resource without a transport, VI_ERROR_INV_PROT when the name asks for a
+/// secure
+///         connection, otherwise the last transport's own answer
+ViStatus openTransport(const ResourceName& name, const Deadline& deadline, OpenedTransport& opened);
+
+} // namespace visa
