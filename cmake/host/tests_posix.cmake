@@ -7,7 +7,7 @@ else()
 endif()
 
 # How long a program may take. An emulator needs many times as long.
-set(KVX_TEST_TIMEOUT ${KVX_TEST_TIMEOUT})
+set(KVX_TEST_TIMEOUT 1200)
 if(CMAKE_CROSSCOMPILING)
     set(KVX_TEST_TIMEOUT 7200)
 endif()
