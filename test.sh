@@ -6,7 +6,7 @@
 #                     Windows with their tests under Wine
 #   ./test.sh --long  what takes too long for every change: clang-tidy over the tests, its analyzer over all sources, the
 #                     driver built on a vendor's components and broken one line at a time (tests/mutants), all of the
-#                     attacks of tests/torture, a long run of the fuzzers
+#                     attacks of tests/torture, the builds for ARM with their tests under QEMU, a long run of the fuzzers
 set -eu
 cd "$(dirname "$0")"
 . ./cmake/scripts.sh
@@ -122,6 +122,13 @@ test_windows() {
     packaging/windows/package.sh
 }
 
+# test_arm: the tests in QEMU's user mode, but for those of cmake/host/not_under_qemu.txt; the virtual instrument is this
+# machine's
+test_arm() {
+    run_tests linux-arm64
+    run_tests linux-armhf
+}
+
 case "${1-}" in
 '')
     install_packages build test
@@ -140,12 +147,13 @@ case "${1-}" in
     test_windows
     ;;
 --long)
-    install_packages build test check
+    install_packages build test check arm
     build release
     check_tidy '' -v "$driver"
     test_vendor_platform
     try_faults
     torture
+    test_arm
     fuzz 1000000 600
     ;;
 *) fail "usage: ./test.sh [--all | --long]" ;;
