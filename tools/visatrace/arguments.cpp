@@ -13,7 +13,7 @@ namespace
 template <class T>
 const T* pointer(Argument argument)
 {
-    return reinterpret_cast<const T*>(static_cast<std::uintptr_t>(argument));
+    return reinterpret_cast<const T*>(static_cast<std::uintptr_t>(argument)); // NOLINT(performance-no-int-to-ptr)
 }
 
 /// Where a program says it is; what is stored there need not be aligned.

@@ -28,7 +28,7 @@ std::string_view ownName(const link_map& library)
     ElfW(Xword) place = 0;
     for (const ElfW(Dyn)* entry = library.l_ld; entry->d_tag != DT_NULL; ++entry) {
         if (entry->d_tag == DT_STRTAB)
-            texts = reinterpret_cast<const char*>(entry->d_un.d_ptr);
+            texts = reinterpret_cast<const char*>(entry->d_un.d_ptr); // NOLINT(performance-no-int-to-ptr): an address
         else if (entry->d_tag == DT_SONAME)
             place = entry->d_un.d_val;
     }
@@ -89,7 +89,8 @@ class LibraryBehind
 public:
     LibraryBehind()
     {
-        const char* const file = std::getenv("KVX_VISATRACE_LIBRARY");
+        const char* const file =
+            std::getenv("KVX_VISATRACE_LIBRARY"); // NOLINT(concurrency-mt-unsafe): while it is loaded
         if (file != nullptr)
             std::string_view(file).copy(file_, sizeof(file_) - 1);
     }
@@ -125,7 +126,7 @@ private:
         if (*file_ == '\0')
             line.text("the loader finds no libvisa.so.0 and no libvisa.so but this library");
         else {
-            const char* const reason = dlerror();
+            const char* const reason = dlerror(); // NOLINT(concurrency-mt-unsafe): glibc keeps one for each thread
             line.text(file_);
             line.text(reason == nullptr ? " is this library" : " cannot be loaded: ");
             line.text(reason == nullptr ? "" : reason);

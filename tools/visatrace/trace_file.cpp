@@ -27,7 +27,7 @@ class TraceFile
 public:
     TraceFile()
     {
-        const char* const name = std::getenv("KVX_VISATRACE_FILE");
+        const char* const name = std::getenv("KVX_VISATRACE_FILE"); // NOLINT(concurrency-mt-unsafe): while it is loaded
         if (name == nullptr || *name == '\0')
             return;
         std::string path(name);

@@ -49,9 +49,9 @@ std::string formatted(ViConstString format, va_list params)
 
 } // namespace
 
-extern "C" Recording& recordingOfThread()
+extern "C" Recording* recordingOfThread()
 {
-    return recording();
+    return &recording();
 }
 
 #define RECORD(result, name, parameters, arguments, ...)                                                               \

@@ -35,6 +35,6 @@ struct Recording
 };
 
 /// How the library exports it.
-using RecordingOfThread = Recording&();
+using RecordingOfThread = Recording*();
 
 } // namespace kvxtest

@@ -66,7 +66,7 @@ class VisaTrace : public testing::Test
 protected:
     VisaTrace() { recording() = {}; }
 
-    Recording& recording() const { return behind_.find<RecordingOfThread>("recordingOfThread")(); }
+    Recording& recording() const { return *behind_.find<RecordingOfThread>("recordingOfThread")(); }
 
     /// The status that the trace returns; success for what returns nothing.
     template <class Result, class... Parameters>
