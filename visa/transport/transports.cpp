@@ -1,5 +1,6 @@
 #include "visa/transport/transports.h"
 
+#include "visa/transport/hislip/hislip_transport.h"
 #include "visa/transport/serial/serial_stream.h"
 #include "visa/transport/stream_transport.h"
 #include "visa/transport/tcp/tcp_stream.h"
@@ -35,9 +36,10 @@ struct TransportRow
 };
 
 /// All transports. Of those that serve a resource the first is tried first.
-constexpr std::array<TransportRow, 2> kTransports{{
+constexpr std::array<TransportRow, 3> kTransports{{
     {isKind<ResourceKind::Serial>, kSerial, openStreamTransport<openSerialStream, Framing::SerialLine>},
     {isKind<ResourceKind::TcpipSocket>, kSocket, openStreamTransport<openTcpStream, Framing::None>},
+    {servesHislip, kHislip, openHislip},
 }};
 
 } // namespace
