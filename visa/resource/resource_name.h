@@ -35,6 +35,9 @@ struct ResourceName
     std::string canonical{};                   ///< the name as VI_ATTR_RSRC_NAME tells it
 };
 
+/// That of an instrument with HiSLIP whose name tells none.
+inline constexpr ViUInt16 kHislipPort = 4880;
+
 /// The VI_INTF_ type of a kind of resource.
 ViUInt16 interfaceType(ResourceKind kind);
 

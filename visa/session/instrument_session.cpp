@@ -45,7 +45,7 @@ ViAttrState InstrumentSession::numberFact(ViAttr attribute)
 {
     switch (attribute) {
     case VI_ATTR_TCPIP_PORT:
-        return identity_.name.port;
+        return identity_.name.port != 0 ? identity_.name.port : kHislipPort;
     case VI_ATTR_TCPIP_IS_HISLIP:
         return sessionClass_ == kHislip ? VI_TRUE : VI_FALSE;
     case VI_ATTR_RSRC_LOCK_STATE:

@@ -1,5 +1,6 @@
 #include "visa/transport/transports.h"
 
+#include "visa/transport/hislip/hislip_transport.h"
 #include "visa/transport/serial/serial_stream.h"
 #include "visa/transport/stream_transport.h"
 #include "visa/transport/tcp/tcp_stream.h"
@@ -36,10 +37,11 @@ struct TransportRow
 };
 
 /// All transports. Of those that serve a resource the first is tried first.
-constexpr std::array<TransportRow, 3> kTransports{{
+constexpr std::array<TransportRow, 4> kTransports{{
     {isKind<ResourceKind::Serial>, kSerial, openStreamTransport<openSerialStream, Framing::SerialLine>},
     {isKind<ResourceKind::TcpipSocket>, kSocket, openStreamTransport<openTcpStream, Framing::None>},
     {isKind<ResourceKind::Usb>, kUsb, openUsb},
+    {servesHislip, kHislip, openHislip},
 }};
 
 } // namespace
