@@ -237,6 +237,14 @@ ViUInt16 interfaceType(ResourceKind kind)
     return VI_INTF_TCPIP;
 }
 
+std::string interfaceName(const ResourceName& name)
+{
+    std::string text = name.canonical.substr(0, name.canonical.find("::"));
+    if (name.kind == ResourceKind::Serial && text.starts_with("ASRL/"))
+        return "serial port " + name.address;
+    return text;
+}
+
 std::string_view resourceClass(ResourceKind kind)
 {
     return kind == ResourceKind::TcpipSocket ? "SOCKET" : "INSTR";

@@ -35,8 +35,14 @@ struct ResourceName
     std::string canonical{};                   ///< the name as VI_ATTR_RSRC_NAME tells it
 };
 
+/// That of an instrument with HiSLIP whose name tells none.
+inline constexpr ViUInt16 kHislipPort = 4880;
+
 /// The VI_INTF_ type of a kind of resource.
 ViUInt16 interfaceType(ResourceKind kind);
+
+/// The interface for people: "ASRL1", "serial port /dev/ttyUSB0", "TCPIP0".
+std::string interfaceName(const ResourceName& name);
 
 /// "INSTR" or "SOCKET".
 std::string_view resourceClass(ResourceKind kind);

@@ -1,6 +1,7 @@
 #include "visa/transport/transports.h"
 
 #include "visa/resource/lan_protocols.h"
+#include "visa/transport/hislip/hislip_transport.h"
 #include "visa/transport/serial/serial_stream.h"
 #include "visa/transport/stream_transport.h"
 #include "visa/transport/tcp/tcp_stream.h"
@@ -52,10 +53,11 @@ struct TransportRow
 };
 
 /// All transports. Of those that serve a resource the first is tried first.
-constexpr std::array<TransportRow, 3> kTransports{{
+constexpr std::array<TransportRow, 4> kTransports{{
     {isKind<ResourceKind::Serial>, kSerial, openStreamTransport<openSerialStream, Framing::SerialLine>},
     {isKind<ResourceKind::TcpipSocket>, kSocket, openStreamTransport<openTcpStream, Framing::None>},
     {servesVxi11, kVxi11, openVxi11},
+    {mayUse<&LanProtocols::hislip>, kHislip, openHislip},
 }};
 
 /// The time that one of several candidates may take, so that each after it has as much.
