@@ -1,6 +1,7 @@
 #include "visa/resource/resource_name.h"
 
 #include "visa/host/network.h"
+#include "visa/resource/lan_protocols.h"
 
 #include <algorithm>
 #include <array>
@@ -121,10 +122,10 @@ bool parseSocket(const Parts& parts, ResourceName& name)
     return name.port != 0;
 }
 
-/// "inst0", "hislip0,4881"
+/// "inst0", "hislip0,4881"; VXI-11's names have no port, and in "gpib0,5" the comma is part of one.
 bool parseDevice(std::string_view text, ResourceName& name)
 {
-    const std::size_t comma = text.find(',');
+    const std::size_t comma = lanProtocols(text).hislip ? text.find(',') : std::string_view::npos;
     if (comma != std::string_view::npos) {
         name.port = parseDecimal(text.substr(comma + 1)).value_or(0);
         if (name.port == 0)
