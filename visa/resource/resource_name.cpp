@@ -1,10 +1,12 @@
 #include "visa/resource/resource_name.h"
 
 #include "visa/host/network.h"
+#include "visa/resource/lan_protocols.h"
 
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <cstdio>
 #include <vector>
 
 namespace visa
@@ -120,10 +122,10 @@ bool parseSocket(const Parts& parts, ResourceName& name)
     return name.port != 0;
 }
 
-/// "inst0", "hislip0,4881"
+/// "inst0", "hislip0,4881"; VXI-11's names have no port, and in "gpib0,5" the comma is part of one.
 bool parseDevice(std::string_view text, ResourceName& name)
 {
-    const std::size_t comma = text.find(',');
+    const std::size_t comma = lanProtocols(text).hislip ? text.find(',') : std::string_view::npos;
     if (comma != std::string_view::npos) {
         name.port = parseDecimal(text.substr(comma + 1)).value_or(0);
         if (name.port == 0)
@@ -179,8 +181,9 @@ bool parseUsb(Parts& parts, ResourceName& name)
     name.vendorId = *vendor;
     name.productId = *product;
     name.serialNumber = parts[3];
-    for (std::size_t i = 1; i < parts.size(); ++i)
-        name.canonical += "::" + std::string(parts[i]);
+    name.canonical += "::" + usbIdText(name.vendorId) + "::" + usbIdText(name.productId) + "::" + name.serialNumber;
+    if (name.interfaceNumber)
+        name.canonical += "::" + std::to_string(*name.interfaceNumber);
     name.canonical += "::INSTR";
     return true;
 }
@@ -242,6 +245,13 @@ std::string interfaceName(const ResourceName& name)
     if (name.kind == ResourceKind::Serial && text.starts_with("ASRL/"))
         return "serial port " + name.address;
     return text;
+}
+
+std::string usbIdText(ViUInt16 id)
+{
+    std::array<char, 8> text{};
+    std::snprintf(text.data(), text.size(), "0x%04X", id);
+    return text.data();
 }
 
 std::string_view resourceClass(ResourceKind kind)

@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <array>
 #include <atomic>
-#include <cctype>
 #include <cstring>
 #include <limits>
 #include <mutex>
@@ -18,7 +17,8 @@ namespace visa
 namespace
 {
 
-constexpr std::string_view kDevicePrefix = "hislip";
+/// The device where a string names none.
+constexpr std::string_view kDefaultDevice = "hislip0";
 
 constexpr std::uint32_t kNewestVersion = 0x0200;
 constexpr std::uint16_t kOldestVersion = 0x0100;
@@ -702,16 +702,6 @@ ViStatus openChannel(const ResourceName& address, const Deadline& deadline, std:
 
 } // namespace
 
-bool servesHislip(const ResourceName& name)
-{
-    const auto isSame = [](char one, char other) {
-        return std::tolower(static_cast<unsigned char>(one)) == static_cast<unsigned char>(other);
-    };
-    return name.kind == ResourceKind::TcpipInstrument && name.device.size() >= kDevicePrefix.size() &&
-           std::equal(kDevicePrefix.begin(), kDevicePrefix.end(), name.device.begin(),
-                      [&](char prefix, char device) { return isSame(device, prefix); });
-}
-
 ViStatus openHislip(const ResourceName& name, const Deadline& deadline, std::unique_ptr<Transport>& transport)
 {
     ResourceName address = name;
@@ -721,7 +711,8 @@ ViStatus openHislip(const ResourceName& name, const Deadline& deadline, std::uni
     Greeting greeting;
     ViStatus status = openChannel(address, deadline, kSynchronousInput, synchronous);
     if (status >= 0)
-        status = greet(*synchronous, name.device, deadline, greeting);
+        status =
+            greet(*synchronous, name.namesDevice ? std::string_view(name.device) : kDefaultDevice, deadline, greeting);
     if (status >= 0)
         status = openChannel(address, deadline, kAsynchronousInput, asynchronous);
     if (status < 0)

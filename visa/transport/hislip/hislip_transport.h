@@ -8,9 +8,6 @@
 namespace visa
 {
 
-/// Whether the device's name is one of HiSLIP: it begins with "hislip".
-bool servesHislip(const ResourceName& name);
-
 /// Connects to a LAN instrument with HiSLIP 1.0 or 2.0 without encryption (IVI-6.1): two TCP connections to port 4880,
 /// or to the one behind the device's name.
 /// @return VI_ERROR_RSRC_NFOUND, VI_ERROR_TMO and VI_ERROR_ALLOC as connecting has it, or for what the device answers:
