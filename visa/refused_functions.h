@@ -6,8 +6,6 @@
 /// session). Those of VISA's memory that return nothing do nothing and have a list of their own.
 // clang-format off
 #define KVX_VISA_REFUSED_FUNCTIONS(ROW) \
-    ROW(viFindRsrc, _VI_FUNC, VI_ERROR_NSUP_OPER, ViConstString, ViPFindList, ViPUInt32, ViChar*) \
-    ROW(viFindNext, _VI_FUNC, VI_ERROR_NSUP_OPER, ViChar*) \
     ROW(viLock, _VI_FUNC, VI_ERROR_NSUP_OPER, ViAccessMode, ViUInt32, ViConstKeyId, ViChar*) \
     ROW(viUnlock, _VI_FUNC, VI_ERROR_NSUP_OPER) \
     ROW(viEnableEvent, _VI_FUNC, VI_ERROR_INV_EVENT, ViEventType, ViUInt16, ViEventFilter) \

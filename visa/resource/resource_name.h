@@ -13,15 +13,22 @@ enum class ResourceKind
 {
     Serial,
     Gpib,
+    Vxi,
+    GpibVxi,
+    Pxi,
     Usb,
     TcpipInstrument,
-    TcpipSocket
+    TcpipSocket,
+    TcpipServant
 };
+
+inline constexpr std::string_view kInstrumentClass = "INSTR";
 
 /// A resource string taken apart (VPP-4.3 Table 4.3.1).
 struct ResourceName
 {
     ResourceKind kind = ResourceKind::Serial;
+    std::string_view resourceClass = kInstrumentClass; ///< a text that lasts
     ViUInt16 board = 0;
     std::string address{};      ///< TCPIP: host without brackets; serial: device path, empty when the board names it
     ViUInt16 port = 0;          ///< TCPIP SOCKET; TCPIP INSTR: the one behind the device's name, otherwise 0
@@ -37,9 +44,6 @@ struct ResourceName
 
 /// The VI_INTF_ type of a kind of resource.
 ViUInt16 interfaceType(ResourceKind kind);
-
-/// "INSTR" or "SOCKET".
-std::string_view resourceClass(ResourceKind kind);
 
 /// Longest resource string understood, so that its attributes fit the 256 characters of a VISA string.
 inline constexpr std::size_t kLongestResourceName = 240;

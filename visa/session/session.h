@@ -3,6 +3,7 @@
 #include <visa.h>
 
 #include <span>
+#include <string>
 
 namespace visa
 {
@@ -31,6 +32,9 @@ public:
     virtual ViStatus controlRemote(ViUInt16 mode) = 0;
     /// Ends a read and a write that wait at this moment.
     virtual ViStatus abort() = 0;
+
+    /// Tells the next name of a find list.
+    virtual ViStatus findNext(std::string& /*name*/) { return VI_ERROR_NSUP_OPER; }
 
     /// Ends the calls that wait inside; the handle has already been taken back.
     virtual void interrupt() noexcept = 0;
