@@ -1,6 +1,8 @@
 #include "visa/attribute/attributes.h"
+#include "visa/find/find_resources.h"
 #include "visa/function_frame.h"
 #include "visa/host/network.h"
+#include "visa/session/find_list_session.h"
 #include "visa/session/instrument_session.h"
 #include "visa/session/manager_session.h"
 #include "visa/session/status_texts.h"
@@ -77,6 +79,37 @@ ViUInt32 lockTimeoutMs(ViUInt32 timeout, const visa::Deadline& deadline)
     return timeout == VI_TMO_INFINITE || timeout == VI_TMO_IMMEDIATE ? timeout : static_cast<ViUInt32>(leftMs);
 }
 
+/// Keeps the names for viFindNext.
+ViStatus openFindList(ViSession manager, std::vector<std::string> names, ViFindList& list)
+{
+    const ViSession handle = registry().reserveHandle();
+    if (handle == VI_NULL)
+        return VI_ERROR_ALLOC;
+    if (!registry().add(handle, std::make_shared<visa::FindListSession>(manager, std::move(names))))
+        return VI_ERROR_INV_OBJECT;
+    list = handle;
+    return VI_SUCCESS;
+}
+
+ViStatus find(ViSession manager, ViConstString text, ViPFindList list, ViPUInt32 count, ViChar first[])
+{
+    const auto expression = text == nullptr ? std::nullopt : visa::FindExpression::parse({text, std::strlen(text)});
+    if (!expression)
+        return VI_ERROR_INV_EXPR;
+    std::vector<std::string> names = visa::findResources(*expression);
+    if (names.empty())
+        return VI_ERROR_RSRC_NFOUND;
+    const auto found = static_cast<ViUInt32>(names.size());
+    const std::string name = names.front();
+    const ViStatus status = list == nullptr ? VI_SUCCESS : openFindList(manager, std::move(names), *list);
+    if (status < 0)
+        return status;
+    if (count != nullptr)
+        *count = found;
+    visa::storeText(name, first);
+    return VI_SUCCESS;
+}
+
 ViStatus openInstrument(ViSession manager, const ResourceName& name, ViAccessMode mode, ViUInt32 timeout,
                         ViSession& opened)
 {
@@ -131,6 +164,32 @@ ViStatus _VI_FUNC viGetDefaultRM(ViPSession vi)
     return viOpenDefaultRM(vi);
 }
 
+ViStatus _VI_FUNC viFindRsrc(ViSession sesn, ViConstString expr, ViPFindList vi, ViPUInt32 retCnt, ViChar desc[])
+{
+    if (vi != nullptr)
+        *vi = VI_NULL;
+    if (retCnt != nullptr)
+        *retCnt = 0;
+    if (desc == nullptr)
+        return VI_ERROR_INV_PARAMETER;
+    visa::storeText({}, desc);
+    return withSession(sesn, [=](const Session& manager) {
+        return manager.manager() == VI_NULL ? find(sesn, expr, vi, retCnt, desc) : VI_ERROR_NSUP_OPER;
+    });
+}
+
+ViStatus _VI_FUNC viFindNext(ViFindList vi, ViChar desc[])
+{
+    return withSession(vi, [=](Session& list) {
+        if (desc == nullptr)
+            return VI_ERROR_INV_PARAMETER;
+        std::string name;
+        const ViStatus status = list.findNext(name);
+        visa::storeText(name, desc);
+        return status;
+    });
+}
+
 ViStatus _VI_FUNC viParseRsrc(ViSession rmSesn, ViConstRsrc rsrcName, ViPUInt16 intfType, ViPUInt16 intfNum)
 {
     return viParseRsrcEx(rmSesn, rsrcName, intfType, intfNum, nullptr, nullptr, nullptr);
@@ -149,7 +208,7 @@ ViStatus _VI_FUNC viParseRsrcEx(ViSession rmSesn, ViConstRsrc rsrcName, ViPUInt1
             return VI_ERROR_INV_RSRC_NAME;
         *intfType = visa::interfaceType(name->kind);
         *intfNum = name->board;
-        storeWanted(visa::resourceClass(name->kind), rsrcClass);
+        storeWanted(name->resourceClass, rsrcClass);
         storeWanted(name->canonical, expandedUnaliasedName);
         storeWanted({}, aliasIfExists);
         return VI_SUCCESS;

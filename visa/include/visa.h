@@ -70,7 +70,7 @@ typedef ViStatus(_VI_FUNCH* ViHndlr)(ViSession vi, ViEventType eventType, ViEven
 ViStatus _VI_FUNC viOpenDefaultRM(ViPSession vi);
 
 /**
- * Finds resources whose names fit an expression (VPP-4.3 section 4.3.3), such as "?*INSTR": serial ports, USB and LAN
+ * Finds resources whose names fit an expression (VPP-4.3 section 4.4), such as "?*INSTR": serial ports, USB and LAN
  * instruments. Asking the network takes about half a second.
  * @param sesn   resource manager session
  * @param expr   expression, letter case is ignored

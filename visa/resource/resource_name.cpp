@@ -1,38 +1,20 @@
 #include "visa/resource/resource_name.h"
 
 #include "visa/host/network.h"
+#include "visa/resource/bus_name.h"
 #include "visa/resource/lan_protocols.h"
+#include "visa/resource/name_text.h"
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <cstdio>
-#include <vector>
 
 namespace visa
 {
 namespace
 {
 
-using Parts = std::vector<std::string_view>;
-
 constexpr std::string_view kSeparator = "::";
-
-char upper(char c)
-{
-    return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
-}
-
-bool equalsIgnoringCase(std::string_view text, std::string_view keyword)
-{
-    return std::equal(text.begin(), text.end(), keyword.begin(), keyword.end(),
-                      [](char a, char b) { return upper(a) == b; });
-}
-
-bool startsIgnoringCase(std::string_view text, std::string_view keyword)
-{
-    return text.size() >= keyword.size() && equalsIgnoringCase(text.substr(0, keyword.size()), keyword);
-}
 
 bool isPrintable(std::string_view text)
 {
@@ -45,31 +27,16 @@ bool isHostCharacter(char c)
     return (u >= 'A' && u <= 'Z') || (c >= '0' && c <= '9') || c == '-' || c == '.' || c == '_';
 }
 
-std::optional<ViUInt16> parseNumber(std::string_view digits, int base, ViUInt16 largest)
-{
-    ViUInt16 value = 0;
-    const char* const end = digits.data() + digits.size();
-    const auto [stopped, error] = std::from_chars(digits.data(), end, value, base);
-    if (error != std::errc{} || stopped != end || value > largest)
-        return std::nullopt;
-    return value;
-}
-
-std::optional<ViUInt16> parseDecimal(std::string_view digits, ViUInt16 largest = 0xFFFF)
-{
-    return parseNumber(digits, 10, largest);
-}
-
 std::optional<ViUInt16> parseUsbId(std::string_view text)
 {
     const bool hexadecimal = startsIgnoringCase(text, "0X");
-    return hexadecimal ? parseNumber(text.substr(2), 16, 0xFFFF) : parseDecimal(text);
+    return hexadecimal ? parseNumber(text.substr(2), 16) : parseDecimal(text);
 }
 
 /// Splits at "::" outside pairs of brackets, which protect the colons of an IPv6 address.
-Parts split(std::string_view text)
+NameParts split(std::string_view text)
 {
-    Parts parts;
+    NameParts parts;
     std::size_t begin = 0;
     bool bracketed = false;
     for (std::size_t i = 0; i < text.size(); ++i) {
@@ -88,9 +55,9 @@ Parts split(std::string_view text)
 }
 
 /// Drops the class INSTR, which is the default.
-void dropInstrumentClass(Parts& parts)
+void dropInstrumentClass(NameParts& parts)
 {
-    if (parts.size() > 1 && equalsIgnoringCase(parts.back(), "INSTR"))
+    if (parts.size() > 1 && equalsIgnoringCase(parts.back(), kInstrumentClass))
         parts.pop_back();
 }
 
@@ -111,13 +78,14 @@ bool parseHost(std::string_view text, ResourceName& name)
     return !text.empty() && std::all_of(text.begin(), text.end(), isHostCharacter);
 }
 
-bool parseSocket(const Parts& parts, ResourceName& name)
+bool parseSocket(const NameParts& parts, ResourceName& name)
 {
     if (parts.size() != 4 || !parseHost(parts[1], name))
         return false;
     const auto port = parseDecimal(parts[2]);
     name.port = port.value_or(0);
     name.kind = ResourceKind::TcpipSocket;
+    name.resourceClass = "SOCKET";
     name.canonical += "::" + std::string(parts[1]) + "::" + std::to_string(name.port) + "::SOCKET";
     return name.port != 0;
 }
@@ -136,10 +104,24 @@ bool parseDevice(std::string_view text, ResourceName& name)
     return !name.device.empty() && isPrintable(name.device) && name.device.find(':') == std::string::npos;
 }
 
-bool parseTcpip(Parts& parts, ResourceName& name)
+/// "TCPIP::inst0::SERVANT": this host as an instrument.
+bool parseServant(const NameParts& parts, ResourceName& name)
+{
+    name.device = "inst0";
+    if (parts.size() > 3 || (parts.size() == 3 && !parseDevice(parts[1], name)) || name.port != 0)
+        return false;
+    name.kind = ResourceKind::TcpipServant;
+    name.resourceClass = "SERVANT";
+    name.canonical += "::" + name.device + "::SERVANT";
+    return true;
+}
+
+bool parseTcpip(NameParts& parts, ResourceName& name)
 {
     if (equalsIgnoringCase(parts.back(), "SOCKET"))
         return parseSocket(parts, name);
+    if (equalsIgnoringCase(parts.back(), "SERVANT"))
+        return parseServant(parts, name);
     dropInstrumentClass(parts);
     name.device = "inst0";
     const bool hasDevice = parts.size() == 3;
@@ -151,23 +133,7 @@ bool parseTcpip(Parts& parts, ResourceName& name)
     return true;
 }
 
-bool parseGpib(Parts& parts, ResourceName& name)
-{
-    constexpr std::array<ViUInt16, 2> kLargest{30, 31};
-    dropInstrumentClass(parts);
-    if (parts.size() < 2 || parts.size() > 3)
-        return false;
-    for (std::size_t i = 1; i < parts.size(); ++i) {
-        const auto address = parseDecimal(parts[i], kLargest[i - 1]);
-        if (!address)
-            return false;
-        name.canonical += "::" + std::to_string(*address);
-    }
-    name.canonical += "::INSTR";
-    return true;
-}
-
-bool parseUsb(Parts& parts, ResourceName& name)
+bool parseUsb(NameParts& parts, ResourceName& name)
 {
     dropInstrumentClass(parts);
     if (parts.size() < 4 || parts.size() > 5 || parts[3].empty() || !isPrintable(parts[3]))
@@ -188,7 +154,7 @@ bool parseUsb(Parts& parts, ResourceName& name)
     return true;
 }
 
-bool parseSerial(Parts& parts, ResourceName& name)
+bool parseSerial(NameParts& parts, ResourceName& name)
 {
     dropInstrumentClass(parts);
     name.canonical += "::INSTR";
@@ -196,7 +162,7 @@ bool parseSerial(Parts& parts, ResourceName& name)
 }
 
 /// "ASRL/dev/ttyUSB0": a device named directly.
-std::optional<ResourceName> parseSerialDevice(Parts& parts)
+std::optional<ResourceName> parseSerialDevice(NameParts& parts)
 {
     constexpr std::string_view kKeyword = "ASRL";
     ResourceName name;
@@ -211,12 +177,21 @@ struct Grammar
 {
     std::string_view keyword;
     ResourceKind kind;
-    bool (*parse)(Parts& parts, ResourceName& name);
+    bool (*parse)(NameParts& parts, ResourceName& name);
 };
 
-constexpr std::array<Grammar, 4> kGrammars{{
+bool parseBus(NameParts& parts, ResourceName& name)
+{
+    return parseBusName(parts, name);
+}
+
+/// Of keywords that begin alike the longer one comes first.
+constexpr std::array<Grammar, 7> kGrammars{{
     {"ASRL", ResourceKind::Serial, parseSerial},
-    {"GPIB", ResourceKind::Gpib, parseGpib},
+    {"GPIB-VXI", ResourceKind::GpibVxi, parseBus},
+    {"GPIB", ResourceKind::Gpib, parseBus},
+    {"VXI", ResourceKind::Vxi, parseBus},
+    {"PXI", ResourceKind::Pxi, parseBus},
     {"TCPIP", ResourceKind::TcpipInstrument, parseTcpip},
     {"USB", ResourceKind::Usb, parseUsb},
 }};
@@ -230,10 +205,17 @@ ViUInt16 interfaceType(ResourceKind kind)
         return VI_INTF_ASRL;
     case ResourceKind::Gpib:
         return VI_INTF_GPIB;
+    case ResourceKind::Vxi:
+        return VI_INTF_VXI;
+    case ResourceKind::GpibVxi:
+        return VI_INTF_GPIB_VXI;
+    case ResourceKind::Pxi:
+        return VI_INTF_PXI;
     case ResourceKind::Usb:
         return VI_INTF_USB;
     case ResourceKind::TcpipInstrument:
     case ResourceKind::TcpipSocket:
+    case ResourceKind::TcpipServant:
         break;
     }
     return VI_INTF_TCPIP;
@@ -254,17 +236,12 @@ std::string usbIdText(ViUInt16 id)
     return text.data();
 }
 
-std::string_view resourceClass(ResourceKind kind)
-{
-    return kind == ResourceKind::TcpipSocket ? "SOCKET" : "INSTR";
-}
-
 std::optional<ResourceName> parseResourceName(std::string_view text)
 {
     // What is put behind a colon at the end would be separated in front of it.
     if (text.size() > kLongestResourceName || text.ends_with(':'))
         return std::nullopt;
-    Parts parts = split(text);
+    NameParts parts = split(text);
     if (startsIgnoringCase(parts.front(), "ASRL/") && parts.front().substr(4).starts_with("/dev/"))
         return parseSerialDevice(parts);
 

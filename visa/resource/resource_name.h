@@ -13,15 +13,22 @@ enum class ResourceKind
 {
     Serial,
     Gpib,
+    Vxi,
+    GpibVxi,
+    Pxi,
     Usb,
     TcpipInstrument,
-    TcpipSocket
+    TcpipSocket,
+    TcpipServant
 };
+
+inline constexpr std::string_view kInstrumentClass = "INSTR";
 
 /// A resource string taken apart (VPP-4.3 Table 4.3.1).
 struct ResourceName
 {
     ResourceKind kind = ResourceKind::Serial;
+    std::string_view resourceClass = kInstrumentClass; ///< a text that lasts
     ViUInt16 board = 0;
     std::string address{};      ///< TCPIP: host without brackets; serial: device path, empty when the board names it
     ViUInt16 port = 0;          ///< TCPIP SOCKET; TCPIP INSTR: the one behind the device's name, otherwise 0
@@ -43,9 +50,6 @@ ViUInt16 interfaceType(ResourceKind kind);
 
 /// The interface for people: "ASRL1", "serial port /dev/ttyUSB0", "TCPIP0".
 std::string interfaceName(const ResourceName& name);
-
-/// "INSTR" or "SOCKET".
-std::string_view resourceClass(ResourceKind kind);
 
 /// A vendor's or product's number as USB resource strings have it, "0x1234" (VPP-4.3 rule 4.3.1).
 std::string usbIdText(ViUInt16 id);

@@ -75,7 +75,7 @@ std::string InstrumentSession::textFact(ViAttr attribute) const
     case VI_ATTR_TCPIP_DEVICE_NAME:
         return identity_.name.device;
     case VI_ATTR_RSRC_CLASS:
-        return std::string(resourceClass(identity_.name.kind));
+        return std::string(identity_.name.resourceClass);
     default:
         return identity_.name.canonical;
     }

@@ -38,6 +38,9 @@ public:
     /// Ends a read and a write that wait at this moment.
     virtual ViStatus abort() = 0;
 
+    /// Tells the next name of a find list.
+    virtual ViStatus findNext(std::string& /*name*/) { return VI_ERROR_NSUP_OPER; }
+
     /// Ends the calls that wait inside; the handle has already been taken back.
     virtual void interrupt() noexcept = 0;
 };

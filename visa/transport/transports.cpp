@@ -2,6 +2,7 @@
 
 #include "visa/resource/lan_protocols.h"
 #include "visa/transport/hislip/hislip_transport.h"
+#include "visa/transport/serial/find_serial_ports.h"
 #include "visa/transport/serial/serial_stream.h"
 #include "visa/transport/stream_transport.h"
 #include "visa/transport/tcp/tcp_stream.h"
@@ -68,6 +69,19 @@ Deadline shareOf(const Deadline& deadline, int candidates)
     return Deadline(static_cast<ViUInt32>(deadline.remainingMs(std::numeric_limits<int>::max()) / candidates));
 }
 
+/// A way to find resources. It ends within a second, whatever comes from outside, finds nothing where the host has
+/// none, and tells names that viOpen understands.
+struct SearchRow
+{
+    std::string_view beginning; ///< of the names that it finds
+    void (*search)(std::vector<std::string>& names);
+};
+
+/// All searches. One may find resources of several transports.
+constexpr std::array<SearchRow, 1> kSearches{{
+    {"ASRL", findSerialPorts},
+}};
+
 } // namespace
 
 ViStatus openTransport(const ResourceName& name, const Deadline& deadline, OpenedTransport& opened)
@@ -88,6 +102,16 @@ ViStatus openTransport(const ResourceName& name, const Deadline& deadline, Opene
             break;
     }
     return status;
+}
+
+std::vector<std::string> presentResources(const std::function<bool(std::string_view beginning)>& isWanted)
+{
+    std::vector<std::string> names;
+    for (const SearchRow& row : kSearches) {
+        if (isWanted(row.beginning))
+            row.search(names);
+    }
+    return names;
 }
 
 } // namespace visa

@@ -3,7 +3,11 @@
 #include "visa/resource/resource_name.h"
 #include "visa/transport/transport.h"
 
+#include <functional>
 #include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
 
 namespace visa
 {
@@ -21,5 +25,10 @@ struct OpenedTransport
 /// secure
 ///         connection, otherwise the last transport's own answer
 ViStatus openTransport(const ResourceName& name, const Deadline& deadline, OpenedTransport& opened);
+
+/// Looks for resources, each kind of interface in its own way, at those whose names begin as `isWanted` says. Takes as
+/// long as the slowest of them, half a second with a network among them.
+/// @return resource names in the order found; there may be duplicates
+std::vector<std::string> presentResources(const std::function<bool(std::string_view beginning)>& isWanted);
 
 } // namespace visa

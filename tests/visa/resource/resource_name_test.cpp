@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include <array>
+#include <ostream>
 #include <random>
 #include <string>
 #include <vector>
@@ -41,7 +42,8 @@ protected:
 
 TEST_F(VisaResourceName, KindsWithoutABackEndLackTheirLibrary)
 {
-    for (const char* resource : {"GPIB::5", "GPIB0::0::INSTR", "gpib1::30::31::instr"})
+    for (const char* resource : {"VXI0::1::INSTR", "PXI0::1::INSTR", "GPIB::INTFC", "TCPIP::SERVANT", "GPIB::5",
+                                 "GPIB0::0::INSTR", "gpib1::30::31::instr"})
         EXPECT_EQ(statusOf(resource), VI_ERROR_LIBRARY_NFOUND) << resource;
 }
 
@@ -60,6 +62,113 @@ TEST_F(VisaResourceName, LanInstrumentsAreUnderstood)
         EXPECT_TRUE(isLanInstrument(resource)) << resource;
 }
 
+struct ParsedName
+{
+    ViUInt16 interfaceType;
+    ViUInt16 board;
+    std::string resourceClass;
+    std::string full;
+    bool operator==(const ParsedName&) const = default;
+};
+
+void PrintTo(const ParsedName& name, std::ostream* out)
+{
+    *out << name.interfaceType << ' ' << name.board << ' ' << name.resourceClass << ' ' << name.full;
+}
+
+class VisaParse : public VisaResourceName
+{
+protected:
+    ParsedName parse(const std::string& resource)
+    {
+        ParsedName name{17, 17, {}, {}};
+        std::array<ViChar, 256> resourceClass{};
+        std::array<ViChar, 256> full{};
+        std::array<ViChar, 256> alias{'x'};
+        EXPECT_EQ(viParseRsrcEx(manager_, resource.c_str(), &name.interfaceType, &name.board, resourceClass.data(),
+                                full.data(), alias.data()),
+                  VI_SUCCESS)
+            << resource;
+        EXPECT_STREQ(alias.data(), "");
+        name.resourceClass = resourceClass.data();
+        name.full = full.data();
+        ViUInt16 type = 17;
+        ViUInt16 board = 17;
+        EXPECT_EQ(viParseRsrc(manager_, resource.c_str(), &type, &board), VI_SUCCESS);
+        EXPECT_EQ(type, name.interfaceType);
+        EXPECT_EQ(board, name.board);
+        return name;
+    }
+};
+
+TEST_F(VisaParse, TellsInterfaceClassAndFullName)
+{
+    struct Row
+    {
+        const char* resource;
+        ParsedName name;
+    };
+    for (const auto& [resource, name] : std::vector<Row>{
+             {"asrl2", {VI_INTF_ASRL, 2, "INSTR", "ASRL2::INSTR"}},
+             {"ASRL", {VI_INTF_ASRL, 0, "INSTR", "ASRL0::INSTR"}},
+             {"asrl/dev/ttyUSB0", {VI_INTF_ASRL, 0, "INSTR", "ASRL/dev/ttyUSB0::INSTR"}},
+             {"gpib::5", {VI_INTF_GPIB, 0, "INSTR", "GPIB0::5::INSTR"}},
+             {"GPIB1::30::31::instr", {VI_INTF_GPIB, 1, "INSTR", "GPIB1::30::31::INSTR"}},
+             {"gpib2::intfc", {VI_INTF_GPIB, 2, "INTFC", "GPIB2::INTFC"}},
+             {"GPIB1::SERVANT", {VI_INTF_GPIB, 1, "SERVANT", "GPIB1::SERVANT"}},
+             {"vxi::1", {VI_INTF_VXI, 0, "INSTR", "VXI0::1::INSTR"}},
+             {"VXI3::255::INSTR", {VI_INTF_VXI, 3, "INSTR", "VXI3::255::INSTR"}},
+             {"VXI::MEMACC", {VI_INTF_VXI, 0, "MEMACC", "VXI0::MEMACC"}},
+             {"VXI::1::BACKPLANE", {VI_INTF_VXI, 0, "BACKPLANE", "VXI0::1::BACKPLANE"}},
+             {"VXI::BACKPLANE", {VI_INTF_VXI, 0, "BACKPLANE", "VXI0::BACKPLANE"}},
+             {"VXI0::SERVANT", {VI_INTF_VXI, 0, "SERVANT", "VXI0::SERVANT"}},
+             {"gpib-vxi::9::instr", {VI_INTF_GPIB_VXI, 0, "INSTR", "GPIB-VXI0::9::INSTR"}},
+             {"GPIB-VXI1::MEMACC", {VI_INTF_GPIB_VXI, 1, "MEMACC", "GPIB-VXI1::MEMACC"}},
+             {"GPIB-VXI2::BACKPLANE", {VI_INTF_GPIB_VXI, 2, "BACKPLANE", "GPIB-VXI2::BACKPLANE"}},
+             {"PXI::21", {VI_INTF_PXI, 0, "INSTR", "PXI0::21::0::INSTR"}},
+             {"PXI2::21::7::INSTR", {VI_INTF_PXI, 2, "INSTR", "PXI2::21::7::INSTR"}},
+             {"PXI0::3-18::INSTR", {VI_INTF_PXI, 0, "INSTR", "PXI0::3-18.0::INSTR"}},
+             {"PXI0::3-18.2", {VI_INTF_PXI, 0, "INSTR", "PXI0::3-18.2::INSTR"}},
+             {"pxi0::chassis1::slot4", {VI_INTF_PXI, 0, "INSTR", "PXI0::CHASSIS1::SLOT4::FUNC0::INSTR"}},
+             {"PXI0::CHASSIS1::SLOT4::INDEX1::INSTR",
+              {VI_INTF_PXI, 0, "INSTR", "PXI0::CHASSIS1::SLOT4::INDEX1::INSTR"}},
+             {"PXI0::CHASSIS12::SLOT4::FUNC7", {VI_INTF_PXI, 0, "INSTR", "PXI0::CHASSIS12::SLOT4::FUNC7::INSTR"}},
+             {"PXI0::MEMACC", {VI_INTF_PXI, 0, "MEMACC", "PXI0::MEMACC"}},
+             {"PXI0::1::BACKPLANE", {VI_INTF_PXI, 0, "BACKPLANE", "PXI0::1::BACKPLANE"}},
+             {"tcpip::h", {VI_INTF_TCPIP, 0, "INSTR", "TCPIP0::h::inst0::INSTR"}},
+             {"TCPIP1::[fe80::1]::hislip0,4881", {VI_INTF_TCPIP, 1, "INSTR", "TCPIP1::[fe80::1]::hislip0,4881::INSTR"}},
+             {"TCPIP::@h::5025::socket", {VI_INTF_TCPIP, 0, "SOCKET", "TCPIP0::@h::5025::SOCKET"}},
+             {"TCPIP::servant", {VI_INTF_TCPIP, 0, "SERVANT", "TCPIP0::inst0::SERVANT"}},
+             {"TCPIP2::gpib0::SERVANT", {VI_INTF_TCPIP, 2, "SERVANT", "TCPIP2::gpib0::SERVANT"}},
+             {"usb::4660::22136::A", {VI_INTF_USB, 0, "INSTR", "USB0::0x1234::0x5678::A::INSTR"}},
+             {"USB3::0xa::0XFFFF::SN-1::12::INSTR", {VI_INTF_USB, 3, "INSTR", "USB3::0x000A::0xFFFF::SN-1::12::INSTR"}},
+         })
+        EXPECT_EQ(parse(resource), name);
+}
+
+TEST_F(VisaParse, TextsAreOptionalAndNumbersAreNot)
+{
+    ViUInt16 type = 17;
+    ViUInt16 board = 17;
+    EXPECT_EQ(viParseRsrcEx(manager_, "USB2::1::2::A", &type, &board, nullptr, nullptr, nullptr), VI_SUCCESS);
+    EXPECT_EQ(type, VI_INTF_USB);
+    EXPECT_EQ(board, 2);
+    EXPECT_EQ(viParseRsrc(manager_, "ASRL1", nullptr, &board), VI_ERROR_INV_PARAMETER);
+    EXPECT_EQ(viParseRsrc(manager_, "ASRL1", &type, nullptr), VI_ERROR_INV_PARAMETER);
+}
+
+TEST_F(VisaParse, RefusesWhatOpeningRefuses)
+{
+    ViUInt16 type = 17;
+    ViUInt16 board = 18;
+    for (const char* resource : {"", "COM1", "ASRL1::SOCKET", "PXI0::32", "TCPIP::h::0::SOCKET"})
+        EXPECT_EQ(viParseRsrc(manager_, resource, &type, &board), VI_ERROR_INV_RSRC_NAME) << resource;
+    EXPECT_EQ(viParseRsrc(manager_, nullptr, &type, &board), VI_ERROR_INV_RSRC_NAME);
+    EXPECT_EQ(viParseRsrc(VI_NULL, "ASRL1", &type, &board), VI_ERROR_INV_OBJECT);
+    EXPECT_EQ(type, 17);
+    EXPECT_EQ(board, 18);
+}
+
 TEST_F(VisaResourceName, SecureConnectionsAreNeverOpenedInsecurely)
 {
     for (const char* resource : {"TCPIP::@127.0.0.1::hislip0::INSTR", "TCPIP::user@127.0.0.1::5025::SOCKET",
@@ -75,8 +184,6 @@ TEST_F(VisaResourceName, MalformedStringsAreInvalidNames)
                                                                 ":",
                                                                 "INSTR",
                                                                 "COM1",
-                                                                "PXI0::1::INSTR",
-                                                                "VXI0::1::INSTR",
                                                                 "ASRLx::INSTR",
                                                                 "ASRL1::SOCKET",
                                                                 "ASRL1::2::INSTR",
@@ -92,6 +199,35 @@ TEST_F(VisaResourceName, MalformedStringsAreInvalidNames)
                                                                 "GPIB::1::2::3",
                                                                 "GPIB::x",
                                                                 "GPIB::1::INTFC",
+                                                                "GPIB::1::MEMACC",
+                                                                "GPIB-VXI0::SERVANT",
+                                                                "GPIB-VXI",
+                                                                "GPIB-1",
+                                                                "VXI0",
+                                                                "VXI0::256",
+                                                                "VXI0::1::2::INSTR",
+                                                                "VXI0::x::BACKPLANE",
+                                                                "VXI0::INTFC",
+                                                                "PXI0::INSTR",
+                                                                "PXI0::32",
+                                                                "PXI0::1::8",
+                                                                "PXI0::1-32",
+                                                                "PXI0::256-1",
+                                                                "PXI0::1-2.8",
+                                                                "PXI0::1-2.",
+                                                                "PXI0::1-",
+                                                                "PXI0::-1",
+                                                                "PXI0::1.2-3",
+                                                                "PXI0::1-2::3",
+                                                                "PXI0::CHASSIS1",
+                                                                "PXI0::CHASSIS1::4",
+                                                                "PXI0::SLOT4::CHASSIS1",
+                                                                "PXI0::CHASSIS1::SLOT4::FUNC8",
+                                                                "PXI0::CHASSIS1::SLOT4::INDEX",
+                                                                "PXI0::CHASSIS1::SLOT4::INDEX1::FUNC1",
+                                                                "PXI0::BACKPLANE",
+                                                                "TCPIP::a::b::SERVANT",
+                                                                "TCPIP::a,1::SERVANT",
                                                                 "GPIB::::INSTR",
                                                                 "USB::1::2",
                                                                 "USB::0x1::0x2::",
@@ -158,6 +294,8 @@ TEST_F(VisaResourceName, MutatedStringsGiveADocumentedStatus)
     // Kinds that would reach out of this process are left out, so that a mutation never opens a connection elsewhere.
     const std::vector<std::string> seeds{"GPIB0::12::3::INSTR",
                                          "USB0::0x1234::0x5678::SN001::1::INSTR",
+                                         "PXI0::CHASSIS1::SLOT2::INDEX3::INSTR",
+                                         "GPIB-VXI0::9::BACKPLANE",
                                          "TCPIP0::[fe80::1]::hislip0,4880::INSTR",
                                          "TCPIP0::u@host::inst0::INSTR",
                                          "ASRL99::INSTR",

@@ -50,10 +50,10 @@ constexpr int kLockGraceMs = 2000;
 constexpr std::size_t kMostHislipDropped = std::size_t{16} * 1024 * 1024;
 
 /// The one who may use a channel in one direction, as soon as nobody else does.
-class Turn
+class HislipTurn
 {
 public:
-    Turn(std::timed_mutex& mutex, const Deadline& deadline) : lock_(mutex, std::try_to_lock)
+    HislipTurn(std::timed_mutex& mutex, const Deadline& deadline) : lock_(mutex, std::try_to_lock)
     {
         if (!lock_)
             lock_ = std::unique_lock(mutex,
@@ -226,7 +226,7 @@ ViStatus HislipTransport::join(std::uint16_t sessionId, const Deadline& deadline
 ViStatus HislipTransport::ask(const HislipHeader& question, std::span<const ViByte> payload, HislipType answerType,
                               const Deadline& deadline, Answer& answer)
 {
-    const Turn turn(asking_, deadline);
+    const HislipTurn turn(asking_, deadline);
     if (!turn)
         return VI_ERROR_TMO;
     if (isLost_)
@@ -370,7 +370,7 @@ std::optional<ViAccessMode> HislipTransport::lockState(const Terms& terms)
 ViStatus HislipTransport::read(std::span<ViByte> buffer, const Terms& terms, std::size_t& count)
 {
     count = 0;
-    const Turn turn(reading_, terms.deadline);
+    const HislipTurn turn(reading_, terms.deadline);
     if (!turn)
         return VI_ERROR_TMO;
     while (count < buffer.size()) {
@@ -504,7 +504,7 @@ ViStatus HislipTransport::readyToSend(const Deadline& deadline)
         dropArrivedReplies();
     if (interruptions_ <= 0)
         return VI_SUCCESS;
-    const Turn turn(asking_, deadline);
+    const HislipTurn turn(asking_, deadline);
     return turn ? awaitInterruption(deadline) : VI_ERROR_TMO;
 }
 
@@ -529,7 +529,7 @@ ViStatus HislipTransport::sendNumbered(HislipType type, std::span<const ViByte> 
 ViStatus HislipTransport::write(std::span<const ViByte> bytes, const Terms& terms, std::size_t& count)
 {
     count = 0;
-    const Turn turn(sending_, terms.deadline);
+    const HislipTurn turn(sending_, terms.deadline);
     if (!turn)
         return VI_ERROR_TMO;
     ViStatus status = readyToSend(terms.deadline);
@@ -548,7 +548,7 @@ ViStatus HislipTransport::write(std::span<const ViByte> bytes, const Terms& term
 
 ViStatus HislipTransport::trigger(const Terms& terms)
 {
-    const Turn turn(sending_, terms.deadline);
+    const HislipTurn turn(sending_, terms.deadline);
     if (!turn)
         return VI_ERROR_TMO;
     ViStatus status = readyToSend(terms.deadline);
@@ -567,9 +567,9 @@ ViStatus HislipTransport::clear(const Terms& terms)
 
 ViStatus HislipTransport::clearInto(bool overlapped, const Deadline& deadline)
 {
-    const Turn sending(sending_, deadline);
-    const Turn asking(asking_, deadline);
-    const Turn reading(reading_, deadline);
+    const HislipTurn sending(sending_, deadline);
+    const HislipTurn asking(asking_, deadline);
+    const HislipTurn reading(reading_, deadline);
     if (!sending || !asking || !reading)
         return VI_ERROR_TMO;
     if (isLost_)
