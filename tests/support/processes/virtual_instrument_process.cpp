@@ -14,9 +14,33 @@ namespace kvxtest
 namespace
 {
 
+/// One of the ways to the instrument that a whole test program can be run over, by the name in KVX_TEST_TRANSPORT.
+struct TestTransport
+{
+    std::string_view name;
+    std::vector<std::string> options;
+};
+
+const TestTransport& testTransport()
+{
+    static const std::vector<TestTransport> kTransports{
+        {"socket", {}}, {"hislip", {"--hislip", "0"}}, {"serial", {"--serial"}}};
+    const char* const wanted = std::getenv("KVX_TEST_TRANSPORT"); // NOLINT(concurrency-mt-unsafe): nobody sets it
+    const auto found = std::find_if(kTransports.begin(), kTransports.end(), [wanted](const TestTransport& transport) {
+        return transport.name == std::string_view(wanted == nullptr ? "socket" : wanted);
+    });
+    if (found == kTransports.end())
+        throw std::runtime_error("KVX_TEST_TRANSPORT names no transport");
+    return *found;
+}
+
 std::vector<std::string> argumentsFor(const std::vector<std::string>& extra)
 {
     std::vector<std::string> arguments{"--control-port", "0", "--until-stdin-closes"};
+    const auto& transport = testTransport().options;
+    // An option is given once.
+    if (transport.empty() || std::find(extra.begin(), extra.end(), transport.front()) == extra.end())
+        arguments.insert(arguments.end(), transport.begin(), transport.end());
     if (std::find(extra.begin(), extra.end(), "--port") == extra.end())
         arguments.insert(arguments.end(), {"--port", "0"});
     arguments.insert(arguments.end(), extra.begin(), extra.end());
@@ -104,6 +128,10 @@ VirtualInstrumentProcess::~VirtualInstrumentProcess()
 
 std::string VirtualInstrumentProcess::resource() const
 {
+    if (testTransport().name == "hislip")
+        return "TCPIP0::127.0.0.1::hislip0," + std::to_string(hislipPort_) + "::INSTR";
+    if (testTransport().name == "serial")
+        return "ASRL" + serialPath_ + "::INSTR";
     return "TCPIP0::127.0.0.1::" + std::to_string(port_) + "::SOCKET";
 }
 
