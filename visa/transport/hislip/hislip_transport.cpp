@@ -724,27 +724,4 @@ ViStatus openHislip(const ResourceName& name, const Deadline& deadline, std::uni
     return status;
 }
 
-} // namespace visaViStatus openHislip(const ResourceName& name, const Deadline& deadline, std::unique_ptr<Transport>&
-  // transport)
-{
-    ResourceName address = name;
-    address.port = name.port != 0 ? name.port : kHislipPort;
-    std::unique_ptr<HislipChannel> synchronous;
-    std::unique_ptr<HislipChannel> asynchronous;
-    Greeting greeting;
-    ViStatus status = openChannel(address, deadline, kSynchronousInput, synchronous);
-    if (status >= 0)
-        status =
-            greet(*synchronous, name.namesDevice ? std::string_view(name.device) : kDefaultDevice, deadline, greeting);
-    if (status >= 0)
-        status = openChannel(address, deadline, kAsynchronousInput, asynchronous);
-    if (status < 0)
-        return status;
-    auto opened = std::make_unique<HislipTransport>(std::move(synchronous), std::move(asynchronous), greeting);
-    status = opened->join(greeting.sessionId, deadline);
-    if (status >= 0)
-        transport = std::move(opened);
-    return status;
-}
-
 } // namespace visa

@@ -1,9 +1,8 @@
 #include "tests/support/processes/virtual_instrument_process.h"
 #include "tests/support/visa/session_fixtures.h"
 
-#include <chrono>
+#include <array>
 #include <string>
-#include <thread>
 
 namespace
 {
@@ -170,7 +169,8 @@ TEST_F(VisaHislipInstrument, ItsLocksAreHeldAndGivenBack)
     EXPECT_EQ(attribute<ViUInt32>(session_, VI_ATTR_RSRC_LOCK_STATE), static_cast<ViUInt32>(VI_EXCLUSIVE_LOCK));
     expectReply(session_, "*OPC?", "1\n");
     EXPECT_EQ(viUnlock(session_), VI_SUCCESS);
-    EXPECT_EQ(viLock(session_, VI_SHARED_LOCK, kLongMs, "key", VI_NULL), VI_SUCCESS);
+    std::array<ViChar, 256> key{};
+    EXPECT_EQ(viLock(session_, VI_SHARED_LOCK, kLongMs, "key", key.data()), VI_SUCCESS);
     EXPECT_EQ(attribute<ViUInt32>(session_, VI_ATTR_RSRC_LOCK_STATE), static_cast<ViUInt32>(VI_SHARED_LOCK));
     EXPECT_EQ(viUnlock(session_), VI_SUCCESS);
     EXPECT_EQ(attribute<ViUInt32>(session_, VI_ATTR_RSRC_LOCK_STATE), static_cast<ViUInt32>(VI_NO_LOCK));
