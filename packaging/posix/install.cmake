@@ -7,6 +7,11 @@ install(FILES ${PROJECT_SOURCE_DIR}/api/KVX2800T.h ${PROJECT_SOURCE_DIR}/api/KVX
 if(NOT KVX_VENDOR_PLATFORM)
     install(TARGETS IviCShared IviConfigServer visa LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
     install(TARGETS kvx2800t-store RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+    if(KVX_LIBUSB)
+        # udev reads it below /usr and /usr/local. With --component usb-permissions it is installed alone.
+        install(FILES ${PROJECT_SOURCE_DIR}/packaging/linux/70-kvvisa-usbtmc.rules
+            DESTINATION lib/udev/rules.d COMPONENT usb-permissions)
+    endif()
     install(DIRECTORY ${PROJECT_SOURCE_DIR}/platform/include/ ${PROJECT_SOURCE_DIR}/visa/include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 endif()
 
