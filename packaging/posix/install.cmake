@@ -13,6 +13,11 @@ endif()
 if(NOT KVX_VENDOR_VISA)
     install(TARGETS visa LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
     install(DIRECTORY ${PROJECT_SOURCE_DIR}/visa/include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+    if(KVX_LIBUSB)
+        # udev reads it below /usr and /usr/local. With --component usb-permissions it is installed alone.
+        install(FILES ${PROJECT_SOURCE_DIR}/packaging/linux/70-kvvisa-usbtmc.rules
+            DESTINATION lib/udev/rules.d COMPONENT usb-permissions)
+    endif()
 endif()
 
 # The installed folder may be moved: the file says where it is relative to itself.

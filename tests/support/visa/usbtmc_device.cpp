@@ -25,7 +25,10 @@ std::string hexadecimal(unsigned number)
 
 std::uint32_t sizeIn(std::span<const ViByte> header)
 {
-    return header[4] | header[5] << 8U | header[6] << 16U | static_cast<std::uint32_t>(header[7]) << 24U;
+    std::uint32_t size = 0;
+    for (std::size_t i = 0; i < 4; ++i)
+        size |= std::uint32_t{header[4 + i]} << (8 * i);
+    return size;
 }
 
 struct RequestName

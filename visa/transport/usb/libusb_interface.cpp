@@ -81,8 +81,10 @@ LibusbInterface::Pipe::Pipe() : transfer(libusb_alloc_transfer(0))
         throw std::bad_alloc();
 }
 
-LibusbInterface::LibusbInterface(LibusbContext context, LibusbHandle handle, UsbDescription description)
-    : context_(std::move(context)), handle_(std::move(handle)), description_(std::move(description))
+LibusbInterface::LibusbInterface(LibusbContext context, LibusbHandle handle, LibusbClaim claim,
+                                 UsbDescription description)
+    : context_(std::move(context)), handle_(std::move(handle)), claim_(std::move(claim)),
+      description_(std::move(description))
 {
     bulkOut_.cancelled = bulkIn_.cancelled = &isBulkCancelled_;
     control_.cancelled = interruptIn_.cancelled = &isAllCancelled_;
@@ -92,12 +94,10 @@ LibusbInterface::LibusbInterface(LibusbContext context, LibusbHandle handle, Usb
 
 LibusbInterface::~LibusbInterface()
 {
-    if (isListening_) {
-        cancel(interruptIn_);
-        awaitEnd(interruptIn_);
-    }
-    // Gives the interface back to the host's own driver, too.
-    libusb_release_interface(handle_.get(), description_.interfaceNumber);
+    if (!isListening_)
+        return;
+    cancel(interruptIn_);
+    awaitEnd(interruptIn_);
 }
 
 /// @return why it is not under way

@@ -27,13 +27,23 @@ struct LibusbRelease
 using LibusbContext = std::unique_ptr<libusb_context, LibusbRelease<libusb_exit>>;
 using LibusbHandle = std::unique_ptr<libusb_device_handle, LibusbRelease<libusb_close>>;
 
+/// What a handle has claimed; the host's own driver gets it back.
+struct LibusbUnclaim
+{
+    int interfaceNumber = 0;
+    void operator()(libusb_device_handle* handle) const noexcept { libusb_release_interface(handle, interfaceNumber); }
+};
+using LibusbClaim = std::unique_ptr<libusb_device_handle, LibusbUnclaim>;
+
 /// A USB interface through libusb. Each has a context of its own: its threads wait for its own transfers, and nothing
 /// is left of it when it goes.
 class LibusbInterface : public UsbInterface
 {
 public:
-    /// @param handle of context's, which has claimed the interface. Throws std::bad_alloc.
-    LibusbInterface(LibusbContext context, LibusbHandle handle, UsbDescription description);
+    /// @param handle of the context's
+    /// @param claim of the interface, by the handle
+    /// Throws std::bad_alloc.
+    LibusbInterface(LibusbContext context, LibusbHandle handle, LibusbClaim claim, UsbDescription description);
     ~LibusbInterface() override;
     LibusbInterface(const LibusbInterface&) = delete;
     LibusbInterface& operator=(const LibusbInterface&) = delete;
@@ -77,6 +87,7 @@ private:
 
     const LibusbContext context_;
     const LibusbHandle handle_;
+    const LibusbClaim claim_;
     const UsbDescription description_;
 
     std::mutex stateMutex_; ///< guards isUnderWay, isCancellable and the two below

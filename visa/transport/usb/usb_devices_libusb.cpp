@@ -169,7 +169,7 @@ std::string serialNumber(libusb_device_handle* handle)
 }
 
 /// Resource strings do not tell letters by their case.
-bool equalsIgnoringCase(const std::string& a, const std::string& b)
+bool isSameSerial(const std::string& a, const std::string& b)
 {
     const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; };
     return std::equal(a.begin(), a.end(), b.begin(), b.end(), [lower](char x, char y) { return lower(x) == lower(y); });
@@ -187,30 +187,36 @@ std::optional<TestInterface> candidate(libusb_device* device, const ResourceName
     return std::nullopt;
 }
 
-int claim(libusb_device_handle* handle, const TestInterface& test)
+int claim(libusb_device_handle* handle, const TestInterface& test, LibusbClaim& claimed)
 {
     const int number = test.description.interfaceNumber;
     // The host's own driver has the interface at first. Where none can be detached, none is in the way.
     libusb_set_auto_detach_kernel_driver(handle, 1);
-    int error = libusb_claim_interface(handle, number);
-    if (error != LIBUSB_SUCCESS || test.alternateSetting == 0)
-        return error;
-    error = libusb_set_interface_alt_setting(handle, number, test.alternateSetting);
+    const int error = libusb_claim_interface(handle, number);
     if (error != LIBUSB_SUCCESS)
-        libusb_release_interface(handle, number);
-    return error;
+        return error;
+    claimed = LibusbClaim(handle, {number});
+    return test.alternateSetting == 0 ? LIBUSB_SUCCESS
+                                      : libusb_set_interface_alt_setting(handle, number, test.alternateSetting);
 }
 
-/// @return VI_ERROR_RSRC_NFOUND for a device with another serial number
-ViStatus openCandidate(libusb_device* device, const std::string& serial, TestInterface& test, LibusbHandle& handle)
+/// A device that has been opened, and what it has claimed.
+struct OpenedDevice
 {
-    if (const int error = open(device, handle); error != LIBUSB_SUCCESS)
+    LibusbHandle handle;
+    LibusbClaim claim;
+};
+
+/// @return VI_ERROR_RSRC_NFOUND for a device with another serial number
+ViStatus openCandidate(libusb_device* device, const std::string& serial, TestInterface& test, OpenedDevice& opened)
+{
+    if (const int error = open(device, opened.handle); error != LIBUSB_SUCCESS)
         return statusOfOpening(error);
-    test.description.serialNumber = serialNumber(handle.get());
-    if (!equalsIgnoringCase(test.description.serialNumber, serial))
+    test.description.serialNumber = serialNumber(opened.handle.get());
+    if (!isSameSerial(test.description.serialNumber, serial))
         return VI_ERROR_RSRC_NFOUND;
-    readTexts(handle.get(), test.description);
-    return statusOfOpening(claim(handle.get(), test));
+    readTexts(opened.handle.get(), test.description);
+    return statusOfOpening(claim(opened.handle.get(), test, opened.claim));
 }
 
 void addResources(libusb_device* device, std::vector<std::string>& resources)
@@ -241,16 +247,16 @@ ViStatus openUsbInterface(const ResourceName& name, std::unique_ptr<UsbInterface
         auto test = candidate(device, name);
         if (!test)
             continue;
-        LibusbHandle handle;
-        const ViStatus opened = openCandidate(device, name.serialNumber, *test, handle);
-        if (opened >= 0) {
-            usb =
-                std::make_unique<LibusbInterface>(std::move(context), std::move(handle), std::move(test->description));
+        OpenedDevice opened;
+        const ViStatus reached = openCandidate(device, name.serialNumber, *test, opened);
+        if (reached >= 0) {
+            usb = std::make_unique<LibusbInterface>(std::move(context), std::move(opened.handle),
+                                                    std::move(opened.claim), std::move(test->description));
             return VI_SUCCESS;
         }
         // A device that could have been the one says more than those that are not.
-        if (opened != VI_ERROR_RSRC_NFOUND)
-            status = opened;
+        if (reached != VI_ERROR_RSRC_NFOUND)
+            status = reached;
     }
     return status;
 }

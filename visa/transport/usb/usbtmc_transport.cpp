@@ -22,7 +22,7 @@ std::size_t roomFor(std::size_t dataSize, std::size_t packetSize)
     return (usbtmc::paddedSize(dataSize) / packetSize + 1) * packetSize;
 }
 
-std::optional<ViByte> termChar(const AttributeValues& values)
+std::optional<ViByte> wantedTermChar(const AttributeValues& values)
 {
     if (values.get<VI_ATTR_TERMCHAR_EN>() != VI_TRUE)
         return std::nullopt;
@@ -173,7 +173,7 @@ ViStatus UsbtmcTransport::fetch(std::size_t wanted, const Terms& terms)
 {
     const std::size_t asked = std::min(wanted, kMostData);
     const ViByte tag = takeTag();
-    const auto end = capabilities_.endsAtTermChar ? termChar(terms.attributes) : std::nullopt;
+    const auto end = capabilities_.endsAtTermChar ? wantedTermChar(terms.attributes) : std::nullopt;
     const auto request = usbtmc::requestDeviceDependentIn(tag, static_cast<std::uint32_t>(asked), end);
     std::size_t none = 0;
     if (const ViStatus sent = send(request, {}, terms.deadline, none); sent < 0)
@@ -201,7 +201,7 @@ std::optional<ViStatus> UsbtmcTransport::deliver(std::span<ViByte> buffer, const
 {
     const auto ready = received_.first(std::min(received_.size(), buffer.size() - count));
     EndRule rule;
-    rule.termByte = termChar(terms.attributes);
+    rule.termByte = wantedTermChar(terms.attributes);
     const auto found = findEnd(ready, rule);
     const std::size_t taken = found ? found->length : ready.size();
     std::copy_n(ready.begin(), taken, buffer.begin() + static_cast<std::ptrdiff_t>(count));
