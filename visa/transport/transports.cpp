@@ -1,5 +1,6 @@
 #include "visa/transport/transports.h"
 
+#include "visa/discovery/lan_search.h"
 #include "visa/transport/serial/find_serial_ports.h"
 #include "visa/transport/serial/serial_stream.h"
 #include "visa/transport/stream_transport.h"
@@ -50,8 +51,9 @@ struct SearchRow
 };
 
 /// All searches. One may find resources of several transports.
-constexpr std::array<SearchRow, 1> kSearches{{
+constexpr std::array<SearchRow, 2> kSearches{{
     {"ASRL", findSerialPorts},
+    {"TCPIP", findLanInstruments},
 }};
 
 } // namespace
