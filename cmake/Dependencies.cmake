@@ -28,3 +28,18 @@ endif()
 
 kvx_header_library(kvx_rapidxml rapidxml/rapidxml.hpp rapidxml)
 kvx_header_library(kvx_cli11 CLI/CLI.hpp CLI)
+
+# libusb reaches USB instruments. VISA is built without it, too: KVX_LIBUSB is the library, empty where there is none.
+set(KVX_LIBUSB "")
+if(NOT WIN32)
+    find_path(KVX_LIBUSB_HEADERS libusb.h PATH_SUFFIXES libusb-1.0)
+    find_library(KVX_LIBUSB_LIBRARY usb-1.0)
+    if(KVX_LIBUSB_HEADERS AND KVX_LIBUSB_LIBRARY)
+        set(KVX_LIBUSB kvx_libusb)
+        add_library(kvx_libusb INTERFACE)
+        target_include_directories(kvx_libusb SYSTEM INTERFACE ${KVX_LIBUSB_HEADERS})
+        target_link_libraries(kvx_libusb INTERFACE ${KVX_LIBUSB_LIBRARY})
+    else()
+        message(STATUS "No libusb-1.0 (libusb-1.0-0-dev): VISA is built without USB instruments")
+    endif()
+endif()

@@ -47,6 +47,9 @@ void startTransports(Server& server, const Options& options, OutputQueue& output
 {
     output.add("listening on " + startOrExplain(listenText(options.bindAddress, options.port),
                                                 [&] { return server.listen(options.bindAddress, options.port); }));
+    if (const auto port = options.hislipPort)
+        output.add("HiSLIP on " + startOrExplain(listenText(options.bindAddress, *port),
+                                                 [&] { return server.listenHislip(options.bindAddress, *port); }));
     if (options.serial)
         output.add("serial line at " + startOrExplain("offer a serial line", [&] { return server.openSerial(); }));
     if (const auto port = options.controlPort) {

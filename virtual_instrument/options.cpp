@@ -14,6 +14,8 @@ namespace
 {
 
 constexpr int kUsageError = 2;
+/// As IANA has it.
+constexpr unsigned short kHislipPort = 4880;
 constexpr int kLongestSettleMilliseconds = 3'600'000;
 constexpr std::size_t kLongestToken = 1024;
 
@@ -53,6 +55,7 @@ std::string checkToken(const std::string& text)
 CommandLine parseCommandLine(int argumentCount, const char* const* arguments)
 {
     Options options;
+    unsigned short hislipPort = 0;
     unsigned short controlPort = 0;
     std::string controlToken;
     int settleMilliseconds = static_cast<int>(options.instrument.settleTime.count());
@@ -69,6 +72,9 @@ CommandLine parseCommandLine(int argumentCount, const char* const* arguments)
         ->check(CLI::ValidIPV4)
         ->capture_default_str();
     app.add_flag("--serial", options.serial, "offer a serial line (a pseudo terminal) and print its path");
+    auto* const hislip =
+        app.add_option("--hislip", hislipPort, "TCP port of HiSLIP, 4880 without a number, 0 for any free one")
+            ->expected(0, 1);
     auto* const control =
         app.add_option("--control-port", controlPort, "TCP port of the test control on 127.0.0.1, 0 for any free one");
     app.add_option("--control-token", controlToken,
@@ -99,6 +105,8 @@ CommandLine parseCommandLine(int argumentCount, const char* const* arguments)
         return {};
     }
 
+    if (hislip->count() > 0)
+        options.hislipPort = hislip->results().front().empty() ? kHislipPort : hislipPort;
     if (control->count() > 0)
         options.controlPort = controlPort;
     if (!controlToken.empty())

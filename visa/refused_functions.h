@@ -6,8 +6,6 @@
 /// session). Those of VISA's memory that return nothing do nothing and have a list of their own.
 // clang-format off
 #define KVX_VISA_REFUSED_FUNCTIONS(ROW) \
-    ROW(viLock, _VI_FUNC, VI_ERROR_NSUP_OPER, ViAccessMode, ViUInt32, ViConstKeyId, ViChar*) \
-    ROW(viUnlock, _VI_FUNC, VI_ERROR_NSUP_OPER) \
     ROW(viEnableEvent, _VI_FUNC, VI_ERROR_INV_EVENT, ViEventType, ViUInt16, ViEventFilter) \
     ROW(viWaitOnEvent, _VI_FUNC, VI_ERROR_NSUP_OPER, ViEventType, ViUInt32, ViPEventType, ViPEvent) \
     ROW(viInstallHandler, _VI_FUNC, VI_ERROR_NSUP_OPER, ViEventType, ViHndlr, ViAddr) \

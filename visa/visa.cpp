@@ -12,6 +12,8 @@
 
 #include <cstdio>
 #include <cstring>
+#include <limits>
+#include <optional>
 #include <span>
 #include <string>
 
@@ -22,6 +24,7 @@ using visa::guarded;
 using visa::InstrumentSession;
 using visa::ManagerSession;
 using visa::registry;
+using visa::ResourceLock;
 using visa::ResourceName;
 using visa::Session;
 using visa::withSession;
@@ -52,6 +55,28 @@ void storeWanted(std::string_view text, ViChar target[])
 {
     if (target != nullptr)
         visa::storeText(text, target);
+}
+
+ViStatus lockShared(Session& session, ViUInt32 timeout, ViConstKeyId requestedKey, ViChar accessKey[])
+{
+    std::optional<std::string> key;
+    // An empty key is as good as none, for languages without null texts.
+    if (requestedKey != nullptr && *requestedKey != '\0') {
+        if (::strnlen(requestedKey, ResourceLock::kLongestKey + 1) > ResourceLock::kLongestKey)
+            return VI_ERROR_INV_ACCESS_KEY;
+        key = requestedKey;
+    }
+    const ViStatus status = session.lockShared(timeout, key);
+    if (status >= 0)
+        visa::storeText(*key, accessKey);
+    return status;
+}
+
+/// What connecting has left of the time; without a time-out a lock is not waited for.
+ViUInt32 lockTimeoutMs(ViUInt32 timeout, const visa::Deadline& deadline)
+{
+    const int leftMs = deadline.remainingMs(std::numeric_limits<int>::max());
+    return timeout == VI_TMO_INFINITE || timeout == VI_TMO_IMMEDIATE ? timeout : static_cast<ViUInt32>(leftMs);
 }
 
 /// Keeps the names for viFindNext.
@@ -94,7 +119,8 @@ ViStatus openInstrument(ViSession manager, const ResourceName& name, ViAccessMod
         return VI_ERROR_ALLOC;
     auto lock = registry().lockOf(name.canonical);
     visa::OpenedTransport transport;
-    ViStatus status = visa::openTransport(name, visa::Deadline(timeout == 0 ? kDefaultTimeoutMs : timeout), transport);
+    const visa::Deadline deadline(timeout == 0 ? kDefaultTimeoutMs : timeout);
+    ViStatus status = visa::openTransport(name, deadline, transport);
     if (status < 0)
         return status;
     const auto session = std::make_shared<InstrumentSession>(InstrumentSession::Identity{handle, manager, name},
@@ -102,7 +128,7 @@ ViStatus openInstrument(ViSession manager, const ResourceName& name, ViAccessMod
     status = session->applyInitialAttributes();
     if (status < 0)
         return status;
-    if ((mode & VI_EXCLUSIVE_LOCK) != 0 && !lock->acquire(handle))
+    if ((mode & VI_EXCLUSIVE_LOCK) != 0 && session->lockExclusively(lockTimeoutMs(timeout, deadline)) < 0)
         return VI_ERROR_RSRC_LOCKED;
     if (!registry().add(handle, session))
         return VI_ERROR_INV_OBJECT;
@@ -250,6 +276,25 @@ ViStatus _VI_FUNC viTerminate(ViObject vi, ViUInt16 degree, ViJobId jobId)
         // Only asynchronous operations have jobs.
         return jobId == VI_NULL ? session.abort() : VI_ERROR_INV_JOB_ID;
     });
+}
+
+ViStatus _VI_FUNC viLock(ViSession vi, ViAccessMode lockType, ViUInt32 timeout, ViConstKeyId requestedKey,
+                         ViChar accessKey[])
+{
+    return withSession(vi, [=](Session& session) {
+        if (lockType == VI_EXCLUSIVE_LOCK) {
+            storeWanted({}, accessKey);
+            return session.lockExclusively(timeout);
+        }
+        if (lockType != VI_SHARED_LOCK)
+            return VI_ERROR_INV_LOCK_TYPE;
+        return accessKey == nullptr ? VI_ERROR_INV_PARAMETER : lockShared(session, timeout, requestedKey, accessKey);
+    });
+}
+
+ViStatus _VI_FUNC viUnlock(ViSession vi)
+{
+    return withSession(vi, [](Session& session) { return session.unlock(); });
 }
 
 ViStatus _VI_FUNC viDisableEvent(ViSession vi, ViEventType, ViUInt16)

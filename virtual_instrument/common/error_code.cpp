@@ -38,6 +38,10 @@ std::string_view errorText(ErrorCode code)
         return "Queue overflow";
     case ErrorCode::InputBufferOverrun:
         return "Input buffer overrun";
+    case ErrorCode::QueryInterrupted:
+        return "Query INTERRUPTED";
+    case ErrorCode::QueryUnterminated:
+        return "Query UNTERMINATED";
     }
     return "";
 }

@@ -24,6 +24,8 @@ enum class ErrorCode
     IllegalParameterValue = -224,
     QueueOverflow = -350,
     InputBufferOverrun = -363,
+    QueryInterrupted = -410,
+    QueryUnterminated = -420,
 };
 
 /// The standard's text for `code`, without quotes. None of them holds a comma, which clients split replies at.

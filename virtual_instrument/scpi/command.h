@@ -23,6 +23,15 @@ struct InstrumentState
     StatusModel status;
     std::string identity;
     Wording wording;
+
+    unsigned int statusByte() const { return status.statusByte(supplySummaries()); }
+
+    /// What the status byte sums up of the supply.
+    unsigned int supplySummaries() const
+    {
+        return (supply.hasQuestionableEvent() ? status_byte::kQuestionableSummary : 0U) |
+               (supply.programActive() ? status_byte::kOperationSummary : 0U);
+    }
 };
 
 /// One execution of a command. A handler that returns an error has changed nothing, and its reply is dropped.

@@ -117,6 +117,12 @@ ErrorCode answerRegister(Call& call)
     return ErrorCode::None;
 }
 
+ErrorCode answerStatusByte(Call& call)
+{
+    call.reply.addInteger(static_cast<int>(call.state.statusByte()));
+    return ErrorCode::None;
+}
+
 ErrorCode answerIdentity(Call& call)
 {
     call.reply.addText(call.state.identity);
@@ -299,7 +305,7 @@ std::span<const Command> instrumentCommands()
         {"*ESE?", {}, answerRegister<&StatusModel::eventEnable>, "standard event enable"},
         {"*SRE", {kRegister}, setEnable<&StatusModel::setServiceEnable>, "service request enable"},
         {"*SRE?", {}, answerRegister<&StatusModel::serviceEnable>, "service request enable"},
-        {"*STB?", {}, answerRegister<&StatusModel::statusByte>, "status byte"},
+        {"*STB?", {}, answerStatusByte, "status byte"},
         {"*OPC", {}, completeOperation, "sets the operation-complete bit"},
         {"*OPC?", {}, answerOne, "1 when everything before is done"},
         {"*WAI", {}, doNothing, "waits until everything before is done"},

@@ -26,4 +26,11 @@ std::optional<LineAssembler::Line> LineAssembler::next()
     }
 }
 
+void LineAssembler::clear()
+{
+    buffer_.clear();
+    consumed_ = 0;
+    discarding_ = false;
+}
+
 } // namespace kvxvirtual

@@ -26,6 +26,9 @@ public:
 
     void append(std::string_view bytes) { buffer_ += bytes; }
 
+    /// Forgets what has come of a line, as if the last line were complete.
+    void clear();
+
     /// The next complete line or overrun, if there is one. To be called until there is none before more is appended.
     std::optional<Line> next();
 

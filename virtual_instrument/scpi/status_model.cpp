@@ -62,9 +62,9 @@ unsigned int StatusModel::takeEventStatus()
     return std::exchange(eventStatus_, 0U);
 }
 
-unsigned int StatusModel::statusByte() const
+unsigned int StatusModel::statusByte(unsigned int others) const
 {
-    unsigned int byte = 0;
+    unsigned int byte = others;
     if (!queue_.empty())
         byte |= status_byte::kErrorAvailable;
     if ((eventStatus_ & eventEnable_) != 0)

@@ -23,8 +23,11 @@ inline constexpr unsigned int kPowerOn = 128;
 namespace status_byte
 {
 inline constexpr unsigned int kErrorAvailable = 4;
+inline constexpr unsigned int kQuestionableSummary = 8;
+inline constexpr unsigned int kMessageAvailable = 16;
 inline constexpr unsigned int kEventSummary = 32;
 inline constexpr unsigned int kMasterSummary = 64;
+inline constexpr unsigned int kOperationSummary = 128;
 } // namespace status_byte
 
 struct ErrorEntry
@@ -64,7 +67,8 @@ public:
     unsigned int serviceEnable() const { return serviceEnable_; }
     void setServiceEnable(unsigned int mask) { serviceEnable_ = mask & ~status_byte::kMasterSummary; }
 
-    unsigned int statusByte() const;
+    /// `others` are the bits of what this does not know: the supply's summaries, a message for the client.
+    unsigned int statusByte(unsigned int others = 0) const;
 
 private:
     std::deque<ErrorEntry> queue_;

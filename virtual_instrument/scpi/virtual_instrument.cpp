@@ -21,6 +21,7 @@ std::optional<Response> VirtualInstrument::receive(std::string_view line)
     if (line.ends_with('\r'))
         line.remove_suffix(1);
     auto reply = replyTo(line);
+    statusMayHaveChanged();
     if (!reply)
         return std::nullopt;
     if (repliesToSwallow_ > 0) {
@@ -28,6 +29,32 @@ std::optional<Response> VirtualInstrument::receive(std::string_view line)
         return std::nullopt;
     }
     return Response{std::move(*reply), replyDelay_};
+}
+
+void VirtualInstrument::report(ErrorCode code)
+{
+    state_.status.report(code);
+    statusMayHaveChanged();
+}
+
+void VirtualInstrument::trigger()
+{
+    state_.supply.update();
+    state_.supply.trigger();
+    state_.supply.update();
+    statusMayHaveChanged();
+}
+
+unsigned int VirtualInstrument::statusByte()
+{
+    state_.supply.update();
+    return state_.statusByte();
+}
+
+void VirtualInstrument::statusMayHaveChanged()
+{
+    if (statusObserver_)
+        statusObserver_();
 }
 
 void VirtualInstrument::clearFaults()

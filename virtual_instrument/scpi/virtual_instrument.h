@@ -1,14 +1,17 @@
 #pragma once
 
+#include "virtual_instrument/common/front_panel.h"
 #include "virtual_instrument/common/instrument_clock.h"
 #include "virtual_instrument/scpi/command.h"
 #include "virtual_instrument/scpi/received_log.h"
 
 #include <chrono>
 #include <deque>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace kvxvirtual
 {
@@ -49,7 +52,21 @@ public:
     std::optional<Response> receive(std::string_view line);
 
     /// A client sent more than the input buffer holds without a line feed.
-    void inputOverrun() { state_.status.report(ErrorCode::InputBufferOverrun); }
+    void inputOverrun() { report(ErrorCode::InputBufferOverrun); }
+
+    /// An error of the exchange of messages.
+    void report(ErrorCode code);
+
+    /// What a bus calls a trigger: as *TRG.
+    void trigger();
+
+    /// The status byte as *STB? answers it.
+    unsigned int statusByte();
+
+    FrontPanel& frontPanel() { return frontPanel_; }
+
+    /// Calls `observer` whenever the status byte may have changed other than by time going by.
+    void setStatusObserver(std::function<void()> observer) { statusObserver_ = std::move(observer); }
 
     // From the test control ------------------------------------------------------------------------------------------
 
@@ -74,6 +91,9 @@ public:
 
     void advanceClock(InstrumentClock::Duration step);
 
+    /// To be called when something has changed by supply() or status().
+    void statusMayHaveChanged();
+
 private:
     std::optional<std::string> replyTo(std::string_view message);
 
@@ -84,6 +104,8 @@ private:
     std::deque<std::string> answers_;
     int repliesToSwallow_ = 0;
     std::chrono::milliseconds replyDelay_{0};
+    FrontPanel frontPanel_;
+    std::function<void()> statusObserver_;
 };
 
 } // namespace kvxvirtual

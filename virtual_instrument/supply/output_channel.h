@@ -99,6 +99,9 @@ public:
     /// Reads and clears the event register.
     unsigned int takeQuestionableEvent();
     void clearQuestionableEvent() { event_ = 0; }
+    bool hasQuestionableEvent() const { return event_ != 0; }
+
+    bool programActive() const { return list_.run().active() || delay_.run().active(); }
 
     const ListProgram& list() const { return list_; }
     ListProgram& list() { return list_; }

@@ -1,5 +1,7 @@
 #include "virtual_instrument/supply/power_supply.h"
 
+#include <algorithm>
+
 namespace kvxvirtual
 {
 namespace
@@ -108,6 +110,18 @@ void PowerSupply::clearQuestionableEvents()
 {
     for (auto& channel : channels_)
         channel.clearQuestionableEvent();
+}
+
+bool PowerSupply::hasQuestionableEvent() const
+{
+    return std::any_of(channels_.begin(), channels_.end(),
+                       [](const OutputChannel& channel) { return channel.hasQuestionableEvent(); });
+}
+
+bool PowerSupply::programActive() const
+{
+    return std::any_of(channels_.begin(), channels_.end(),
+                       [](const OutputChannel& channel) { return channel.programActive(); });
 }
 
 ErrorCode PowerSupply::switchList(bool on)

@@ -86,6 +86,11 @@ public:
     /// Reads and clears the event register.
     unsigned int takeQuestionableEvent(int channel) { return at(channel).takeQuestionableEvent(); }
     void clearQuestionableEvents();
+    /// Whether the event register of some channel is not 0.
+    bool hasQuestionableEvent() const;
+
+    /// Whether some channel's list or delay program is active.
+    bool programActive() const;
 
     /// Ohms between the channel's terminals; nothing: open. 0 is a short circuit.
     void setLoad(int channel, std::optional<double> ohms) { at(channel).setLoad(ohms); }

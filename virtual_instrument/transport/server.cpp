@@ -35,13 +35,18 @@ std::optional<std::string> clientName(const asio::ip::tcp::socket& socket)
 
 Server::Server(asio::io_context& context, VirtualInstrument& instrument, Journal& journal)
     : context_(context), instrument_(instrument), journal_(journal),
-      control_(instrument, [this] { disconnectClients(); })
+      control_(instrument, [this] { disconnectClients(); }), hub_(context, instrument, journal), hislip_(hub_)
 {
 }
 
 std::string Server::listen(const std::string& address, unsigned short port)
 {
     return listenOn(address, port, [this](Socket socket) { addClient(std::move(socket)); });
+}
+
+std::string Server::listenHislip(const std::string& address, unsigned short port)
+{
+    return listenOn(address, port, [this](Socket socket) { addHislipClient(std::move(socket)); });
 }
 
 std::string Server::openSerial()
@@ -115,6 +120,16 @@ void Server::addClient(Socket socket)
     clients_.insert(client);
     journal_.clientCame(client->name());
     client->start();
+}
+
+void Server::addHislipClient(Socket socket)
+{
+    const auto name = clientName(socket);
+    if (!name)
+        return;
+    clients_.insert(hislip_.serve(std::move(socket), *name, [this](const std::shared_ptr<Connection>& connection) {
+        clients_.erase(connection);
+    }));
 }
 
 void Server::disconnectClients()

@@ -2,7 +2,9 @@
 
 #include "virtual_instrument/scpi/virtual_instrument.h"
 #include "virtual_instrument/transport/control_connection.h"
+#include "virtual_instrument/transport/hislip/hislip_server.h"
 #include "virtual_instrument/transport/journal.h"
+#include "virtual_instrument/transport/link/link_hub.h"
 #include "virtual_instrument/transport/listening_socket.h"
 #include "virtual_instrument/transport/message_connection.h"
 #include "virtual_instrument/transport/test_control.h"
@@ -31,6 +33,9 @@ public:
     /// Throws std::system_error when the address cannot be had.
     std::string listen(const std::string& address, unsigned short port);
 
+    /// Takes clients of HiSLIP, otherwise as listen().
+    std::string listenHislip(const std::string& address, unsigned short port);
+
     /// Offers a serial line; returns the path that clients open. Throws std::system_error.
     std::string openSerial();
 
@@ -58,6 +63,7 @@ private:
     /// Takes every client that is waiting; whether the host could give them all.
     bool acceptWaiting(Listener& listener);
     void addClient(Socket socket);
+    void addHislipClient(Socket socket);
     void disconnectClients();
     void whenQuiet(std::function<void()> action);
 
@@ -65,6 +71,8 @@ private:
     VirtualInstrument& instrument_;
     Journal& journal_;
     TestControl control_;
+    LinkHub hub_;
+    hislip::HislipServer hislip_;
     std::list<Listener> listeners_;
     std::set<std::shared_ptr<Connection>> clients_;
     std::shared_ptr<Connection> serial_;

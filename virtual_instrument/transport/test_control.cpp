@@ -65,6 +65,7 @@ const TestControl::Row TestControl::kRows[] = {
     {"power-cycle", "power-cycle", &TestControl::powerCycle},
     {"advance", "advance <milliseconds>", &TestControl::advance},
     {"esr", "esr <bits>", &TestControl::eventStatus},
+    {"panel", "panel", &TestControl::panel},
     {"log", "log", &TestControl::log},
     {"clear-log", "clear-log", &TestControl::clearLog},
     {"sync", "sync", &TestControl::sync},
@@ -87,6 +88,7 @@ std::string TestControl::execute(std::string_view line)
     if (!takesArgument && !command.rest.empty())
         return error("usage: " + std::string(row->usage));
     const auto answer = (this->*row->handler)(command.rest);
+    instrument_.statusMayHaveChanged();
     return answer.empty() ? error("usage: " + std::string(row->usage)) : answer;
 }
 
@@ -186,6 +188,13 @@ std::string TestControl::eventStatus(std::string_view argument)
         return {};
     instrument_.status().setEventStatusBits(static_cast<unsigned int>(*bits));
     return ok();
+}
+
+std::string TestControl::panel(std::string_view)
+{
+    const auto& panel = instrument_.frontPanel();
+    return std::string("ok ") + (panel.remote() ? "remote" : "local") + (panel.remoteEnabled() ? "" : " disabled") +
+           (panel.lockedOut() ? " locked-out" : "") + '\n';
 }
 
 std::string TestControl::log(std::string_view)

@@ -43,6 +43,7 @@ private:
     std::string powerCycle(std::string_view argument);
     std::string advance(std::string_view argument);
     std::string eventStatus(std::string_view argument);
+    std::string panel(std::string_view argument);
     std::string log(std::string_view argument);
     std::string clearLog(std::string_view argument);
     std::string sync(std::string_view argument);

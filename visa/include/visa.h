@@ -94,7 +94,7 @@ ViStatus _VI_FUNC viParseRsrcEx(ViSession rmSesn, ViConstRsrc rsrcName, ViPUInt1
  * Opens a session to a resource.
  * @param sesn    resource manager session
  * @param name    resource string or alias, letter case is ignored
- * @param mode    VI_NULL, VI_EXCLUSIVE_LOCK, VI_SHARED_LOCK or VI_LOAD_CONFIG, ORed
+ * @param mode    VI_NULL, VI_EXCLUSIVE_LOCK or VI_LOAD_CONFIG, ORed
  * @param timeout milliseconds for looking the host's name up, connecting and getting the lock, together; 0 stands for
  *                2000
  * @param vi      receives the session, 0 on failure

@@ -2,6 +2,7 @@
 
 #include "visa/host/network.h"
 #include "visa/resource/bus_name.h"
+#include "visa/resource/lan_protocols.h"
 #include "visa/resource/name_text.h"
 
 #include <algorithm>
@@ -30,14 +31,6 @@ std::optional<ViUInt16> parseUsbId(std::string_view text)
 {
     const bool hexadecimal = startsIgnoringCase(text, "0X");
     return hexadecimal ? parseNumber(text.substr(2), 16) : parseDecimal(text);
-}
-
-/// "0x1A2B"
-std::string usbIdText(ViUInt16 number)
-{
-    std::array<char, 7> text{};
-    std::snprintf(text.data(), text.size(), "0x%04X", static_cast<unsigned>(number));
-    return text.data();
 }
 
 /// Splits at "::" outside pairs of brackets, which protect the colons of an IPv6 address.
@@ -97,10 +90,10 @@ bool parseSocket(const NameParts& parts, ResourceName& name)
     return name.port != 0;
 }
 
-/// "inst0", "hislip0,4881"
+/// "inst0", "hislip0,4881"; VXI-11's names have no port, and in "gpib0,5" the comma is part of one.
 bool parseDevice(std::string_view text, ResourceName& name)
 {
-    const std::size_t comma = text.find(',');
+    const std::size_t comma = lanProtocols(text).hislip ? text.find(',') : std::string_view::npos;
     if (comma != std::string_view::npos) {
         name.port = parseDecimal(text.substr(comma + 1)).value_or(0);
         if (name.port == 0)
@@ -154,7 +147,7 @@ bool parseUsb(NameParts& parts, ResourceName& name)
     name.vendorId = *vendor;
     name.productId = *product;
     name.serialNumber = parts[3];
-    name.canonical += "::" + usbIdText(*vendor) + "::" + usbIdText(*product) + "::" + name.serialNumber;
+    name.canonical += "::" + usbIdText(name.vendorId) + "::" + usbIdText(name.productId) + "::" + name.serialNumber;
     if (name.interfaceNumber)
         name.canonical += "::" + std::to_string(*name.interfaceNumber);
     name.canonical += "::INSTR";
@@ -226,6 +219,21 @@ ViUInt16 interfaceType(ResourceKind kind)
         break;
     }
     return VI_INTF_TCPIP;
+}
+
+std::string interfaceName(const ResourceName& name)
+{
+    std::string text = name.canonical.substr(0, name.canonical.find("::"));
+    if (name.kind == ResourceKind::Serial && text.starts_with("ASRL/"))
+        return "serial port " + name.address;
+    return text;
+}
+
+std::string usbIdText(ViUInt16 id)
+{
+    std::array<char, 8> text{};
+    std::snprintf(text.data(), text.size(), "0x%04X", id);
+    return text.data();
 }
 
 std::optional<ResourceName> parseResourceName(std::string_view text)

@@ -42,8 +42,17 @@ struct ResourceName
     std::string canonical{};                   ///< the name as VI_ATTR_RSRC_NAME tells it
 };
 
+/// That of an instrument with HiSLIP whose name tells none.
+inline constexpr ViUInt16 kHislipPort = 4880;
+
 /// The VI_INTF_ type of a kind of resource.
 ViUInt16 interfaceType(ResourceKind kind);
+
+/// The interface for people: "ASRL1", "serial port /dev/ttyUSB0", "TCPIP0".
+std::string interfaceName(const ResourceName& name);
+
+/// A vendor's or product's number as USB resource strings have it, "0x1234" (VPP-4.3 rule 4.3.1).
+std::string usbIdText(ViUInt16 id);
 
 /// Longest resource string understood, so that its attributes fit the 256 characters of a VISA string.
 inline constexpr std::size_t kLongestResourceName = 240;

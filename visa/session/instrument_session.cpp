@@ -13,7 +13,7 @@ InstrumentSession::InstrumentSession(Identity identity, OpenedTransport opened, 
 
 InstrumentSession::~InstrumentSession()
 {
-    lock_->release(identity_.self);
+    lock_->releaseAll(identity_.self);
 }
 
 ViStatus InstrumentSession::applyInitialAttributes()
@@ -33,7 +33,7 @@ ViStatus InstrumentSession::getAttribute(ViAttr attribute, void* value)
     const AttributeRow* const row = findAttribute(attribute, sessionClass_);
     if (row == nullptr)
         return VI_ERROR_NSUP_ATTR;
-    const bool isConnections = row->holder == Holder::ConnectionFact;
+    const bool isConnections = row->holder == Holder::ConnectionFact || row->holder == Holder::Line;
     if (row->type == ValueType::Text)
         storeText(isConnections ? transport_->textFact(attribute) : textFact(attribute), value);
     else
@@ -45,9 +45,11 @@ ViAttrState InstrumentSession::numberFact(ViAttr attribute)
 {
     switch (attribute) {
     case VI_ATTR_TCPIP_PORT:
-        return identity_.name.port;
+        return identity_.name.port != 0 ? identity_.name.port : kHislipPort;
     case VI_ATTR_TCPIP_IS_HISLIP:
         return sessionClass_ == kHislip ? VI_TRUE : VI_FALSE;
+    case VI_ATTR_RSRC_LOCK_STATE:
+        return lockState();
     case VI_ATTR_RM_SESSION:
         return identity_.manager;
     case VI_ATTR_INTF_TYPE:
@@ -61,7 +63,13 @@ ViAttrState InstrumentSession::numberFact(ViAttr attribute)
 
 std::string InstrumentSession::textFact(ViAttr attribute) const
 {
+    if (findAttribute(attribute, sessionClass_)->holder == Holder::Absent)
+        return {};
     switch (attribute) {
+    case VI_ATTR_RSRC_MANF_NAME:
+        return kManufacturerName;
+    case VI_ATTR_INTF_INST_NAME:
+        return interfaceName(identity_.name);
     case VI_ATTR_TCPIP_HOSTNAME:
         return identity_.name.address;
     case VI_ATTR_TCPIP_DEVICE_NAME:
@@ -75,19 +83,20 @@ std::string InstrumentSession::textFact(ViAttr attribute) const
 
 ViStatus InstrumentSession::setAttribute(ViAttr attribute, ViAttrState value)
 {
-    if (!lock_->admits(identity_.self))
-        return VI_ERROR_RSRC_LOCKED;
     const AttributeRow* const row = findAttribute(attribute, sessionClass_);
     if (row == nullptr)
         return VI_ERROR_NSUP_ATTR;
-    if (row->holder != Holder::Session && row->holder != Holder::Connection)
+    if (row->holder > Holder::Line)
         return VI_ERROR_ATTR_READONLY;
     const ViAttrState wanted = reduced(value, row->type);
     if (!row->allowed.contains(wanted))
         return VI_ERROR_NSUP_ATTR_STATE;
+    // All sessions share a serial line's settings, and nothing else that can be set.
+    const bool isShared = sessionClass_ == kSerial && row->holder != Holder::Session;
+    if (isShared && !lock_->admits(identity_.self))
+        return VI_ERROR_RSRC_LOCKED;
     const std::lock_guard guard(settingMutex_);
-    const ViStatus status =
-        row->holder == Holder::Connection ? transport_->setAttribute(attribute, wanted) : VI_SUCCESS;
+    const ViStatus status = row->holder != Holder::Session ? transport_->setAttribute(attribute, wanted) : VI_SUCCESS;
     if (status == VI_SUCCESS)
         values_.set(attribute, wanted);
     return status;
@@ -111,6 +120,46 @@ ViStatus InstrumentSession::read(std::span<ViByte> buffer, std::size_t& count)
 ViStatus InstrumentSession::write(std::span<const ViByte> bytes, std::size_t& count)
 {
     return admitted([&](const Terms& terms) { return transport_->write(bytes, terms, count); });
+}
+
+/// Gets the device's own lock behind the first of this session, which is given back where that fails.
+ViStatus InstrumentSession::lockDevice(ViStatus acquired, const Deadline& deadline, const LockRequest& request)
+{
+    if (acquired != VI_SUCCESS)
+        return acquired;
+    const ViStatus status = transport_->lock({values_, deadline}, request);
+    if (status < 0)
+        lock_->release(identity_.self);
+    return status < 0 ? status : VI_SUCCESS;
+}
+
+ViStatus InstrumentSession::lockExclusively(ViUInt32 timeoutMs)
+{
+    const Deadline deadline(timeoutMs);
+    return lockDevice(lock_->acquireExclusive(identity_.self, deadline, isClosing_), deadline, {});
+}
+
+ViStatus InstrumentSession::lockShared(ViUInt32 timeoutMs, std::optional<std::string>& key)
+{
+    const Deadline deadline(timeoutMs);
+    const ViStatus acquired = lock_->acquireShared(identity_.self, deadline, isClosing_, key);
+    return lockDevice(acquired, deadline, {true, key.value_or("")});
+}
+
+ViStatus InstrumentSession::unlock()
+{
+    const auto released = lock_->release(identity_.self);
+    if (!released.isLastOfItsKind)
+        return released.status;
+    const Deadline deadline(values_.get<VI_ATTR_TMO_VALUE>());
+    const ViStatus status = transport_->unlock({values_, deadline}, released.isShared);
+    return status < 0 ? status : released.status;
+}
+
+ViAccessMode InstrumentSession::lockState()
+{
+    const Deadline deadline(values_.get<VI_ATTR_TMO_VALUE>());
+    return transport_->lockState({values_, deadline}).value_or(lock_->state());
 }
 
 ViStatus InstrumentSession::setBuffer(ViUInt16 mask, ViUInt32 size)
@@ -171,6 +220,8 @@ ViStatus InstrumentSession::clear()
 
 void InstrumentSession::interrupt() noexcept
 {
+    isClosing_.store(true);
+    lock_->wake();
     transport_->interrupt();
 }
 

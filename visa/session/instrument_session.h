@@ -6,6 +6,7 @@
 #include "visa/session/session.h"
 #include "visa/transport/transports.h"
 
+#include <atomic>
 #include <memory>
 #include <mutex>
 
@@ -34,6 +35,9 @@ public:
     ViStatus setAttribute(ViAttr attribute, ViAttrState value) override;
     ViStatus read(std::span<ViByte> buffer, std::size_t& count) override;
     ViStatus write(std::span<const ViByte> bytes, std::size_t& count) override;
+    ViStatus lockExclusively(ViUInt32 timeoutMs) override;
+    ViStatus lockShared(ViUInt32 timeoutMs, std::optional<std::string>& key) override;
+    ViStatus unlock() override;
     ViStatus setBuffer(ViUInt16 mask, ViUInt32 size) override;
     ViStatus flush(ViUInt16 mask) override;
     ViStatus clear() override;
@@ -49,6 +53,8 @@ public:
 private:
     template <class Operation>
     ViStatus admitted(Operation operation);
+    ViStatus lockDevice(ViStatus acquired, const Deadline& deadline, const LockRequest& request);
+    ViAccessMode lockState();
     ViAttrState numberFact(ViAttr attribute);
     std::string textFact(ViAttr attribute) const;
 
@@ -56,6 +62,7 @@ private:
     const std::unique_ptr<Transport> transport_;
     const SessionClass sessionClass_;
     const std::shared_ptr<ResourceLock> lock_;
+    std::atomic<bool> isClosing_ = false;
 
     std::mutex settingMutex_; ///< held by the one change of values_ under way
     AttributeValues values_;

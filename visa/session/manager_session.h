@@ -1,5 +1,6 @@
 #pragma once
 
+#include "visa/attribute/attributes.h"
 #include "visa/session/session.h"
 
 namespace visa
@@ -14,6 +15,9 @@ public:
     ViStatus setAttribute(ViAttr attribute, ViAttrState value) override;
     ViStatus read(std::span<ViByte>, std::size_t&) override { return VI_ERROR_NSUP_OPER; }
     ViStatus write(std::span<const ViByte>, std::size_t&) override { return VI_ERROR_NSUP_OPER; }
+    ViStatus lockExclusively(ViUInt32) override { return VI_ERROR_NSUP_OPER; }
+    ViStatus lockShared(ViUInt32, std::optional<std::string>&) override { return VI_ERROR_NSUP_OPER; }
+    ViStatus unlock() override { return VI_ERROR_NSUP_OPER; }
     ViStatus setBuffer(ViUInt16, ViUInt32) override { return VI_ERROR_NSUP_OPER; }
     ViStatus flush(ViUInt16) override { return VI_ERROR_NSUP_OPER; }
     ViStatus clear() override { return VI_ERROR_NSUP_OPER; }
@@ -22,6 +26,9 @@ public:
     ViStatus controlRemote(ViUInt16) override { return VI_ERROR_NSUP_OPER; }
     ViStatus abort() override { return VI_ERROR_NSUP_OPER; }
     void interrupt() noexcept override {}
+
+private:
+    AttributeValues values_;
 };
 
 } // namespace visa

@@ -2,6 +2,7 @@
 
 #include <visa.h>
 
+#include <optional>
 #include <span>
 #include <string>
 
@@ -24,6 +25,10 @@ public:
     virtual ViStatus setAttribute(ViAttr attribute, ViAttrState value) = 0;
     virtual ViStatus read(std::span<ViByte> buffer, std::size_t& count) = 0;
     virtual ViStatus write(std::span<const ViByte> bytes, std::size_t& count) = 0;
+    virtual ViStatus lockExclusively(ViUInt32 timeoutMs) = 0;
+    /// @param key see ResourceLock::acquireShared
+    virtual ViStatus lockShared(ViUInt32 timeoutMs, std::optional<std::string>& key) = 0;
+    virtual ViStatus unlock() = 0;
     virtual ViStatus setBuffer(ViUInt16 mask, ViUInt32 size) = 0;
     virtual ViStatus flush(ViUInt16 mask) = 0;
     virtual ViStatus clear() = 0;

@@ -6,6 +6,7 @@
 #include <visa.h>
 
 #include <cstddef>
+#include <optional>
 #include <span>
 #include <string>
 
@@ -73,6 +74,8 @@ public:
     /// @return VI_ERROR_TMO while another holds it
     virtual ViStatus lock(const Terms&, const LockRequest&) { return VI_SUCCESS; }
     virtual ViStatus unlock(const Terms&, bool /*isShared*/) { return VI_SUCCESS; }
+    /// VI_NO_LOCK, VI_EXCLUSIVE_LOCK or VI_SHARED_LOCK, where the device tells of the locks that others hold.
+    virtual std::optional<ViAccessMode> lockState(const Terms&) { return std::nullopt; }
 
     /// Brings one of the connection's own settings into force.
     /// @return VI_ERROR_NSUP_ATTR_STATE when the connection cannot have this value, which leaves the old one in force

@@ -1,12 +1,18 @@
 #include "visa/transport/transports.h"
 
 #include "visa/discovery/lan_search.h"
+#include "visa/resource/lan_protocols.h"
+#include "visa/transport/hislip/hislip_transport.h"
 #include "visa/transport/serial/find_serial_ports.h"
 #include "visa/transport/serial/serial_stream.h"
 #include "visa/transport/stream_transport.h"
 #include "visa/transport/tcp/tcp_stream.h"
+#include "visa/transport/usb/usb_transport.h"
+#include "visa/transport/vxi11/vxi11_open.h"
 
+#include <algorithm>
 #include <array>
+#include <limits>
 
 namespace visa
 {
@@ -29,6 +35,19 @@ bool isKind(const ResourceName& name)
     return name.kind == kind;
 }
 
+/// Whether a LAN instrument may be reached with this protocol; a string without a device's name decides nothing.
+template <bool LanProtocols::*protocol>
+bool mayUse(const ResourceName& name)
+{
+    return name.kind == ResourceKind::TcpipInstrument && (!name.namesDevice || lanProtocols(name.device).*protocol);
+}
+
+bool servesVxi11(const ResourceName& name)
+{
+    // Only HiSLIP's names have a port.
+    return name.port == 0 && mayUse<&LanProtocols::vxi11>(name);
+}
+
 struct TransportRow
 {
     bool (*serves)(const ResourceName& name);
@@ -37,10 +56,19 @@ struct TransportRow
 };
 
 /// All transports. Of those that serve a resource the first is tried first.
-constexpr std::array<TransportRow, 2> kTransports{{
+constexpr std::array<TransportRow, 5> kTransports{{
     {isKind<ResourceKind::Serial>, kSerial, openStreamTransport<openSerialStream, Framing::SerialLine>},
     {isKind<ResourceKind::TcpipSocket>, kSocket, openStreamTransport<openTcpStream, Framing::None>},
+    {servesVxi11, kVxi11, openVxi11},
+    {mayUse<&LanProtocols::hislip>, kHislip, openHislip},
+    {isKind<ResourceKind::Usb>, kUsb, openUsb},
 }};
+
+/// The time that one of several candidates may take, so that each after it has as much.
+Deadline shareOf(const Deadline& deadline, int candidates)
+{
+    return Deadline(static_cast<ViUInt32>(deadline.remainingMs(std::numeric_limits<int>::max()) / candidates));
+}
 
 /// A way to find resources. It ends within a second, whatever comes from outside, finds nothing where the host has
 /// none, and tells names that viOpen understands.
@@ -62,12 +90,16 @@ ViStatus openTransport(const ResourceName& name, const Deadline& deadline, Opene
 {
     if (name.wantsSecure)
         return VI_ERROR_INV_PROT;
+    const auto serves = [&name](const TransportRow& row) { return row.serves(name); };
+    auto candidates = std::count_if(kTransports.begin(), kTransports.end(), serves);
     ViStatus status = VI_ERROR_LIBRARY_NFOUND;
     for (const TransportRow& row : kTransports) {
-        if (!row.serves(name))
+        if (!serves(row))
             continue;
-        status = row.open(name, deadline, opened.transport);
+        const bool isLast = candidates == 1;
+        status = row.open(name, isLast ? deadline : shareOf(deadline, static_cast<int>(candidates)), opened.transport);
         opened.sessionClass = row.sessionClass;
+        --candidates;
         if (status >= 0)
             break;
     }

@@ -73,6 +73,7 @@ VirtualInstrumentProcess::VirtualInstrumentProcess(const std::vector<std::string
     : process_(virtualInstrumentPath(), argumentsFor(extraArguments))
 {
     constexpr std::string_view kListening = "listening on ";
+    constexpr std::string_view kHislip = "HiSLIP on ";
     constexpr std::string_view kSerial = "serial line at ";
     constexpr std::string_view kControl = "test control on ";
     // The test control is the last that the program announces.
@@ -82,6 +83,8 @@ VirtualInstrumentProcess::VirtualInstrumentProcess(const std::vector<std::string
             throw std::runtime_error("the virtual instrument does not come up: " + process_.errorOutput());
         if (line->starts_with(kListening))
             port_ = portIn(*line);
+        else if (line->starts_with(kHislip))
+            hislipPort_ = portIn(*line);
         else if (line->starts_with(kSerial))
             serialPath_ = line->substr(kSerial.size());
         else if (line->starts_with(kControl))

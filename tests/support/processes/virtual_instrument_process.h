@@ -30,6 +30,8 @@ public:
 
     unsigned short port() const { return port_; }
     unsigned short controlPort() const { return controlPort_; }
+    /// 0 without `--hislip`.
+    unsigned short hislipPort() const { return hislipPort_; }
 
     /// The VISA resource descriptor of its raw socket: `TCPIP0::127.0.0.1::<port>::SOCKET`.
     std::string resource() const;
@@ -62,6 +64,7 @@ private:
     ChildProcess process_;
     unsigned short port_ = 0;
     unsigned short controlPort_ = 0;
+    unsigned short hislipPort_ = 0;
     std::string serialPath_;
     std::optional<LineClient> control_;
     bool killed_ = false;

@@ -51,6 +51,19 @@ TEST(TestControl, DelaysReplies)
     EXPECT_EQ(device.instrument().receive("*OPC?")->delay, std::chrono::milliseconds(0));
 }
 
+TEST(TestControl, TellsWhoOperatesTheInstrument)
+{
+    using kvxvirtual::PanelRequest;
+    ManualInstrument device;
+    auto& panel = device.instrument().frontPanel();
+    EXPECT_EQ(device.control("panel"), "ok local\n");
+    panel.request(PanelRequest::EnableRemoteGoToRemoteAndLockOut);
+    EXPECT_EQ(device.control("panel"), "ok remote locked-out\n");
+    panel.request(PanelRequest::DisableRemote);
+    EXPECT_EQ(device.control("panel"), "ok local disabled\n");
+    EXPECT_EQ(device.control("panel now"), "error usage: panel\n");
+}
+
 TEST(TestControl, ForgetsAllFaults)
 {
     ManualInstrument device;

@@ -2,6 +2,8 @@
 #include "tests/support/visa/tcp_peer.h"
 #include "tests/support/visa/visa_fixture.h"
 
+#include <gmock/gmock.h>
+
 #include <array>
 #include <cstring>
 #include <vector>
@@ -170,6 +172,101 @@ TEST_F(VisaAttributes, ValuesAreWrittenInTheirOwnWidth)
         for (std::size_t i = width.bytes; i < high.size(); ++i)
             EXPECT_EQ(high.at(i), 0xFF) << std::hex << width.attribute;
     }
+}
+
+TEST_F(VisaAttributes, EverySessionHasThoseOfTheTemplate)
+{
+    for (const ViSession session : {manager_, socket_, serial_}) {
+        EXPECT_EQ(attribute<ViVersion>(session, VI_ATTR_RSRC_SPEC_VERSION), 0x00700200U);
+        EXPECT_EQ(attribute<ViVersion>(session, VI_ATTR_RSRC_IMPL_VERSION), 0x00100000U);
+        EXPECT_EQ(attribute<ViUInt16>(session, VI_ATTR_RSRC_MANF_ID), 0x3FFF);
+        EXPECT_EQ(textAttribute(session, VI_ATTR_RSRC_MANF_NAME), "KVX2800T stand-in VISA");
+        EXPECT_EQ(attribute<ViAccessMode>(session, VI_ATTR_RSRC_LOCK_STATE), static_cast<ViAccessMode>(VI_NO_LOCK));
+        EXPECT_EQ(attribute<ViUInt32>(session, VI_ATTR_MAX_QUEUE_LENGTH), 50U);
+        EXPECT_EQ(viSetAttribute(session, VI_ATTR_MAX_QUEUE_LENGTH, 0), VI_ERROR_NSUP_ATTR_STATE);
+        EXPECT_EQ(viSetAttribute(session, VI_ATTR_MAX_QUEUE_LENGTH, 7), VI_SUCCESS);
+        EXPECT_EQ(attribute<ViUInt32>(session, VI_ATTR_MAX_QUEUE_LENGTH), 7U);
+        for (const ViAttr name : {VI_ATTR_RSRC_SPEC_VERSION, VI_ATTR_RSRC_IMPL_VERSION, VI_ATTR_RSRC_MANF_ID,
+                                  VI_ATTR_RSRC_MANF_NAME, VI_ATTR_RSRC_LOCK_STATE})
+            EXPECT_EQ(viSetAttribute(session, name, 1), VI_ERROR_ATTR_READONLY) << std::hex << name;
+    }
+}
+
+TEST_F(VisaAttributes, UserDataIsKeptInItsWholeWidth)
+{
+    const auto value = static_cast<ViAttrState>(0x123456789ABCDEF0);
+    for (const ViSession session : {manager_, socket_, serial_}) {
+        EXPECT_EQ(attribute<ViAttrState>(session, VI_ATTR_USER_DATA), 0U);
+        EXPECT_EQ(viSetAttribute(session, VI_ATTR_USER_DATA, value), VI_SUCCESS);
+        EXPECT_EQ(attribute<ViAttrState>(session, VI_ATTR_USER_DATA), value);
+        EXPECT_EQ(viSetAttribute(session, VI_ATTR_USER_DATA_32, 0xFFFFFFFF), VI_SUCCESS);
+        EXPECT_EQ(attribute<ViUInt32>(session, VI_ATTR_USER_DATA_32), 0xFFFFFFFFU);
+    }
+}
+
+TEST_F(VisaAttributes, DefaultsOfWhatOnlyFormattedAndFileInputAndOutputNeed)
+{
+    for (const ViSession session : {socket_, serial_}) {
+        EXPECT_EQ(attribute<ViBoolean>(session, VI_ATTR_DMA_ALLOW_EN), VI_FALSE);
+        EXPECT_EQ(attribute<ViBoolean>(session, VI_ATTR_FILE_APPEND_EN), VI_FALSE);
+        EXPECT_EQ(attribute<ViUInt16>(session, VI_ATTR_RD_BUF_OPER_MODE), VI_FLUSH_DISABLE);
+        EXPECT_EQ(attribute<ViUInt16>(session, VI_ATTR_WR_BUF_OPER_MODE), VI_FLUSH_WHEN_FULL);
+        EXPECT_EQ(viSetAttribute(session, VI_ATTR_RD_BUF_OPER_MODE, VI_FLUSH_WHEN_FULL), VI_ERROR_NSUP_ATTR_STATE);
+        EXPECT_EQ(viSetAttribute(session, VI_ATTR_RD_BUF_OPER_MODE, VI_FLUSH_ON_ACCESS), VI_SUCCESS);
+        EXPECT_EQ(viSetAttribute(session, VI_ATTR_WR_BUF_OPER_MODE, VI_FLUSH_DISABLE), VI_ERROR_NSUP_ATTR_STATE);
+        EXPECT_EQ(viSetAttribute(session, VI_ATTR_WR_BUF_OPER_MODE, VI_FLUSH_ON_ACCESS), VI_SUCCESS);
+    }
+    EXPECT_EQ(attribute<ViInt16>(serial_, VI_ATTR_TRIG_ID), VI_TRIG_SW);
+    EXPECT_EQ(viSetAttribute(serial_, VI_ATTR_TRIG_ID, static_cast<ViAttrState>(VI_TRIG_SW)), VI_SUCCESS);
+    EXPECT_EQ(viSetAttribute(serial_, VI_ATTR_TRIG_ID, VI_TRIG_TTL0), VI_ERROR_NSUP_ATTR_STATE);
+    ViInt16 trigger = 17;
+    EXPECT_EQ(viGetAttribute(socket_, VI_ATTR_TRIG_ID, &trigger), VI_ERROR_NSUP_ATTR);
+}
+
+TEST_F(VisaAttributes, SocketHasNoCertificate)
+{
+    for (const ViAttr name :
+         {VI_ATTR_TCPIP_SERVER_CERT, VI_ATTR_TCPIP_SERVER_CERT_ISSUER_NAME, VI_ATTR_TCPIP_SERVER_CERT_SUBJECT_NAME,
+          VI_ATTR_TCPIP_SERVER_CERT_EXPIRATION_DATE, VI_ATTR_TCPIP_TLS_CIPHER_SUITE})
+    {
+        EXPECT_EQ(textAttribute(socket_, name), "") << std::hex << name;
+        EXPECT_EQ(viSetAttribute(socket_, name, 0), VI_ERROR_ATTR_READONLY) << std::hex << name;
+    }
+    EXPECT_EQ(attribute<ViUInt32>(socket_, VI_ATTR_TCPIP_SERVER_CERT_SIZE), 0U);
+    EXPECT_EQ(attribute<ViBoolean>(socket_, VI_ATTR_TCPIP_SERVER_CERT_IS_PERPETUAL), VI_FALSE);
+}
+
+TEST_F(VisaAttributes, InterfacesHaveNames)
+{
+    EXPECT_EQ(textAttribute(socket_, VI_ATTR_INTF_INST_NAME), "TCPIP0");
+    EXPECT_EQ(viSetAttribute(serial_, VI_ATTR_INTF_INST_NAME, 0), VI_ERROR_ATTR_READONLY);
+    EXPECT_NE(textAttribute(serial_, VI_ATTR_INTF_INST_NAME), "");
+}
+
+TEST_F(VisaAttributes, FlowControlCharactersAreThoseOfTheLine)
+{
+    EXPECT_EQ(attribute<ViUInt8>(serial_, VI_ATTR_ASRL_XON_CHAR), 0x11);
+    EXPECT_EQ(attribute<ViUInt8>(serial_, VI_ATTR_ASRL_XOFF_CHAR), 0x13);
+    EXPECT_EQ(attribute<ViUInt8>(serial_, VI_ATTR_ASRL_REPLACE_CHAR), 0);
+    EXPECT_EQ(viSetAttribute(serial_, VI_ATTR_ASRL_XON_CHAR, 0x21), VI_SUCCESS);
+    EXPECT_EQ(viSetAttribute(serial_, VI_ATTR_ASRL_XOFF_CHAR, 0x23), VI_SUCCESS);
+    EXPECT_EQ(attribute<ViUInt8>(serial_, VI_ATTR_ASRL_XON_CHAR), 0x21);
+    EXPECT_EQ(attribute<ViUInt8>(serial_, VI_ATTR_ASRL_XOFF_CHAR), 0x23);
+}
+
+TEST_F(VisaAttributes, LinesOfAPortAreToldAsFarAsItKnowsThem)
+{
+    for (const ViAttr name : {VI_ATTR_ASRL_CTS_STATE, VI_ATTR_ASRL_DCD_STATE, VI_ATTR_ASRL_DSR_STATE,
+                              VI_ATTR_ASRL_RI_STATE, VI_ATTR_ASRL_DTR_STATE, VI_ATTR_ASRL_RTS_STATE})
+        EXPECT_THAT(attribute<ViInt16>(serial_, name),
+                    testing::AnyOf(VI_STATE_ASSERTED, VI_STATE_UNASSERTED, VI_STATE_UNKNOWN))
+            << std::hex << name;
+    for (const ViAttr name :
+         {VI_ATTR_ASRL_CTS_STATE, VI_ATTR_ASRL_DCD_STATE, VI_ATTR_ASRL_DSR_STATE, VI_ATTR_ASRL_RI_STATE})
+        EXPECT_EQ(viSetAttribute(serial_, name, VI_STATE_ASSERTED), VI_ERROR_ATTR_READONLY) << std::hex << name;
+    EXPECT_EQ(viSetAttribute(serial_, VI_ATTR_ASRL_DTR_STATE, 2), VI_ERROR_NSUP_ATTR_STATE);
+    EXPECT_EQ(viSetAttribute(serial_, VI_ATTR_ASRL_RTS_STATE, static_cast<ViAttrState>(VI_STATE_UNKNOWN)),
+              VI_ERROR_NSUP_ATTR_STATE);
 }
 
 TEST_F(VisaAttributes, NullPointerIsRefused)

@@ -9,7 +9,7 @@ namespace
 
 using visa::FindExpression;
 
-bool fits(const std::string& expression, const std::string& name)
+bool expressionFits(const std::string& expression, const std::string& name)
 {
     const auto parsed = FindExpression::parse(expression);
     EXPECT_TRUE(parsed.has_value()) << expression;
@@ -20,7 +20,7 @@ bool fits(const std::string& expression, const std::string& name)
 
 bool holds(const std::string& condition, const std::string& name)
 {
-    return fits("?*{" + condition + '}', name);
+    return expressionFits("?*{" + condition + '}', name);
 }
 
 constexpr auto kSerial = "ASRL3::INSTR";
@@ -30,19 +30,19 @@ constexpr auto kUsb = "USB1::0x0FF6::0x1234::SN-1::2::INSTR";
 
 TEST(VisaFindExpression, NeedsBothTheNameAndTheCondition)
 {
-    EXPECT_TRUE(fits("ASRL?*{VI_ATTR_INTF_NUM == 3}", kSerial));
-    EXPECT_FALSE(fits("ASRL?*{VI_ATTR_INTF_NUM == 4}", kSerial));
-    EXPECT_FALSE(fits("USB?*{VI_ATTR_INTF_NUM == 3}", kSerial));
-    EXPECT_TRUE(fits("asrl3::instr", kSerial));
+    EXPECT_TRUE(expressionFits("ASRL?*{VI_ATTR_INTF_NUM == 3}", kSerial));
+    EXPECT_FALSE(expressionFits("ASRL?*{VI_ATTR_INTF_NUM == 4}", kSerial));
+    EXPECT_FALSE(expressionFits("USB?*{VI_ATTR_INTF_NUM == 3}", kSerial));
+    EXPECT_TRUE(expressionFits("asrl3::instr", kSerial));
 }
 
 TEST(VisaFindExpression, ReadsTheExamplesOfTheStandard)
 {
-    EXPECT_FALSE(fits("GPIB[0-9]*::?*::?*::INSTR{VI_ATTR_GPIB_SECONDARY_ADDR > 0}", "GPIB0::1::2::INSTR"));
-    EXPECT_TRUE(fits("ASRL?*INSTR{VI_ATTR_ASRL_BAUD == 9600}", kSerial));
-    EXPECT_FALSE(fits("ASRL?*INSTR{VI_ATTR_ASRL_BAUD == 19200}", kSerial));
-    EXPECT_FALSE(fits("?*VXI?*INSTR{VI_ATTR_MANF_ID == 0xFF6 && !(VI_ATTR_VXI_LA == 0 || VI_ATTR_SLOT <= 0)}",
-                      "VXI0::1::INSTR"));
+    EXPECT_FALSE(expressionFits("GPIB[0-9]*::?*::?*::INSTR{VI_ATTR_GPIB_SECONDARY_ADDR > 0}", "GPIB0::1::2::INSTR"));
+    EXPECT_TRUE(expressionFits("ASRL?*INSTR{VI_ATTR_ASRL_BAUD == 9600}", kSerial));
+    EXPECT_FALSE(expressionFits("ASRL?*INSTR{VI_ATTR_ASRL_BAUD == 19200}", kSerial));
+    EXPECT_FALSE(expressionFits("?*VXI?*INSTR{VI_ATTR_MANF_ID == 0xFF6 && !(VI_ATTR_VXI_LA == 0 || VI_ATTR_SLOT <= 0)}",
+                                "VXI0::1::INSTR"));
 }
 
 TEST(VisaFindExpression, TellsWhatIsKnownWithoutOpening)
@@ -113,8 +113,8 @@ TEST(VisaFindExpression, NotBindsClosestAndOrLeast)
 
 TEST(VisaFindExpression, BracesAreOrdinaryBehindABackslashAndInLists)
 {
-    EXPECT_TRUE(fits("USB?*[{]?*", "USB0::0x1::0x2::a{b::INSTR"));
-    EXPECT_TRUE(fits("USB?*\\{?*{VI_ATTR_USB_SERIAL_NUM == \"a{}b\"}", "USB0::0x1::0x2::a{}b::INSTR"));
+    EXPECT_TRUE(expressionFits("USB?*[{]?*", "USB0::0x1::0x2::a{b::INSTR"));
+    EXPECT_TRUE(expressionFits("USB?*\\{?*{VI_ATTR_USB_SERIAL_NUM == \"a{}b\"}", "USB0::0x1::0x2::a{}b::INSTR"));
 }
 
 TEST(VisaFindExpression, RefusesWhatIsNotWellFormed)

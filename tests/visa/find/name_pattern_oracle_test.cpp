@@ -14,7 +14,7 @@ namespace
 using kvxtest::ReferenceNamePattern;
 using visa::NamePattern;
 
-std::optional<bool> fits(const std::string& expression, const std::string& text)
+std::optional<bool> resultOf(const std::string& expression, const std::string& text)
 {
     const auto pattern = NamePattern::parse(expression);
     return pattern ? std::optional(pattern->fits(text)) : std::nullopt;
@@ -44,7 +44,7 @@ RC_GTEST_PROP(VisaNamePatternOracle, AnyTextIsReadAsThePlainReaderDoes, ())
 {
     const std::string text = *anyText("abAB*c");
     const std::string made = *anyText("ab?*+|()[]^-\\B");
-    RC_ASSERT(fits(made, text) == ReferenceNamePattern::fits(made, text));
+    RC_ASSERT(resultOf(made, text) == ReferenceNamePattern::fits(made, text));
 }
 
 RC_GTEST_PROP(VisaNamePatternOracle, WellFormedExpressionsFitWhatThePlainReaderSays, ())
@@ -54,14 +54,14 @@ RC_GTEST_PROP(VisaNamePatternOracle, WellFormedExpressionsFitWhatThePlainReaderS
     const auto wanted = ReferenceNamePattern::fits(made, text);
     RC_ASSERT(wanted.has_value());
     RC_CLASSIFY(*wanted, "fits");
-    RC_ASSERT(fits(made, text) == wanted);
+    RC_ASSERT(resultOf(made, text) == wanted);
 }
 
 RC_GTEST_PROP(VisaNamePatternOracle, EveryBeginningOfANameThatFitsMayFit, ())
 {
     const std::string text = *anyText("abAB*c");
     const std::string made = *expression(3);
-    RC_PRE(fits(made, text) == true);
+    RC_PRE(resultOf(made, text) == true);
     const auto pattern = NamePattern::parse(made);
     for (std::size_t size = 0; size <= text.size(); ++size)
         RC_ASSERT(pattern->fitsBeginning(text.substr(0, size)));

@@ -3,6 +3,7 @@
 #include "visa/session/manager_session.h"
 #include "visa/transport/stream_transport.h"
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -228,7 +229,8 @@ TEST_F(StaleInput, ClearTellsItsFirstFailureAndDropsTheInputAllTheSame)
 
 TEST_F(StaleInput, ClearIsRefusedWhileAnotherSessionHoldsTheLock)
 {
-    ASSERT_TRUE(lock_->acquire(17));
+    const std::atomic<bool> isClosing = false;
+    ASSERT_EQ(lock_->acquireExclusive(17, visa::Deadline(VI_TMO_IMMEDIATE), isClosing), VI_SUCCESS);
     EXPECT_EQ(session_.clear(), VI_ERROR_RSRC_LOCKED);
     EXPECT_THAT(stream_.calls, IsEmpty());
 }

@@ -37,18 +37,32 @@ void setFlowControl(DCB& line, ViUInt32 value)
     line.fDtrControl = line.fOutxDsrFlow != 0 ? DTR_CONTROL_HANDSHAKE : DTR_CONTROL_ENABLE;
 }
 
+/// What takes the place of a character with an error; 0 leaves it as it came.
+void setReplacement(DCB& line, ViUInt32 value)
+{
+    line.ErrorChar = static_cast<char>(value);
+    line.fErrorChar = value != 0 ? 1 : 0;
+}
+
 struct Setting
 {
     ViAttr attribute;
     void (*change)(DCB& line, ViUInt32 value);
 };
 
-constexpr std::array<Setting, 5> kSettings{{
+constexpr std::array<Setting, 10> kSettings{{
     {VI_ATTR_ASRL_BAUD, [](DCB& line, ViUInt32 value) { line.BaudRate = value; }},
     {VI_ATTR_ASRL_DATA_BITS, [](DCB& line, ViUInt32 value) { line.ByteSize = static_cast<BYTE>(value); }},
     {VI_ATTR_ASRL_PARITY, setParity},
     {VI_ATTR_ASRL_STOP_BITS, setStopBits},
     {VI_ATTR_ASRL_FLOW_CNTRL, setFlowControl},
+    {VI_ATTR_ASRL_XON_CHAR, [](DCB& line, ViUInt32 value) { line.XonChar = static_cast<char>(value); }},
+    {VI_ATTR_ASRL_XOFF_CHAR, [](DCB& line, ViUInt32 value) { line.XoffChar = static_cast<char>(value); }},
+    {VI_ATTR_ASRL_REPLACE_CHAR, setReplacement},
+    {VI_ATTR_ASRL_DTR_STATE,
+     [](DCB& line, ViUInt32 value) { line.fDtrControl = value != 0 ? DTR_CONTROL_ENABLE : DTR_CONTROL_DISABLE; }},
+    {VI_ATTR_ASRL_RTS_STATE,
+     [](DCB& line, ViUInt32 value) { line.fRtsControl = value != 0 ? RTS_CONTROL_ENABLE : RTS_CONTROL_DISABLE; }},
 }};
 
 bool getLine(HANDLE port, DCB& line)
@@ -56,6 +70,22 @@ bool getLine(HANDLE port, DCB& line)
     line.DCBlength = sizeof line;
     return GetCommState(port, &line) != 0;
 }
+
+struct Input
+{
+    ViAttr attribute;
+    DWORD bit;
+};
+
+constexpr std::array<Input, 4> kInputs{{
+    {VI_ATTR_ASRL_CTS_STATE, MS_CTS_ON},
+    {VI_ATTR_ASRL_DCD_STATE, MS_RLSD_ON},
+    {VI_ATTR_ASRL_DSR_STATE, MS_DSR_ON},
+    {VI_ATTR_ASRL_RI_STATE, MS_RING_ON},
+}};
+
+// Outputs of either kind are told apart by the same numbers.
+static_assert(DTR_CONTROL_ENABLE == RTS_CONTROL_ENABLE && DTR_CONTROL_DISABLE == RTS_CONTROL_DISABLE);
 
 } // namespace
 
@@ -97,6 +127,26 @@ ViStatus applyLineSetting(HANDLE port, ViAttr attribute, ViUInt32 value) noexcep
         return VI_ERROR_NSUP_ATTR_STATE;
     setting->change(line, value);
     return SetCommState(port, &line) != 0 ? VI_SUCCESS : VI_ERROR_NSUP_ATTR_STATE;
+}
+
+ViUInt32 lineState(HANDLE port, ViAttr attribute) noexcept
+{
+    const auto input = std::find_if(kInputs.begin(), kInputs.end(),
+                                    [attribute](const Input& row) { return row.attribute == attribute; });
+    if (input != kInputs.end()) {
+        DWORD lines = 0;
+        if (GetCommModemStatus(port, &lines) == 0)
+            return static_cast<ViUInt32>(VI_STATE_UNKNOWN);
+        return (lines & input->bit) != 0 ? VI_STATE_ASSERTED : VI_STATE_UNASSERTED;
+    }
+    DCB line{};
+    if (!getLine(port, line))
+        return static_cast<ViUInt32>(VI_STATE_UNKNOWN);
+    const DWORD control = attribute == VI_ATTR_ASRL_DTR_STATE ? line.fDtrControl : line.fRtsControl;
+    // Whether a handshake holds the line active at this moment is not told.
+    if (control > DTR_CONTROL_ENABLE)
+        return static_cast<ViUInt32>(VI_STATE_UNKNOWN);
+    return control == DTR_CONTROL_ENABLE ? VI_STATE_ASSERTED : VI_STATE_UNASSERTED;
 }
 
 DWORD durationMs(HANDLE port, DWORD characters) noexcept

@@ -4,6 +4,7 @@
 #include <termios.h>
 #include <unistd.h>
 
+#include <array>
 #include <cerrno>
 #include <cstdlib>
 
@@ -44,6 +45,31 @@ ViUInt32 count(NativeHandle handle, unsigned long request)
     return ::ioctl(descriptor(handle), request, &bytes) == 0 && bytes > 0 ? static_cast<ViUInt32>(bytes) : 0;
 }
 
+struct ModemLine
+{
+    ViAttr attribute;
+    int bit;
+};
+
+constexpr std::array<ModemLine, 6> kModemLines{{
+    {VI_ATTR_ASRL_CTS_STATE, TIOCM_CTS},
+    {VI_ATTR_ASRL_DCD_STATE, TIOCM_CAR},
+    {VI_ATTR_ASRL_DSR_STATE, TIOCM_DSR},
+    {VI_ATTR_ASRL_DTR_STATE, TIOCM_DTR},
+    {VI_ATTR_ASRL_RI_STATE, TIOCM_RNG},
+    {VI_ATTR_ASRL_RTS_STATE, TIOCM_RTS},
+}};
+
+/// 0 for an attribute that is no line.
+int bitOf(ViAttr attribute)
+{
+    for (const ModemLine& line : kModemLines) {
+        if (line.attribute == attribute)
+            return line.bit;
+    }
+    return 0;
+}
+
 } // namespace
 
 std::string serialDevicePath(ViUInt16 board)
@@ -56,7 +82,7 @@ std::string serialDevicePath(ViUInt16 board)
     return board == 0 ? std::string() : "/dev/ttyS" + std::to_string(board - 1);
 }
 
-Transfer readNow(NativeHandle handle, std::span<ViByte> buffer) noexcept
+SerialTransfer readNow(NativeHandle handle, std::span<ViByte> buffer) noexcept
 {
     const ssize_t transferred = ::read(descriptor(handle), buffer.data(), buffer.size());
     if (transferred > 0)
@@ -64,7 +90,7 @@ Transfer readNow(NativeHandle handle, std::span<ViByte> buffer) noexcept
     return {transferred == 0 ? TransferState::ConnectionLost : stateOfError(errno), 0};
 }
 
-Transfer writeNow(NativeHandle handle, std::span<const ViByte> bytes) noexcept
+SerialTransfer writeNow(NativeHandle handle, std::span<const ViByte> bytes) noexcept
 {
     const ssize_t transferred = ::write(descriptor(handle), bytes.data(), bytes.size());
     if (transferred > 0)
@@ -90,6 +116,21 @@ TransferState discardReceived(NativeHandle handle) noexcept
 TransferState discardUnsent(NativeHandle handle) noexcept
 {
     return stateOf(::tcflush(descriptor(handle), TCOFLUSH));
+}
+
+ViUInt32 modemLine(NativeHandle handle, ViAttr line) noexcept
+{
+    int lines = 0;
+    const int bit = bitOf(line);
+    if (bit == 0 || ::ioctl(descriptor(handle), TIOCMGET, &lines) != 0)
+        return static_cast<ViUInt32>(VI_STATE_UNKNOWN);
+    return (lines & bit) != 0 ? VI_STATE_ASSERTED : VI_STATE_UNASSERTED;
+}
+
+TransferState setModemLine(NativeHandle handle, ViAttr line, bool isAsserted) noexcept
+{
+    int lines = bitOf(line);
+    return stateOf(::ioctl(descriptor(handle), isAsserted ? TIOCMBIS : TIOCMBIC, &lines));
 }
 
 TransferState sendLineBreak(NativeHandle handle) noexcept

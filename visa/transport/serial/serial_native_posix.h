@@ -19,7 +19,7 @@ enum class TransferState
     Failed
 };
 
-struct Transfer
+struct SerialTransfer
 {
     TransferState state;
     std::size_t count;
@@ -29,8 +29,8 @@ struct Transfer
 /// of that port; empty when there is none.
 std::string serialDevicePath(ViUInt16 board);
 
-Transfer readNow(NativeHandle handle, std::span<ViByte> buffer) noexcept;
-Transfer writeNow(NativeHandle handle, std::span<const ViByte> bytes) noexcept;
+SerialTransfer readNow(NativeHandle handle, std::span<ViByte> buffer) noexcept;
+SerialTransfer writeNow(NativeHandle handle, std::span<const ViByte> bytes) noexcept;
 
 /// Bytes received and not read yet.
 ViUInt32 bytesWaiting(NativeHandle handle) noexcept;
@@ -38,10 +38,14 @@ ViUInt32 bytesWaiting(NativeHandle handle) noexcept;
 /// Bytes written that have not left yet.
 ViUInt32 bytesUnsent(NativeHandle handle) noexcept;
 
+/// The state of VI_ATTR_ASRL_CTS_STATE's line and its kin: VI_STATE_UNKNOWN where the host cannot tell.
+ViUInt32 modemLine(NativeHandle handle, ViAttr line) noexcept;
+
 // They tell Done, or why the host refused.
 
 TransferState discardReceived(NativeHandle handle) noexcept;
 TransferState discardUnsent(NativeHandle handle) noexcept;
+TransferState setModemLine(NativeHandle handle, ViAttr line, bool isAsserted) noexcept;
 TransferState sendLineBreak(NativeHandle handle) noexcept;
 
 } // namespace visa

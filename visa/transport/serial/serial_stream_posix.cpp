@@ -8,8 +8,11 @@
 
 #include <asio/serial_port.hpp>
 
+#include <termios.h>
+
 #include <algorithm>
 #include <array>
+#include <cstddef>
 
 namespace visa
 {
@@ -75,13 +78,36 @@ ViStatus applyChoice(serial_port& port, const Choices& choices, ViUInt32 value)
     return choice == choices.end() ? VI_ERROR_NSUP_ATTR_STATE : apply(port, Option(choice->option));
 }
 
+/// The line's own flow control character with this index.
+struct ControlCharacter
+{
+    std::size_t index;
+    cc_t character;
+
+    void store(termios& line, asio::error_code&) const { line.c_cc[index] = character; }
+};
+
+template <std::size_t index>
+ViStatus applyCharacter(serial_port& port, ViUInt32 value)
+{
+    return apply(port, ControlCharacter{index, static_cast<cc_t>(value)});
+}
+
+template <ViAttr line>
+ViStatus applyModemLine(serial_port& port, ViUInt32 value)
+{
+    const auto handle = static_cast<NativeHandle>(port.native_handle());
+    const TransferState state = setModemLine(handle, line, value == VI_STATE_ASSERTED);
+    return state == TransferState::Done ? VI_SUCCESS : VI_ERROR_NSUP_ATTR_STATE;
+}
+
 struct Setting
 {
     ViAttr attribute;
     ViStatus (*apply)(serial_port& port, ViUInt32 value);
 };
 
-constexpr std::array<Setting, 5> kSettings{{
+constexpr std::array<Setting, 10> kSettings{{
     {VI_ATTR_ASRL_BAUD, [](serial_port& port, ViUInt32 value) { return apply(port, serial_port::baud_rate(value)); }},
     {VI_ATTR_ASRL_DATA_BITS,
      [](serial_port& port, ViUInt32 value) { return apply(port, serial_port::character_size(value)); }},
@@ -93,6 +119,13 @@ constexpr std::array<Setting, 5> kSettings{{
      [](serial_port& port, ViUInt32 value) {
          return applyChoice<serial_port::flow_control>(port, kFlowControls, value);
      }},
+    {VI_ATTR_ASRL_XON_CHAR, applyCharacter<VSTART>},
+    {VI_ATTR_ASRL_XOFF_CHAR, applyCharacter<VSTOP>},
+    // Characters with errors are marked in ways of the host's own here.
+    {VI_ATTR_ASRL_REPLACE_CHAR,
+     [](serial_port&, ViUInt32 value) { return value == 0 ? VI_SUCCESS : VI_ERROR_NSUP_ATTR_STATE; }},
+    {VI_ATTR_ASRL_DTR_STATE, applyModemLine<VI_ATTR_ASRL_DTR_STATE>},
+    {VI_ATTR_ASRL_RTS_STATE, applyModemLine<VI_ATTR_ASRL_RTS_STATE>},
 }};
 
 /// A serial port (ASRL INSTR) in raw mode.
@@ -108,6 +141,7 @@ public:
     ViUInt32 available() noexcept override { return bytesWaiting(handle()); }
     ViStatus sendBreak(const Deadline& deadline) noexcept override;
     ViStatus setAttribute(ViAttr attribute, ViUInt32 value) noexcept override;
+    ViUInt32 numberFact(ViAttr attribute) noexcept override { return modemLine(handle(), attribute); }
     void interrupt() noexcept override { interrupter_.interrupt(); }
 
 private:
@@ -135,7 +169,7 @@ ViStatus SerialStream::readSome(std::span<ViByte> buffer, const Deadline& deadli
         ViStatus status = wait(Direction::Read, deadline);
         if (status < 0)
             return status;
-        const Transfer transfer = readNow(handle(), buffer);
+        const SerialTransfer transfer = readNow(handle(), buffer);
         count = transfer.count;
         if (transfer.state == TransferState::Done)
             return VI_SUCCESS;
@@ -149,7 +183,7 @@ ViStatus SerialStream::writeAll(std::span<const ViByte> bytes, const Deadline& d
 {
     count = 0;
     while (count < bytes.size()) {
-        const Transfer transfer = writeNow(handle(), bytes.subspan(count));
+        const SerialTransfer transfer = writeNow(handle(), bytes.subspan(count));
         count += transfer.count;
         if (transfer.state == TransferState::Done)
             continue;

@@ -65,6 +65,7 @@ public:
         return applyLineSetting(port_.handle(), attribute, value);
     }
 
+    ViUInt32 numberFact(ViAttr attribute) noexcept override { return lineState(port_.handle(), attribute); }
     void interrupt() noexcept override { port_.interrupt(); }
 
 private:
