@@ -22,5 +22,8 @@ void startNetwork() noexcept;
 } // namespace visa
 
 #include <asio/io_context.hpp>
+#include <asio/ip/address_v4.hpp>
 #include <asio/ip/address_v6.hpp>
+#include <asio/ip/multicast.hpp>
 #include <asio/ip/tcp.hpp>
+#include <asio/ip/udp.hpp>

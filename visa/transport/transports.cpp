@@ -1,5 +1,6 @@
 #include "visa/transport/transports.h"
 
+#include "visa/discovery/lan_search.h"
 #include "visa/resource/lan_protocols.h"
 #include "visa/transport/hislip/hislip_transport.h"
 #include "visa/transport/serial/find_serial_ports.h"
@@ -78,8 +79,9 @@ struct SearchRow
 };
 
 /// All searches. One may find resources of several transports.
-constexpr std::array<SearchRow, 1> kSearches{{
+constexpr std::array<SearchRow, 2> kSearches{{
     {"ASRL", findSerialPorts},
+    {"TCPIP", findLanInstruments},
 }};
 
 } // namespace
