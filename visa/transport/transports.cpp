@@ -78,10 +78,17 @@ struct SearchRow
     void (*search)(std::vector<std::string>& names);
 };
 
+void findUsbInstruments(std::vector<std::string>& names)
+{
+    const auto found = findUsb();
+    names.insert(names.end(), found.begin(), found.end());
+}
+
 /// All searches. One may find resources of several transports.
-constexpr std::array<SearchRow, 2> kSearches{{
+constexpr std::array<SearchRow, 3> kSearches{{
     {"ASRL", findSerialPorts},
     {"TCPIP", findLanInstruments},
+    {"USB", findUsbInstruments},
 }};
 
 } // namespace
