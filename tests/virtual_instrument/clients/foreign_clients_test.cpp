@@ -62,7 +62,7 @@ protected:
             GTEST_SKIP() << "a Python without sanitizers does not load a library that has them";
     }
 
-    VirtualInstrumentProcess instrument_{{"--load", "CH1=10", "--serial"}};
+    VirtualInstrumentProcess instrument_{{"--load", "CH1=10", "--serial", "--hislip", "0"}};
 };
 
 TEST_F(PyVisaThroughOurVisa, HoldsASessionOverASocket)
@@ -74,6 +74,13 @@ TEST_F(PyVisaThroughOurVisa, HoldsASessionOverASocket)
 TEST_F(PyVisaThroughOurVisa, HoldsASessionOverTheSerialLine)
 {
     expectGoodSession("ASRL" + instrument_.serialPath() + "::INSTR", {KVX_CLIENT_VISA});
+    EXPECT_EQ(instrument_.receivedLines().at(0), "*IDN?");
+}
+
+TEST_F(PyVisaThroughOurVisa, HoldsASessionOverHislip)
+{
+    expectGoodSession("TCPIP0::127.0.0.1::hislip0," + std::to_string(instrument_.hislipPort()) + "::INSTR",
+                      {KVX_CLIENT_VISA});
     EXPECT_EQ(instrument_.receivedLines().at(0), "*IDN?");
 }
 
