@@ -93,7 +93,7 @@ void addEndpoint(const libusb_endpoint_descriptor& endpoint, UsbDescription& des
     const std::uint8_t address = endpoint.bEndpointAddress;
     const bool isIn = (address & LIBUSB_ENDPOINT_DIR_MASK) == LIBUSB_ENDPOINT_IN;
     const int type = endpoint.bmAttributes & LIBUSB_TRANSFER_TYPE_MASK;
-    const std::size_t size = std::clamp(endpoint.wMaxPacketSize & 0x7FF, 1, 1024);
+    const auto size = static_cast<std::size_t>(std::clamp(endpoint.wMaxPacketSize & 0x7FF, 1, 1024));
     if (type == LIBUSB_TRANSFER_TYPE_BULK && !isIn)
         description.bulkOutAddress = address;
     if (type == LIBUSB_TRANSFER_TYPE_BULK && isIn) {
