@@ -5,8 +5,8 @@
 #                     UndefinedBehaviorSanitizer and under ThreadSanitizer, a short run of the fuzzers, and the builds for
 #                     Windows with their tests under Wine
 #   ./test.sh --long  what takes too long for every change: clang-tidy over the tests, its analyzer over all sources, the
-#                     driver broken one line at a time (tests/mutants), all of the attacks of tests/torture, a long run of
-#                     the fuzzers
+#                     driver built on a vendor's components and broken one line at a time (tests/mutants), all of the
+#                     attacks of tests/torture, the builds for ARM with their tests under QEMU, a long run of the fuzzers
 set -eu
 cd "$(dirname "$0")"
 . ./cmake/scripts.sh
@@ -15,6 +15,7 @@ cd "$(dirname "$0")"
 wine_prefix=
 finish() {
     if [ -n "$wine_prefix" ]; then
+        wait
         WINEPREFIX=$wine_prefix wineserver --kill >/dev/null 2>&1 || true
         rm -rf "$wine_prefix"
     fi
@@ -64,6 +65,12 @@ torture() {
     KVX_SOAK_MINUTES=60 build/release/bin/torture_soak_test
 }
 
+# test_vendor_platform: the driver built on made-up vendors' components
+test_vendor_platform() {
+    step "Building on a vendor's components"
+    /usr/bin/python3 -B tests/build/vendor_platform_test.py . --build
+}
+
 sources() { git ls-files '*.h' '*.hpp' '*.c' '*.cpp'; }
 
 check_format() {
@@ -76,14 +83,13 @@ check_format() {
 # Where clang's analyzer follows every path in --all; in --long it does so everywhere.
 driver='^\(api\|runtime\|instrument\|simulator\|io\|base\|binding\)/'
 
-# check_tidy CHECKS [-v] FILES: checks beside those of .clang-tidy, a pattern for grep. clang does not read the precompiled
-# header, which is g++'s.
+# check_tidy CHECKS [-v] FILES: checks beside those of .clang-tidy, a pattern for grep. The other builds compile several
+# sources as one; the commands for each come from one that is never built.
 check_tidy() {
     step "Checking with clang-tidy"
     checks=$1
     shift
-    mkdir -p build/tidy
-    sed 's/-Winvalid-pch -include [^ ]*//' build/release/compile_commands.json >build/tidy/compile_commands.json
+    cmake --preset tidy >/dev/null
     sources | grep '\.cpp$' | grep -v -e '^fuzz/' -e '^benchmarks/' -e windows -e mingw | grep "$@" |
         xargs -P "$(nproc)" -n 4 clang-tidy --quiet --checks="$checks" --extra-arg=-Wno-unknown-warning-option -p build/tidy 2>/dev/null
 }
@@ -109,11 +115,20 @@ try_faults() {
 test_windows() {
     wine_prefix=$(mktemp -d)
     export WINEPREFIX="$wine_prefix"
+    # The prefix takes half a minute, most of it spent waiting: it is made while the programs are built.
+    cmake/host/wine.sh cmd /c exit >/dev/null 2>&1 &
     run_tests windows-x64
     # Of the 32-bit build the files are checked; its programs run where there is a 32-bit Wine.
     run_tests windows-x86
     step "Packaging for Windows"
     packaging/windows/package.sh
+}
+
+# test_arm: the tests in QEMU's user mode, but for those of cmake/host/not_under_qemu.txt; the virtual instrument is this
+# machine's
+test_arm() {
+    run_tests linux-arm64
+    run_tests linux-armhf
 }
 
 case "${1-}" in
@@ -134,11 +149,13 @@ case "${1-}" in
     test_windows
     ;;
 --long)
-    install_packages build test check
+    install_packages build test check arm
     build release
     check_tidy '' -v "$driver"
+    test_vendor_platform
     try_faults
     torture
+    test_arm
     fuzz 1000000 600
     ;;
 *) fail "usage: ./test.sh [--all | --long]" ;;

@@ -1,8 +1,3 @@
-# The headers of the IVI and VISA components. SYSTEM: names such as _VI_FUNC are the standards', not this project's.
-add_library(platform_headers INTERFACE)
-target_include_directories(platform_headers SYSTEM INTERFACE
-    ${PROJECT_SOURCE_DIR}/platform/include ${PROJECT_SOURCE_DIR}/visa/include)
-
 # kvx_platform_library(<name> FACE <source>... [SOURCES <file>...] [LIBRARIES <target>...])
 # A shared library that exports exactly the functions named in exports.txt beside it, one a line. FACE are the
 # sources that define them; everything else has hidden visibility.

@@ -1,11 +1,70 @@
-# Makes the platform's targets from a vendor's folder: headers in include/, libraries in lib/.
-add_library(platform_headers INTERFACE)
-target_include_directories(platform_headers SYSTEM INTERFACE ${KVX_VENDOR_PLATFORM}/include)
+# Makes targets of the platform from what a vendor's folder has of it: headers in include/, libraries in lib/, both with the
+# name of the component. VISA alone will do, and so will the libraries of IVI alone, which belong together.
+set(KVX_VISA visa)
+set(KVX_IVI IviCShared IviConfigServer)
 
-foreach(library IviCShared visa IviConfigServer)
-    find_library(KVX_VENDOR_${library} NAMES ${library} PATHS ${KVX_VENDOR_PLATFORM}/lib NO_DEFAULT_PATH REQUIRED)
-    # Linked as a file, since a vendor's library may be a shared one, a static one or a Windows import library.
-    add_library(${library} UNKNOWN IMPORTED GLOBAL)
-    set_target_properties(${library} PROPERTIES IMPORTED_LOCATION ${KVX_VENDOR_${library}})
-    target_link_libraries(${library} INTERFACE platform_headers)
+# kvx_find_vendor_library(<result> <component>)
+# Leaves nothing in the cache, where it would outlive a change of the folder.
+function(kvx_find_vendor_library result component)
+    unset(library)
+    find_library(library NAMES ${component} PATHS ${KVX_VENDOR_PLATFORM}/lib
+        NO_DEFAULT_PATH NO_CMAKE_FIND_ROOT_PATH NO_CACHE)
+    set(${result} ${library} PARENT_SCOPE)
+endfunction()
+
+# kvx_look_for_vendor(<kind>)
+# Sets KVX_VENDOR_<kind> to whether the folder has it. What is there in part is an error, since it would be mixed with ours.
+function(kvx_look_for_vendor kind)
+    set(found "")
+    set(missing "")
+    foreach(component ${KVX_${kind}})
+        set(header include/${component}.h)
+        kvx_find_vendor_library(library ${component})
+        if(EXISTS ${KVX_VENDOR_PLATFORM}/${header})
+            list(APPEND found ${header})
+        else()
+            list(APPEND missing ${header})
+        endif()
+        if(library)
+            list(APPEND found ${library})
+        else()
+            list(APPEND missing "the library ${component} in lib/")
+        endif()
+    endforeach()
+    list(JOIN missing ", " missing)
+    if(found AND missing)
+        message(FATAL_ERROR "KVX_VENDOR_PLATFORM=${KVX_VENDOR_PLATFORM}: ${kind} is not complete there, missing: ${missing}")
+    endif()
+    if(found)
+        set(KVX_VENDOR_${kind} ON PARENT_SCOPE)
+    else()
+        set(KVX_VENDOR_${kind} OFF PARENT_SCOPE)
+    endif()
+    set(missing_${kind} ${missing} PARENT_SCOPE)
+endfunction()
+
+# kvx_use_vendor(<kind>)
+# Libraries are linked as files, since a vendor's may be a shared one, a static one or a Windows import library.
+function(kvx_use_vendor kind)
+    foreach(component ${KVX_${kind}})
+        kvx_find_vendor_library(library ${component})
+        add_library(${component} UNKNOWN IMPORTED GLOBAL)
+        set_target_properties(${component} PROPERTIES IMPORTED_LOCATION ${library})
+        target_link_libraries(${component} INTERFACE platform_headers)
+    endforeach()
+endfunction()
+
+kvx_look_for_vendor(VISA)
+kvx_look_for_vendor(IVI)
+if(NOT KVX_VENDOR_VISA AND NOT KVX_VENDOR_IVI)
+    message(FATAL_ERROR "KVX_VENDOR_PLATFORM=${KVX_VENDOR_PLATFORM} has neither VISA nor the libraries of IVI\n"
+        "VISA, missing: ${missing_VISA}\nIVI, missing: ${missing_IVI}")
+endif()
+
+# The vendor's headers come first: ours include them by names that both have.
+target_include_directories(platform_headers SYSTEM INTERFACE ${KVX_VENDOR_PLATFORM}/include)
+foreach(kind VISA IVI)
+    if(KVX_VENDOR_${kind})
+        kvx_use_vendor(${kind})
+    endif()
 endforeach()

@@ -33,6 +33,9 @@ endif()
 if(WIN32)
     # Windows 10, its wide functions, and none of its macros that are in the way of C++.
     target_compile_definitions(kvx_options INTERFACE _WIN32_WINNT=0x0A00 UNICODE NOMINMAX WIN32_LEAN_AND_MEAN)
+elseif(CMAKE_SIZEOF_VOID_P EQUAL 4)
+    # Without it files are missing whose size, or whose number in the file system, needs more than 32 bits.
+    target_compile_definitions(kvx_options INTERFACE _FILE_OFFSET_BITS=64)
 endif()
 
 # What is tested is optimised; the tests themselves need not be. AddressSanitizer watches the buffers that they hand out.

@@ -2,6 +2,7 @@
 
 #include "instrument/fixed_point.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <limits>
@@ -44,19 +45,36 @@ std::string_view takeNode(std::string_view& header)
     return node;
 }
 
-void appendNode(std::string& line, std::string_view node)
+/// Text put together in the room behind what a line has, which is one growth of the line instead of one for each piece.
+class Piecewise
 {
-    line += ':';
-    line += node;
-}
+public:
+    Piecewise(std::string& line, std::size_t room) : line_(line)
+    {
+        const std::size_t begin = line.size();
+        line.resize(begin + room);
+        end_ = line.data() + begin;
+    }
+    ~Piecewise() { line_.resize(static_cast<std::size_t>(end_ - line_.data())); }
+    Piecewise(const Piecewise&) = delete;
+    Piecewise& operator=(const Piecewise&) = delete;
+
+    void put(char character) { *end_++ = character; }
+    void put(std::string_view text) { end_ = std::copy(text.begin(), text.end(), end_); }
+    void put(ViInt32 number) { end_ = std::to_chars(end_, line_.data() + line_.size(), number).ptr; }
+
+private:
+    std::string& line_;
+    char* end_ = nullptr;
+};
 
 /// Without the empty ones: a colon in front of another one, or of nothing, begins no node.
-void appendNodes(std::string& line, std::string_view nodes)
+void putNodes(Piecewise& pieces, std::string_view nodes)
 {
     for (std::size_t at = 0; at < nodes.size(); ++at) {
         const bool beginsNoNode = nodes[at] == ':' && (at + 1 == nodes.size() || nodes[at + 1] == ':');
         if (!beginsNoNode)
-            line += nodes[at];
+            pieces.put(nodes[at]);
     }
 }
 
@@ -90,11 +108,16 @@ void Header::appendSource(std::string& line) const
     const std::string_view first = takeNode(rest);
     if (first.empty())
         return;
-    appendNode(line, kSourceNode);
-    appendChannel(line, channel_);
-    if (!first.starts_with(kSourceNode))
-        appendNode(line, first);
-    appendNodes(line, rest);
+    constexpr std::size_t kMostInFront = 2 + kSourceNode.size() + std::numeric_limits<ViInt32>::digits10 + 2;
+    Piecewise pieces(line, kMostInFront + text_.size());
+    pieces.put(':');
+    pieces.put(kSourceNode);
+    pieces.put(channel_);
+    if (!first.starts_with(kSourceNode)) {
+        pieces.put(':');
+        pieces.put(first);
+    }
+    putNodes(pieces, rest);
 }
 
 void Header::appendSuffixed(std::string& line) const

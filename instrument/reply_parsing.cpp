@@ -4,7 +4,11 @@
 #include "base/failures.h"
 
 #include <algorithm>
+#include <array>
+#include <cfloat>
 #include <charconv>
+#include <cstdint>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <system_error>
@@ -71,6 +75,35 @@ std::string_view hexadecimalNumber(std::string_view text)
     return digits == 0 ? std::string_view() : text.substr(0, endOfExponent(text, end));
 }
 
+/// Reads on through digits, which join those that have been read; returns the place behind them.
+const char* takeDigits(const char* at, const char* end, std::int64_t& number)
+{
+    for (; at != end && base::ascii::isDigit(*at); ++at)
+        number = 10 * number + (*at - '0');
+    return at;
+}
+
+/// The value of few digits with at most one point among them, as nearly all replies are; nothing for other texts. The
+/// quotient of two exact numbers is the double nearest to the text.
+std::optional<double> shortDecimal(std::string_view text)
+{
+    // 10^15 is below 2^53. A host that calculates with more digits would round twice.
+    constexpr std::size_t kMostCharacters = 15;
+    constexpr bool roundsOnce = FLT_EVAL_METHOD == 0;
+    static constexpr std::array<double, kMostCharacters> kPowers{1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6, 1e7,
+                                                                 1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14};
+    if (!roundsOnce || text.size() > kMostCharacters)
+        return std::nullopt;
+    const char* const end = text.data() + text.size();
+    std::int64_t digits = 0;
+    const char* const point = takeDigits(text.data(), end, digits);
+    if (point == end)
+        return text.empty() ? std::nullopt : std::optional(static_cast<double>(digits));
+    if (*point != '.' || takeDigits(point + 1, end, digits) != end || text.size() == 1)
+        return std::nullopt;
+    return static_cast<double>(digits) / kPowers[static_cast<std::size_t>(end - point) - 1];
+}
+
 std::from_chars_result convertMagnitude(std::string_view magnitude, double& value)
 {
     // std::from_chars takes a minus sign, which stands in front of the magnitude or nowhere.
@@ -117,6 +150,8 @@ bool parseBoolean(std::string_view reply)
 double parseDouble(std::string_view reply)
 {
     const SignedText text = splitSign(reply);
+    if (const auto number = shortDecimal(text.magnitude))
+        return text.negative ? -*number : *number;
     double value = 0.0;
     const auto result = convertMagnitude(text.magnitude, value);
     if (result.ec == std::errc::invalid_argument)

@@ -22,10 +22,17 @@ install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples/ DESTINATION ${own_folder}/Exam
     PATTERN CMakeLists.txt EXCLUDE PATTERN __pycache__ EXCLUDE)
 
 # For a machine without the IVI components or VISA.
-if(NOT KVX_VENDOR_PLATFORM)
-    install(TARGETS IviCShared IviConfigServer visa RUNTIME DESTINATION ${own_folder}/Platform/${width})
-    install(TARGETS kvx2800t-store kvx2800t-virtual RUNTIME DESTINATION ${own_folder}/Platform/${width})
-    install(DIRECTORY ${PROJECT_SOURCE_DIR}/platform/include/ ${PROJECT_SOURCE_DIR}/visa/include/ DESTINATION ${own_folder}/Platform/Include)
+if(NOT KVX_VENDOR_IVI)
+    install(TARGETS IviCShared IviConfigServer RUNTIME DESTINATION ${own_folder}/Platform/${width})
+    install(TARGETS kvx2800t-store RUNTIME DESTINATION ${own_folder}/Platform/${width})
+    install(DIRECTORY ${PROJECT_SOURCE_DIR}/platform/include/ DESTINATION ${own_folder}/Platform/Include)
+endif()
+if(NOT KVX_VENDOR_VISA)
+    install(TARGETS visa RUNTIME DESTINATION ${own_folder}/Platform/${width})
+    install(DIRECTORY ${PROJECT_SOURCE_DIR}/visa/include/ DESTINATION ${own_folder}/Platform/Include)
+endif()
+if(NOT KVX_VENDOR_IVI OR NOT KVX_VENDOR_VISA)
+    install(TARGETS kvx2800t-virtual RUNTIME DESTINATION ${own_folder}/Platform/${width})
 endif()
 
 set(CPACK_GENERATOR ZIP)

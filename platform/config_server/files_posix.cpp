@@ -29,7 +29,7 @@ std::optional<std::string> readFile(const std::string& path, std::size_t largest
     if (error || size > largest)
         return std::nullopt;
     std::ifstream file(path, std::ios::binary);
-    std::string text(size, '\0');
+    std::string text(static_cast<std::size_t>(size), '\0');
     file.read(text.data(), static_cast<std::streamsize>(text.size()));
     if (!file || file.gcount() != static_cast<std::streamsize>(text.size()))
         return std::nullopt;

@@ -1,17 +1,25 @@
 #include "platform/ivi_c_shared/session_table.h"
 
+#include <algorithm>
 #include <limits>
 
 namespace ivi_c_shared
 {
 
+const std::shared_ptr<SessionTable::Session>* SessionTable::Shard::find(ViSession handle) const
+{
+    const auto place = std::lower_bound(sessions.begin(), sessions.end(), handle,
+                                        [](const Entry& entry, ViSession wanted) { return entry.handle < wanted; });
+    return place == sessions.end() || place->handle != handle ? nullptr : &place->session;
+}
+
 template <class Action>
 ViStatus SessionTable::withSession(ViSession handle, Action action)
 {
     Shard& shard = shardOf(handle);
-    const std::lock_guard guard(shard.mutex);
-    const auto found = shard.sessions.find(handle);
-    return found == shard.sessions.end() ? IVI_ERROR_INVALID_SESSION_HANDLE : action(*found->second);
+    const std::lock_guard guard(shard.lock);
+    const auto* const found = shard.find(handle);
+    return found == nullptr ? IVI_ERROR_INVALID_SESSION_HANDLE : action(**found);
 }
 
 ViStatus SessionTable::create(ViSession& handle)
@@ -22,8 +30,11 @@ ViStatus SessionTable::create(ViSession& handle)
         return IVI_ERROR_OUT_OF_MEMORY;
     const auto fresh = static_cast<ViSession>(number);
     Shard& shard = shardOf(fresh);
-    const std::lock_guard guard(shard.mutex);
-    shard.sessions.emplace(fresh, std::move(session));
+    const std::lock_guard guard(shard.lock);
+    // Handles that others have been given meanwhile may be larger.
+    const auto place = std::find_if(shard.sessions.begin(), shard.sessions.end(),
+                                    [fresh](const Entry& entry) { return entry.handle > fresh; });
+    shard.sessions.insert(place, {fresh, std::move(session)});
     dataCache_.add(fresh);
     handle = fresh;
     return IVI_SUCCESS;
@@ -32,14 +43,14 @@ ViStatus SessionTable::create(ViSession& handle)
 ViStatus SessionTable::dispose(ViSession handle)
 {
     Shard& shard = shardOf(handle);
-    const std::lock_guard guard(shard.mutex);
-    const auto found = shard.sessions.find(handle);
-    if (found == shard.sessions.end())
+    const std::lock_guard guard(shard.lock);
+    const auto* const found = shard.find(handle);
+    if (found == nullptr)
         return IVI_ERROR_INVALID_SESSION_HANDLE;
     dataCache_.remove(handle);
-    found->second->disposed = true;
-    found->second->changed.notify_all();
-    shard.sessions.erase(found);
+    (*found)->disposed = true;
+    (*found)->changed.notify_all();
+    std::erase_if(shard.sessions, [handle](const Entry& entry) { return entry.handle == handle; });
     return IVI_SUCCESS;
 }
 
@@ -65,22 +76,22 @@ ViStatus SessionTable::getData(ViSession handle, ViAddr& data)
 ViStatus SessionTable::lock(ViSession handle, bool wanted)
 {
     Shard& shard = shardOf(handle);
-    std::unique_lock guard(shard.mutex);
-    const auto found = shard.sessions.find(handle);
-    if (found == shard.sessions.end())
+    std::unique_lock guard(shard.lock);
+    const auto* const found = shard.find(handle);
+    if (found == nullptr)
         return IVI_ERROR_INVALID_SESSION_HANDLE;
     if (!wanted)
         return IVI_SUCCESS;
-    Session& session = *found->second;
+    Session& session = **found;
     const std::thread::id self = std::this_thread::get_id();
     if (session.depth > 0 && session.owner != self)
-        return waitForLock(guard, found->second);
+        return waitForLock(guard, *found);
     session.owner = self;
     ++session.depth;
     return IVI_SUCCESS;
 }
 
-ViStatus SessionTable::waitForLock(std::unique_lock<std::mutex>& guard, const std::shared_ptr<Session>& session)
+ViStatus SessionTable::waitForLock(std::unique_lock<base::SpinLock>& guard, const std::shared_ptr<Session>& session)
 {
     // A reference of its own: Dispose drops the table's while this thread sleeps.
     const std::shared_ptr<Session> kept = session;

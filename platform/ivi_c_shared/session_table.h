@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/spin_lock.h"
 #include "platform/ivi_c_shared/data_cache.h"
 #include "platform/ivi_c_shared/error_record.h"
 
@@ -12,14 +13,14 @@
 #include <memory>
 #include <mutex>
 #include <thread>
-#include <unordered_map>
+#include <vector>
 
 namespace ivi_c_shared
 {
 
 /// All sessions of the process by handle. Handles count up from 1 and are never handed out twice.
 ///
-/// Sessions are spread over shards by handle. A shard's mutex guards its table and the state of its sessions, is held
+/// Sessions are spread over shards by handle. A shard's lock guards its table and the state of its sessions, is held
 /// for the length of one look-up and never while a thread waits for a session's lock. Data pointers are mostly read
 /// without it. Any thread may call any function;
 /// an unknown handle gives IVI_ERROR_INVALID_SESSION_HANDLE. Standard exceptions report lack of memory or of locks.
@@ -55,26 +56,35 @@ private:
         std::uint64_t depth = 0;
         std::uint64_t waiting = 0;
         bool disposed = false;
-        std::condition_variable changed;
+        std::condition_variable_any changed;
+    };
+
+    struct Entry
+    {
+        ViSession handle;
+        std::shared_ptr<Session> session;
     };
 
     struct alignas(64) Shard
     {
-        std::mutex mutex;
-        std::unordered_map<ViSession, std::shared_ptr<Session>> sessions;
+        base::SpinLock lock;
+        std::vector<Entry> sessions; ///< in the order of handles
+
+        /// Null for a handle that is unknown.
+        const std::shared_ptr<Session>* find(ViSession handle) const;
     };
 
     static constexpr std::size_t kShardCount = 64;
 
     Shard& shardOf(ViSession handle) { return shards_[handle % kShardCount]; }
 
-    /// Runs action(session) under the shard's mutex.
+    /// Runs action(session) under the shard's lock.
     template <class Action>
     ViStatus withSession(ViSession handle, Action action);
 
-    static ViStatus waitForLock(std::unique_lock<std::mutex>& guard, const std::shared_ptr<Session>& session);
+    static ViStatus waitForLock(std::unique_lock<base::SpinLock>& guard, const std::shared_ptr<Session>& session);
 
-    // Sessions that share a place there share a shard here, whose mutex keeps their changes apart.
+    // Sessions that share a place there share a shard here, whose lock keeps their changes apart.
     static_assert(DataCache::kPlaces % kShardCount == 0);
 
     std::array<Shard, kShardCount> shards_;

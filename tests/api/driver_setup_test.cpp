@@ -402,6 +402,7 @@ TEST_F(DriverSetup, TrueReadingsTellTheStateFromTheRegisterAndTheOutput)
                                                             {"1", "ON", {0, 1, 0, 0, 0}},
                                                             {"2", "ON", {1, 0, 0, 0, 0}},
                                                             {"4", "OFF", {0, 0, 1, 0, 0}},
+                                                            {"4", "ON", {0, 0, 1, 0, 0}},
                                                             {"8", "ON", {0, 0, 0, 1, 0}},
                                                             {"16", "ON", {0, 0, 0, 0, 1}}})
     {
@@ -505,7 +506,9 @@ TEST_F(DriverSetup, CheckedOptionsRefuseLevelsThatAreNoNumbers)
         forget();
         EXPECT_EQ(KVX2800T_ConfigureOVP(vi, kChannel, VI_TRUE, level), kOutOfRange);
         expectRecordedOnce(kOutOfRange, outOfRange + "  " + text + " is no finite number.");
+        forget();
         EXPECT_EQ(KVX2800T_ConfigureCurrentLimit(vi, kChannel, 0, level), kOutOfRange);
+        expectRecordedOnce(kOutOfRange, outOfRange + "  " + text + " is no finite number.");
         EXPECT_EQ(KVX2800T_SetAttributeViReal64(vi, kChannel, KVX2800T_ATTR_OVP_LIMIT, level), kOutOfRange);
         EXPECT_EQ(KVX2800T_SetAttributeViReal64(vi, kChannel, KVX2800T_ATTR_CURRENT_LIMIT, level), kOutOfRange);
         EXPECT_THAT(written(), IsEmpty());
@@ -539,6 +542,18 @@ TEST_F(DriverSetup, TheStatefulSimulationRemembersWhatIsSet)
         EXPECT_EQ(on, VI_TRUE);
     }
     EXPECT_THAT(calls("vi"), IsEmpty());
+}
+
+TEST_F(DriverSetup, TrueReadingsOfAStatefulSimulationAreThoseOfItsMeters)
+{
+    openWith("StatefulSimulation:1,TrueReadings:1", "Simulate=1");
+    ASSERT_EQ(KVX2800T_ConfigureVoltageLevel(vi, kChannel, 4.5), VI_SUCCESS);
+    ViReal64 volts = -1.0;
+    EXPECT_EQ(KVX2800T_Measure(vi, kChannel, KVX2800T_VAL_MEASURE_VOLTAGE, &volts), VI_SUCCESS);
+    EXPECT_EQ(volts, 0.0);
+    ASSERT_EQ(KVX2800T_ConfigureOutputEnabled(vi, kChannel, VI_TRUE), VI_SUCCESS);
+    EXPECT_EQ(KVX2800T_Measure(vi, kChannel, KVX2800T_VAL_MEASURE_VOLTAGE, &volts), VI_SUCCESS);
+    EXPECT_EQ(volts, 4.5);
 }
 
 TEST_F(DriverSetup, TheStatefulSimulationKeepsTheLimitsAndTheNamesOfASimulation)

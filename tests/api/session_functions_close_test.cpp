@@ -97,6 +97,15 @@ TEST_F(Close, ThatCannotDisposeOfTheHandleLeavesItWithoutASession)
     }
 }
 
+TEST_F(Close, ThatDisposesOfTheHandleWithAWarningLeavesItAlone)
+{
+    constexpr ViStatus kWarning = 5;
+    failCall("IviSession_Dispose", kWarning);
+    EXPECT_EQ(KVX2800T_close(vi), kWarning);
+    EXPECT_THAT(calls(), ElementsAre(testing::_, testing::_, "viClose(1)", testing::StartsWith("IviSession_Dispose(")));
+    vi = VI_NULL;
+}
+
 TEST_F(Close, AnUnknownSessionIsRefusedAndNobodyIsTold)
 {
     bool told = false;

@@ -206,7 +206,7 @@ std::vector<std::uint32_t> drawsOf(TSRO::RandomSource& source, std::uint64_t cou
     while (draws.size() < count) {
         // Of the largest count, integers are one less than the draws; the draw 0 is passed over.
         const std::uint32_t draw = source.uniformInteger(0xFFFFFFFFU) + 1;
-        draws.resize(source.drawCount() - before);
+        draws.resize(static_cast<std::size_t>(source.drawCount() - before));
         draws.back() = draw;
     }
     return draws;

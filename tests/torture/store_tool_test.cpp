@@ -157,7 +157,7 @@ public:
 private:
     void wait(std::chrono::microseconds most)
     {
-        const std::chrono::microseconds pause(std::uniform_int_distribution<long>(0, most.count())(random_));
+        const std::chrono::microseconds pause(std::uniform_int_distribution<std::chrono::microseconds::rep>(0, most.count())(random_));
         const auto end = std::chrono::steady_clock::now() + pause;
         while (std::chrono::steady_clock::now() < end)
             std::this_thread::yield();

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <cstdio>
 #include <vector>
 
 namespace visa
@@ -180,8 +181,9 @@ bool parseUsb(Parts& parts, ResourceName& name)
     name.vendorId = *vendor;
     name.productId = *product;
     name.serialNumber = parts[3];
-    for (std::size_t i = 1; i < parts.size(); ++i)
-        name.canonical += "::" + std::string(parts[i]);
+    name.canonical += "::" + usbIdText(name.vendorId) + "::" + usbIdText(name.productId) + "::" + name.serialNumber;
+    if (name.interfaceNumber)
+        name.canonical += "::" + std::to_string(*name.interfaceNumber);
     name.canonical += "::INSTR";
     return true;
 }
@@ -243,6 +245,13 @@ std::string interfaceName(const ResourceName& name)
     if (name.kind == ResourceKind::Serial && text.starts_with("ASRL/"))
         return "serial port " + name.address;
     return text;
+}
+
+std::string usbIdText(ViUInt16 id)
+{
+    std::array<char, 8> text{};
+    std::snprintf(text.data(), text.size(), "0x%04X", id);
+    return text.data();
 }
 
 std::string_view resourceClass(ResourceKind kind)

@@ -47,6 +47,9 @@ std::string interfaceName(const ResourceName& name);
 /// "INSTR" or "SOCKET".
 std::string_view resourceClass(ResourceKind kind);
 
+/// A vendor's or product's number as USB resource strings have it, "0x1234" (VPP-4.3 rule 4.3.1).
+std::string usbIdText(ViUInt16 id);
+
 /// Longest resource string understood, so that its attributes fit the 256 characters of a VISA string.
 inline constexpr std::size_t kLongestResourceName = 240;
 

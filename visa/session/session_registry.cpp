@@ -1,58 +1,89 @@
 #include "visa/session/session_registry.h"
 
+#include <algorithm>
 #include <limits>
+#include <mutex>
+#include <utility>
 
 namespace visa
 {
 
 ViSession SessionRegistry::reserveHandle()
 {
-    const std::lock_guard guard(mutex_);
+    const std::lock_guard guard(lock_);
     if (lastHandle_ == std::numeric_limits<ViSession>::max())
         return VI_NULL;
     return static_cast<ViSession>(++lastHandle_);
 }
 
+std::vector<SessionRegistry::Entry>::const_iterator SessionRegistry::placeOf(ViSession handle) const
+{
+    return std::lower_bound(sessions_.begin(), sessions_.end(), handle,
+                            [](const Entry& entry, ViSession wanted) { return entry.handle < wanted; });
+}
+
 bool SessionRegistry::add(ViSession handle, const std::shared_ptr<Session>& session)
 {
-    const std::lock_guard guard(mutex_);
+    const std::lock_guard guard(lock_);
     const ViSession manager = session->manager();
-    if (manager != VI_NULL && !sessions_.contains(manager))
-        return false;
-    sessions_.emplace(handle, session);
+    if (manager != VI_NULL) {
+        const auto opener = placeOf(manager);
+        if (opener == sessions_.end() || opener->handle != manager)
+            return false;
+    }
+    sessions_.insert(placeOf(handle), {handle, session});
     return true;
 }
 
 std::shared_ptr<Session> SessionRegistry::find(ViSession handle) const
 {
-    const std::lock_guard guard(mutex_);
-    const auto found = sessions_.find(handle);
-    return found == sessions_.end() ? nullptr : found->second;
+    const std::lock_guard guard(lock_);
+    const auto found = placeOf(handle);
+    return found == sessions_.end() || found->handle != handle ? nullptr : found->session;
+}
+
+std::shared_ptr<Session> SessionRegistry::take(ViSession handle)
+{
+    const std::lock_guard guard(lock_);
+    const auto found = placeOf(handle);
+    if (found == sessions_.end() || found->handle != handle)
+        return nullptr;
+    auto session = found->session;
+    sessions_.erase(found);
+    return session;
+}
+
+/// Takes back one of the sessions that were opened through a manager; null when there is none left.
+std::shared_ptr<Session> SessionRegistry::takeOneOf(ViSession manager)
+{
+    const std::lock_guard guard(lock_);
+    const auto found = std::find_if(sessions_.begin(), sessions_.end(),
+                                    [manager](const Entry& entry) { return entry.session->manager() == manager; });
+    if (found == sessions_.end())
+        return nullptr;
+    auto session = std::move(found->session);
+    sessions_.erase(found);
+    return session;
 }
 
 bool SessionRegistry::close(ViSession handle)
 {
-    // Connections are closed outside the mutex, when this goes. Entries change hands as they are: closing takes no
-    // memory.
-    decltype(sessions_) closed;
-    {
-        const std::lock_guard guard(mutex_);
-        if (!sessions_.contains(handle))
-            return false;
-        for (auto next = sessions_.begin(); next != sessions_.end();) {
-            const auto entry = next++;
-            if (entry->first == handle || entry->second->manager() == handle)
-                closed.insert(sessions_.extract(entry));
-        }
-    }
-    for (const auto& entry : closed)
-        entry.second->interrupt();
+    // Once the manager is gone, no session is added to it any more. One at a time, closing takes no memory; connections
+    // are closed outside the lock.
+    const auto closed = take(handle);
+    if (closed == nullptr)
+        return false;
+    closed->interrupt();
+    if (closed->manager() != VI_NULL)
+        return true;
+    while (const auto opened = takeOneOf(handle))
+        opened->interrupt();
     return true;
 }
 
 std::shared_ptr<ResourceLock> SessionRegistry::lockOf(const std::string& canonicalName)
 {
-    const std::lock_guard guard(mutex_);
+    const std::lock_guard guard(lock_);
     std::erase_if(locks_, [](const auto& entry) { return entry.second.expired(); });
     std::weak_ptr<ResourceLock>& known = locks_[canonicalName];
     auto lock = known.lock();

@@ -1,13 +1,14 @@
 #pragma once
 
+#include "base/spin_lock.h"
 #include "visa/session/resource_lock.h"
 #include "visa/session/session.h"
 
 #include <cstdint>
 #include <map>
 #include <memory>
-#include <mutex>
 #include <string>
+#include <vector>
 
 namespace visa
 {
@@ -33,9 +34,19 @@ public:
     std::shared_ptr<ResourceLock> lockOf(const std::string& canonicalName);
 
 private:
-    mutable std::mutex mutex_;
-    // Nodes of a map can be moved to another one without memory.
-    std::map<ViSession, std::shared_ptr<Session>> sessions_;
+    struct Entry
+    {
+        ViSession handle;
+        std::shared_ptr<Session> session;
+    };
+
+    std::vector<Entry>::const_iterator placeOf(ViSession handle) const;
+    std::shared_ptr<Session> take(ViSession handle);
+    std::shared_ptr<Session> takeOneOf(ViSession manager);
+
+    // Held for the length of a look-up, of which every call of VISA begins with one.
+    mutable base::SpinLock lock_;
+    std::vector<Entry> sessions_; ///< in the order of handles
     std::map<std::string, std::weak_ptr<ResourceLock>> locks_;
     std::uint64_t lastHandle_ = 0;
 };

@@ -1,12 +1,12 @@
 #pragma once
 
+#include "visa/host/quick_mutex.h"
 #include "visa/transport/end_finder.h"
 #include "visa/transport/stream.h"
 #include "visa/transport/transport.h"
 
 #include <atomic>
 #include <memory>
-#include <mutex>
 #include <vector>
 
 namespace visa
@@ -69,10 +69,10 @@ private:
 
     const std::unique_ptr<Stream> stream_;
     const Framing framing_;
-    std::mutex readMutex_; ///< held by the one read under way; guards carryOver_
+    QuickMutex readMutex_; ///< held by the one read under way; guards carryOver_
     CarryOver carryOver_;
     std::atomic<bool> lastReadFailed_ = false;
-    std::mutex writeMutex_; ///< held by the one write under way
+    QuickMutex writeMutex_; ///< held by the one write under way
 };
 
 } // namespace visa

@@ -5,6 +5,7 @@
 #include "visa/transport/serial/serial_stream.h"
 #include "visa/transport/stream_transport.h"
 #include "visa/transport/tcp/tcp_stream.h"
+#include "visa/transport/usb/usb_transport.h"
 #include "visa/transport/vxi11/vxi11_open.h"
 
 #include <algorithm>
@@ -53,9 +54,10 @@ struct TransportRow
 };
 
 /// All transports. Of those that serve a resource the first is tried first.
-constexpr std::array<TransportRow, 4> kTransports{{
+constexpr std::array<TransportRow, 5> kTransports{{
     {isKind<ResourceKind::Serial>, kSerial, openStreamTransport<openSerialStream, Framing::SerialLine>},
     {isKind<ResourceKind::TcpipSocket>, kSocket, openStreamTransport<openTcpStream, Framing::None>},
+    {isKind<ResourceKind::Usb>, kUsb, openUsb},
     {servesVxi11, kVxi11, openVxi11},
     {mayUse<&LanProtocols::hislip>, kHislip, openHislip},
 }};

@@ -4,7 +4,7 @@
 #include "runtime/kvx2800t_driver_session.h"
 #include "tests/support/fakes/platform_fakes.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <optional>
 

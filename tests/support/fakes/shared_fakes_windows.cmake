@@ -29,6 +29,8 @@ add_fake_library(fake_config_server platform/config_server IviConfigServerCAPI I
 
 # The folder of the program is the first that its libraries are searched for in.
 function(kvx_runs_beside_fakes program)
+    # The fakes export what they have of std::, too, where LLVM's linker sees duplicates.
+    set_property(TARGET ${program} PROPERTY LINK_OPTIONS "")
     set_target_properties(${program} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${fakes_folder})
     add_custom_command(TARGET ${program} POST_BUILD VERBATIM
         COMMAND ${CMAKE_COMMAND} -E copy_if_different $<TARGET_FILE:KVX2800T> ${fakes_folder})

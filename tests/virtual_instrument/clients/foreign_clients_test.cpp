@@ -27,9 +27,12 @@ Outcome run(const std::string& path, const std::vector<std::string>& arguments)
     return outcome;
 }
 
-void expectGoodSession(const std::string& resource)
+/// @param library the VISA library; none is PyVISA-py, which is one of its own
+void expectGoodSession(const std::string& resource, const std::vector<std::string>& library = {})
 {
-    const auto outcome = run(KVX_CLIENT_PYTHON, {"-B", KVX_CLIENT_SCRIPT, resource});
+    std::vector<std::string> arguments{"-B", KVX_CLIENT_SCRIPT, resource};
+    arguments.insert(arguments.end(), library.begin(), library.end());
+    const auto outcome = run(KVX_CLIENT_PYTHON, arguments);
     EXPECT_EQ(outcome.exitCode, 0) << outcome.errorOutput;
     EXPECT_THAT(outcome.lines, ElementsAre("done"));
 }
@@ -47,6 +50,31 @@ TEST(PyVisa, HoldsASessionOverTheSerialLine)
     VirtualInstrumentProcess instrument({"--load", "CH1=10", "--serial"});
     expectGoodSession("ASRL" + instrument.serialPath() + "::INSTR");
     EXPECT_EQ(instrument.receivedLines().at(0), "*IDN?");
+}
+
+/// PyVISA on top of this project's VISA library.
+class PyVisaThroughOurVisa : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        if (std::string(KVX_CLIENT_VISA).empty())
+            GTEST_SKIP() << "a Python without sanitizers does not load a library that has them";
+    }
+
+    VirtualInstrumentProcess instrument_{{"--load", "CH1=10", "--serial"}};
+};
+
+TEST_F(PyVisaThroughOurVisa, HoldsASessionOverASocket)
+{
+    expectGoodSession(instrument_.resource(), {KVX_CLIENT_VISA});
+    EXPECT_EQ(instrument_.receivedLines().at(0), "*IDN?");
+}
+
+TEST_F(PyVisaThroughOurVisa, HoldsASessionOverTheSerialLine)
+{
+    expectGoodSession("ASRL" + instrument_.serialPath() + "::INSTR", {KVX_CLIENT_VISA});
+    EXPECT_EQ(instrument_.receivedLines().at(0), "*IDN?");
 }
 
 class LxiTools : public testing::Test

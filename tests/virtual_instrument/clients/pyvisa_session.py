@@ -1,7 +1,7 @@
 """A session with the virtual instrument through PyVISA, as a user's script would hold one.
 
-Takes the resource name of an instrument that nothing has been set on yet and that has 10 ohms at channel 1. Ends with
-an exception where the instrument does not answer as it should.
+Takes the resource name of an instrument that nothing has been set on yet and that has 10 ohms at channel 1, and the
+VISA library to use, PyVISA-py without one. Ends with an exception where the instrument does not answer as it should.
 """
 
 import sys
@@ -74,8 +74,8 @@ def answer_in_order(instrument):
         expect("1;0", instrument.read())
 
 
-def main(resource):
-    manager = pyvisa.ResourceManager("@py")
+def main(resource, library="@py"):
+    manager = pyvisa.ResourceManager(library)
     instrument = manager.open_resource(
         resource, read_termination=LINE_FEED, write_termination=LINE_FEED, timeout=TIMEOUT_MS
     )

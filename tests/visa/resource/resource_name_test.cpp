@@ -41,9 +41,7 @@ protected:
 
 TEST_F(VisaResourceName, KindsWithoutABackEndLackTheirLibrary)
 {
-    for (const char* resource :
-         {"GPIB::5", "GPIB0::0::INSTR", "gpib1::30::31::instr", "USB::0x1234::0x5678::SN1",
-          "USB0::0x1234::0xABCD::SN-1::INSTR", "usb2::4660::22136::A::0", "USB0::0x1::0x2::A::1::INSTR"})
+    for (const char* resource : {"GPIB::5", "GPIB0::0::INSTR", "gpib1::30::31::instr"})
         EXPECT_EQ(statusOf(resource), VI_ERROR_LIBRARY_NFOUND) << resource;
 }
 
@@ -53,6 +51,13 @@ TEST_F(VisaResourceName, LanInstrumentsAreUnderstood)
                                  "tcpip3::h::hislip0,4880::instr", "TCPIP::[fe80::1]::hislip0", "TCPIP::[::1]::INSTR",
                                  "TCPIP::h::gpib0,5", "TCPIP::h::GPIB0,5,96::INSTR", "TCPIP::h::a[b::INSTR"})
         EXPECT_TRUE(isLanInstrument(resource)) << resource;
+}
+
+TEST_F(VisaResourceName, UsbInstrumentsThatAreNotPluggedInAreNotFound)
+{
+    for (const char* resource : {"USB::0x1234::0x5678::SN1", "USB0::0x1234::0xABCD::SN-1::INSTR",
+                                 "usb2::4660::22136::A::0", "USB0::0x1::0x2::A::1::INSTR"})
+        EXPECT_EQ(statusOf(resource), KVX_STATUS_OF_ABSENT_USB) << resource;
 }
 
 TEST_F(VisaResourceName, SecureConnectionsAreNeverOpenedInsecurely)
@@ -138,7 +143,7 @@ TEST_F(VisaResourceName, ColonAtTheEndBelongsToNoName)
 
 TEST_F(VisaResourceName, BracketThatIsNotClosedProtectsNothing)
 {
-    EXPECT_EQ(statusOf("USB::0x1::0x2::A[::0::INSTR"), VI_ERROR_LIBRARY_NFOUND);
+    EXPECT_EQ(statusOf("USB::0x1::0x2::A[::0::INSTR"), KVX_STATUS_OF_ABSENT_USB);
 }
 
 TEST_F(VisaResourceName, NullNameIsInvalid)

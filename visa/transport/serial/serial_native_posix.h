@@ -19,7 +19,7 @@ enum class TransferState
     Failed
 };
 
-struct Transfer
+struct SerialTransfer
 {
     TransferState state;
     std::size_t count;
@@ -29,8 +29,8 @@ struct Transfer
 /// of that port; empty when there is none.
 std::string serialDevicePath(ViUInt16 board);
 
-Transfer readNow(NativeHandle handle, std::span<ViByte> buffer) noexcept;
-Transfer writeNow(NativeHandle handle, std::span<const ViByte> bytes) noexcept;
+SerialTransfer readNow(NativeHandle handle, std::span<ViByte> buffer) noexcept;
+SerialTransfer writeNow(NativeHandle handle, std::span<const ViByte> bytes) noexcept;
 
 /// Bytes received and not read yet.
 ViUInt32 bytesWaiting(NativeHandle handle) noexcept;

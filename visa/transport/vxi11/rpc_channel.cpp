@@ -10,8 +10,6 @@ namespace visa
 namespace
 {
 
-constexpr std::uint32_t kLastFragment = 0x80000000U;
-
 enum MessageType : std::uint32_t
 {
     kCall = 0,

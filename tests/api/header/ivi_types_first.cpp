@@ -1,0 +1,1 @@
+#include "tests/api/header/ivi_types_first.c"
