@@ -42,14 +42,28 @@ std::string listenText(const std::string& address, unsigned short port)
     return "listen on " + address + ':' + std::to_string(port);
 }
 
+void startVxi11(Server& server, const std::string& address, unsigned short port, OutputQueue& output, Journal& journal)
+{
+    const auto places = startOrExplain(listenText(address, port), [&] { return server.listenVxi11(address, port); });
+    output.add("VXI-11 on " + places.core);
+    if (places.portmapper.empty())
+        journal.warn(
+            "port 111 is not to be had, so that clients of VXI-11 do not find this instrument: start it as a user "
+            "who may listen there, and without another portmapper");
+    else
+        output.add("portmapper on " + places.portmapper);
+}
+
 /// The lines that scripts read to learn where to connect; each leaves as soon as it is true.
-void startTransports(Server& server, const Options& options, OutputQueue& output)
+void startTransports(Server& server, const Options& options, OutputQueue& output, Journal& journal)
 {
     output.add("listening on " + startOrExplain(listenText(options.bindAddress, options.port),
                                                 [&] { return server.listen(options.bindAddress, options.port); }));
     if (const auto port = options.hislipPort)
         output.add("HiSLIP on " + startOrExplain(listenText(options.bindAddress, *port),
                                                  [&] { return server.listenHislip(options.bindAddress, *port); }));
+    if (const auto port = options.vxi11Port)
+        startVxi11(server, options.bindAddress, *port, output, journal);
     if (options.serial)
         output.add("serial line at " + startOrExplain("offer a serial line", [&] { return server.openSerial(); }));
     if (const auto port = options.controlPort) {
@@ -92,7 +106,7 @@ void run(const Options& options, OutputQueue& output, OutputQueue& errors)
     if (options.untilStdinCloses)
         startOrExplain("watch the standard input",
                        [&] { whenStandardInputEnds(context, [&context] { context.stop(); }); });
-    startTransports(server, options, output);
+    startTransports(server, options, output, journal);
     context.run();
 }
 

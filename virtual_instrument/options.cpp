@@ -56,6 +56,7 @@ CommandLine parseCommandLine(int argumentCount, const char* const* arguments)
 {
     Options options;
     unsigned short hislipPort = 0;
+    unsigned short vxi11Port = 0;
     unsigned short controlPort = 0;
     std::string controlToken;
     int settleMilliseconds = static_cast<int>(options.instrument.settleTime.count());
@@ -74,6 +75,10 @@ CommandLine parseCommandLine(int argumentCount, const char* const* arguments)
     app.add_flag("--serial", options.serial, "offer a serial line (a pseudo terminal) and print its path");
     auto* const hislip =
         app.add_option("--hislip", hislipPort, "TCP port of HiSLIP, 4880 without a number, 0 for any free one")
+            ->expected(0, 1);
+    auto* const vxi11 =
+        app.add_option("--vxi11", vxi11Port,
+                       "offer VXI-11 and a portmapper; TCP port of its core channel, any free one without a number")
             ->expected(0, 1);
     auto* const control =
         app.add_option("--control-port", controlPort, "TCP port of the test control on 127.0.0.1, 0 for any free one");
@@ -107,6 +112,8 @@ CommandLine parseCommandLine(int argumentCount, const char* const* arguments)
 
     if (hislip->count() > 0)
         options.hislipPort = hislip->results().front().empty() ? kHislipPort : hislipPort;
+    if (vxi11->count() > 0)
+        options.vxi11Port = vxi11Port;
     if (control->count() > 0)
         options.controlPort = controlPort;
     if (!controlToken.empty())

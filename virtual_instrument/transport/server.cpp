@@ -35,7 +35,8 @@ std::optional<std::string> clientName(const asio::ip::tcp::socket& socket)
 
 Server::Server(asio::io_context& context, VirtualInstrument& instrument, Journal& journal)
     : context_(context), instrument_(instrument), journal_(journal),
-      control_(instrument, [this] { disconnectClients(); }), hub_(context, instrument, journal), hislip_(hub_)
+      control_(instrument, [this] { disconnectClients(); }), hub_(context, instrument, journal), hislip_(hub_),
+      vxi11_(hub_)
 {
 }
 
@@ -47,6 +48,33 @@ std::string Server::listen(const std::string& address, unsigned short port)
 std::string Server::listenHislip(const std::string& address, unsigned short port)
 {
     return listenOn(address, port, [this](Socket socket) { addHislipClient(std::move(socket)); });
+}
+
+Server::Vxi11Places Server::listenVxi11(const std::string& address, unsigned short port)
+{
+    const auto portOfLast = [this] { return listeners_.back().socket.endpoint().port(); };
+    listenOn(address, 0, [this](Socket socket) { addAbortClient(std::move(socket)); });
+    vxi11_.setAbortPort(portOfLast());
+    Vxi11Places places;
+    places.core = listenOn(address, port, [this](Socket socket) { addVxi11Client(std::move(socket)); });
+    const std::vector<vxi11::PortMapping> mappings{{vxi11::kCoreProgram, vxi11::kVersion, portOfLast()}};
+    if (offerPortmapper(address, mappings))
+        places.portmapper = address + ':' + std::to_string(vxi11::kPortmapperPort);
+    return places;
+}
+
+bool Server::offerPortmapper(const std::string& address, const std::vector<vxi11::PortMapping>& mappings)
+{
+    try {
+        const asio::ip::udp::endpoint datagrams(asio::ip::make_address(address), vxi11::kPortmapperPort);
+        portmapper_.emplace(context_, datagrams, mappings);
+        listenOn(address, vxi11::kPortmapperPort,
+                 [this, mappings](Socket socket) { addPortmapperClient(std::move(socket), mappings); });
+        return true;
+    } catch (const std::system_error&) {
+        portmapper_.reset();
+        return false;
+    }
 }
 
 std::string Server::openSerial()
@@ -130,6 +158,36 @@ void Server::addHislipClient(Socket socket)
     clients_.insert(hislip_.serve(std::move(socket), *name, [this](const std::shared_ptr<Connection>& connection) {
         clients_.erase(connection);
     }));
+}
+
+std::function<void(const std::shared_ptr<Connection>&)> Server::forget()
+{
+    return [this](const std::shared_ptr<Connection>& client) { clients_.erase(client); };
+}
+
+void Server::keep(const std::shared_ptr<Connection>& client)
+{
+    if (client != nullptr)
+        clients_.insert(client);
+}
+
+void Server::addVxi11Client(Socket socket)
+{
+    if (const auto name = clientName(socket))
+        keep(vxi11_.serveCore(std::move(socket), *name, forget()));
+}
+
+void Server::addAbortClient(Socket socket)
+{
+    keep(vxi11_.serveAbort(std::move(socket), forget()));
+}
+
+void Server::addPortmapperClient(Socket socket, const std::vector<vxi11::PortMapping>& mappings)
+{
+    const auto client = std::make_shared<vxi11::RpcConnection>(
+        std::move(socket), std::make_unique<vxi11::PortmapperService>(mappings), forget());
+    keep(client);
+    client->start();
 }
 
 void Server::disconnectClients()

@@ -8,6 +8,8 @@
 #include "virtual_instrument/transport/listening_socket.h"
 #include "virtual_instrument/transport/message_connection.h"
 #include "virtual_instrument/transport/test_control.h"
+#include "virtual_instrument/transport/vxi11/portmapper.h"
+#include "virtual_instrument/transport/vxi11/vxi11_server.h"
 
 #include <asio.hpp>
 #include <functional>
@@ -35,6 +37,15 @@ public:
 
     /// Takes clients of HiSLIP, otherwise as listen().
     std::string listenHislip(const std::string& address, unsigned short port);
+
+    /// Takes clients of VXI-11; `port` is that of the core channel. Its own portmapper is at the same address, if that
+    /// can be had. As listen().
+    struct Vxi11Places
+    {
+        std::string core;
+        std::string portmapper; ///< empty when the place is taken or not allowed
+    };
+    Vxi11Places listenVxi11(const std::string& address, unsigned short port);
 
     /// Offers a serial line; returns the path that clients open. Throws std::system_error.
     std::string openSerial();
@@ -64,6 +75,12 @@ private:
     bool acceptWaiting(Listener& listener);
     void addClient(Socket socket);
     void addHislipClient(Socket socket);
+    void addVxi11Client(Socket socket);
+    void addAbortClient(Socket socket);
+    void addPortmapperClient(Socket socket, const std::vector<vxi11::PortMapping>& mappings);
+    bool offerPortmapper(const std::string& address, const std::vector<vxi11::PortMapping>& mappings);
+    void keep(const std::shared_ptr<Connection>& client);
+    std::function<void(const std::shared_ptr<Connection>&)> forget();
     void disconnectClients();
     void whenQuiet(std::function<void()> action);
 
@@ -73,6 +90,8 @@ private:
     TestControl control_;
     LinkHub hub_;
     hislip::HislipServer hislip_;
+    vxi11::Vxi11Server vxi11_;
+    std::optional<vxi11::PortmapperDatagrams> portmapper_;
     std::list<Listener> listeners_;
     std::set<std::shared_ptr<Connection>> clients_;
     std::shared_ptr<Connection> serial_;

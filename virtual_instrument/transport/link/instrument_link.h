@@ -88,6 +88,8 @@ public:
     void trigger();
 
     bool hasReply() const { return !replies_.empty() && replies_.front().ready; }
+    /// Whether there is one or, delayed, will be.
+    bool expectsReply() const { return !replies_.empty(); }
 
     /// The whole reply, or what take() has left of it; hasReply() must hold.
     std::string takeReply();

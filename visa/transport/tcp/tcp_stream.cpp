@@ -129,9 +129,9 @@ ViStatus TcpStream::writeAll(std::span<const ViByte> bytes, const Deadline& dead
 ViStatus TcpStream::discardInput(const Deadline& deadline) noexcept
 {
     // More than hosts keep of a connection's input.
-    constexpr std::size_t kMostDropped = std::size_t{16} * 1024 * 1024;
+    constexpr std::size_t kMostDiscarded = std::size_t{16} * 1024 * 1024;
     std::array<ViByte, 16384> room{};
-    for (std::size_t dropped = 0; dropped < kMostDropped;) {
+    for (std::size_t dropped = 0; dropped < kMostDiscarded;) {
         std::size_t count = 0;
         const asio::error_code error = transfer_.receive(room, 0, count);
         dropped += count;

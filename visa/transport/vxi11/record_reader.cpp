@@ -7,12 +7,6 @@
 
 namespace visa
 {
-namespace
-{
-
-constexpr std::uint32_t kLastFragment = 0x80000000U;
-
-} // namespace
 
 ViStatus RecordReader::next(const Deadline& deadline) noexcept
 {

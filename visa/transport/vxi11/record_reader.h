@@ -10,6 +10,9 @@
 namespace visa
 {
 
+/// The bit in the mark of a fragment that ends a record; the others are its length.
+inline constexpr std::uint32_t kLastFragment = 0x80000000U;
+
 /// The records that arrive on a stream (RFC 5531 section 11), whose fragments are put together here.
 ///
 /// An operation that fails for lack of time or because it was interrupted has lost nothing: the next begins where it

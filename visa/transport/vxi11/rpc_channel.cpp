@@ -10,8 +10,6 @@ namespace visa
 namespace
 {
 
-constexpr std::uint32_t kOnlyFragment = 0x80000000U;
-
 enum MessageType : std::uint32_t
 {
     kCall = 0,
@@ -116,7 +114,7 @@ ViStatus RpcChannel::sendRecord(std::span<ViByte> head, std::span<const ViByte> 
     constexpr std::array<ViByte, kWordBytes> kZeros{};
     const std::size_t padding = paddingOf(payload.size());
     const std::size_t length = head.size() - kWordBytes + payload.size() + padding;
-    putWord(head.data(), kOnlyFragment | static_cast<std::uint32_t>(length));
+    putWord(head.data(), kLastFragment | static_cast<std::uint32_t>(length));
     const std::size_t room = kSendBuffer - head.size();
     const bool fits = payload.size() + padding <= room;
     const std::size_t copied = fits ? payload.size() : room;
