@@ -98,6 +98,7 @@ VirtualInstrumentProcess::VirtualInstrumentProcess(const std::vector<std::string
 {
     constexpr std::string_view kListening = "listening on ";
     constexpr std::string_view kHislip = "HiSLIP on ";
+    constexpr std::string_view kVxi11 = "VXI-11 on ";
     constexpr std::string_view kSerial = "serial line at ";
     constexpr std::string_view kControl = "test control on ";
     // The test control is the last that the program announces.
@@ -109,6 +110,8 @@ VirtualInstrumentProcess::VirtualInstrumentProcess(const std::vector<std::string
             port_ = portIn(*line);
         else if (line->starts_with(kHislip))
             hislipPort_ = portIn(*line);
+        else if (line->starts_with(kVxi11))
+            vxi11Port_ = portIn(*line);
         else if (line->starts_with(kSerial))
             serialPath_ = line->substr(kSerial.size());
         else if (line->starts_with(kControl))

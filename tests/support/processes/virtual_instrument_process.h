@@ -30,6 +30,9 @@ public:
 
     unsigned short port() const { return port_; }
     unsigned short controlPort() const { return controlPort_; }
+    /// Of the core channel; 0 without `--vxi11`.
+    unsigned short vxi11Port() const { return vxi11Port_; }
+
     /// 0 without `--hislip`.
     unsigned short hislipPort() const { return hislipPort_; }
 
@@ -66,6 +69,7 @@ private:
     unsigned short port_ = 0;
     unsigned short controlPort_ = 0;
     unsigned short hislipPort_ = 0;
+    unsigned short vxi11Port_ = 0;
     std::string serialPath_;
     std::optional<LineClient> control_;
     bool killed_ = false;

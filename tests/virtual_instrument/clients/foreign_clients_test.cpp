@@ -1,4 +1,5 @@
 #include "tests/support/processes/virtual_instrument_process.h"
+#include "tests/virtual_instrument/clients/foreign_program.h"
 
 #include <gmock/gmock.h>
 
@@ -8,26 +9,6 @@ namespace
 using namespace kvxtest;
 using testing::ElementsAre;
 
-/// What a program has printed, and how it ended.
-struct Outcome
-{
-    std::vector<std::string> lines;
-    int exitCode = 0;
-    std::string errorOutput;
-};
-
-Outcome run(const std::string& path, const std::vector<std::string>& arguments)
-{
-    ChildProcess program(path, arguments);
-    Outcome outcome;
-    while (auto line = program.readLine())
-        outcome.lines.push_back(std::move(*line));
-    outcome.exitCode = program.wait();
-    outcome.errorOutput = program.errorOutput();
-    return outcome;
-}
-
-/// @param library the VISA library; none is PyVISA-py, which is one of its own
 void expectGoodSession(const std::string& resource, const std::vector<std::string>& library = {})
 {
     std::vector<std::string> arguments{"-B", KVX_CLIENT_SCRIPT, resource};
