@@ -75,6 +75,7 @@ CommandLine parseCommandLine(int argumentCount, const char* const* arguments)
     auto* const hislip =
         app.add_option("--hislip", hislipPort, "TCP port of HiSLIP, 4880 without a number, 0 for any free one")
             ->expected(0, 1);
+    app.add_flag("--mdns", options.mdns, "announce the services on the network of --bind (multicast DNS)");
     auto* const control =
         app.add_option("--control-port", controlPort, "TCP port of the test control on 127.0.0.1, 0 for any free one");
     app.add_option("--control-token", controlToken,

@@ -17,6 +17,7 @@ struct Options
     unsigned short port = 5025;
     std::string bindAddress = "127.0.0.1";
     std::optional<unsigned short> hislipPort;
+    bool mdns = false;
     std::optional<unsigned short> controlPort;
     /// With one the test control is at `bindAddress`, for those who show it; without one on the loopback interface.
     std::optional<std::string> controlToken;
