@@ -3,16 +3,20 @@
 #include "virtual_instrument/transport/console.h"
 #include "virtual_instrument/transport/error_text.h"
 #include "virtual_instrument/transport/journal.h"
+#include "virtual_instrument/transport/mdns/mdns_responder.h"
 #include "virtual_instrument/transport/output_queue.h"
 #include "virtual_instrument/transport/server.h"
 #include "virtual_instrument/transport/standard_input.h"
 
 #include <asio.hpp>
+#include <charconv>
 #include <chrono>
 #include <exception>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 namespace
 {
@@ -42,28 +46,48 @@ std::string listenText(const std::string& address, unsigned short port)
     return "listen on " + address + ':' + std::to_string(port);
 }
 
-void startVxi11(Server& server, const std::string& address, unsigned short port, OutputQueue& output, Journal& journal)
+/// The port of "127.0.0.1:5025".
+unsigned short portOf(const std::string& endpoint)
 {
-    const auto places = startOrExplain(listenText(address, port), [&] { return server.listenVxi11(address, port); });
+    unsigned short port = 0;
+    std::from_chars(endpoint.data() + endpoint.rfind(':') + 1, endpoint.data() + endpoint.size(), port);
+    return port;
+}
+
+void startVxi11(Server& server, const Options& options, OutputQueue& output, Journal& journal,
+                std::vector<mdns::Service>& services)
+{
+    const unsigned short port = *options.vxi11Port;
+    const auto places = startOrExplain(listenText(options.bindAddress, port),
+                                       [&] { return server.listenVxi11(options.bindAddress, port); });
     output.add("VXI-11 on " + places.core);
-    if (places.portmapper.empty())
-        journal.warn(
-            "port 111 is not to be had, so that clients of VXI-11 do not find this instrument: start it as a user "
-            "who may listen there, and without another portmapper");
-    else
-        output.add("portmapper on " + places.portmapper);
+    if (places.portmapper.empty()) {
+        journal.warn("port 111 is not to be had, so that clients of VXI-11 do not find this instrument: start it as a "
+                     "user who may listen there, and without another portmapper");
+        return;
+    }
+    output.add("portmapper on " + places.portmapper);
+    services.push_back({"_vxi-11._tcp", portOf(places.portmapper)});
 }
 
 /// The lines that scripts read to learn where to connect; each leaves as soon as it is true.
-void startTransports(Server& server, const Options& options, OutputQueue& output, Journal& journal)
+/// @return the services that can be announced, the raw socket first
+std::vector<mdns::Service> startTransports(Server& server, const Options& options, OutputQueue& output,
+                                           Journal& journal)
 {
-    output.add("listening on " + startOrExplain(listenText(options.bindAddress, options.port),
-                                                [&] { return server.listen(options.bindAddress, options.port); }));
-    if (const auto port = options.hislipPort)
-        output.add("HiSLIP on " + startOrExplain(listenText(options.bindAddress, *port),
-                                                 [&] { return server.listenHislip(options.bindAddress, *port); }));
-    if (const auto port = options.vxi11Port)
-        startVxi11(server, options.bindAddress, *port, output, journal);
+    std::vector<mdns::Service> services;
+    const std::string socket = startOrExplain(listenText(options.bindAddress, options.port),
+                                              [&] { return server.listen(options.bindAddress, options.port); });
+    output.add("listening on " + socket);
+    services.push_back({"_scpi-raw._tcp", portOf(socket)});
+    if (const auto port = options.hislipPort) {
+        const std::string hislip = startOrExplain(listenText(options.bindAddress, *port),
+                                                  [&] { return server.listenHislip(options.bindAddress, *port); });
+        output.add("HiSLIP on " + hislip);
+        services.push_back({"_hislip._tcp", portOf(hislip)});
+    }
+    if (options.vxi11Port)
+        startVxi11(server, options, output, journal, services);
     if (options.serial)
         output.add("serial line at " + startOrExplain("offer a serial line", [&] { return server.openSerial(); }));
     if (const auto port = options.controlPort) {
@@ -72,6 +96,20 @@ void startTransports(Server& server, const Options& options, OutputQueue& output
                        return server.listenControl(address, *port, options.controlToken);
                    }));
     }
+    return services;
+}
+
+/// Several instruments of one host differ in the port of their raw sockets.
+std::unique_ptr<MdnsResponder> startMdns(asio::io_context& context, const Options& options,
+                                         const std::vector<mdns::Service>& services, OutputQueue& output)
+{
+    const std::string name = "kvx2800t-virtual-" + std::to_string(services.front().port);
+    auto responder = startOrExplain("announce services", [&] {
+        return std::make_unique<MdnsResponder>(context, asio::ip::make_address_v4(options.bindAddress),
+                                               mdns::ServiceRecords(services, options.instrument.identity, name));
+    });
+    output.add("announced as " + name + ".local");
+    return responder;
 }
 
 void warnOfNetwork(Journal& journal, const Options& options)
@@ -106,7 +144,8 @@ void run(const Options& options, OutputQueue& output, OutputQueue& errors)
     if (options.untilStdinCloses)
         startOrExplain("watch the standard input",
                        [&] { whenStandardInputEnds(context, [&context] { context.stop(); }); });
-    startTransports(server, options, output, journal);
+    const auto services = startTransports(server, options, output, journal);
+    const auto responder = options.mdns ? startMdns(context, options, services, output) : nullptr;
     context.run();
 }
 

@@ -80,6 +80,7 @@ CommandLine parseCommandLine(int argumentCount, const char* const* arguments)
         app.add_option("--vxi11", vxi11Port,
                        "offer VXI-11 and a portmapper; TCP port of its core channel, any free one without a number")
             ->expected(0, 1);
+    app.add_flag("--mdns", options.mdns, "announce the services on the network of --bind (multicast DNS)");
     auto* const control =
         app.add_option("--control-port", controlPort, "TCP port of the test control on 127.0.0.1, 0 for any free one");
     app.add_option("--control-token", controlToken,

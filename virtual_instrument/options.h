@@ -18,6 +18,7 @@ struct Options
     std::string bindAddress = "127.0.0.1";
     std::optional<unsigned short> hislipPort;
     std::optional<unsigned short> vxi11Port;
+    bool mdns = false;
     std::optional<unsigned short> controlPort;
     /// With one the test control is at `bindAddress`, for those who show it; without one on the loopback interface.
     std::optional<std::string> controlToken;

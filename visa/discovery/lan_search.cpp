@@ -6,7 +6,6 @@
 #include <array>
 #include <deque>
 #include <random>
-#include <utility>
 
 namespace visa
 {
@@ -144,12 +143,11 @@ std::vector<std::string> lanInstruments(const LanSearch& search)
     return RunningSearch(search).run();
 }
 
-void findLanInstruments(std::vector<std::string>& names)
+std::vector<std::string> findLanInstruments()
 {
     LanSearch search;
     search.interfaces = networkInterfaces();
-    for (std::string& name : lanInstruments(search))
-        names.push_back(std::move(name));
+    return lanInstruments(search);
 }
 
 } // namespace visa

@@ -24,7 +24,7 @@ struct LanSearch
 /// @return resource names in the order found; an instrument that answers twice may be there twice
 std::vector<std::string> lanInstruments(const LanSearch& search);
 
-/// Adds the instruments on all networks of this host.
-void findLanInstruments(std::vector<std::string>& names);
+/// The instruments on all networks of this host.
+std::vector<std::string> findLanInstruments();
 
 } // namespace visa

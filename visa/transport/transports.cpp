@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <array>
 #include <limits>
+#include <utility>
 
 namespace visa
 {
@@ -75,7 +76,7 @@ Deadline shareOf(const Deadline& deadline, int candidates)
 struct SearchRow
 {
     std::string_view beginning; ///< of the names that it finds
-    void (*search)(std::vector<std::string>& names);
+    std::vector<std::string> (*search)();
 };
 
 void findUsbInstruments(std::vector<std::string>& names)
@@ -87,6 +88,7 @@ void findUsbInstruments(std::vector<std::string>& names)
 /// All searches. One may find resources of several transports.
 constexpr std::array<SearchRow, 3> kSearches{{
     {"ASRL", findSerialPorts},
+    {"USB", findUsb},
     {"TCPIP", findLanInstruments},
     {"USB", findUsbInstruments},
 }};
@@ -117,8 +119,10 @@ std::vector<std::string> presentResources(const std::function<bool(std::string_v
 {
     std::vector<std::string> names;
     for (const SearchRow& row : kSearches) {
-        if (isWanted(row.beginning))
-            row.search(names);
+        if (!isWanted(row.beginning))
+            continue;
+        for (std::string& name : row.search())
+            names.push_back(std::move(name));
     }
     return names;
 }

@@ -6,8 +6,8 @@
 namespace visa
 {
 
-/// Adds the serial ports that are there, by names that viOpen understands: those that variables VISA_ASRL<n> name,
+/// The serial ports that are there, by names that viOpen understands: those that variables VISA_ASRL<n> name,
 /// then the host's own. No port is opened.
-void findSerialPorts(std::vector<std::string>& names);
+std::vector<std::string> findSerialPorts();
 
 } // namespace visa

@@ -94,12 +94,11 @@ std::vector<std::string> serialPortNames(const SerialPlaces& places)
     return names;
 }
 
-void findSerialPorts(std::vector<std::string>& names)
+std::vector<std::string> findSerialPorts()
 {
     SerialPlaces places;
     places.environment = ::environ;
-    for (std::string& name : serialPortNames(places))
-        names.push_back(std::move(name));
+    return serialPortNames(places);
 }
 
 } // namespace visa

@@ -96,8 +96,9 @@ std::set<ViUInt16> hostPorts()
 
 } // namespace
 
-void findSerialPorts(std::vector<std::string>& names)
+std::vector<std::string> findSerialPorts()
 {
+    std::vector<std::string> names;
     std::set<std::string> told;
     const ConfiguredPorts configured = configuredPorts();
     for (const auto& [number, device] : configured) {
@@ -110,6 +111,7 @@ void findSerialPorts(std::vector<std::string>& names)
         if (!configured.contains(number) && told.insert("COM" + std::to_string(number)).second)
             names.push_back(numberedPortName(number));
     }
+    return names;
 }
 
 } // namespace visa
