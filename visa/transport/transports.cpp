@@ -79,18 +79,11 @@ struct SearchRow
     std::vector<std::string> (*search)();
 };
 
-void findUsbInstruments(std::vector<std::string>& names)
-{
-    const auto found = findUsb();
-    names.insert(names.end(), found.begin(), found.end());
-}
-
 /// All searches. One may find resources of several transports.
 constexpr std::array<SearchRow, 3> kSearches{{
     {"ASRL", findSerialPorts},
     {"USB", findUsb},
     {"TCPIP", findLanInstruments},
-    {"USB", findUsbInstruments},
 }};
 
 } // namespace
