@@ -75,6 +75,12 @@ ViStatus HislipChannel::send(const HislipHeader& header, std::span<const ViByte>
     return status;
 }
 
+bool HislipChannel::owesOutput()
+{
+    const SendingTurn turn(sending_);
+    return owes();
+}
+
 ViStatus HislipChannel::sendOwedBytes(const Deadline& deadline)
 {
     std::size_t sent = 0;
@@ -100,7 +106,7 @@ ViStatus HislipChannel::sendOwed(const Deadline& deadline)
 void HislipChannel::tell(const HislipHeader& header)
 {
     const SendingTurn turn(sending_, std::try_to_lock);
-    if (!turn.isMine() || owesOutput())
+    if (!turn.isMine() || owes())
         return;
     encode(header, std::span(output_).first<kHislipHeaderSize>());
     owedBegin_ = 0;

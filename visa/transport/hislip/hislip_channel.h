@@ -33,7 +33,7 @@ public:
                   std::size_t& count);
 
     /// Whether a message has been sent in part: another one would be taken for its rest.
-    bool owesOutput() const { return owedPayload_ > 0 || !owedBytes().empty(); }
+    bool owesOutput();
     /// Sends the rest of that message with blanks for its bytes, for a device that will not look at them.
     ViStatus sendOwed(const Deadline& deadline);
 
@@ -65,6 +65,7 @@ public:
 private:
     static constexpr std::size_t kSmallMessage = 4096;
 
+    bool owes() const { return owedPayload_ > 0 || owedBegin_ < owedEnd_; }
     std::span<const ViByte> owedBytes() const { return std::span(output_).subspan(owedBegin_, owedEnd_ - owedBegin_); }
     ViStatus sendOwedBytes(const Deadline& deadline);
     ViStatus refill(const Deadline& deadline);
