@@ -90,6 +90,7 @@ check_tidy() {
     checks=$1
     shift
     cmake --preset tidy >/dev/null
+    cmake --build build/tidy --target generated_headers >/dev/null
     sources | grep '\.cpp$' | grep -v -e '^fuzz/' -e '^benchmarks/' -e windows -e mingw | grep "$@" |
         xargs -P "$(nproc)" -n 4 clang-tidy --quiet --checks="$checks" --extra-arg=-Wno-unknown-warning-option -p build/tidy 2>/dev/null
 }
