@@ -84,7 +84,7 @@ check_format() {
 driver='^\(api\|runtime\|instrument\|simulator\|io\|base\|binding\)/'
 
 # check_tidy CHECKS [-v] FILES: checks beside those of .clang-tidy, a pattern for grep. The other builds compile several
-# sources as one; the commands for each come from one that is never built.
+# sources as one; the commands for each come from one of which only generated headers are built.
 check_tidy() {
     step "Checking with clang-tidy"
     checks=$1
