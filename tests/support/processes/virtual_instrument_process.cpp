@@ -1,5 +1,7 @@
 #include "tests/support/processes/virtual_instrument_process.h"
 
+#include "tests/support/processes/own_network.h"
+
 #include <algorithm>
 #include <charconv>
 #include <chrono>
@@ -24,13 +26,17 @@ struct TestTransport
 const TestTransport& testTransport()
 {
     static const std::vector<TestTransport> kTransports{
-        {"socket", {}}, {"hislip", {"--hislip", "0"}}, {"serial", {"--serial"}}};
+        {"socket", {}}, {"hislip", {"--hislip", "0"}}, {"serial", {"--serial"}}, {"vxi11", {"--vxi11"}}};
     const char* const wanted = std::getenv("KVX_TEST_TRANSPORT"); // NOLINT(concurrency-mt-unsafe): nobody sets it
     const auto found = std::find_if(kTransports.begin(), kTransports.end(), [wanted](const TestTransport& transport) {
         return transport.name == std::string_view(wanted == nullptr ? "socket" : wanted);
     });
     if (found == kTransports.end())
         throw std::runtime_error("KVX_TEST_TRANSPORT names no transport");
+    // Clients of VXI-11 look for the portmapper at its one port.
+    const std::string complaint = found->name == "vxi11" ? enterOwnNetwork() : "";
+    if (!complaint.empty())
+        throw std::runtime_error("no network of its own: " + complaint);
     return *found;
 }
 
@@ -133,6 +139,8 @@ std::string VirtualInstrumentProcess::resource() const
 {
     if (testTransport().name == "hislip")
         return "TCPIP0::127.0.0.1::hislip0," + std::to_string(hislipPort_) + "::INSTR";
+    if (testTransport().name == "vxi11")
+        return "TCPIP0::127.0.0.1::inst0::INSTR";
     if (testTransport().name == "serial")
         return "ASRL" + serialPath_ + "::INSTR";
     return "TCPIP0::127.0.0.1::" + std::to_string(port_) + "::SOCKET";

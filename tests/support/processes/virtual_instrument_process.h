@@ -37,7 +37,7 @@ public:
     unsigned short hislipPort() const { return hislipPort_; }
 
     /// The VISA resource descriptor of its raw socket, `TCPIP0::127.0.0.1::<port>::SOCKET`, unless the environment
-    /// variable KVX_TEST_TRANSPORT says "hislip" or "serial": then what is tested goes there.
+    /// variable KVX_TEST_TRANSPORT says "hislip", "vxi11" or "serial": then what is tested goes there.
     std::string resource() const;
 
     /// The path of its serial line; empty without `--serial`.
