@@ -46,12 +46,13 @@ void startVxi11(Server& server, const std::string& address, unsigned short port,
 {
     const auto places = startOrExplain(listenText(address, port), [&] { return server.listenVxi11(address, port); });
     output.add("VXI-11 on " + places.core);
-    if (places.portmapper.empty())
-        journal.warn(
-            "port 111 is not to be had, so that clients of VXI-11 do not find this instrument: start it as a user "
-            "who may listen there, and without another portmapper");
-    else
+    if (!places.portmapper.empty())
         output.add("portmapper on " + places.portmapper);
+    else if (places.isRegistered)
+        output.add("registered with the portmapper of this machine");
+    else
+        journal.warn("clients of VXI-11 do not find this instrument without a portmapper: allow the program port 111 "
+                     "(setcap cap_net_bind_service=+ep), or start rpcbind before it");
 }
 
 /// The lines that scripts read to learn where to connect; each leaves as soon as it is true.
