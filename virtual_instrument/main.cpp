@@ -40,6 +40,7 @@ auto startOrExplain(const std::string& what, Start start)
 }
 
 constexpr auto kLoopback = "127.0.0.1";
+constexpr unsigned short kPortmapperPort = 111;
 
 std::string listenText(const std::string& address, unsigned short port)
 {
@@ -61,13 +62,15 @@ void startVxi11(Server& server, const Options& options, OutputQueue& output, Jou
     const auto places = startOrExplain(listenText(options.bindAddress, port),
                                        [&] { return server.listenVxi11(options.bindAddress, port); });
     output.add("VXI-11 on " + places.core);
-    if (places.portmapper.empty()) {
-        journal.warn("port 111 is not to be had, so that clients of VXI-11 do not find this instrument: start it as a "
-                     "user who may listen there, and without another portmapper");
-        return;
-    }
-    output.add("portmapper on " + places.portmapper);
-    services.push_back({"_vxi-11._tcp", portOf(places.portmapper)});
+    if (!places.portmapper.empty())
+        output.add("portmapper on " + places.portmapper);
+    else if (places.isRegistered)
+        output.add("registered with the portmapper of this machine");
+    else
+        journal.warn("clients of VXI-11 do not find this instrument without a portmapper: allow the program port 111 "
+                     "(setcap cap_net_bind_service=+ep), or start rpcbind before it");
+    if (!places.portmapper.empty() || places.isRegistered)
+        services.push_back({"_vxi-11._tcp", kPortmapperPort});
 }
 
 /// The lines that scripts read to learn where to connect; each leaves as soon as it is true.

@@ -2,6 +2,7 @@
 
 #include "virtual_instrument/transport/quiet_wait.h"
 #include "virtual_instrument/transport/serial_line.h"
+#include "virtual_instrument/transport/vxi11/rpcbind.h"
 
 #include <chrono>
 #include <sstream>
@@ -40,6 +41,12 @@ Server::Server(asio::io_context& context, VirtualInstrument& instrument, Journal
 {
 }
 
+Server::~Server()
+{
+    if (registered_)
+        vxi11::unregisterFromRpcbind(*registered_);
+}
+
 std::string Server::listen(const std::string& address, unsigned short port)
 {
     return listenOn(address, port, [this](Socket socket) { addClient(std::move(socket)); });
@@ -60,6 +67,9 @@ Server::Vxi11Places Server::listenVxi11(const std::string& address, unsigned sho
     const std::vector<vxi11::PortMapping> mappings{{vxi11::kCoreProgram, vxi11::kVersion, portOfLast()}};
     if (offerPortmapper(address, mappings))
         places.portmapper = address + ':' + std::to_string(vxi11::kPortmapperPort);
+    else if (vxi11::registerWithRpcbind(address, mappings.front()))
+        registered_ = mappings.front();
+    places.isRegistered = registered_.has_value();
     return places;
 }
 

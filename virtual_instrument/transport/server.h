@@ -30,6 +30,10 @@ class Server
 {
 public:
     Server(asio::io_context& context, VirtualInstrument& instrument, Journal& journal);
+    ~Server();
+
+    Server(const Server&) = delete;
+    Server& operator=(const Server&) = delete;
 
     /// Takes clients on a raw socket; port 0 takes any free port. Returns where it listens, as `127.0.0.1:5025`.
     /// Throws std::system_error when the address cannot be had.
@@ -38,13 +42,15 @@ public:
     /// Takes clients of HiSLIP, otherwise as listen().
     std::string listenHislip(const std::string& address, unsigned short port);
 
-    /// Takes clients of VXI-11; `port` is that of the core channel. Its own portmapper is at the same address, if that
-    /// can be had. As listen().
+    /// Where VXI-11 is, and who tells its clients of it: a portmapper of its own at the same address, or the one that
+    /// runs on this machine already, or nobody.
     struct Vxi11Places
     {
         std::string core;
-        std::string portmapper; ///< empty when the place is taken or not allowed
+        std::string portmapper; ///< empty when there is none of its own
+        bool isRegistered = false;
     };
+    /// Takes clients of VXI-11; `port` is that of the core channel. As listen().
     Vxi11Places listenVxi11(const std::string& address, unsigned short port);
 
     /// Offers a serial line; returns the path that clients open. Throws std::system_error.
@@ -92,6 +98,7 @@ private:
     hislip::HislipServer hislip_;
     vxi11::Vxi11Server vxi11_;
     std::optional<vxi11::PortmapperDatagrams> portmapper_;
+    std::optional<vxi11::PortMapping> registered_; ///< with the portmapper of this machine
     std::list<Listener> listeners_;
     std::set<std::shared_ptr<Connection>> clients_;
     std::shared_ptr<Connection> serial_;

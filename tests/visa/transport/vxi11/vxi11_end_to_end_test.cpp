@@ -1,10 +1,14 @@
 #include "tests/support/processes/own_network.h"
 #include "tests/support/processes/virtual_instrument_process.h"
+#include "tests/support/visa/rpc_bytes.h"
 #include "tests/support/visa/visa_fixture.h"
+
+#include <asio.hpp>
 
 #include <array>
 #include <atomic>
 #include <memory>
+#include <optional>
 #include <string>
 #include <thread>
 
@@ -12,6 +16,7 @@ namespace
 {
 
 using namespace kvxtest;
+using asio::ip::tcp;
 
 constexpr ViUInt32 kLongMs = 60000;
 
@@ -158,6 +163,81 @@ TEST_F(VisaVxi11, AStringWithoutADeviceFallsBackToHislip)
     instrument_.reset();
     const VirtualInstrumentProcess hislip({"--hislip"});
     const ViSession session = open("TCPIP0::127.0.0.1::INSTR");
+    ViBoolean isHislip = VI_FALSE;
+    EXPECT_EQ(viGetAttribute(session, VI_ATTR_TCPIP_IS_HISLIP, &isHislip), VI_SUCCESS);
+    EXPECT_EQ(isHislip, VI_TRUE);
+}
+
+/// A portmapper that a test has in its hand.
+class Portmapper
+{
+public:
+    Portmapper() : udp_(context_, {asio::ip::address_v4::loopback(), 111}) {}
+
+    /// Connections are taken, and nothing is answered.
+    void listenInSilence() { tcp_.emplace(context_, tcp::endpoint(asio::ip::address_v4::loopback(), 111)); }
+
+    /// Answers the datagrams that come, the first one not at all.
+    void answer(std::uint32_t port)
+    {
+        receive();
+        const std::string call = receive();
+        EXPECT_EQ(call.substr(4), words({0, 2, 100000, 2, 3, 0, 0, 0, 0, 0x0607AF, 1, 6, 0}));
+        send("no reply");
+        send(words({wordIn(call, 0) + 1, 1, 0, 0, 0, 0, 1}));
+        receive();
+        send(words({wordIn(call, 0), 1, 0, 0, 0, 0, port}));
+    }
+
+private:
+    std::string receive()
+    {
+        std::string message(1000, '\0');
+        message.resize(udp_.receive_from(asio::buffer(message), sender_));
+        return message;
+    }
+
+    void send(const std::string& message) { udp_.send_to(asio::buffer(message), sender_); }
+
+    asio::io_context context_;
+    asio::ip::udp::socket udp_;
+    std::optional<tcp::acceptor> tcp_;
+    asio::ip::udp::endpoint sender_;
+};
+
+TEST_F(VisaVxi11, APortmapperWithoutTcpIsAskedByUdpUntilItAnswers)
+{
+    instrument_.reset();
+    Portmapper portmapper;
+    const VirtualInstrumentProcess instrument({"--vxi11"});
+    std::thread answering([&] { portmapper.answer(instrument.vxi11Port()); });
+    ViSession session = VI_NULL;
+    EXPECT_EQ(viOpen(manager_, "TCPIP0::127.0.0.1::inst0::INSTR", VI_NULL, kLongMs, &session), VI_SUCCESS);
+    answering.join();
+    EXPECT_EQ(write(session, "*TST?\n"), VI_SUCCESS);
+    EXPECT_EQ(read(session, 100), (ReadResult{VI_SUCCESS, "0\n"}));
+}
+
+TEST_F(VisaVxi11, APortThatIsNoneIsNotFound)
+{
+    for (const std::uint32_t port : {0U, 0x10000U, 0xFFFFFFFFU}) {
+        instrument_.reset();
+        Portmapper portmapper;
+        std::thread answering([&] { portmapper.answer(port); });
+        EXPECT_EQ(statusOfOpening("TCPIP0::127.0.0.1::inst0::INSTR"), VI_ERROR_RSRC_NFOUND) << port;
+        answering.join();
+    }
+}
+
+TEST_F(VisaVxi11, ASilentPortmapperLeavesTimeForHislip)
+{
+    instrument_.reset();
+    Portmapper portmapper;
+    portmapper.listenInSilence();
+    const VirtualInstrumentProcess hislip({"--hislip"});
+    ViSession session = VI_NULL;
+    EXPECT_EQ(viOpen(manager_, "TCPIP0::127.0.0.1::inst0::INSTR", VI_NULL, 100, &session), VI_ERROR_TMO);
+    EXPECT_EQ(viOpen(manager_, "TCPIP0::127.0.0.1::INSTR", VI_NULL, 2000, &session), VI_SUCCESS);
     ViBoolean isHislip = VI_FALSE;
     EXPECT_EQ(viGetAttribute(session, VI_ATTR_TCPIP_IS_HISLIP, &isHislip), VI_SUCCESS);
     EXPECT_EQ(isHislip, VI_TRUE);
