@@ -32,6 +32,7 @@ public:
     };
 
     DeviceLocks() = default;
+    ~DeviceLocks() = default;
     DeviceLocks(const DeviceLocks&) = delete;
     DeviceLocks& operator=(const DeviceLocks&) = delete;
 

@@ -27,6 +27,8 @@ class CoreService;
 class LinkRegistry
 {
 public:
+    LinkRegistry() = default;
+    virtual ~LinkRegistry() = default;
     LinkRegistry(const LinkRegistry&) = delete;
     LinkRegistry& operator=(const LinkRegistry&) = delete;
 
@@ -34,10 +36,6 @@ public:
     virtual std::optional<LinkId> add(CoreService& service) = 0;
     virtual void remove(LinkId id) = 0;
     virtual unsigned short abortPort() const = 0;
-
-protected:
-    LinkRegistry() = default;
-    ~LinkRegistry() = default;
 };
 
 /// The procedures of the core channel on one client's connection, and the links that it has created.
@@ -47,6 +45,8 @@ public:
     /// `name` is the client's in the journal, `address` where it is. The references must outlive the service.
     CoreService(LinkHub& hub, LinkRegistry& registry, std::string name, asio::ip::address address);
     ~CoreService() override;
+    CoreService(const CoreService&) = delete;
+    CoreService& operator=(const CoreService&) = delete;
 
     void call(const RpcCall& call, Reply reply) override;
 

@@ -46,6 +46,7 @@ public:
     PortmapperDatagrams(asio::io_context& context, const asio::ip::udp::endpoint& endpoint,
                         std::vector<PortMapping> mappings);
 
+    ~PortmapperDatagrams() = default;
     PortmapperDatagrams(const PortmapperDatagrams&) = delete;
     PortmapperDatagrams& operator=(const PortmapperDatagrams&) = delete;
 

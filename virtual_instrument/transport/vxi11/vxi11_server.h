@@ -28,7 +28,7 @@ public:
 
     explicit Vxi11Server(LinkHub& hub) : hub_(hub) {}
     /// Ends all connections without telling anybody.
-    ~Vxi11Server();
+    ~Vxi11Server() override;
 
     Vxi11Server(const Vxi11Server&) = delete;
     Vxi11Server& operator=(const Vxi11Server&) = delete;
