@@ -70,8 +70,10 @@ ViStatus HislipChannel::send(const HislipHeader& header, std::span<const ViByte>
         owedPayload_ -= rest;
     }
     // Of this message the device has seen nothing.
-    if (status < 0 && owedBegin_ == 0)
-        owedEnd_ = owedPayload_ = 0;
+    if (status < 0 && owedBegin_ == 0) {
+        owedEnd_ = 0;
+        owedPayload_ = 0;
+    }
     return status;
 }
 

@@ -52,14 +52,6 @@ std::string deviceName(std::string_view device)
     return name;
 }
 
-/// Windows keeps the names of devices for programs without their opening them.
-bool isThere(const std::string& name)
-{
-    std::array<wchar_t, 1024> target{};
-    const auto wide = platform::wideText(name);
-    return wide && QueryDosDeviceW(wide->c_str(), target.data(), static_cast<DWORD>(target.size())) != 0;
-}
-
 /// The number of a port "COM<n>" that the drivers of serial ports have told of.
 std::optional<ViUInt16> portNumber(std::wstring_view value)
 {
@@ -102,8 +94,8 @@ std::vector<std::string> findSerialPorts()
     std::set<std::string> told;
     const ConfiguredPorts configured = configuredPorts();
     for (const auto& [number, device] : configured) {
-        const std::string name = deviceName(device);
-        if (isThere(name) && told.insert(name).second)
+        // Whether such a device is there, opening it would tell.
+        if (told.insert(deviceName(device)).second)
             names.push_back(numberedPortName(number));
     }
     for (const ViUInt16 number : hostPorts()) {
