@@ -1,5 +1,6 @@
 #include "tests/support/visa/dns_bytes.h"
 #include "visa/discovery/lan_search.h"
+#include "visa/host/network.h"
 
 #include <gmock/gmock.h>
 
@@ -84,7 +85,14 @@ std::vector<std::string> search(const UdpServer& names, const UdpServer& portmap
     return visa::lanInstruments(search);
 }
 
-TEST(VisaLanSearch, CollectsTheAnswersOfBothWays)
+class VisaLanSearch : public testing::Test
+{
+protected:
+    // As a resource manager does.
+    static void SetUpTestSuite() { visa::startNetwork(); }
+};
+
+TEST_F(VisaLanSearch, CollectsTheAnswersOfBothWays)
 {
     const UdpServer names([](const Bytes&) {
         return std::vector<Bytes>{DnsAnswer()
@@ -99,7 +107,7 @@ TEST(VisaLanSearch, CollectsTheAnswersOfBothWays)
                                      "TCPIP0::127.0.0.1::inst0::INSTR"));
 }
 
-TEST(VisaLanSearch, NothingAnswersWhereNothingIs)
+TEST_F(VisaLanSearch, NothingAnswersWhereNothingIs)
 {
     EXPECT_THAT(search(UdpServer(silence), UdpServer(silence)), IsEmpty());
     const UdpServer none([](const Bytes& question) { return std::vector<Bytes>{portReply(question, 0)}; });
@@ -107,7 +115,7 @@ TEST(VisaLanSearch, NothingAnswersWhereNothingIs)
     EXPECT_THAT(visa::lanInstruments(visa::LanSearch{}), IsEmpty());
 }
 
-TEST(VisaLanSearch, GarbageIsPassedOver)
+TEST_F(VisaLanSearch, GarbageIsPassedOver)
 {
     const UdpServer names([](const Bytes& question) {
         return std::vector<Bytes>{question, Bytes{}, Bytes{1, 2, 3}, Bytes(2000, 0xFF),
@@ -119,7 +127,7 @@ TEST(VisaLanSearch, GarbageIsPassedOver)
     EXPECT_THAT(search(names, portmapper), ElementsAre("TCPIP0::127.0.0.1::inst0::INSTR"));
 }
 
-TEST(VisaLanSearch, InstrumentThatAnnouncesItsWebPageIsAskedForItsServer)
+TEST_F(VisaLanSearch, InstrumentThatAnnouncesItsWebPageIsAskedForItsServer)
 {
     int questions = 0;
     const UdpServer names([](const Bytes&) {
@@ -132,13 +140,13 @@ TEST(VisaLanSearch, InstrumentThatAnnouncesItsWebPageIsAskedForItsServer)
     EXPECT_THAT(search(names, portmapper), ElementsAre("TCPIP0::127.0.0.1::inst0::INSTR"));
 }
 
-TEST(VisaLanSearch, FloodEndsIt)
+TEST_F(VisaLanSearch, FloodEndsIt)
 {
     const UdpServer names([](const Bytes&) { return std::vector<Bytes>(5000, Bytes{0}); });
     EXPECT_THAT(search(names, UdpServer(silence)), IsEmpty());
 }
 
-TEST(VisaLanSearch, InterfacesThatAreGoneAreLeftOut)
+TEST_F(VisaLanSearch, InterfacesThatAreGoneAreLeftOut)
 {
     visa::LanSearch search;
     search.interfaces = {{asio::ip::make_address_v4("192.0.2.1")}};
