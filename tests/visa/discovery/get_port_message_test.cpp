@@ -10,7 +10,7 @@ namespace
 
 using namespace std::string_literals;
 
-std::optional<std::uint16_t> read(const std::string& bytes)
+std::optional<std::uint16_t> readReply(const std::string& bytes)
 {
     const std::vector<std::uint8_t> message(bytes.begin(), bytes.end());
     return visa::readGetPortReply(message, 0x11223344);
@@ -29,26 +29,27 @@ TEST(VisaGetPort, AsksForTheCoreChannelOverTcp)
 
 TEST(VisaGetPort, ReadsThePort)
 {
-    EXPECT_EQ(read(kHead + kNoVerifier + kSuccess + "\0\0\x04\x01"s), 1025);
-    EXPECT_EQ(read(kHead + "\0\0\0\1\0\0\0\5abcdefgh"s + kSuccess + "\0\0\xFF\xFF"s), 65535);
+    EXPECT_EQ(readReply(kHead + kNoVerifier + kSuccess + "\0\0\x04\x01"s), 1025);
+    EXPECT_EQ(readReply(kHead + "\0\0\0\1\0\0\0\5abcdefgh"s + kSuccess + "\0\0\xFF\xFF"s), 65535);
 }
 
 TEST(VisaGetPort, NoServerAndNoAnswerHaveNoPort)
 {
-    EXPECT_FALSE(read(kHead + kNoVerifier + kSuccess + "\0\0\0\0"s)) << "not registered";
-    EXPECT_FALSE(read(kHead + kNoVerifier + kSuccess + "\0\1\0\0"s)) << "no port";
-    EXPECT_FALSE(read(kHead + kNoVerifier + "\0\0\0\1\0\0\x04\x01"s)) << "no such program";
-    EXPECT_FALSE(read("\x11\x22\x33\x45"s + kHead.substr(4) + kNoVerifier + kSuccess + "\0\0\x04\x01"s)) << "another's";
-    EXPECT_FALSE(read(kHead.substr(0, 7) + "\0\0\0\0\0"s + kNoVerifier + kSuccess + "\0\0\x04\x01"s)) << "a call";
-    EXPECT_FALSE(read(kHead.substr(0, 8) + "\0\0\0\1"s + kNoVerifier + kSuccess + "\0\0\x04\x01"s)) << "refused";
-    EXPECT_FALSE(read(kHead + "\0\0\0\0\xFF\xFF\xFF\xFF"s + kSuccess + "\0\0\x04\x01"s)) << "endless verifier";
+    EXPECT_FALSE(readReply(kHead + kNoVerifier + kSuccess + "\0\0\0\0"s)) << "not registered";
+    EXPECT_FALSE(readReply(kHead + kNoVerifier + kSuccess + "\0\1\0\0"s)) << "no port";
+    EXPECT_FALSE(readReply(kHead + kNoVerifier + "\0\0\0\1\0\0\x04\x01"s)) << "no such program";
+    EXPECT_FALSE(readReply("\x11\x22\x33\x45"s + kHead.substr(4) + kNoVerifier + kSuccess + "\0\0\x04\x01"s))
+        << "another's";
+    EXPECT_FALSE(readReply(kHead.substr(0, 7) + "\0\0\0\0\0"s + kNoVerifier + kSuccess + "\0\0\x04\x01"s)) << "a call";
+    EXPECT_FALSE(readReply(kHead.substr(0, 8) + "\0\0\0\1"s + kNoVerifier + kSuccess + "\0\0\x04\x01"s)) << "refused";
+    EXPECT_FALSE(readReply(kHead + "\0\0\0\0\xFF\xFF\xFF\xFF"s + kSuccess + "\0\0\x04\x01"s)) << "endless verifier";
 }
 
 TEST(VisaGetPort, WhatIsCutOffHasNoPort)
 {
     const std::string whole = kHead + kNoVerifier + kSuccess + "\0\0\x04\x01"s;
     for (std::size_t size = 0; size < whole.size(); ++size)
-        EXPECT_FALSE(read(whole.substr(0, size))) << size;
+        EXPECT_FALSE(readReply(whole.substr(0, size))) << size;
 }
 
 } // namespace
