@@ -10,7 +10,7 @@ namespace
 
 using visa::NamePattern;
 
-bool fits(const std::string& expression, const std::string& name)
+bool fitsPattern(const std::string& expression, const std::string& name)
 {
     const auto pattern = NamePattern::parse(expression);
     EXPECT_TRUE(pattern.has_value()) << expression;
@@ -28,9 +28,9 @@ void check(const std::vector<Example>& examples)
 {
     for (const auto& [expression, fitting, others] : examples) {
         for (const std::string& name : fitting)
-            EXPECT_TRUE(fits(expression, name)) << expression << " and " << name;
+            EXPECT_TRUE(fitsPattern(expression, name)) << expression << " and " << name;
         for (const std::string& name : others)
-            EXPECT_FALSE(fits(expression, name)) << expression << " and " << name;
+            EXPECT_FALSE(fitsPattern(expression, name)) << expression << " and " << name;
     }
 }
 
@@ -131,12 +131,12 @@ TEST(VisaNamePattern, LongExpressionsTakeNoExcessiveTime)
     std::string nested;
     for (int i = 0; i < 200; ++i)
         nested = '(' + nested + "a*)*";
-    EXPECT_TRUE(fits(nested, std::string(240, 'a')));
-    EXPECT_FALSE(fits(nested, std::string(239, 'a') + 'b'));
+    EXPECT_TRUE(fitsPattern(nested, std::string(240, 'a')));
+    EXPECT_FALSE(fitsPattern(nested, std::string(239, 'a') + 'b'));
     std::string sequence;
     for (int i = 0; i < 60; ++i)
         sequence += "(a|a)*?*";
-    EXPECT_FALSE(fits(sequence + 'b', std::string(240, 'a')));
+    EXPECT_FALSE(fitsPattern(sequence + 'b', std::string(240, 'a')));
 }
 
 } // namespace

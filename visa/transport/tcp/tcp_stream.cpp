@@ -2,6 +2,7 @@
 
 #include "visa/host/host_error.h"
 #include "visa/host/io_context.h"
+#include "visa/transport/tcp/host_lookup.h"
 #include "visa/transport/tcp/tcp_connect.h"
 #include "visa/transport/tcp/tcp_transfer.h"
 
@@ -46,7 +47,7 @@ ViStatus connectStatus(const asio::error_code& error)
 }
 
 /// Connects to the first endpoint that answers, all of them within one deadline.
-ViStatus connect(tcp::socket& socket, const tcp::resolver::results_type& endpoints, const Deadline& deadline)
+ViStatus connect(tcp::socket& socket, const HostEndpoints& endpoints, const Deadline& deadline)
 {
     asio::error_code error = asio::error::host_not_found;
     for (const auto& entry : endpoints) {
@@ -166,10 +167,8 @@ std::string TcpStream::address() const
 
 ViStatus openTcpStream(const ResourceName& name, const Deadline& deadline, std::unique_ptr<Stream>& stream)
 {
-    asio::io_context context(1);
-    asio::error_code error;
-    const auto endpoints =
-        tcp::resolver(context).resolve(name.address, std::to_string(name.port), tcp::resolver::numeric_service, error);
+    HostEndpoints endpoints;
+    const asio::error_code error = lookUpHost(name.address, name.port, deadline, endpoints);
     if (error)
         return connectStatus(error);
     tcp::socket socket(ioContext());

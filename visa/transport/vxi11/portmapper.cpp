@@ -1,6 +1,7 @@
 #include "visa/transport/vxi11/portmapper.h"
 
 #include "visa/host/network.h"
+#include "visa/transport/tcp/host_lookup.h"
 #include "visa/transport/tcp/tcp_stream.h"
 #include "visa/transport/vxi11/big_endian.h"
 #include "visa/transport/vxi11/rpc_channel.h"
@@ -159,10 +160,10 @@ ViStatus askByUdp(const tcp::endpoint& endpoint, const pmap& wanted, const Deadl
 
 ViStatus askEachByUdp(const std::string& host, const pmap& wanted, const Deadline& deadline, RpcPlace& place)
 {
-    asio::io_context context(1);
-    asio::error_code error;
-    ViStatus status = VI_ERROR_RSRC_NFOUND;
-    for (const auto& entry : tcp::resolver(context).resolve(host, std::to_string(PMAPPORT), error)) {
+    HostEndpoints endpoints;
+    const asio::error_code error = lookUpHost(host, PMAPPORT, deadline, endpoints);
+    ViStatus status = error == asio::error::timed_out ? VI_ERROR_TMO : VI_ERROR_RSRC_NFOUND;
+    for (const auto& entry : endpoints) {
         status = askByUdp(entry.endpoint(), wanted, deadline, place);
         if (status != VI_ERROR_RSRC_NFOUND)
             break;
