@@ -38,7 +38,8 @@ TEST(VisaGetPort, NoServerAndNoAnswerHaveNoPort)
     EXPECT_FALSE(readPort(kHead + kNoVerifier + kSuccess + "\0\0\0\0"s)) << "not registered";
     EXPECT_FALSE(readPort(kHead + kNoVerifier + kSuccess + "\0\1\0\0"s)) << "no port";
     EXPECT_FALSE(readPort(kHead + kNoVerifier + "\0\0\0\1\0\0\x04\x01"s)) << "no such program";
-    EXPECT_FALSE(readPort("\x11\x22\x33\x45"s + kHead.substr(4) + kNoVerifier + kSuccess + "\0\0\x04\x01"s)) << "another's";
+    EXPECT_FALSE(readPort("\x11\x22\x33\x45"s + kHead.substr(4) + kNoVerifier + kSuccess + "\0\0\x04\x01"s))
+        << "another's";
     EXPECT_FALSE(readPort(kHead.substr(0, 7) + "\0\0\0\0\0"s + kNoVerifier + kSuccess + "\0\0\x04\x01"s)) << "a call";
     EXPECT_FALSE(readPort(kHead.substr(0, 8) + "\0\0\0\1"s + kNoVerifier + kSuccess + "\0\0\x04\x01"s)) << "refused";
     EXPECT_FALSE(readPort(kHead + "\0\0\0\0\xFF\xFF\xFF\xFF"s + kSuccess + "\0\0\x04\x01"s)) << "endless verifier";

@@ -3,7 +3,7 @@
 #include "visa/transport/tcp/tcp_stream.h"
 #include "visa/transport/vxi11/vxi11_status.h"
 
-#include "visa/transport/vxi11/vxi11_protocol.h"
+#include <visa/transport/vxi11/vxi11_protocol.h>
 
 #include <algorithm>
 #include <array>
