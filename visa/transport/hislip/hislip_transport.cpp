@@ -47,7 +47,6 @@ constexpr std::uint64_t kUsualPayload = std::uint64_t{1024} * kBytesPerKilobyte;
 constexpr ViUInt32 kSettingMs = 2000;
 /// How much later than at the end of its time a device may tell that a lock is not to be had.
 constexpr int kLockGraceMs = 2000;
-constexpr std::size_t kMostHislipDropped = std::size_t{16} * 1024 * 1024;
 
 /// The one who may use a channel in one direction, as soon as nobody else does.
 class HislipTurn
@@ -476,8 +475,9 @@ ViStatus HislipTransport::discardInput(const Terms& terms)
     if (!reading)
         return VI_SUCCESS;
     isInMessage_ = false;
+    constexpr std::uint64_t kMostDiscarded = std::uint64_t{16} * 1024 * 1024;
     const Deadline now(VI_TMO_IMMEDIATE);
-    for (std::uint64_t dropped = 0; dropped < kMostHislipDropped && !isLost_; dropped += message_.length) {
+    for (std::uint64_t discarded = 0; discarded < kMostDiscarded && !isLost_; discarded += message_.length) {
         std::size_t none = 0;
         const ViStatus status = nextMessage(now, none);
         if (status == VI_ERROR_TMO)
