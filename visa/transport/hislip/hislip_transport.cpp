@@ -222,7 +222,7 @@ ViStatus HislipTransport::ask(const HislipHeader& question, std::span<const ViBy
     if (status < 0)
         return told(status);
     status = awaitAnswer(answerType, deadline, answer);
-    if (status == VI_ERROR_TMO)
+    if (status == VI_ERROR_TMO || status == VI_ERROR_ABORT)
         ++unanswered(answerType);
     return told(status);
 }
