@@ -19,7 +19,11 @@ InstrumentSession::~InstrumentSession()
 ViStatus InstrumentSession::applyInitialAttributes()
 {
     for (const AttributeRow& row : kAttributeRows) {
-        if (row.holder != Holder::Connection || (row.classes & sessionClass_) == 0)
+        if ((row.classes & sessionClass_) == 0)
+            continue;
+        if (row.holder == Holder::Suggested)
+            values_.set(row.attribute, transport_->numberFact(row.attribute));
+        if (row.holder != Holder::Connection)
             continue;
         const ViStatus status = transport_->setAttribute(row.attribute, row.initial);
         if (status < 0)
@@ -92,11 +96,12 @@ ViStatus InstrumentSession::setAttribute(ViAttr attribute, ViAttrState value)
     if (!row->allowed.contains(wanted))
         return VI_ERROR_NSUP_ATTR_STATE;
     // All sessions share a serial line's settings, and nothing else that can be set.
-    const bool isShared = sessionClass_ == kSerial && row->holder != Holder::Session;
+    const bool isOwn = row->holder == Holder::Session || row->holder == Holder::Suggested;
+    const bool isShared = sessionClass_ == kSerial && !isOwn;
     if (isShared && !lock_->admits(identity_.self))
         return VI_ERROR_RSRC_LOCKED;
     const std::lock_guard guard(settingMutex_);
-    const ViStatus status = row->holder != Holder::Session ? transport_->setAttribute(attribute, wanted) : VI_SUCCESS;
+    const ViStatus status = isOwn ? VI_SUCCESS : transport_->setAttribute(attribute, wanted);
     if (status == VI_SUCCESS)
         values_.set(attribute, wanted);
     return status;

@@ -47,7 +47,7 @@ public:
     ViStatus abort() override;
     void interrupt() noexcept override;
 
-    /// Brings the initial values of the connection's own attributes into force.
+    /// Brings the initial values of the connection's own attributes into force, and takes those that it suggests.
     ViStatus applyInitialAttributes();
 
 private:

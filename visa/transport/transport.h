@@ -81,7 +81,7 @@ public:
     /// @return VI_ERROR_NSUP_ATTR_STATE when the connection cannot have this value, which leaves the old one in force
     virtual ViStatus setAttribute(ViAttr, ViAttrState) { return VI_ERROR_NSUP_ATTR_STATE; }
 
-    /// The attributes that only the connection can tell (Holder::ConnectionFact).
+    /// The attributes that only the connection can tell (Holder::ConnectionFact), or suggests.
     virtual ViUInt32 numberFact(ViAttr) { return 0; }
     virtual std::string textFact(ViAttr) { return {}; }
 
