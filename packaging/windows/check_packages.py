@@ -10,7 +10,7 @@ EXAMPLES = {path.name for path in pathlib.Path("examples").iterdir() if path.is_
 HEADERS = {path.name for room in ("platform", "visa") for path in pathlib.Path(room, "include").iterdir()}
 
 COMMON = (
-    {"Include/KVX2800T.h", "Include/KVX2800TInstrument.h", OWN + "readme.txt", OWN + "license.txt"}
+    {"Include/KVX2800T.h", "Include/KVX2800TInstrument.h", OWN + "readme.txt", OWN + "license.txt", OWN + "KVX2800T.sub"}
     | {OWN + "Examples/" + name for name in EXAMPLES}
     | {OWN + "Platform/Include/" + name for name in HEADERS}
 )
