@@ -22,6 +22,8 @@ install(FILES ${PROJECT_BINARY_DIR}/bindings/KVX2800T.sub DESTINATION ${own_fold
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples/ DESTINATION ${own_folder}/Examples 
     PATTERN CMakeLists.txt EXCLUDE PATTERN __pycache__ EXCLUDE)
 
+install(DIRECTORY ${PROJECT_BINARY_DIR}/python_package/kvx2800t DESTINATION ${own_folder}/Python)
+
 # For a machine without the IVI components or VISA.
 if(NOT KVX_VENDOR_IVI)
     install(TARGETS IviCShared IviConfigServer RUNTIME DESTINATION ${own_folder}/Platform/${width})

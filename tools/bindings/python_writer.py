@@ -16,6 +16,9 @@ from ctypes import POINTER, c_char_p, c_double, c_int16, c_int32, c_int64, c_uin
 from typing import Any
 
 from ._errors import Error
+
+# What programs may use; the rest is the package's own.
+__all__ = [
 '''
 
 C_TYPES = {
@@ -36,8 +39,18 @@ C_TYPES = {
 
 def write(interface: Interface) -> str:
     """The text of the module."""
-    parts = [HEAD, *_codes(interface), *_attributes(interface), *_enumerations(interface)]
+    names = [f'    "{name}",' for name in _public_names(interface)]
+    parts = [HEAD + "\n".join(names) + "\n]\n", *_codes(interface), *_attributes(interface), *_enumerations(interface)]
     return "\n".join([*parts, *_functions(interface), *_exceptions(interface)])
+
+
+def _public_names(interface: Interface) -> Iterator[str]:
+    yield "Attribute"
+    yield from (enumeration.name for enumeration in interface.enumerations)
+    for status in interface.statuses:
+        yield status.name
+        if status.is_error:
+            yield _exception(status)
 
 
 def _codes(interface: Interface) -> Iterator[str]:
