@@ -2,6 +2,7 @@
 // server too and has no fault that it did not have before, and a session that was added and removed again leaves only
 // what sessions share. The first lines of an input are edits, what follows an empty line is the store; without one it
 // is the store of a first installation.
+#include "fuzz/input.h"
 #include "platform/config_server/store_file.h"
 #include "tools/store/argument_texts.h"
 #include "tools/store/store_check.h"
@@ -10,7 +11,6 @@
 #include "tools/store/store_listing.h"
 
 #include <cstdint>
-#include <cstdlib>
 #include <optional>
 #include <sstream>
 #include <string>
@@ -22,12 +22,7 @@ namespace
 {
 
 using namespace store_tool;
-
-void expect(bool condition)
-{
-    if (!condition)
-        std::abort();
-}
+using kvxfuzz::require;
 
 /// The words of a line, which tabulators separate.
 std::vector<std::string> wordsOf(const std::string& line)
@@ -120,7 +115,7 @@ StoreText edited(StoreText store, std::istream& lines)
         if (!edit(changed, words))
             continue;
         if (words[0] == "add" || words[0] == "replace")
-            expect(findNamed(changed.root(), "DriverSessions", "IviDriverSession", words[1]) != nullptr);
+            require(findNamed(changed.root(), "DriverSessions", "IviDriverSession", words[1]) != nullptr);
         auto after = check(changed);
         if (!newFindings(findings, after).empty())
             continue;
@@ -184,7 +179,7 @@ void tryEdits(const std::string& input, const std::string& text)
         return;
     std::istringstream lines(input.substr(input.starts_with('\n') ? 1 : 0));
     const StoreText after = edited(*before, lines);
-    expect(after.text() == before->text() || config_server::parseStore(after.text()) != nullptr);
+    require(after.text() == before->text() || config_server::parseStore(after.text()) != nullptr);
     listing(after);
 }
 

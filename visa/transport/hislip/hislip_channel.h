@@ -1,10 +1,10 @@
 #pragma once
 
+#include "visa/host/quick_mutex.h"
 #include "visa/transport/hislip/hislip_message.h"
 #include "visa/transport/stream.h"
 
 #include <array>
-#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -78,7 +78,7 @@ private:
     std::size_t owedBegin_ = 0;
     std::size_t owedEnd_ = 0;
     std::uint64_t owedPayload_ = 0; ///< behind those
-    std::atomic_flag sending_;
+    QuickMutex sending_;            ///< held while something is sent; guards what is owed
 
     std::vector<ViByte> input_;
     std::size_t begin_ = 0;

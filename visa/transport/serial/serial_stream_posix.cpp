@@ -169,7 +169,7 @@ ViStatus SerialStream::readSome(std::span<ViByte> buffer, const Deadline& deadli
         ViStatus status = wait(Direction::Read, deadline);
         if (status < 0)
             return status;
-        const SerialTransfer transfer = readNow(handle(), buffer);
+        const TransferResult transfer = readNow(handle(), buffer);
         count = transfer.count;
         if (transfer.state == TransferState::Done)
             return VI_SUCCESS;
@@ -183,7 +183,7 @@ ViStatus SerialStream::writeAll(std::span<const ViByte> bytes, const Deadline& d
 {
     count = 0;
     while (count < bytes.size()) {
-        const SerialTransfer transfer = writeNow(handle(), bytes.subspan(count));
+        const TransferResult transfer = writeNow(handle(), bytes.subspan(count));
         count += transfer.count;
         if (transfer.state == TransferState::Done)
             continue;

@@ -343,8 +343,8 @@ ViStatus UsbtmcTransport::abort()
 
 void UsbtmcTransport::interrupt() noexcept
 {
-    bulkTurn_.interrupt();
-    statusTurn_.interrupt();
+    bulkTurn_.interrupt([] {});
+    statusTurn_.interrupt([] {});
     usb_->cancelAll();
 }
 
