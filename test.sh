@@ -1,7 +1,7 @@
 #!/bin/sh
 # Tests the project: installs what is missing, builds, and runs all native tests with ctest.
 #   ./test.sh         the release build
-#   ./test.sh --all   also the format, the manual, clang-tidy, the tests under AddressSanitizer with
+#   ./test.sh --all   also the format, the manual, the Debian packages, clang-tidy, the tests under AddressSanitizer with
 #                     UndefinedBehaviorSanitizer and under ThreadSanitizer, a short run of the fuzzers, and the builds for
 #                     Windows with their tests under Wine
 #   ./test.sh --long  what takes too long for every change: clang-tidy over the tests, its analyzer over all sources, the
@@ -113,6 +113,13 @@ try_faults() {
     tests/mutants/run.sh
 }
 
+# test_packages: the Debian packages and `cmake --install`, used without being installed on this machine
+test_packages() {
+    packaging/debian/package.sh
+    step "Using what is installed"
+    /usr/bin/python3 -B tests/packaging/installed_test.py build/release build/debian
+}
+
 test_windows() {
     wine_prefix=$(mktemp -d)
     export WINEPREFIX="$wine_prefix"
@@ -138,10 +145,11 @@ case "${1-}" in
     run_tests release
     ;;
 --all)
-    install_packages build test check
+    install_packages build test package check
     check_format
     run_tests release
     check_manual
+    test_packages
     check_tidy '' "$driver"
     check_tidy ',-clang-analyzer-*' "$others"
     run_tests asan-ubsan
@@ -150,8 +158,9 @@ case "${1-}" in
     test_windows
     ;;
 --long)
-    install_packages build test check arm
+    install_packages build test package check arm
     build release
+    test_packages
     check_tidy '' '^(visa|platform|tools|virtual_instrument|examples|tests)/'
     test_vendor_platform
     try_faults
