@@ -79,7 +79,9 @@ file(CREATE_LINK kvx2800t-store
 install(FILES ${PROJECT_SOURCE_DIR}/examples/IviConfigurationStore.xml DESTINATION ${docdir}/examples COMPONENT tools)
 include(posix/man_pages.cmake)
 
-install(FILES ${PROJECT_SOURCE_DIR}/examples/kvx2800t.py DESTINATION lib/python3/dist-packages COMPONENT python)
+# Put together where doxygen is installed. It takes the driver that is installed, not one of its own.
+install(DIRECTORY ${PROJECT_BINARY_DIR}/python_package/kvx2800t DESTINATION lib/python3/dist-packages COMPONENT python
+    OPTIONAL PATTERN __pycache__ EXCLUDE PATTERN lib EXCLUDE)
 
 install(FILES ${PROJECT_SOURCE_DIR}/LICENSE DESTINATION ${docdir} COMPONENT license)
 install(FILES ${PROJECT_SOURCE_DIR}/CHANGELOG.md ${PROJECT_SOURCE_DIR}/docs/installation.md

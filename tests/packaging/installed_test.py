@@ -284,9 +284,9 @@ class Packages(unittest.TestCase):
     def test_python_finds_the_module_and_the_driver(self):
         code = (
             "import kvx2800t, sys\n"
-            "with kvx2800t.Session(sys.argv[1]) as supply:\n"
-            "    supply.channel(3).voltage_level = 3.3\n"
-            "    print(supply.channel(3).voltage_level)\n"
+            "with kvx2800t.Supply(sys.argv[1]) as supply:\n"
+            "    supply.channels['CH3'].voltage_level = 3.3\n"
+            "    print(supply.channels['CH3'].voltage_level)\n"
         )
         modules = str(self.root / "usr/lib/python3/dist-packages")
         with self.links_within_the_root(), self.installed.instrument() as resource:
