@@ -135,4 +135,12 @@ kvx_debian_package(kvx2800t-doc INDEPENDENT
     DESCRIPTION "The manual of the driver's functions and attributes, and examples in C, C++
 and Python.")
 
+# What has to be built for them, beside the manual.
+add_custom_target(package_files)
+add_dependencies(package_files
+    KVX2800T IviCShared IviConfigServer visa visatrace kvx2800t-store kvx2800t-virtual man_pages)
+if(TARGET python_package)
+    add_dependencies(package_files python_package)
+endif()
+
 include(CPack)

@@ -282,16 +282,14 @@ class Packages(unittest.TestCase):
         self.assertEqual(output(self.installed.bin / "kvx2800t-store", "--store", store, "check"), f"{store}: no findings\n")
 
     def test_python_finds_the_module_and_the_driver(self):
-        code = (
-            "import kvx2800t, sys\n"
-            "with kvx2800t.Session(sys.argv[1]) as supply:\n"
-            "    supply.channel(3).voltage_level = 3.3\n"
-            "    print(supply.channel(3).voltage_level)\n"
-        )
         modules = str(self.root / "usr/lib/python3/dist-packages")
         with self.links_within_the_root(), self.installed.instrument() as resource:
-            printed = output("/usr/bin/python3", "-B", "-c", code, resource, **self.installed.variables(PYTHONPATH=modules))
-        self.assertEqual(printed, "3.3\n")
+            program = ["/usr/bin/python3", "-B", "-m", "kvx2800t", resource]
+            printed = output(*program, **self.installed.variables(PYTHONPATH=modules))
+        self.assertEqual(
+            printed.splitlines()[:2],
+            ["KVX2833T, firmware V1.00", "OutputChannel3: 3.300 V, 0.500 A, output on"],
+        )
 
     def test_the_symbols_file_has_what_the_library_exports(self):
         control = self.installed.work / "control"
