@@ -8,8 +8,7 @@ install_packages build package
 
 # Programs that make packages may have come since the build was configured.
 cmake --preset release >/dev/null
-build release package_files manual
-step "Packaging for Debian"
+build release package_files
 rm -rf build/debian
 log=$(mktemp)
 trap 'rm -f "$log"' EXIT

@@ -135,12 +135,14 @@ kvx_debian_package(kvx2800t-doc INDEPENDENT
     DESCRIPTION "The manual of the driver's functions and attributes, and examples in C, C++
 and Python.")
 
-# What has to be built for them, beside the manual.
+# What has to be built for them. Manual and Python package take programs that not every machine has.
 add_custom_target(package_files)
 add_dependencies(package_files
     KVX2800T IviCShared IviConfigServer visa visatrace kvx2800t-store kvx2800t-virtual man_pages)
-if(TARGET python_package)
-    add_dependencies(package_files python_package)
-endif()
+foreach(target manual python_package)
+    if(TARGET ${target})
+        add_dependencies(package_files ${target})
+    endif()
+endforeach()
 
 include(CPack)

@@ -80,13 +80,8 @@ install(FILES ${PROJECT_SOURCE_DIR}/examples/IviConfigurationStore.xml DESTINATI
 include(posix/man_pages.cmake)
 
 # Python takes the driver that is installed, not one of its own.
-set(python_modules lib/python3/dist-packages)
-if(TARGET python_package)
-    install(DIRECTORY ${PROJECT_BINARY_DIR}/python_package/kvx2800t DESTINATION ${python_modules} COMPONENT python OPTIONAL
-        PATTERN lib EXCLUDE PATTERN __pycache__ EXCLUDE)
-else()
-    install(FILES ${PROJECT_SOURCE_DIR}/examples/kvx2800t.py DESTINATION ${python_modules} COMPONENT python)
-endif()
+install(DIRECTORY ${PROJECT_BINARY_DIR}/python_package/kvx2800t DESTINATION lib/python3/dist-packages COMPONENT python OPTIONAL
+    PATTERN lib EXCLUDE PATTERN __pycache__ EXCLUDE)
 
 install(FILES ${PROJECT_SOURCE_DIR}/LICENSE DESTINATION ${docdir} COMPONENT license)
 install(FILES ${PROJECT_SOURCE_DIR}/CHANGELOG.md ${PROJECT_SOURCE_DIR}/docs/installation.md

@@ -4,7 +4,7 @@
   installed_test.py BUILD PACKAGES
 
 BUILD is the folder of a release build, PACKAGES that of the packages which were made of it. Nothing is installed on this
-machine.
+machine. What the packages' scripts do on a real one is tried by packaging/debian/try_packages.sh.
 """
 
 import contextlib
