@@ -4,7 +4,7 @@
   installed_test.py BUILD PACKAGES
 
 BUILD is the folder of a release build, PACKAGES that of the packages which were made of it. Nothing is installed on this
-machine.
+machine. What the packages' scripts do on a real one is tried by packaging/debian/try_packages.sh.
 """
 
 import contextlib
@@ -55,7 +55,7 @@ class Installation:
         self.work = work
 
     def variables(self, **others):
-        return {"LD_LIBRARY_PATH": str(self.libraries), **others}
+        return {"LD_LIBRARY_PATH": str(self.libraries)} | others
 
     def built_by_pkg_config(self):
         flags = output("pkg-config", "--cflags", "--libs", "kvx2800t", PKG_CONFIG_PATH=str(self.libraries / "pkgconfig"))
@@ -91,11 +91,12 @@ class Installation:
         with self.instrument() as resource:
             return output(program, resource, **self.variables(**variables))
 
-    def calls_of_a_session(self, program, library):
+    def calls_of_a_session(self, program, library, **variables):
         """What a vendor's VISA is asked for: made of the trace, it forwards to ours."""
         trace = self.work / "trace.log"
         trace.unlink(missing_ok=True)
-        session = self.session(program, KVX_VISATRACE_LIBRARY=str(library), KVX_VISATRACE_FILE=str(trace))
+        variables |= {"KVX_VISATRACE_LIBRARY": str(library), "KVX_VISATRACE_FILE": str(trace)}
+        session = self.session(program, **variables)
         lines = trace.read_text().splitlines() if trace.exists() else []
         return session, [re.sub(r".*\] (\w+)\(.*", r"\1", line) for line in lines]
 
@@ -147,10 +148,23 @@ class InstalledFolder(unittest.TestCase):
                 self.assertEqual(session, SESSION)
                 self.assertEqual(calls[:2], first_calls)
 
-    def test_the_switch_refuses_what_is_no_file(self):
-        result = subprocess.run([self.installed.bin / "kvx2800t-visa", "/nowhere"], capture_output=True, text=True)
-        self.assertEqual((result.returncode, result.stderr), (1, "kvx2800t-visa: /nowhere is no file\n"))
-        self.assertEqual(self.installed.visa.readlink(), pathlib.Path("own/libvisa.so"))
+    def test_the_switch_refuses_what_is_no_visa(self):
+        other = self.installed.platform / "libIviCShared.so"
+        for file, reason in ("/nowhere", "is no file"), (other, "has no viOpenDefaultRM: it is no VISA library"):
+            with self.subTest(file=file):
+                result = subprocess.run([self.installed.bin / "kvx2800t-visa", file], capture_output=True, text=True)
+                self.assertEqual((result.returncode, result.stderr), (1, f"kvx2800t-visa: {file} {reason}\n"))
+                self.assertEqual(self.installed.visa.readlink(), pathlib.Path("own/libvisa.so"))
+
+    def test_the_trace_in_front_of_the_others_shows_what_the_driver_asks_for(self):
+        front = self.installed.work / "trace"
+        front.mkdir()
+        (front / "libvisa.so").symlink_to(self.installed.platform / "libvisatrace.so")
+        library = output(self.installed.bin / "kvx2800t-visa").strip()
+        folders = f"{front}:{self.installed.libraries}"
+        session, calls = self.installed.calls_of_a_session(self.program, library, LD_LIBRARY_PATH=folders)
+        self.assertEqual(session, SESSION)
+        self.assertEqual(calls[:2], ["viOpenDefaultRM", "viOpen"])
 
     def test_installing_again_keeps_the_vendors_visa(self):
         vendor = self.vendor()
@@ -282,25 +296,25 @@ class Packages(unittest.TestCase):
         self.assertEqual(output(self.installed.bin / "kvx2800t-store", "--store", store, "check"), f"{store}: no findings\n")
 
     def test_python_finds_the_module_and_the_driver(self):
-        code = (
-            "import kvx2800t, sys\n"
-            "with kvx2800t.Session(sys.argv[1]) as supply:\n"
-            "    supply.channel(3).voltage_level = 3.3\n"
-            "    print(supply.channel(3).voltage_level)\n"
-        )
         modules = str(self.root / "usr/lib/python3/dist-packages")
         with self.links_within_the_root(), self.installed.instrument() as resource:
-            printed = output("/usr/bin/python3", "-B", "-c", code, resource, **self.installed.variables(PYTHONPATH=modules))
-        self.assertEqual(printed, "3.3\n")
+            program = ["/usr/bin/python3", "-B", "-m", "kvx2800t", resource]
+            printed = output(*program, **self.installed.variables(PYTHONPATH=modules))
+        self.assertEqual(
+            printed.splitlines()[:2],
+            ["KVX2833T, firmware V1.00", "OutputChannel3: 3.300 V, 0.500 A, output on"],
+        )
 
     def test_the_symbols_file_has_what_the_library_exports(self):
         control = self.installed.work / "control"
-        output("dpkg-deb", "-e", next(PACKAGES.glob("libkvx2800t1_*.deb")), control)
+        package = next(PACKAGES.glob("libkvx2800t1_*.deb"))
+        output("dpkg-deb", "-e", package, control)
+        version = output("dpkg-deb", "-f", package, "Version").strip()
         lines = (control / "symbols").read_text().splitlines()
         exports = (PROJECT / "api/exports.txt").read_text().split()
         self.assertEqual(lines[0], "libKVX2800T.so.1 libkvx2800t1 #MINVER#")
-        self.assertEqual(lines[1], " KVX2800T_1@KVX2800T_1 1.0.0")
-        self.assertEqual(lines[2:], [f" {name}@KVX2800T_1 1.0.0" for name in sorted(exports)])
+        names = ["KVX2800T_1", *sorted(exports)]
+        self.assertEqual(lines[1:], [f" {name}@KVX2800T_1 {version}" for name in names])
         exported = output("nm", "-D", "--defined-only", self.installed.libraries / "libKVX2800T.so")
         self.assertEqual(
             sorted(line.split()[2] for line in exported.splitlines() if " A " not in line),
