@@ -2,6 +2,7 @@
 // server too and breaks the format nowhere that it did not before, and a session that was added and removed again
 // leaves only what sessions share. The first lines of an input are edits, what follows an empty line is the store;
 // without one it is the store of a first installation.
+#include "fuzz/input.h"
 #include "platform/config_server/store_file.h"
 #include "tools/store/argument_texts.h"
 #include "tools/store/store_check.h"
@@ -11,7 +12,6 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <cstdlib>
 #include <optional>
 #include <sstream>
 #include <string>
@@ -23,12 +23,7 @@ namespace
 {
 
 using namespace store_tool;
-
-void expect(bool condition)
-{
-    if (!condition)
-        std::abort();
-}
+using kvxfuzz::require;
 
 /// The words of a line, which tabulators separate.
 std::vector<std::string> wordsOf(const std::string& line)
@@ -121,7 +116,7 @@ StoreText edited(StoreText store, std::istream& lines)
         if (!edit(changed, words))
             continue;
         if (words[0] == "add" || words[0] == "replace")
-            expect(findNamed(changed.root(), "DriverSessions", "IviDriverSession", words[1]) != nullptr);
+            require(findNamed(changed.root(), "DriverSessions", "IviDriverSession", words[1]) != nullptr);
         auto after = check(changed);
         const auto brought = newFindings(findings, after);
         if (std::any_of(brought.begin(), brought.end(),
@@ -189,7 +184,7 @@ void tryEdits(const std::string& input, const std::string& text)
         return;
     std::istringstream lines(input.substr(input.starts_with('\n') ? 1 : 0));
     const StoreText after = edited(*before, lines);
-    expect(after.text() == before->text() || config_server::parseStore(after.text()) != nullptr);
+    require(after.text() == before->text() || config_server::parseStore(after.text()) != nullptr);
     listing(after);
 }
 

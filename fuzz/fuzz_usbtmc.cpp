@@ -1,12 +1,12 @@
 // A USBTMC session with a device that answers what the input says, on each of its pipes: outcomes, headers right and
 // wrong, lies about sizes, statuses. Nothing is stored beyond a buffer, no read asks for more than it has room for, and
 // no operation takes more transfers than are bounded.
+#include "fuzz/input.h"
 #include "visa/transport/usb/usbtmc_transport.h"
 
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <memory>
 #include <span>
 #include <string>
@@ -15,39 +15,8 @@
 namespace
 {
 
-void require(bool holds)
-{
-    if (!holds)
-        std::abort();
-}
-
-/// What is left of the input; zeros behind its end.
-class Input
-{
-public:
-    explicit Input(std::span<const std::uint8_t> bytes) : bytes_(bytes) {}
-
-    bool isOver() const { return bytes_.empty(); }
-
-    std::uint8_t number()
-    {
-        if (isOver())
-            return 0;
-        const std::uint8_t first = bytes_.front();
-        bytes_ = bytes_.subspan(1);
-        return first;
-    }
-
-    std::vector<ViByte> take(std::size_t most)
-    {
-        const auto taken = bytes_.first(std::min({std::size_t{number()}, most, bytes_.size()}));
-        bytes_ = bytes_.subspan(taken.size());
-        return {taken.begin(), taken.end()};
-    }
-
-private:
-    std::span<const std::uint8_t> bytes_;
-};
+using kvxfuzz::Input;
+using kvxfuzz::require;
 
 class Device : public visa::UsbInterface
 {
@@ -87,7 +56,7 @@ public:
         const std::uint8_t kind = input_.number() % 4;
         if (kind == 0)
             return filled(space);
-        const auto data = input_.take(asked());
+        const auto data = takeBlock(asked());
         std::vector<ViByte> reply(header_);
         reply.resize(12);
         reply[0] = 2;
@@ -139,7 +108,12 @@ private:
         return {next().outcome, count};
     }
 
-    visa::Transfer filled(std::span<ViByte> space) { return copied(input_.take(space.size()), space); }
+    std::vector<ViByte> takeBlock(std::size_t most)
+    {
+        return input_.take<std::vector<ViByte>>(std::min<std::size_t>(input_.number(), most));
+    }
+
+    visa::Transfer filled(std::span<ViByte> space) { return copied(takeBlock(space.size()), space); }
 
     Input& input_;
     visa::UsbDescription usb_;

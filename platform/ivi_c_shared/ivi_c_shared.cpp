@@ -19,10 +19,21 @@ static_assert(sizeof(ViSession) == 4);
 static_assert(sizeof(ViBoolean) == 2);
 
 /// Never destroyed: drivers may call in from their own clean-up while the process ends.
+union Undestroyed
+{
+    constexpr Undestroyed() : table() {}
+    Undestroyed(const Undestroyed&) = delete;
+    Undestroyed& operator=(const Undestroyed&) = delete;
+    ~Undestroyed() {}
+
+    SessionTable table;
+};
+
+constinit Undestroyed undestroyed;
+
 SessionTable& sessions()
 {
-    static SessionTable& table = *new SessionTable;
-    return table;
+    return undestroyed.table;
 }
 
 /// The calling thread's record, null without one. A plain pointer, which can still be read when the owner is gone.

@@ -8,6 +8,9 @@ namespace ivi_c_shared
 
 const std::shared_ptr<SessionTable::Session>* SessionTable::Shard::find(ViSession handle) const
 {
+    // Handles are spread over the shards, most of which have one session at most.
+    if (!sessions.empty() && sessions.front().handle == handle)
+        return &sessions.front().session;
     const auto place = std::lower_bound(sessions.begin(), sessions.end(), handle,
                                         [](const Entry& entry, ViSession wanted) { return entry.handle < wanted; });
     return place == sessions.end() || place->handle != handle ? nullptr : &place->session;
@@ -63,10 +66,8 @@ ViStatus SessionTable::setData(ViSession handle, ViAddr data)
     });
 }
 
-ViStatus SessionTable::getData(ViSession handle, ViAddr& data)
+ViStatus SessionTable::lookUpData(ViSession handle, ViAddr& data)
 {
-    if (dataCache_.find(handle, data))
-        return IVI_SUCCESS;
     return withSession(handle, [&data](const Session& session) {
         data = session.data;
         return IVI_SUCCESS;
@@ -76,7 +77,7 @@ ViStatus SessionTable::getData(ViSession handle, ViAddr& data)
 ViStatus SessionTable::lock(ViSession handle, bool wanted)
 {
     Shard& shard = shardOf(handle);
-    std::unique_lock guard(shard.lock);
+    const std::lock_guard guard(shard.lock);
     const auto* const found = shard.find(handle);
     if (found == nullptr)
         return IVI_ERROR_INVALID_SESSION_HANDLE;
@@ -85,18 +86,18 @@ ViStatus SessionTable::lock(ViSession handle, bool wanted)
     Session& session = **found;
     const std::thread::id self = std::this_thread::get_id();
     if (session.depth > 0 && session.owner != self)
-        return waitForLock(guard, *found);
+        return waitForLock(shard.lock, *found);
     session.owner = self;
     ++session.depth;
     return IVI_SUCCESS;
 }
 
-ViStatus SessionTable::waitForLock(std::unique_lock<base::SpinLock>& guard, const std::shared_ptr<Session>& session)
+ViStatus SessionTable::waitForLock(base::SpinLock& shardLock, const std::shared_ptr<Session>& session)
 {
     // A reference of its own: Dispose drops the table's while this thread sleeps.
     const std::shared_ptr<Session> kept = session;
     ++kept->waiting;
-    kept->changed.wait(guard, [&kept] { return kept->disposed || kept->depth == 0; });
+    kept->changed.wait(shardLock, [&kept] { return kept->disposed || kept->depth == 0; });
     --kept->waiting;
     if (kept->disposed)
         return IVI_ERROR_INVALID_SESSION_HANDLE;

@@ -33,7 +33,10 @@ public:
     ViStatus dispose(ViSession handle);
 
     ViStatus setData(ViSession handle, ViAddr data);
-    ViStatus getData(ViSession handle, ViAddr& data);
+    ViStatus getData(ViSession handle, ViAddr& data)
+    {
+        return dataCache_.find(handle, data) ? IVI_SUCCESS : lookUpData(handle, data);
+    }
 
     /// Waits for the session's lock without limit and takes one level of it.
     /// @param wanted false: only the handle is checked
@@ -82,7 +85,10 @@ private:
     template <class Action>
     ViStatus withSession(ViSession handle, Action action);
 
-    static ViStatus waitForLock(std::unique_lock<base::SpinLock>& guard, const std::shared_ptr<Session>& session);
+    ViStatus lookUpData(ViSession handle, ViAddr& data);
+
+    /// @param shardLock held, but not while this thread sleeps
+    static ViStatus waitForLock(base::SpinLock& shardLock, const std::shared_ptr<Session>& session);
 
     // Sessions that share a place there share a shard here, whose lock keeps their changes apart.
     static_assert(DataCache::kPlaces % kShardCount == 0);
