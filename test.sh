@@ -6,7 +6,8 @@
 #                     Windows with their tests under Wine
 #   ./test.sh --long  what takes too long for every change: clang-tidy over the tests, its analyzer over all sources, the
 #                     driver built on a vendor's components and broken one line at a time (tests/mutants), all of the
-#                     attacks of tests/torture, the builds for ARM with their tests under QEMU, a long run of the fuzzers
+#                     attacks of tests/torture, the builds for ARM with their tests under QEMU, a long run of the fuzzers,
+#                     the Debian packages in a fresh Debian
 set -eu
 cd "$(dirname "$0")"
 . ./cmake/scripts.sh
@@ -115,9 +116,16 @@ try_faults() {
 
 # test_packages: the Debian packages and `cmake --install`, used without being installed on this machine
 test_packages() {
+    step "Packaging for Debian"
     packaging/debian/package.sh
     step "Using what is installed"
     /usr/bin/python3 -B tests/packaging/installed_test.py build/release build/debian
+}
+
+# try_packages: each of them installed, used and purged in a fresh Debian
+try_packages() {
+    step "Installing in a fresh Debian"
+    packaging/debian/try_packages.sh
 }
 
 test_windows() {
@@ -158,9 +166,10 @@ case "${1-}" in
     test_windows
     ;;
 --long)
-    install_packages build test package check arm
+    install_packages build test package check arm root
     build release
     test_packages
+    try_packages
     check_tidy '' '^(visa|platform|tools|virtual_instrument|examples|tests)/'
     test_vendor_platform
     try_faults

@@ -2,7 +2,8 @@
 
 # kvx_export_only(<target> <file> [<version>])
 # The library exports exactly the functions that the file names, one a line; a number behind a name is for other hosts.
-# With a version each has it behind its name, so that packages of programs tell which library they need.
+# With a version each has it behind its name: a program is told when it starts, not when it calls, that a library is no
+# longer the one it was linked with.
 function(kvx_export_only target file)
     file(STRINGS ${file} functions)
     list(TRANSFORM functions REPLACE " .*" "")

@@ -8,8 +8,7 @@ install_packages build package
 
 # Programs that make packages may have come since the build was configured.
 cmake --preset release >/dev/null
-build release KVX2800T IviConfigServer visa visatrace kvx2800t-store kvx2800t-virtual man_pages manual
-step "Packaging for Debian"
+build release package_files
 rm -rf build/debian
 log=$(mktemp)
 trap 'rm -f "$log"' EXIT

@@ -56,17 +56,18 @@ macro(kvx_debian_package name)
     endif()
 endmacro()
 
-# The functions that the library has had since this version; those that come later get a node of their own.
+# Programs depend on a driver that is no older than the one they were built with.
 file(STRINGS ${PROJECT_SOURCE_DIR}/api/exports.txt functions)
 list(SORT functions)
-list(TRANSFORM functions REPLACE ".+" " \\0@${KVX_DRIVER_NODE} 1.0.0")
+list(TRANSFORM functions REPLACE ".+" " \\0@${KVX_DRIVER_NODE} ${PROJECT_VERSION}")
 list(JOIN functions "\n" functions)
 file(CONFIGURE OUTPUT ${debian}/symbols @ONLY NEWLINE_STYLE UNIX CONTENT
 "libKVX2800T.so.1 libkvx2800t1 #MINVER#
- @KVX_DRIVER_NODE@@@KVX_DRIVER_NODE@ 1.0.0
+* Build-Depends-Package: libkvx2800t-dev
+ @KVX_DRIVER_NODE@@@KVX_DRIVER_NODE@ @PROJECT_VERSION@
 @functions@
 ")
-file(WRITE ${debian}/shlibs "libKVX2800T 1 libkvx2800t1 (>= 1.0.0)\n")
+file(WRITE ${debian}/shlibs "libKVX2800T 1 libkvx2800t1 (>= ${PROJECT_VERSION})\n")
 
 set(private_folder /usr/${KVX_DEBIAN_LIBDIR}/kvx2800t)
 set(visa_alternative kvx2800t-libvisa.so-${CMAKE_LIBRARY_ARCHITECTURE})
@@ -128,11 +129,23 @@ top of the IVI-C driver."
     DEPENDS "python3 (>= 3.9), libkvx2800t1 (>= ${PROJECT_VERSION})"
     CONTROL ${debian}/python3-kvx2800t/postinst ${debian}/python3-kvx2800t/prerm)
 
+install(FILES debian/kvx2800t-doc.doc-base DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/doc-base
+    RENAME kvx2800t-doc.kvx2800t COMPONENT debian-kvx2800t-doc EXCLUDE_FROM_ALL)
 kvx_debian_package(kvx2800t-doc INDEPENDENT
     COMPONENTS doc
     SECTION doc
     SUMMARY "IVI-C driver for KVX2800T power supplies - manual and examples"
     DESCRIPTION "The manual of the driver's functions and attributes, and examples in C, C++
 and Python.")
+
+# What has to be built for them. Manual and Python package take programs that not every machine has.
+add_custom_target(package_files)
+add_dependencies(package_files
+    KVX2800T IviCShared IviConfigServer visa visatrace kvx2800t-store kvx2800t-virtual man_pages)
+foreach(target manual python_package)
+    if(TARGET ${target})
+        add_dependencies(package_files ${target})
+    endif()
+endforeach()
 
 include(CPack)

@@ -22,18 +22,15 @@ set(private_includedir ${CMAKE_INSTALL_INCLUDEDIR}/kvx2800t)
 set(docdir ${CMAKE_INSTALL_DATAROOTDIR}/doc/kvx2800t)
 
 # kvx_install_configured(<FILES or PROGRAMS> <file>.in <folder> <component>)
-# A file that says where others are, as seen from where it is installed. What is known only then stays as it is until then.
-set(KVX_LIBDIR_TO_PREFIX @KVX_LIBDIR_TO_PREFIX@)
-set(KVX_BINDIR_TO_LIBDIR @KVX_BINDIR_TO_LIBDIR@)
+# A file that says where others are, as seen from where it is installed.
 function(kvx_install_configured kind template folder component)
     get_filename_component(name ${template} NAME_WLE)
-    set(file ${CMAKE_CURRENT_BINARY_DIR}/${name})
-    configure_file(${template} ${file}.in @ONLY)
-    install(CODE "
-file(RELATIVE_PATH KVX_LIBDIR_TO_PREFIX \"/\${KVX_LIBDIR}\" /)
-file(RELATIVE_PATH KVX_BINDIR_TO_LIBDIR /${CMAKE_INSTALL_BINDIR} \"/\${KVX_LIBDIR}\")
-configure_file(${file}.in ${file} @ONLY)" COMPONENT ${component})
-    install(${kind} ${file} DESTINATION ${folder} COMPONENT ${component})
+    foreach(libdir ${CMAKE_INSTALL_LIBDIR} ${KVX_DEBIAN_LIBDIR})
+        file(RELATIVE_PATH KVX_LIBDIR_TO_PREFIX /${libdir} /)
+        file(RELATIVE_PATH KVX_BINDIR_TO_LIBDIR /${CMAKE_INSTALL_BINDIR} /${libdir})
+        configure_file(${template} ${libdir}/${name} @ONLY)
+    endforeach()
+    install(${kind} "${CMAKE_CURRENT_BINARY_DIR}/\${KVX_LIBDIR}/${name}" DESTINATION ${folder} COMPONENT ${component})
 endfunction()
 
 install(TARGETS KVX2800T LIBRARY DESTINATION ${libdir} COMPONENT runtime NAMELINK_COMPONENT development)
@@ -79,7 +76,9 @@ file(CREATE_LINK kvx2800t-store
 install(FILES ${PROJECT_SOURCE_DIR}/examples/IviConfigurationStore.xml DESTINATION ${docdir}/examples COMPONENT tools)
 include(posix/man_pages.cmake)
 
-install(FILES ${PROJECT_SOURCE_DIR}/examples/kvx2800t.py DESTINATION lib/python3/dist-packages COMPONENT python)
+# Python takes the driver that is installed, not one of its own.
+install(DIRECTORY ${PROJECT_BINARY_DIR}/python_package/kvx2800t DESTINATION lib/python3/dist-packages COMPONENT python OPTIONAL
+    PATTERN lib EXCLUDE PATTERN __pycache__ EXCLUDE)
 
 install(FILES ${PROJECT_SOURCE_DIR}/LICENSE DESTINATION ${docdir} COMPONENT license)
 install(FILES ${PROJECT_SOURCE_DIR}/CHANGELOG.md ${PROJECT_SOURCE_DIR}/docs/installation.md

@@ -9,17 +9,18 @@ if(NOT KVX_HELP2MAN OR NOT KVX_GZIP OR CMAKE_CROSSCOMPILING OR KVX_VENDOR_IVI OR
     return()
 endif()
 
-# kvx_add_man_page(<component> <page> <what it is> <command> [<target that is run>])
+set(see_also ${CMAKE_CURRENT_SOURCE_DIR}/posix/man_pages.h2m)
+
+# kvx_add_man_page(<component> <page> <what it is> <command> <what is run, a target or file>)
 function(kvx_add_man_page component page purpose command)
     set(file ${man_folder}/${component}/${page}.1)
     add_custom_command(OUTPUT ${file}.gz VERBATIM
         COMMAND ${CMAKE_COMMAND} -E make_directory ${man_folder}/${component}
         COMMAND ${KVX_HELP2MAN} --no-info --source "${PROJECT_NAME} ${PROJECT_VERSION}" --manual "KVX2800T driver"
-                --version-string ${PROJECT_VERSION} --name ${purpose} --include ${CMAKE_CURRENT_SOURCE_DIR}/posix/man_pages.h2m
-                --output ${file} ${command}
+                --version-string ${PROJECT_VERSION} --name ${purpose} --include ${see_also} --output ${file} ${command}
         COMMAND ${CMAKE_COMMAND} -D FILE=${file} -D PAGE=${page} -P ${CMAKE_CURRENT_SOURCE_DIR}/posix/name_man_page.cmake
         COMMAND ${KVX_GZIP} -9nf ${file}
-        DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/posix/man_pages.h2m ${ARGN})
+        DEPENDS ${see_also} ${ARGN})
     add_custom_target(man_${page} DEPENDS ${file}.gz)
     add_dependencies(man_pages man_${page})
 endfunction()
@@ -37,4 +38,5 @@ kvx_add_man_page(tools kvx2800t-store-remove "remove a driver session from an IV
 kvx_add_man_page(tools kvx2800t-store-check "check an IVI configuration store"
     "$<TARGET_FILE:kvx2800t-store> check" kvx2800t-store)
 kvx_add_man_page(platform kvx2800t-visa "tell or change which VISA library the KVX2800T driver uses"
-    "sh ${CMAKE_CURRENT_BINARY_DIR}/kvx2800t-visa.in" )
+    "sh ${CMAKE_CURRENT_BINARY_DIR}/${CMAKE_INSTALL_LIBDIR}/kvx2800t-visa"
+    ${CMAKE_CURRENT_BINARY_DIR}/${CMAKE_INSTALL_LIBDIR}/kvx2800t-visa)

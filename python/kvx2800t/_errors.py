@@ -10,7 +10,7 @@ class Error(Exception):
     """
 
     def __init__(self, code: int, text: str, function: str = "") -> None:
-        # All of it, so that an exception can be pickled.
+        # What it is made of, so that it can be pickled.
         super().__init__(code, text, function)
         self.code = code
         self.text = text

@@ -1,9 +1,10 @@
 #!/usr/bin/python3
 """Makes everything go wrong that docs/troubleshooting.md tells of, and compares what is seen.
 
-    troubleshooting_test.py PAGE DRIVER COMPILER INCLUDE_FOLDER...
+    troubleshooting_test.py PAGE DRIVER PACKAGE COMPILER INCLUDE_FOLDER...
 
-PAGE is the page, DRIVER the driver's library as it is loaded; the platform's libraries stand beside it.
+PAGE is the page, DRIVER the driver's library as it is loaded; the platform's libraries stand beside it. PACKAGE is the folder
+with the Python package.
 """
 
 import argparse
@@ -19,7 +20,7 @@ SIMULATED = "Simulate=1"
 REMEMBERING = "Simulate=1, DriverSetup=StatefulSimulation:1"
 BENCH = "DriverSetup=Profile:Bench"
 
-# What the program is started with under each headline: texts without and with the profile, in this order.
+# What the program is started with under each headline, in the order of the texts.
 SESSIONS = {
     "Opening: nobody listens": [
         ("TCPIP0::127.0.0.1::1::SOCKET", "", "CH1", "5"),
@@ -41,13 +42,18 @@ SESSIONS = {
 }
 
 
-def texts_of(page: str) -> dict[str, list[str]]:
-    """The indented blocks under each headline."""
-    texts = {}
-    for section in re.split(r"^## ", page, flags=re.MULTILINE)[1:]:
-        headline, _, body = section.partition("\n")
-        texts[headline] = [line.strip() for line in re.findall(r"^    .*$", body, re.MULTILINE)]
-    return texts
+class Section:
+    """What stands under a headline: texts, and a line of Python with the text that it ends with."""
+
+    def __init__(self, body: str) -> None:
+        native, self.statement, python = (re.split(r"^In Python, `(.*)`:$", body, flags=re.MULTILINE) + ["", ""])[:3]
+        self.texts = [line.strip() for line in re.findall(r"^    .*$", native, re.MULTILINE)]
+        self.python_texts = [line.strip() for line in re.findall(r"^    .*$", python, re.MULTILINE)]
+
+
+def sections_of(page: str) -> dict[str, Section]:
+    sections = re.split(r"^## (.*)$", page, flags=re.MULTILINE)[1:]
+    return {headline: Section(body) for headline, body in zip(sections[::2], sections[1::2])}
 
 
 def matches(pattern: str, seen: str) -> bool:
@@ -60,10 +66,11 @@ class Bench:
     def __init__(self, arguments: argparse.Namespace, folder: pathlib.Path) -> None:
         self.folder = folder
         self.driver = pathlib.Path(arguments.driver).resolve()
+        self.package = pathlib.Path(arguments.package).resolve()
         self.compiler = arguments.compiler
         self.headers = [f"-I{path}" for path in arguments.includes]
         page = pathlib.Path(arguments.page).read_text(encoding="utf-8")
-        self.texts = texts_of(page)
+        self.sections = sections_of(page)
         (folder / "program.c").write_text(re.search(r"^```c\n(.*?)^```", page, re.MULTILINE | re.DOTALL)[1])
 
     def run(self, *command: str, environment: dict[str, str] | None = None) -> str:
@@ -72,6 +79,10 @@ class Bench:
         ended = subprocess.run(command, cwd=self.folder, env=variables, check=False, timeout=120,
                                stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True)
         return ended.stdout
+
+    def run_python(self, statement: str, package: pathlib.Path) -> str:
+        return self.run("/usr/bin/python3", "-B", "-c", f"from kvx2800t import Supply; {statement}",
+                        environment={"PYTHONPATH": str(package)})
 
     def compile(self, *options: str) -> str:
         return self.run(self.compiler, *options)
@@ -103,10 +114,10 @@ class Troubleshooting(unittest.TestCase):
     def expect(self, headline: str, *seen: str) -> None:
         """A line of each output is the text that stands under the headline, in this order."""
         self.told.add(headline)
-        texts = self.bench.texts[headline]
+        texts = self.bench.sections[headline].texts
         self.assertEqual(len(texts), len(seen), headline)
         for text, output in zip(texts, seen):
-            lines = output.splitlines()
+            lines = [line.strip() for line in output.splitlines()]
             self.assertTrue(any(matches(text, line) for line in lines), f"{headline}:\n{text}\nis not in\n{output}")
 
     def test_building(self) -> None:
@@ -142,10 +153,19 @@ class Troubleshooting(unittest.TestCase):
         for headline, starts in SESSIONS.items():
             with self.subTest(headline):
                 self.expect(headline, *(self.bench.run("./working", *start) for start in starts))
+                section = self.bench.sections[headline]
+                ended = self.bench.run_python(section.statement, self.bench.package)
+                self.assertEqual([ended.splitlines()[-1]], section.python_texts)
+
+    def test_importing(self) -> None:
+        package = self.bench.folder / "package"
+        shutil.copytree(self.bench.package / "kvx2800t", package / "kvx2800t", ignore=shutil.ignore_patterns("lib"))
+        ended = self.bench.run_python("Supply('')", package)
+        self.expect("Importing: the driver is not found", *[ended] * 4)
 
     @classmethod
     def tearDownClass(cls) -> None:
-        untried = set(cls.bench.texts) - cls.told
+        untried = set(cls.bench.sections) - cls.told
         assert not untried, f"nothing provokes {sorted(untried)}"
 
 
@@ -153,6 +173,7 @@ def main() -> None:
     parser = argparse.ArgumentParser()
     parser.add_argument("page")
     parser.add_argument("driver")
+    parser.add_argument("package")
     parser.add_argument("compiler")
     parser.add_argument("includes", nargs="+")
     Troubleshooting.arguments = parser.parse_args()

@@ -3,6 +3,7 @@
 import asyncio
 import copy
 import logging
+import os
 import pathlib
 import pickle
 import re
@@ -114,6 +115,24 @@ def test_a_supply_is_not_pickled(supply, take, what):
 def test_a_channel_is_not_pickled(supply):
     with pytest.raises(TypeError, match="^a Supply is a connection"):
         pickle.dumps(supply.channels["CH1"])
+
+
+def described_attributes():
+    """What the attribute file says: name, type, access."""
+    text = pathlib.Path(os.environ["BINDINGS"], "KVX2800T.sub").read_text(encoding="utf-8")
+    return re.findall(r'^\d all "[^"]+" KVX2800T_ATTR_(\w+) Vi(\w+) (\w+)', text, re.M)
+
+
+@pytest.mark.parametrize("name, kind, access", described_attributes())
+def test_the_driver_takes_attributes_as_they_are_described(supply, name, kind, access):
+    attribute = Attribute[name]
+    value = getattr(supply, "get_" + kind.lower())(attribute, "CH3")
+    if access == "g":
+        with pytest.raises(kvx2800t.AttributeNotWritableError):
+            supply.set(attribute, value, "CH3")
+    else:
+        assert access == "gs"
+        supply.set(attribute, value, "CH3")
 
 
 def test_each_call_is_logged(supply, caplog):

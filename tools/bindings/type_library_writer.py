@@ -7,7 +7,7 @@ from __future__ import annotations
 
 from collections.abc import Iterator
 
-from model import Direction, Function, Interface, Parameter
+from model import PREFIX, Direction, Function, Interface, Parameter
 
 # The library's own, for ever: programs that have imported it find a newer one by it.
 LIBRARY_ID = "6f0f8f4e-5f0b-4d55-9d3c-2b3a7c1d2800"
@@ -62,7 +62,8 @@ def _signed(code: int) -> int:
 def _enumeration(name: str, doc: str, values: list[tuple[str, str]]) -> str:
     """Type libraries of several drivers may be imported side by side: the name has this driver's prefix."""
     rows = ",\n".join(f"        {constant} = {value}" for constant, value in values)
-    return f"    typedef [helpstring({_quoted(doc)})] enum\n    {{\n{rows}\n    }} KVX2800T_{name};"
+    own = PREFIX + name
+    return f"    typedef [helpstring({_quoted(doc)})] enum {own}\n    {{\n{rows}\n    }} {own};"
 
 
 def _functions(interface: Interface, dll: str) -> Iterator[str]:

@@ -21,13 +21,16 @@ namespace visa
 class Turn
 {
 public:
-    /// @return VI_ERROR_TMO, VI_ERROR_ABORT after abort(), VI_ERROR_INV_OBJECT after interrupt()
+    /// @return VI_ERROR_TMO, VI_ERROR_ABORT after abort() or where the deadline says so, VI_ERROR_INV_OBJECT after
+    ///         interrupt()
     ViStatus take(const Deadline& deadline)
     {
         std::unique_lock lock(mutex_);
         const unsigned aborts = aborts_;
         while (isTaken_ && !isInterrupted_ && aborts == aborts_) {
-            const int left = deadline.remainingMs(kLookMs);
+            const int left = deadline.remainingMs(Deadline::kLookMs);
+            if (deadline.isAborted())
+                return VI_ERROR_ABORT;
             if (left == 0)
                 return VI_ERROR_TMO;
             changed_.wait_for(lock, std::chrono::milliseconds(left));
@@ -104,8 +107,6 @@ public:
     bool isInterrupted() const noexcept { return isInterrupted_; }
 
 private:
-    static constexpr int kLookMs = 60000;
-
     void begin()
     {
         isTaken_ = true;

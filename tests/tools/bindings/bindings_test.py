@@ -266,6 +266,7 @@ class OfAnAddition(unittest.TestCase):
             "[in] double *times, [out] long *event);",
             "KVX2800T_ATTR_FUSE_MODE = 1150001",
             "KVX2800T_VAL_FUSE_STAYS_ON = 0,\n        KVX2800T_VAL_FUSE_SWITCHES_OFF = 1\n    } KVX2800T_FuseMode;",
+            "enum KVX2800T_FuseMode\n",
             "KVX2800T_ERROR_FUSE_BLOWN = -1074114561",
             "version(1.2)",
         )

@@ -22,7 +22,7 @@ std::string asciiOf(BSTR text)
     return ascii;
 }
 
-/// The members of the library's types of a kind, by name.
+/// What a type library calls its types of a kind and their members, and where functions are.
 class TypeLibrary
 {
 public:
@@ -39,23 +39,52 @@ public:
 
     HRESULT status() const { return status_; }
 
-    std::multiset<std::string> members(TYPEKIND kind) const
+    using Names = std::multiset<std::string>;
+
+    Names types(TYPEKIND kind) const
     {
-        std::multiset<std::string> names;
+        return collect(kind, [](ITypeInfo& type, Names& names) { names.insert(nameOf(type, MEMBERID_NIL)); });
+    }
+
+    Names members(TYPEKIND kind) const { return collect(kind, addMembers); }
+
+    /// With the DLL in front, "dll!name".
+    Names entryPoints() const { return collect(TKIND_MODULE, addEntryPoints); }
+
+private:
+    template <class Add>
+    Names collect(TYPEKIND kind, Add add) const
+    {
+        Names names;
         for (UINT i = 0; i < library_->GetTypeInfoCount(); ++i) {
             TYPEKIND each = TKIND_MAX;
             library_->GetTypeInfoType(i, &each);
             ITypeInfo* type = nullptr;
             if (each != kind || FAILED(library_->GetTypeInfo(i, &type)))
                 continue;
-            addMembers(*type, names);
+            add(*type, names);
             type->Release();
         }
         return names;
     }
 
-private:
-    static void addMembers(ITypeInfo& type, std::multiset<std::string>& names)
+    static void addEntryPoints(ITypeInfo& type, Names& names)
+    {
+        TYPEATTR* counts = nullptr;
+        type.GetTypeAttr(&counts);
+        for (UINT i = 0; i < counts->cFuncs; ++i) {
+            FUNCDESC* function = nullptr;
+            type.GetFuncDesc(i, &function);
+            BSTR dll = nullptr;
+            BSTR name = nullptr;
+            type.GetDllEntry(function->memid, function->invkind, &dll, &name, nullptr);
+            names.insert(asciiOf(dll) + "!" + asciiOf(name));
+            type.ReleaseFuncDesc(function);
+        }
+        type.ReleaseTypeAttr(counts);
+    }
+
+    static void addMembers(ITypeInfo& type, Names& names)
     {
         TYPEATTR* counts = nullptr;
         type.GetTypeAttr(&counts);
@@ -85,12 +114,13 @@ private:
     HRESULT status_ = E_FAIL;
 };
 
-std::multiset<std::string> exportedFunctions()
+/// With something in front of each.
+TypeLibrary::Names exportedFunctions(const std::string& place = "")
 {
-    std::multiset<std::string> names;
+    TypeLibrary::Names names;
     std::ifstream file(KVX_EXPORTS);
     for (std::string name; file >> name;)
-        names.insert(name);
+        names.insert(place + name);
     return names;
 }
 
@@ -102,11 +132,22 @@ TEST(TypeLibrary, HasEveryExportedFunction)
     EXPECT_EQ(library.members(TKIND_MODULE), exportedFunctions());
 }
 
+TEST(TypeLibrary, SaysWhereTheFunctionsAre)
+{
+    const TypeLibrary library;
+    ASSERT_EQ(library.status(), S_OK);
+    EXPECT_EQ(library.entryPoints(), exportedFunctions(KVX_DRIVER_NAME "!"));
+}
+
 TEST(TypeLibrary, HasConstantsAsEnumerations)
 {
     const TypeLibrary library;
     ASSERT_EQ(library.status(), S_OK);
-    const std::multiset<std::string> constants = library.members(TKIND_ENUM);
+    const TypeLibrary::Names enumerations = library.types(TKIND_ENUM);
+    EXPECT_EQ(enumerations.size(), 22U);
+    EXPECT_EQ(enumerations.count("KVX2800T_Attribute"), 1U);
+    EXPECT_EQ(enumerations.count("KVX2800T_CurrentLimitBehavior"), 1U);
+    const TypeLibrary::Names constants = library.members(TKIND_ENUM);
     EXPECT_EQ(constants.count("KVX2800T_ATTR_VOLTAGE_LEVEL"), 1U);
     EXPECT_EQ(constants.count("KVX2800T_VAL_CURRENT_TRIP"), 1U);
     EXPECT_EQ(constants.count("KVX2800T_ERROR_IO"), 1U);

@@ -105,6 +105,18 @@ TEST(Turn, AbortEndsTheWaitingOfThisMomentAndTellsWhoHasIt)
     EXPECT_EQ(turn.status(), VI_SUCCESS);
 }
 
+TEST(Turn, WaitingEndsWhereItsDeadlineIsAborted)
+{
+    Turn turn;
+    ASSERT_EQ(turn.take(Deadline(kPatienceMs)), VI_SUCCESS);
+    visa::Aborts aborts = 0;
+    const Deadline deadline(kPatienceMs, aborts);
+    std::thread aborting([&] { ++aborts; });
+    EXPECT_EQ(turn.take(deadline), VI_ERROR_ABORT);
+    aborting.join();
+    EXPECT_EQ(turn.status(), VI_SUCCESS);
+}
+
 TEST(Turn, InterruptEndsItForGood)
 {
     Turn turn;

@@ -19,6 +19,11 @@ ViStatus HislipChannel::send(const HislipHeader& header, std::span<const ViByte>
 {
     count = 0;
     const std::lock_guard sending(sending_);
+    if (isTold_ && owes()) {
+        if (const ViStatus told = sendOwedBytes(deadline); told < 0)
+            return told;
+    }
+    isTold_ = false;
     HislipHeader whole = header;
     whole.length = payload.size();
     encode(whole, std::span(output_).first<kHislipHeaderSize>());
@@ -47,7 +52,7 @@ ViStatus HislipChannel::send(const HislipHeader& header, std::span<const ViByte>
 bool HislipChannel::owesOutput()
 {
     const std::lock_guard sending(sending_);
-    return owes();
+    return owes() && !isTold_;
 }
 
 ViStatus HislipChannel::sendOwedBytes(const Deadline& deadline)
@@ -80,6 +85,7 @@ void HislipChannel::tell(const HislipHeader& header)
     encode(header, std::span(output_).first<kHislipHeaderSize>());
     owedBegin_ = 0;
     owedEnd_ = kHislipHeaderSize;
+    isTold_ = true;
     sendOwedBytes(Deadline(VI_TMO_IMMEDIATE));
     if (owedBegin_ == 0)
         owedEnd_ = 0;

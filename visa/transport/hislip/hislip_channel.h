@@ -37,7 +37,8 @@ public:
     /// Sends the rest of that message with blanks for its bytes, for a device that will not look at them.
     ViStatus sendOwed(const Deadline& deadline);
 
-    /// Sends a message without a payload if that is possible at once, whatever becomes of it.
+    /// Sends a message without a payload if that is possible at once, whatever becomes of it. The rest of one that has
+    /// gone in part is sent in front of the next message.
     void tell(const HislipHeader& header);
 
     // Receiving ------------------------------------------------------------------------------------------------------
@@ -78,6 +79,7 @@ private:
     std::size_t owedBegin_ = 0;
     std::size_t owedEnd_ = 0;
     std::uint64_t owedPayload_ = 0; ///< behind those
+    bool isTold_ = false;           ///< they are tell()'s
     QuickMutex sending_;            ///< held while something is sent; guards what is owed
 
     std::vector<ViByte> input_;

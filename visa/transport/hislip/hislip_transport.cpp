@@ -11,7 +11,6 @@
 #include <cstring>
 #include <limits>
 #include <mutex>
-#include <string_view>
 
 namespace visa
 {
@@ -222,7 +221,7 @@ ViStatus HislipTransport::ask(const HislipHeader& question, std::span<const ViBy
     if (status < 0)
         return told(status);
     status = awaitAnswer(answerType, deadline, answer);
-    if (status == VI_ERROR_TMO)
+    if (status == VI_ERROR_TMO || status == VI_ERROR_ABORT)
         ++unanswered(answerType);
     return told(status);
 }
@@ -675,11 +674,11 @@ ViStatus greet(HislipChannel& channel, std::string_view device, const Deadline& 
     return wantsEncryption ? VI_ERROR_INV_PROT : VI_SUCCESS;
 }
 
-ViStatus openChannel(const ResourceName& address, const Deadline& deadline, std::size_t inputSize,
+ViStatus openChannel(const HislipConnect& connect, const Deadline& deadline, std::size_t inputSize,
                      std::unique_ptr<HislipChannel>& channel)
 {
     std::unique_ptr<Stream> stream;
-    const ViStatus status = openTcpStream(address, deadline, stream);
+    const ViStatus status = connect(deadline, stream);
     if (status >= 0)
         channel = std::make_unique<HislipChannel>(std::move(stream), inputSize);
     return status;
@@ -687,19 +686,17 @@ ViStatus openChannel(const ResourceName& address, const Deadline& deadline, std:
 
 } // namespace
 
-ViStatus openHislip(const ResourceName& name, const Deadline& deadline, std::unique_ptr<Transport>& transport)
+ViStatus openHislip(const HislipConnect& connect, std::string_view device, const Deadline& deadline,
+                    std::unique_ptr<Transport>& transport)
 {
-    ResourceName address = name;
-    address.port = name.port != 0 ? name.port : kHislipPort;
     std::unique_ptr<HislipChannel> synchronous;
     std::unique_ptr<HislipChannel> asynchronous;
     Greeting greeting;
-    ViStatus status = openChannel(address, deadline, kSynchronousInput, synchronous);
+    ViStatus status = openChannel(connect, deadline, kSynchronousInput, synchronous);
     if (status >= 0)
-        status =
-            greet(*synchronous, name.namesDevice ? std::string_view(name.device) : kDefaultDevice, deadline, greeting);
+        status = greet(*synchronous, device, deadline, greeting);
     if (status >= 0)
-        status = openChannel(address, deadline, kAsynchronousInput, asynchronous);
+        status = openChannel(connect, deadline, kAsynchronousInput, asynchronous);
     if (status < 0)
         return status;
     auto opened = std::make_unique<HislipTransport>(std::move(synchronous), std::move(asynchronous), greeting);
@@ -707,6 +704,16 @@ ViStatus openHislip(const ResourceName& name, const Deadline& deadline, std::uni
     if (status >= 0)
         transport = std::move(opened);
     return status;
+}
+
+ViStatus openHislip(const ResourceName& name, const Deadline& deadline, std::unique_ptr<Transport>& transport)
+{
+    ResourceName address = name;
+    address.port = name.port != 0 ? name.port : kHislipPort;
+    const auto connect = [&address](const Deadline& limit, std::unique_ptr<Stream>& stream) {
+        return openTcpStream(address, limit, stream);
+    };
+    return openHislip(connect, name.namesDevice ? std::string_view(name.device) : kDefaultDevice, deadline, transport);
 }
 
 } // namespace visa

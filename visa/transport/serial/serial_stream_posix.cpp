@@ -156,6 +156,8 @@ private:
     {
         if (state != TransferState::WouldBlock)
             return statusOf(state);
+        if (deadline.isAborted())
+            return VI_ERROR_ABORT;
         return deadline.remainingMs(1) == 0 ? VI_ERROR_TMO : VI_SUCCESS;
     }
 
@@ -207,6 +209,8 @@ ViStatus SerialStream::sendBreak(const Deadline& deadline) noexcept
         const WaitResult pause = interrupter_.pause(pauseMs);
         if (pause != WaitResult::TimedOut)
             return visa::statusOf(pause);
+        if (deadline.isAborted())
+            return VI_ERROR_ABORT;
     }
     for (;;) {
         const TransferState state = sendLineBreak(handle());
