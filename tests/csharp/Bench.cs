@@ -48,11 +48,17 @@ namespace Kvx2800t.Tests
             return answer;
         }
 
-        /// <summary>What it has received since the last call.</summary>
-        internal string[] NewLines()
+        /// <summary>What it has received since the last NewLines.</summary>
+        internal string[] Lines()
         {
             var count = int.Parse(Control("log").Split(' ')[1]);
-            var lines = Enumerable.Range(0, count).Select(_ => answers.ReadLine()).ToArray();
+            return Enumerable.Range(0, count).Select(_ => answers.ReadLine()).ToArray();
+        }
+
+        /// <summary>The same, which is forgotten then. No client may be sending.</summary>
+        internal string[] NewLines()
+        {
+            var lines = Lines();
             Control("clear-log");
             return lines;
         }

@@ -76,7 +76,7 @@ namespace Kvx2800t.Tests
                 instrument.NewLines();
                 instrument.Control("delay 300");
                 var reading = Task.Run(() => supply.Channels["CH3"].Protection.OvpLimit);
-                while (instrument.NewLines().Length == 0)
+                while (instrument.Lines().Length == 0)
                 {
                     Thread.Yield();
                 }
@@ -233,28 +233,32 @@ namespace Kvx2800t.Tests
                 Parallel.For(0, 200, number =>
                 {
                     var channel = supply.Channels["CH" + (3 + number % 2)];
-                    channel.VoltageLevel = 1.0 + number % 4;
-                    Expect.Equal(1.0 + number % 4, channel.VoltageLevel);
+                    using (supply.Lock())
+                    {
+                        channel.VoltageLevel = number / 100.0;
+                        Expect.Equal(number / 100.0, channel.VoltageLevel);
+                    }
+                    channel.Measure();
                 });
-                Expect.Equal(400, instrument.NewLines().Length);
+                Expect.Equal(600, instrument.NewLines().Length);
             });
         }
 
-        public static void ErrorsBelongToTheirThreads()
+        public static void ErrorsBelongToTheirCallsWithinALock()
         {
             With((instrument, supply) =>
             {
                 Parallel.For(0, 100, number =>
                 {
-                    var name = "CH" + (3 + number % 2);
                     var text = Expect.Throws<ValueOutOfRangeException>(() =>
                     {
                         using (supply.Lock())
                         {
-                            supply.ConfigureVoltageLevel(name, 99.0);
+                            supply.ConfigureVoltageLevel(number % 2 == 0 ? "CH3" : "CH4", 99.0);
                         }
                     }).Text;
-                    Expect.True(text.StartsWith(OutOfRange), text);
+                    Expect.Equal(OutOfRange + (number % 2 == 0 ? "  OutputChannel3 takes 0 V to 16 V, not 99 V."
+                                                               : "  OutputChannel4 takes 0 V to 6.2 V, not 99 V."), text);
                 });
             });
         }
