@@ -42,8 +42,9 @@ constexpr bool equalIgnoringCase(std::string_view left, std::string_view right)
 /// `text` without the blanks it begins with.
 constexpr std::string_view skipBlanks(std::string_view text)
 {
-    const auto first = std::find_if_not(text.begin(), text.end(), isBlank);
-    return text.substr(static_cast<std::size_t>(first - text.begin()));
+    while (!text.empty() && isBlank(text.front()))
+        text.remove_prefix(1);
+    return text;
 }
 
 /// `text` without the blanks that it begins and ends with.

@@ -19,12 +19,19 @@ public:
 
     void lock()
     {
-        while (isTaken_.test_and_set(std::memory_order_acquire))
-            std::this_thread::yield();
+        if (isTaken_.test_and_set(std::memory_order_acquire)) [[unlikely]]
+            wait();
     }
     void unlock() { isTaken_.clear(std::memory_order_release); }
 
 private:
+    void wait()
+    {
+        do
+            std::this_thread::yield();
+        while (isTaken_.test_and_set(std::memory_order_acquire));
+    }
+
     std::atomic_flag isTaken_;
 };
 

@@ -197,12 +197,6 @@ ViStatus CommandPort::writeAtOnce(std::string_view command)
     return noted(status);
 }
 
-ViStatus CommandPort::noted(ViStatus connectionStatus)
-{
-    connectionStatus_ = connectionStatus;
-    return connectionStatus;
-}
-
 ViStatus CommandPort::sendLine()
 {
     return ioStatus(write(line_));

@@ -190,7 +190,7 @@ private:
     ViStatus sendLine();
     ViStatus exchangeLine();
     ViStatus transmit(InstLink::VisaIO& connection, std::string_view command, bool isQuery);
-    ViStatus noted(ViStatus connectionStatus);
+    ViStatus noted(ViStatus connectionStatus) { return connectionStatus_ = connectionStatus; }
 
     template <class... Values>
     ViStatus queryLine(Values&... values)

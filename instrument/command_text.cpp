@@ -12,7 +12,6 @@ namespace TSRO
 namespace
 {
 
-constexpr std::string_view kSourceNode = "SOUR";
 constexpr std::string_view kSuffixPlace = "{}";
 // Sign, integral digits of the largest double, point, decimals.
 constexpr std::size_t kLongestNumber = 1 + std::numeric_limits<double>::max_exponent10 + 1 + 1 + kDecimals;
@@ -33,49 +32,20 @@ void appendChannel(std::string& line, ViInt32 channel)
         appendNumber(line, channel);
 }
 
-/// Takes the next non-empty node off `header`; empty when there is none left.
-std::string_view takeNode(std::string_view& header)
+/// The nodes, each behind one colon.
+std::string withoutEmptyNodes(std::string_view nodes)
 {
-    const std::size_t first = header.find_first_not_of(':');
-    if (first == std::string_view::npos)
-        return header = {};
-    header.remove_prefix(first);
-    const std::string_view node = header.substr(0, header.find(':'));
-    header.remove_prefix(node.size());
-    return node;
-}
-
-/// Text put together in the room behind what a line has, which is one growth of the line instead of one for each piece.
-class Piecewise
-{
-public:
-    Piecewise(std::string& line, std::size_t room) : line_(line)
-    {
-        const std::size_t begin = line.size();
-        line.resize(begin + room);
-        end_ = line.data() + begin;
+    std::string separated;
+    bool beginsNode = true;
+    for (const char character : nodes) {
+        const bool isColon = character == ':';
+        if (!isColon && beginsNode)
+            separated += ':';
+        if (!isColon)
+            separated += character;
+        beginsNode = isColon;
     }
-    ~Piecewise() { line_.resize(static_cast<std::size_t>(end_ - line_.data())); }
-    Piecewise(const Piecewise&) = delete;
-    Piecewise& operator=(const Piecewise&) = delete;
-
-    void put(char character) { *end_++ = character; }
-    void put(std::string_view text) { end_ = std::copy(text.begin(), text.end(), end_); }
-    void put(ViInt32 number) { end_ = std::to_chars(end_, line_.data() + line_.size(), number).ptr; }
-
-private:
-    std::string& line_;
-    char* end_ = nullptr;
-};
-
-/// Without the empty ones: a colon in front of another one, or of nothing, begins no node.
-void putNodes(Piecewise& pieces, std::string_view nodes)
-{
-    for (std::size_t at = 0; at < nodes.size(); ++at) {
-        const bool beginsNoNode = nodes[at] == ':' && (at + 1 == nodes.size() || nodes[at + 1] == ':');
-        if (!beginsNoNode)
-            pieces.put(nodes[at]);
-    }
+    return separated;
 }
 
 } // namespace
@@ -87,6 +57,7 @@ void Header::appendTo(std::string& line) const
         line += text_;
         break;
     case Form::Source:
+    case Form::SourceWithColons:
         appendSource(line);
         break;
     case Form::Suffix:
@@ -98,26 +69,18 @@ void Header::appendTo(std::string& line) const
 void Header::appendQueryTo(std::string& line) const
 {
     appendTo(line);
-    if (text_.find('?') == std::string_view::npos)
+    if (!isQuery_)
         line += '?';
 }
 
 void Header::appendSource(std::string& line) const
 {
-    std::string_view rest = text_;
-    const std::string_view first = takeNode(rest);
-    if (first.empty())
-        return;
-    constexpr std::size_t kMostInFront = 2 + kSourceNode.size() + std::numeric_limits<ViInt32>::digits10 + 2;
-    Piecewise pieces(line, kMostInFront + text_.size());
-    pieces.put(':');
-    pieces.put(kSourceNode);
-    pieces.put(channel_);
-    if (!first.starts_with(kSourceNode)) {
-        pieces.put(':');
-        pieces.put(first);
-    }
-    putNodes(pieces, rest);
+    line += kSourceNode;
+    appendChannel(line, channel_);
+    if (form_ == Form::Source)
+        line += text_;
+    else
+        line += withoutEmptyNodes(text_);
 }
 
 void Header::appendSuffixed(std::string& line) const

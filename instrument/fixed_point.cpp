@@ -1,5 +1,6 @@
 #include "instrument/fixed_point.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 
@@ -9,13 +10,13 @@ namespace
 {
 
 constexpr std::uint64_t kMillion = 1'000'000;
-static_assert(kDecimals == 6);
+static_assert(kDecimals == 6); // an even number: they are spelled in pairs
 
 /// A number in millionths.
 struct FixedPoint
 {
     std::uint64_t whole;
-    std::uint64_t millionths;
+    std::uint32_t millionths;
 };
 
 FixedPoint rounded(double number)
@@ -29,13 +30,21 @@ FixedPoint rounded(double number)
     const std::uint64_t low = (fraction & kLowHalf) * kMillion;
     const std::uint64_t high = (fraction >> 32U) * kMillion + (low >> 32U);
     const std::uint64_t rest = (high << 32U) | (low & kLowHalf);
-    std::uint64_t millionths = high >> 32U;
+    auto millionths = static_cast<std::uint32_t>(high >> 32U);
     if (rest > kHalfMillionth || (rest == kHalfMillionth && millionths % 2 != 0))
         ++millionths;
     if (millionths == kMillion)
         return {std::uint64_t{whole} + 1, 0};
     return {whole, millionths};
 }
+
+/// The digits of the numbers below 100.
+constexpr auto kPairs = [] {
+    std::array<std::array<char, 2>, 100> pairs{};
+    for (std::size_t number = 0; number < pairs.size(); ++number)
+        pairs[number] = {static_cast<char>('0' + number / 10), static_cast<char>('0' + number % 10)};
+    return pairs;
+}();
 
 } // namespace
 
@@ -45,17 +54,16 @@ void appendFixedPoint(std::string& line, double number)
     constexpr std::size_t kLongest = 10 + 1 + kDecimals;
     std::array<char, kLongest> text; // NOLINT(cppcoreguidelines-pro-type-member-init): only what is written is read
     char* first = text.data() + text.size();
-    const auto putDigit = [&first](std::uint64_t& rest) {
-        *--first = static_cast<char>('0' + rest % 10);
-        rest /= 10;
-    };
     FixedPoint parts = rounded(number);
-    for (int i = 0; i < kDecimals; ++i)
-        putDigit(parts.millionths);
+    for (int i = 0; i < kDecimals; i += 2) {
+        first = std::copy_n(kPairs[parts.millionths % 100].begin(), 2, first - 2) - 2;
+        parts.millionths /= 100;
+    }
     *--first = '.';
-    do
-        putDigit(parts.whole);
-    while (parts.whole != 0);
+    do {
+        *--first = static_cast<char>('0' + parts.whole % 10);
+        parts.whole /= 10;
+    } while (parts.whole != 0);
     line.append(first, text.data() + text.size());
 }
 

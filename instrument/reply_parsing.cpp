@@ -78,8 +78,12 @@ std::string_view hexadecimalNumber(std::string_view text)
 /// Reads on through digits, which join those that have been read; returns the place behind them.
 const char* takeDigits(const char* at, const char* end, std::int64_t& number)
 {
-    for (; at != end && base::ascii::isDigit(*at); ++at)
-        number = 10 * number + (*at - '0');
+    for (; at != end; ++at) {
+        const auto digit = static_cast<unsigned>(*at - '0');
+        if (digit > 9)
+            break;
+        number = 10 * number + digit;
+    }
     return at;
 }
 

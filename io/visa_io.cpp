@@ -70,9 +70,10 @@ ViStatus VisaIO::read(std::string& reply)
     const ViStatus status = receive(readBuffer_, count);
     if (status < 0 || count == 0)
         return status;
-    reply.assign(reinterpret_cast<const char*>(readBuffer_.data()), count);
-    if (stripTermChar_ && reply.back() == static_cast<char>(termChar_))
-        reply.pop_back();
+    std::string_view message(reinterpret_cast<const char*>(readBuffer_.data()), count);
+    if (stripTermChar_ && message.back() == static_cast<char>(termChar_))
+        message.remove_suffix(1);
+    reply = message;
     return status;
 }
 

@@ -4,7 +4,7 @@
 
 #include <IviVisaType.h>
 
-#include <algorithm>
+#include <cstddef>
 #include <span>
 #include <string_view>
 #include <variant>
@@ -85,9 +85,11 @@ public:
     /// Null for an ID that no row has.
     const AttributeInfo* find(ViAttr id) const
     {
-        const auto row = std::lower_bound(attributes_.begin(), attributes_.end(), id,
-                                          [](const AttributeInfo& info, ViAttr wanted) { return info.id < wanted; });
-        return row != attributes_.end() && row->id == id ? &*row : nullptr;
+        // The last row with no larger ID is among as many rows as are left.
+        const AttributeInfo* row = attributes_.data();
+        for (std::size_t left = attributes_.size(); left > 1; left -= left / 2)
+            row += row[left / 2].id <= id ? left / 2 : 0;
+        return !attributes_.empty() && row->id == id ? row : nullptr;
     }
 
     auto begin() const { return attributes_.begin(); }

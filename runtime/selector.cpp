@@ -247,6 +247,18 @@ ViStatus resolveText(DriverSession& session, std::string_view text, OutputSelect
     return resolveWellFormed(session, *replaced, selection);
 }
 
+std::string_view textOf(ViConstString selector)
+{
+    return selector == nullptr ? "" : selector;
+}
+
+/// The position of the output that a selector names as most do: by its physical name alone, where no virtual name can
+/// stand for another.
+std::optional<std::size_t> namedOutput(const DriverSession& session, std::string_view text)
+{
+    return session.virtualNames().empty() ? Outputs::position(text) : std::nullopt;
+}
+
 /// The channel that the channel table calls "CH" and a digit, for each digit.
 constexpr auto kChannelsByNumber = [] {
     std::array<std::optional<ViInt32>, 10> channels;
@@ -257,13 +269,20 @@ constexpr auto kChannelsByNumber = [] {
     return channels;
 }();
 
+/// -1 without one.
+ViInt32 lastDigit(std::string_view text)
+{
+    const auto digit = std::find_if(text.rbegin(), text.rend(), base::ascii::isDigit);
+    return digit == text.rend() ? -1 : *digit - '0';
+}
+
 } // namespace
 
 ViStatus resolveSelector(DriverSession& session, ViConstString selector, OutputSelection& selection)
 {
-    const std::string_view text = selector == nullptr ? "" : selector;
-    const auto position = Outputs::position(text);
-    if (!position || !session.virtualNames().empty())
+    const std::string_view text = textOf(selector);
+    const auto position = namedOutput(session, text);
+    if (!position) [[unlikely]]
         return resolveText(session, text, selection);
     selection.add(Outputs::physicalName(*position));
     return VI_SUCCESS;
@@ -271,27 +290,29 @@ ViStatus resolveSelector(DriverSession& session, ViConstString selector, OutputS
 
 ViStatus resolveSingleSelector(DriverSession& session, ViConstString selector, PhysicalName<OutputChannel>& name)
 {
+    const std::string_view text = textOf(selector);
+    if (const auto position = namedOutput(session, text)) [[likely]] {
+        name = Outputs::physicalName(*position);
+        return VI_SUCCESS;
+    }
     OutputSelection selection;
-    const ViStatus status = resolveSelector(session, selector, selection);
+    const ViStatus status = resolveText(session, text, selection);
     if (status < 0)
         return status;
     if (selection.size() != 1)
-        return refuse(session, base::kErrorBadlyFormedSelector, selector_texts::kSeveralNames,
-                      selector == nullptr ? "" : selector);
+        return refuse(session, base::kErrorBadlyFormedSelector, selector_texts::kSeveralNames, text);
     name = *selection.begin();
     return status;
 }
 
 ViInt32 channelNumber(PhysicalName<OutputChannel> name)
 {
-    const std::string_view text = name.text();
-    const std::size_t digit = text.find_last_of("0123456789");
-    return digit == std::string_view::npos ? -1 : text[digit] - '0';
+    return lastDigit(name.text());
 }
 
 ViInt32 channelOf(PhysicalName<OutputChannel> name)
 {
-    const ViInt32 number = channelNumber(name);
+    const ViInt32 number = lastDigit(name.text());
     const auto channel = number < 0 ? std::nullopt : kChannelsByNumber[static_cast<std::size_t>(number)];
     if (!channel)
         base::throwInvalidKey();

@@ -1,3 +1,4 @@
+#include "base/undestroyed.h"
 #include "platform/ivi_c_shared/error_record.h"
 #include "platform/ivi_c_shared/session_table.h"
 
@@ -18,22 +19,12 @@ static_assert(sizeof(ViStatus) == 4);
 static_assert(sizeof(ViSession) == 4);
 static_assert(sizeof(ViBoolean) == 2);
 
-/// Never destroyed: drivers may call in from their own clean-up while the process ends.
-union Undestroyed
-{
-    constexpr Undestroyed() : table() {}
-    Undestroyed(const Undestroyed&) = delete;
-    Undestroyed& operator=(const Undestroyed&) = delete;
-    ~Undestroyed() {}
-
-    SessionTable table;
-};
-
-constinit Undestroyed undestroyed;
+/// Drivers may call in from their own clean-up.
+constinit base::Undestroyed<SessionTable> table;
 
 SessionTable& sessions()
 {
-    return undestroyed.table;
+    return table.object;
 }
 
 /// The calling thread's record, null without one. A plain pointer, which can still be read when the owner is gone.

@@ -38,8 +38,22 @@ bool SessionRegistry::add(ViSession handle, const std::shared_ptr<Session>& sess
 std::shared_ptr<Session> SessionRegistry::find(ViSession handle) const
 {
     const std::lock_guard guard(lock_);
-    const auto found = placeOf(handle);
-    return found == sessions_.end() || found->handle != handle ? nullptr : found->session;
+    // A session is mostly the one that was asked for before.
+    if (sessions_.empty() || sessions_[lastFound_].handle != handle) {
+        const auto found = placeOf(handle);
+        if (found == sessions_.end() || found->handle != handle)
+            return nullptr;
+        lastFound_ = static_cast<std::size_t>(found - sessions_.begin());
+    }
+    return sessions_[lastFound_].session;
+}
+
+std::shared_ptr<Session> SessionRegistry::takeAt(std::vector<Entry>::const_iterator place)
+{
+    auto session = place->session;
+    sessions_.erase(place);
+    lastFound_ = 0;
+    return session;
 }
 
 std::shared_ptr<Session> SessionRegistry::take(ViSession handle)
@@ -48,9 +62,7 @@ std::shared_ptr<Session> SessionRegistry::take(ViSession handle)
     const auto found = placeOf(handle);
     if (found == sessions_.end() || found->handle != handle)
         return nullptr;
-    auto session = found->session;
-    sessions_.erase(found);
-    return session;
+    return takeAt(found);
 }
 
 /// Takes back one of the sessions that were opened through a manager; null when there is none left.
@@ -61,9 +73,7 @@ std::shared_ptr<Session> SessionRegistry::takeOneOf(ViSession manager)
                                     [manager](const Entry& entry) { return entry.session->manager() == manager; });
     if (found == sessions_.end())
         return nullptr;
-    auto session = std::move(found->session);
-    sessions_.erase(found);
-    return session;
+    return takeAt(found);
 }
 
 bool SessionRegistry::close(ViSession handle)
@@ -84,19 +94,18 @@ bool SessionRegistry::close(ViSession handle)
 std::shared_ptr<ResourceLock> SessionRegistry::lockOf(const std::string& canonicalName)
 {
     const std::lock_guard guard(lock_);
-    std::erase_if(locks_, [](const auto& entry) { return entry.second.expired(); });
-    std::weak_ptr<ResourceLock>& known = locks_[canonicalName];
-    auto lock = known.lock();
-    if (lock == nullptr)
-        known = lock = std::make_shared<ResourceLock>();
+    std::erase_if(locks_, [](const KnownLock& known) { return known.lock.expired(); });
+    const auto known = std::find_if(locks_.begin(), locks_.end(), [&canonicalName](const KnownLock& candidate) {
+        return candidate.canonicalName == canonicalName;
+    });
+    auto lock = known == locks_.end() ? nullptr : known->lock.lock();
+    if (lock == nullptr) {
+        lock = std::make_shared<ResourceLock>();
+        locks_.push_back({canonicalName, lock});
+    }
     return lock;
 }
 
-SessionRegistry& registry()
-{
-    // Never destroyed: drivers may close their sessions from their own clean-up while the process ends.
-    static SessionRegistry& sessions = *new SessionRegistry;
-    return sessions;
-}
+constinit base::Undestroyed<SessionRegistry> processRegistry;
 
 } // namespace visa

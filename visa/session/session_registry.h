@@ -1,11 +1,11 @@
 #pragma once
 
 #include "base/spin_lock.h"
+#include "base/undestroyed.h"
 #include "visa/session/resource_lock.h"
 #include "visa/session/session.h"
 
 #include <cstdint>
-#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -40,18 +40,31 @@ private:
         std::shared_ptr<Session> session;
     };
 
+    struct KnownLock
+    {
+        std::string canonicalName;
+        std::weak_ptr<ResourceLock> lock;
+    };
+
     std::vector<Entry>::const_iterator placeOf(ViSession handle) const;
+    std::shared_ptr<Session> takeAt(std::vector<Entry>::const_iterator place);
     std::shared_ptr<Session> take(ViSession handle);
     std::shared_ptr<Session> takeOneOf(ViSession manager);
 
     // Held for the length of a look-up, of which every call of VISA begins with one.
     mutable base::SpinLock lock_;
-    std::vector<Entry> sessions_; ///< in the order of handles
-    std::map<std::string, std::weak_ptr<ResourceLock>> locks_;
+    std::vector<Entry> sessions_;       ///< in the order of handles
+    mutable std::size_t lastFound_ = 0; ///< where find() has found one last; 0 while there is none
+    std::vector<KnownLock> locks_;
     std::uint64_t lastHandle_ = 0;
 };
 
-/// The process's.
-SessionRegistry& registry();
+/// The process's. Drivers may close their sessions from their own clean-up.
+extern base::Undestroyed<SessionRegistry> processRegistry;
+
+inline SessionRegistry& registry()
+{
+    return processRegistry.object;
+}
 
 } // namespace visa

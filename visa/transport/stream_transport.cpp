@@ -114,10 +114,12 @@ ViStatus StreamTransport::write(std::span<const ViByte> bytes, const Terms& term
         if (const ViStatus discarded = discardInput(terms); discarded < 0)
             return discarded;
     }
-    const bool marksLastBit = terms.attributes.get<VI_ATTR_ASRL_END_OUT>() == VI_ASRL_END_LAST_BIT;
-    const ViStatus status =
-        marksLastBit ? writeWithLastBit(bytes, terms, count) : stream_->writeAll(bytes, terms.deadline, count);
-    return status < 0 ? status : writeEnd(terms);
+    const ViUInt32 endOut = terms.attributes.get<VI_ATTR_ASRL_END_OUT>();
+    if (endOut == VI_ASRL_END_NONE)
+        return stream_->writeAll(bytes, terms.deadline, count);
+    const ViStatus status = endOut == VI_ASRL_END_LAST_BIT ? writeWithLastBit(bytes, terms, count)
+                                                           : stream_->writeAll(bytes, terms.deadline, count);
+    return status < 0 ? status : writeEnd(terms, endOut);
 }
 
 ViStatus StreamTransport::writeWithLastBit(std::span<const ViByte> bytes, const Terms& terms, std::size_t& count)
@@ -139,9 +141,8 @@ ViStatus StreamTransport::writeWithLastBit(std::span<const ViByte> bytes, const 
     return VI_SUCCESS;
 }
 
-ViStatus StreamTransport::writeEnd(const Terms& terms)
+ViStatus StreamTransport::writeEnd(const Terms& terms, ViUInt32 endOut)
 {
-    const ViUInt32 endOut = terms.attributes.get<VI_ATTR_ASRL_END_OUT>();
     if (endOut == VI_ASRL_END_BREAK)
         return stream_->sendBreak(terms.deadline);
     if (endOut != VI_ASRL_END_TERMCHAR)

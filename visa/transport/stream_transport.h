@@ -65,7 +65,7 @@ private:
     ViStatus readMessage(std::span<ViByte> buffer, const Terms& terms, std::size_t& count);
     bool mayHaveStaleInput(const AttributeValues& attributes) const;
     ViStatus writeWithLastBit(std::span<const ViByte> bytes, const Terms& terms, std::size_t& count);
-    ViStatus writeEnd(const Terms& terms);
+    ViStatus writeEnd(const Terms& terms, ViUInt32 endOut);
 
     const std::unique_ptr<Stream> stream_;
     const Framing framing_;

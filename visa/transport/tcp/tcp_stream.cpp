@@ -82,6 +82,7 @@ public:
 private:
     template <class Transfer>
     ViStatus attempt(const Deadline& deadline, Transfer transfer) noexcept;
+    ViStatus writeRest(std::span<const ViByte> bytes, const Deadline& deadline, std::size_t& count) noexcept;
 
     tcp::socket socket_;
     TcpTransfer transfer_;
@@ -117,13 +118,19 @@ ViStatus TcpStream::readSome(std::span<ViByte> buffer, const Deadline& deadline,
 ViStatus TcpStream::writeAll(std::span<const ViByte> bytes, const Deadline& deadline, std::size_t& count) noexcept
 {
     count = 0;
+    // There is nearly always room for all: then no clock is looked at.
+    if (bytes.empty() || (!transfer_.stopped() && !transfer_.send(bytes, 0, count) && count == bytes.size())) [[likely]]
+        return VI_SUCCESS;
+    return writeRest(bytes, deadline, count);
+}
+
+/// @param count bytes handed over before, and then in all
+ViStatus TcpStream::writeRest(std::span<const ViByte> bytes, const Deadline& deadline, std::size_t& count) noexcept
+{
     ViStatus status = VI_SUCCESS;
     while (status == VI_SUCCESS && count < bytes.size()) {
         std::size_t sent = 0;
-        const auto send = [&](int waitMs) { return transfer_.send(bytes.subspan(count), waitMs, sent); };
-        // There is nearly always room: then no clock is looked at.
-        if (transfer_.stopped() || send(0))
-            status = attempt(deadline, send);
+        status = attempt(deadline, [&](int waitMs) { return transfer_.send(bytes.subspan(count), waitMs, sent); });
         count += sent;
     }
     return status;
