@@ -32,7 +32,7 @@ Outcome runStoreTool(const std::vector<std::string>& arguments)
 Outcome runStoreToolInShell(const std::vector<std::string>& arguments, const std::string& redirections)
 {
     // Of a pipeline, the exit code of the program.
-    std::vector<std::string> all{"-c", "set -o pipefail; \"$0\" \"$@\" " + redirections, KVX_STORE_TOOL};
+    std::vector<std::string> all{"-c", R"(set -o pipefail; "$0" "$@" )" + redirections, KVX_STORE_TOOL};
     all.insert(all.end(), arguments.begin(), arguments.end());
     return run("/bin/bash", all);
 }

@@ -50,8 +50,15 @@ std::vector<std::string> problemsOfRange(const std::string& mapTo, const std::st
 }
 
 const std::string kUsedSession = "DriverSessions/IviDriverSession 'KVX2800T'";
-const std::string kCore = "46: " + kUsedSession + "/VirtualNames/IviVirtualName 'Core': maps to ";
 const std::string kRail = "48: " + kUsedSession + "/VirtualNames/IviVirtualName 'Rail': maps ";
+
+/// That the virtual name Core maps to a text, and what that is.
+auto coreFinding(std::string_view text, std::string_view what)
+{
+    std::string finding = "46: " + kUsedSession + "/VirtualNames/IviVirtualName 'Core': maps to '";
+    finding.append(text).append("', ").append(what);
+    return ElementsAre(finding);
+}
 
 TEST(StoreUse, FindsResourceDescriptorsThatAreMalformed)
 {
@@ -127,24 +134,23 @@ TEST(StoreUse, FindsVirtualNamesThatMapToNoChannel)
 {
     for (const std::string text : {"OutputChannel7", "OutputChannel0", "OutputChannel01", "outputchannel1", "CH7",
                                    "CH0", "ch1", "CH", "CH11", "OutputChannel", "Core", "Pair", "3"})
-        EXPECT_THAT(problemsOfTarget(text), ElementsAre(kCore + "'" + text + "', which is no channel"));
-    EXPECT_THAT(problemsOfTarget("CH1, CH9"), ElementsAre(kCore + "'CH9', which is no channel"));
+        EXPECT_THAT(problemsOfTarget(text), coreFinding(text, "which is no channel"));
+    EXPECT_THAT(problemsOfTarget("CH1, CH9"), coreFinding("CH9", "which is no channel"));
 }
 
 TEST(StoreUse, FindsVirtualNamesThatMapToNoRangeOfChannels)
 {
     for (const std::string text : {"OutputChannel1-7", "OutputChannel0-3", "OutputChannel3-1", "CH2-2", "Rail1-3",
                                    "OutputChannel1-Channel3", "CH1-99999999999", "outputchannel1-OutputChannel2"})
-        EXPECT_THAT(problemsOfTarget(text), ElementsAre(kCore + "'" + text + "', which is no range of channels"));
+        EXPECT_THAT(problemsOfTarget(text), coreFinding(text, "which is no range of channels"));
 }
 
 TEST(StoreUse, FindsVirtualNamesThatMapToNoSelector)
 {
     for (const std::string text : {"OutputChannel1;2", "Output Channel1", "CH1,", "-3", "CH1-", "CH1:CH2"})
-        EXPECT_THAT(problemsOfTarget(text), ElementsAre(kCore + "'" + text + "', which is no selector of channels"))
-            << text;
+        EXPECT_THAT(problemsOfTarget(text), coreFinding(text, "which is no selector of channels")) << text;
     for (const std::string text : {"CH1,OutputChannel1", "CH1-3,OutputChannel3", "OutputChannel1-4,CH4-6"})
-        EXPECT_THAT(problemsOfTarget(text), ElementsAre(kCore + "'" + text + "', which has a channel twice"));
+        EXPECT_THAT(problemsOfTarget(text), coreFinding(text, "which has a channel twice"));
 }
 
 TEST(StoreUse, LeavesVirtualNamesOfChannelsAlone)
