@@ -1,6 +1,7 @@
 using System;
 using System.IO;
 using System.Linq;
+using System.Reflection;
 using System.Text;
 using System.Threading;
 using System.Threading.Tasks;
@@ -147,6 +148,7 @@ namespace Kvx2800t.Tests
                 Expect.Throws<BadlyFormedSelectorException>(() => supply.ConfigureVoltageLevel("CH3-4-5", 1.0));
                 Expect.Throws<OperationNotSupportedException>(supply.Channels["CH3"].Protection.Reset);
                 Expect.Throws<InvalidAttributeException>(() => supply.GetString((AttributeId)1));
+                LeaveAnErrorOnTheThread(supply.Library);
                 Expect.Fails<IoException>("InitWithOptions", 0xBFFA4214, NoInstrument + "  Resource 'BANANA': VI_ERROR_INV_RSRC_NAME, " +
                                           "the resource name cannot be read.", () => new Supply("BANANA"));
             });
@@ -291,7 +293,8 @@ namespace Kvx2800t.Tests
                 supply.Write("*OPC?\n");
                 Expect.Equal("1\n", Encoding.ASCII.GetString(supply.ReadResponse()));
                 supply.Write("*IDN?");
-                Expect.Throws<DriverException>(() => supply.ReadResponse(4));
+                Expect.Fails<DriverException>("viRead", 0x3FFA4001, supply.ErrorMessage(StatusCode.WarnArrayTruncated),
+                                              () => supply.ReadResponse(4));
                 Expect.Equal("1", supply.Query("*OPC?"));
                 Expect.Lines(instrument, "*OPC?", "*OPC?", "*IDN?", "*OPC?");
             });
@@ -417,16 +420,29 @@ namespace Kvx2800t.Tests
                          Expect.Throws<DriverNotInstalledException>(() => new Library("libc.so.6")).Places[0].Value);
         }
 
+        /// <summary>As other users of the driver in this process may.</summary>
+        private static void LeaveAnErrorOnTheThread(Library library)
+        {
+            const BindingFlags any = BindingFlags.Instance | BindingFlags.NonPublic;
+            var functions = typeof(Library).GetProperty("Functions", any).GetValue(library);
+            var init = (Delegate)functions.GetType().GetField("init", any).GetValue(functions);
+            var status = (int)init.DynamicInvoke(Encoding.ASCII.GetBytes("APPLE\0"), (ushort)0, (ushort)0, 0u);
+            Expect.Equal(StatusCode.ErrorIo, status);
+        }
+
         private static DriverException DriverExceptionOf(int status)
         {
             var of = typeof(DriverException).GetMethod(
-                "Of", System.Reflection.BindingFlags.Static | System.Reflection.BindingFlags.NonPublic);
+                "Of", BindingFlags.Static | BindingFlags.NonPublic);
             return (DriverException)of.Invoke(null, new object[] { status, "text", "KVX2800T_reset" });
         }
 
         private static void Open(Options options)
         {
-            new Supply("", options).Dispose();
+            using (var supply = new Supply("", options))
+            {
+                Expect.Equal(options.ToString(), "Simulate=1,DriverSetup=" + supply.GetString(AttributeId.DriverSetup));
+            }
         }
 
         private static Supply Simulated()

@@ -135,8 +135,10 @@ namespace Kvx2800t.Tests
                 list.Run();
                 Expect.Lines(instrument, Selected, ":LIST:STAT ON", ":OUTP:STAT CH3,ON");
                 instrument.Control("advance 500");
-                var (state, _, group, remainingCycles) = list.QueryStatus();
-                Expect.Equal((ListState.Running, 2, 3), (state, group, remainingCycles));
+                var status = list.QueryStatus();
+                Expect.Equal(ListState.Running, status.State);
+                Expect.Equal(2, status.Group);
+                Expect.Equal(3, status.RemainingCycles);
                 Expect.Equal(true, list.Enabled);
                 Expect.Lines(instrument, Selected, ":LIST:STATUS?", Selected, ":LIST:STAT?");
                 list.Pause();
@@ -207,8 +209,10 @@ namespace Kvx2800t.Tests
                 delay.Start();
                 Expect.Lines(instrument, Selected, ":DELAY:STATe ON");
                 instrument.Control("advance 500");
-                var (state, _, group, remainingCycles) = delay.QueryStatus();
-                Expect.Equal((DelayState.Running, 2, 2), (state, group, remainingCycles));
+                var status = delay.QueryStatus();
+                Expect.Equal(DelayState.Running, status.State);
+                Expect.Equal(2, status.Group);
+                Expect.Equal(2, status.RemainingCycles);
                 Expect.Equal(true, delay.Enabled);
                 delay.Stop();
                 Expect.Equal(DelayState.Stopped, delay.QueryStatus().State);
