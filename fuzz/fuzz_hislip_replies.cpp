@@ -2,6 +2,7 @@
 // about lengths and numbers, bytes that are no message. Each call ends in a status, with a count that fits, and the
 // session sends nothing but messages. The input says how the device answers and what is called.
 #include "fuzz/input.h"
+#include "fuzz/transport_calls.h"
 #include "visa/transport/hislip/hislip_transport.h"
 
 #include <algorithm>
@@ -177,10 +178,10 @@ private:
         case 0:
         case 1:
         case 2:
-            return read(input.number(), terms);
+            return kvxfuzz::readChecked(*transport_, terms, input.number());
         case 3:
         case 4:
-            return write(input.number() * std::size_t{33}, terms);
+            return kvxfuzz::writeChecked(*transport_, terms, input.number() * std::size_t{33});
         case 5:
             transport_->trigger(terms);
             return;
@@ -212,27 +213,6 @@ private:
             attributes_.set(VI_ATTR_SUPPRESS_END_EN, input.number() % 2);
             attributes_.set(VI_ATTR_TERMCHAR, input.number());
         }
-    }
-
-    void read(std::size_t size, const Terms& terms)
-    {
-        // Exactly as large, so that a sanitizer sees what goes beyond.
-        std::vector<ViByte> buffer(size);
-        std::size_t count = 0;
-        const ViStatus status = transport_->read(buffer, terms, count);
-        require(count <= size);
-        if (status == VI_SUCCESS_MAX_CNT)
-            require(count == size);
-        if (status == VI_SUCCESS_TERM_CHAR)
-            require(count > 0 && buffer[count - 1] == attributes_.get(VI_ATTR_TERMCHAR));
-    }
-
-    void write(std::size_t size, const Terms& terms)
-    {
-        const std::vector<ViByte> bytes(size, 'x');
-        std::size_t count = 0;
-        const ViStatus status = transport_->write(bytes, terms, count);
-        require(count <= size && (status < 0 || count == size));
     }
 
     std::unique_ptr<Transport> transport_;

@@ -2,6 +2,7 @@
 // wrong, lies about sizes, statuses. Nothing is stored beyond a buffer, no read asks for more than it has room for, and
 // no operation takes more transfers than are bounded.
 #include "fuzz/input.h"
+#include "fuzz/transport_calls.h"
 #include "visa/transport/usb/usbtmc_transport.h"
 
 #include <algorithm>
@@ -147,9 +148,10 @@ private:
         switch (input.number() % 8) {
         case 0:
         case 1:
-            return read(input.number(), terms);
+            device_->room = input.number();
+            return kvxfuzz::readChecked(*transport_, terms, device_->room);
         case 2:
-            return write(input.number(), terms);
+            return kvxfuzz::writeChecked(*transport_, terms, input.number());
         case 3:
             transport_->trigger(terms);
             return;
@@ -167,29 +169,6 @@ private:
             attributes_.set(VI_ATTR_SUPPRESS_END_EN, input.number() % 2);
             attributes_.set(VI_ATTR_TERMCHAR, input.number());
         }
-    }
-
-    void read(std::size_t size, const visa::Terms& terms)
-    {
-        // Exactly as large, so that a sanitizer sees what goes beyond.
-        std::vector<ViByte> buffer(size);
-        device_->room = size;
-        std::size_t count = 0;
-        const ViStatus status = transport_->read(buffer, terms, count);
-        require(count <= size);
-        if (status == VI_SUCCESS_MAX_CNT)
-            require(count == size);
-        if (status == VI_SUCCESS_TERM_CHAR)
-            require(count > 0 && buffer[count - 1] == attributes_.get(VI_ATTR_TERMCHAR));
-        require(status != VI_SUCCESS || attributes_.get(VI_ATTR_SUPPRESS_END_EN) == VI_FALSE);
-    }
-
-    void write(std::size_t size, const visa::Terms& terms)
-    {
-        const std::vector<ViByte> bytes(size, 'x');
-        std::size_t count = 0;
-        const ViStatus status = transport_->write(bytes, terms, count);
-        require(count <= size && (status < 0 || count == size));
     }
 
     Device* const device_;

@@ -39,14 +39,14 @@ bool changeLines(unsigned long request, int bits)
 } // namespace
 
 /// In place of the host's: for the port, the requests about its lines; for the rest, as ever.
-extern "C" int ioctl(int descriptor, unsigned long request, ...) noexcept // NOLINT(cert-dcl50-cpp): the host's own form
+extern "C" int ioctl(int fd, unsigned long request, ...) noexcept // NOLINT(cert-dcl50-cpp): the host's own form
 {
     std::va_list arguments;
     va_start(arguments, request);
     void* const argument = va_arg(arguments, void*);
     va_end(arguments);
-    if (descriptor != kPort)
-        return static_cast<int>(::syscall(SYS_ioctl, descriptor, request, argument));
+    if (fd != kPort)
+        return static_cast<int>(::syscall(SYS_ioctl, fd, request, argument));
     int& bits = *static_cast<int*>(argument);
     if (request == TIOCMGET)
         bits = portLines();
