@@ -149,8 +149,9 @@ namespace Kvx2800t.Tests
                 Expect.Throws<OperationNotSupportedException>(supply.Channels["CH3"].Protection.Reset);
                 Expect.Throws<InvalidAttributeException>(() => supply.GetString((AttributeId)1));
                 LeaveAnErrorOnTheThread(supply.Library);
-                Expect.Fails<IoException>("InitWithOptions", 0xBFFA4214, NoInstrument + "  Resource 'BANANA': VI_ERROR_INV_RSRC_NAME, " +
-                                          "the resource name cannot be read.", () => new Supply("BANANA"));
+                const string banana = "  Resource 'BANANA': VI_ERROR_INV_RSRC_NAME, the resource name cannot be read.";
+                Expect.Fails<IoException>("InitWithOptions", 0xBFFA4214, NoInstrument + banana,
+                                          () => new Supply("BANANA"));
             });
         }
 
@@ -204,8 +205,8 @@ namespace Kvx2800t.Tests
 
         public static void TextsKeepLettersBeyondAsciiAndComeWhole()
         {
-            foreach (var model in new[] { "Pr\u00fcfstand", "\u96fb\u6e90", "\U0001F50C", new string('x', 249), new string('x', 250),
-                                          new string('x', 251), new string('x', 4089), "\u00fc" + new string('x', 4087) })
+            foreach (var model in new[] { "Pr\u00fcfstand", "\u96fb\u6e90", "\U0001F50C", new string('x', 249),
+                                          new string('x', 250), new string('x', 251), new string('x', 4089), "\u00fc" + new string('x', 4087) })
             {
                 using (var supply = new Supply("", new Options { Simulate = true, Profile = false, Model = model }))
                 {
@@ -351,8 +352,8 @@ namespace Kvx2800t.Tests
                              Cache = true, InterchangeCheck = false, QueryInstrumentStatus = true, RangeCheck = false,
                              RecordCoercions = false, Simulate = true, Profile = false,
                          }.ToString());
-            Expect.Equal("DriverSetup=Model:KVX2833T,Profile:Bench,SafeErrors:1,FreshReplies:0,DetailedErrors:1,TrueReadings:0," +
-                         "CheckedOptions:1,StatefulSimulation:0,OpenTimeout:3000,IoTimeout:Infinite,BaudRate:115200," +
+            Expect.Equal("DriverSetup=Model:KVX2833T,Profile:Bench,SafeErrors:1,FreshReplies:0,DetailedErrors:1," +
+                         "TrueReadings:0,CheckedOptions:1,StatefulSimulation:0,OpenTimeout:3000,IoTimeout:Infinite,BaudRate:115200," +
                          "DataBits:7,Parity:Even,StopBits:1.5,FlowControl:RtsCts",
                          new Options
                          {
@@ -381,7 +382,8 @@ namespace Kvx2800t.Tests
 
         public static void OptionsRefuseWhatCannotBeSaid()
         {
-            foreach (var model in new[] { "", "A,B", "A;B", "A:B", "A=B", "\"A\"", "'A'", "A\nB", "A\tB", "A\0B", "A\x7f", " A", "A " })
+            foreach (var model in new[] { "", "A,B", "A;B", "A:B", "A=B", "\"A\"", "'A'", "A\nB", "A\tB", "A\0B",
+                                          "A\x7f", " A", "A " })
             {
                 Expect.Throws<ArgumentException>(() => new Options { Model = model }.ToString());
             }
