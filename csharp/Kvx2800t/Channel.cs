@@ -21,7 +21,9 @@ namespace Kvx2800t
         }
     }
 
-    /// <summary>A channel of a supply; from Supply.Channels. One that names several channels can be set, but not read.</summary>
+    /// <summary>
+    /// A channel of a supply; from Supply.Channels. One that names several channels can be set, but not read.
+    /// </summary>
     public sealed class Channel : Selection
     {
         internal Channel(Session session, string name)

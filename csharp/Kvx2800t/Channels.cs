@@ -35,7 +35,9 @@ namespace Kvx2800t
         [Obsolete("channels have names, such as \"CH1\" or \"OutputChannel1\": a number is none", true)]
         public Channel this[int number] => throw new NotSupportedException();
 
-        /// <summary>The channels from one number to another, as the driver's ranges have them: both are in it.</summary>
+        /// <summary>
+        /// The channels from one number to another, as the driver's ranges have them: both are in it.
+        /// </summary>
         public Channel Range(int first, int last)
         {
             if (first < 1 || last < first)

@@ -34,7 +34,9 @@ namespace Kvx2800t
         /// <summary>How many groups it has.</summary>
         public int GroupCount => Session.QueryDelayGroupCount(Name);
 
-        /// <summary>How far it has come: group 0 when it is stopped, remaining cycles 0 when it has no end, too.</summary>
+        /// <summary>
+        /// How far it has come: group 0 when it is stopped, remaining cycles 0 when it has no end, too.
+        /// </summary>
         public (DelayState State, double RemainingSeconds, int Group, int RemainingCycles) QueryStatus()
         {
             var (state, remainingSeconds, group, remainingCycles) = Session.QueryDelayStatus(Name);

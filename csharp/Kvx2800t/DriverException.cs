@@ -4,7 +4,9 @@ using System.Linq;
 
 namespace Kvx2800t
 {
-    /// <summary>A call that has failed. There is a class for each status of the driver, which derives from this one.</summary>
+    /// <summary>
+    /// A call that has failed. There is a class for each status of the driver, which derives from this one.
+    /// </summary>
     public partial class DriverException : Exception
     {
         internal DriverException(int code, string text, string function)

@@ -17,7 +17,9 @@ namespace Kvx2800t
         /// <summary>Each call, at the level Verbose, and each warning.</summary>
         private static readonly TraceSource Calls = new TraceSource("Kvx2800t", SourceLevels.Warning);
 
-        /// <summary>Loads the library that the environment variable names, or else the first of the usual places.</summary>
+        /// <summary>
+        /// Loads the library that the environment variable names, or else the first of the usual places.
+        /// </summary>
         public Library()
             : this(Environment.GetEnvironmentVariable(Variable))
         {
@@ -51,14 +53,18 @@ namespace Kvx2800t
 
         internal Functions Functions { get; }
 
-        /// <summary>The driver's message for a status, with "%s" for details; empty for one that is not its own.</summary>
+        /// <summary>
+        /// The driver's message for a status, with "%s" for details; empty for one that is not its own.
+        /// </summary>
         public string ErrorText(int code)
         {
             var text = new byte[Text.Size];
             return Functions.error_message(SessionHandle.None, code, text) < 0 ? "" : Text.Out(text);
         }
 
-        /// <summary>Reads and clears what a session, or this thread for none, has recorded; 0 when that is nothing.</summary>
+        /// <summary>
+        /// Reads and clears what a session, or this thread for none, has recorded; 0 when that is nothing.
+        /// </summary>
         internal (int Code, string Text) RecordedError(SessionHandle session)
         {
             var size = Functions.GetError(session, out _, 0, null);

@@ -1,7 +1,9 @@
 namespace Kvx2800t
 {
-    /// <summary>The protections of a channel. The instrument has commands of its source for them and, here with Output in front of the
-    /// name, of its outputs.</summary>
+    /// <summary>
+    /// The protections of a channel. The instrument has commands of its source for them and, here with Output in front
+    /// of the name, of its outputs.
+    /// </summary>
     public sealed class Protection : Selection
     {
         internal Protection(Session session, string name)
@@ -98,7 +100,10 @@ namespace Kvx2800t
             return Session.QueryProtectionState(Name);
         }
 
-        /// <summary>Throws OperationNotSupportedException with the profile; without it nothing is done: switching on ends a trip.</summary>
+        /// <summary>
+        /// Throws OperationNotSupportedException with the profile; without it nothing is done: switching on ends a
+        /// trip.
+        /// </summary>
         public void Reset()
         {
             Session.ResetOutputProtection(Name);

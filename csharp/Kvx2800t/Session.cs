@@ -5,8 +5,8 @@ using System.Runtime.InteropServices;
 namespace Kvx2800t
 {
     /// <summary>
-    /// A session's handle. A call keeps it from being closed until it returns, and who forgets to close it has that done
-    /// when it is no longer used.
+    /// A session's handle. A call keeps it from being closed until it returns, and who forgets to close it has that
+    /// done when it is no longer used.
     /// </summary>
     /// <remarks>ViSession has 32 bits; as the first argument it is the lower half of what is passed here.</remarks>
     internal sealed class SessionHandle : SafeHandle

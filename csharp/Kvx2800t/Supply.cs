@@ -21,8 +21,8 @@ namespace Kvx2800t
     }
 
     /// <summary>
-    /// A session with an instrument. Any thread may use it: the driver lets one call in at a time. Disposing of it closes it;
-    /// where that is forgotten, it is closed once nothing refers to it.
+    /// A session with an instrument. Any thread may use it: the driver lets one call in at a time. Disposing of it
+    /// closes it; where that is forgotten, it is closed once nothing refers to it.
     /// </summary>
     public sealed class Supply : IDisposable
     {
@@ -77,7 +77,9 @@ namespace Kvx2800t
             session.Dispose();
         }
 
-        /// <summary>Keeps the session to the calling thread until what is returned is disposed of, by that thread.</summary>
+        /// <summary>
+        /// Keeps the session to the calling thread until what is returned is disposed of, by that thread.
+        /// </summary>
         public IDisposable Lock()
         {
             return new HeldLock(session);

@@ -78,7 +78,8 @@ namespace Kvx2800t.Tests
             try
             {
                 Record(calls, listener, "Supply", false, () => new Supply("", new Options { Profile = false }).Dispose());
-                Record(calls, listener, "Supply", false, () => Use(new Supply("", new Options { Simulate = true }), calls, listener));
+                Record(calls, listener, "Supply", false,
+                       () => Use(new Supply("", new Options { Simulate = true }), calls, listener));
             }
             finally
             {
@@ -93,8 +94,8 @@ namespace Kvx2800t.Tests
             Record(calls, listener, "Supply", false, () => { });
             var channel = supply.Channels["CH1"];
             Record(calls, listener, "Channels", false, () => supply.Channels.ToList());
-            foreach (var target in new object[] { channel, channel.Protection, channel.State, channel.List, channel.ListTemplate,
-                                                  channel.Delay, channel.DelayGenerator, supply })
+            foreach (var target in new object[] { channel, channel.Protection, channel.State, channel.List,
+                                                  channel.ListTemplate, channel.Delay, channel.DelayGenerator, supply })
             {
                 UseMembers(target, calls, listener);
             }
@@ -115,7 +116,8 @@ namespace Kvx2800t.Tests
             foreach (var method in target.GetType().GetMethods(members).Where(m => !m.IsSpecialName && m.Name != "Dispose"))
             {
                 var arguments = method.GetParameters().Select(parameter => ValueOf(parameter.ParameterType)).ToArray();
-                Record(calls, listener, method.Name, false, () => (method.Invoke(target, arguments) as IDisposable)?.Dispose());
+                Record(calls, listener, method.Name, false,
+                       () => (method.Invoke(target, arguments) as IDisposable)?.Dispose());
             }
         }
 

@@ -12,20 +12,26 @@ namespace Kvx2800t.Tests
             Run((instrument, channel) =>
             {
                 var kept = new Kept(instrument);
-                kept.Is(v => channel.VoltageLevel = v, () => channel.VoltageLevel, 5.0, ":SOUR3:VOLT 5.000000", ":SOUR3:VOLT?");
+                kept.Is(v => channel.VoltageLevel = v, () => channel.VoltageLevel, 5.0, ":SOUR3:VOLT 5.000000",
+                        ":SOUR3:VOLT?");
                 kept.Is(v => channel.CurrentLimitBehavior = v, () => channel.CurrentLimitBehavior,
                         CurrentLimitBehavior.Trip, ":SOUR3:CURR:PROT:STAT ON", ":SOUR3:CURR:PROT:STAT?");
-                kept.Is(v => channel.OutputEnabled = v, () => channel.OutputEnabled, true, ":OUTP:STAT CH3,ON", ":OUTP:STAT? CH3");
-                kept.Is(v => channel.RemoteSense = v, () => channel.RemoteSense, true, ":SOUR3:VOLT:SENS ON", ":SOUR3:VOLT:SENS?");
+                kept.Is(v => channel.OutputEnabled = v, () => channel.OutputEnabled, true, ":OUTP:STAT CH3,ON",
+                        ":OUTP:STAT? CH3");
+                kept.Is(v => channel.RemoteSense = v, () => channel.RemoteSense, true, ":SOUR3:VOLT:SENS ON",
+                        ":SOUR3:VOLT:SENS?");
                 kept.Is(v => channel.OutputSense = v, () => channel.OutputSense, false, ":OUTP:SENS:STAT CH3,OFF",
                         ":OUTP:SENS:STAT? CH3");
                 kept.Is(v => channel.PowerOnState = v, () => channel.PowerOnState, PowerOnState.LastOff,
                         ":OUTP:PONS:STAT CH3,LOFF", ":OUTP:PONS:STAT? CH3");
-                kept.Is(v => channel.Pairing = v, () => channel.Pairing, Pairing.Parallel, ":OUTP:PAIR CH3,PAR", ":OUTP:PAIR? CH3");
-                kept.Is(v => channel.Tracking = v, () => channel.Tracking, true, ":OUTP:TRAC:STAT CH3,ON", ":OUTP:TRAC:STAT? CH3");
+                kept.Is(v => channel.Pairing = v, () => channel.Pairing, Pairing.Parallel, ":OUTP:PAIR CH3,PAR",
+                        ":OUTP:PAIR? CH3");
+                kept.Is(v => channel.Tracking = v, () => channel.Tracking, true, ":OUTP:TRAC:STAT CH3,ON",
+                        ":OUTP:TRAC:STAT? CH3");
                 kept.Is(v => channel.OutputOffMode = v, () => channel.OutputOffMode, OutputOffMode.BleederOff,
                         ":OUTP:OFFM CH3,BLEOFF", ":OUTP:OFFM? CH3");
-                kept.Is(v => channel.TriggerInput = v, () => channel.TriggerInput, true, ":TRIG:IN:ENAB CH3,ON", ":TRIG:IN:ENAB? CH3");
+                kept.Is(v => channel.TriggerInput = v, () => channel.TriggerInput, true, ":TRIG:IN:ENAB CH3,ON",
+                        ":TRIG:IN:ENAB? CH3");
                 kept.Is(v => channel.CurrentRange = v, () => channel.CurrentRange, CurrentRange.High,
                         ":MEAS:CURR:RANG CH3,HIGH", ":MEAS:CURR:RANG? CH3");
                 kept.Is(v => channel.CurrentRate = v, () => channel.CurrentRate, CurrentRate.Rate8000,
@@ -57,9 +63,12 @@ namespace Kvx2800t.Tests
                 var its = channel.Protection;
                 its.ConfigureOvp(true, 6.0);
                 Expect.Lines(instrument, ":SOUR3:VOLT:PROT 6.000000", ":SOUR3:VOLT:PROT:STAT ON");
-                kept.Is(v => its.OvpLimit = v, () => its.OvpLimit, 6.5, ":SOUR3:VOLT:PROT 6.500000", ":SOUR3:VOLT:PROT?");
-                kept.Is(v => its.OvpEnabled = v, () => its.OvpEnabled, false, ":SOUR3:VOLT:PROT:STAT OFF", ":SOUR3:VOLT:PROT:STAT?");
-                kept.Is(v => its.CurrentLevel = v, () => its.CurrentLevel, 1.25, ":SOUR3:CURR:PROT 1.250000", ":SOUR3:CURR:PROT?");
+                kept.Is(v => its.OvpLimit = v, () => its.OvpLimit, 6.5, ":SOUR3:VOLT:PROT 6.500000",
+                        ":SOUR3:VOLT:PROT?");
+                kept.Is(v => its.OvpEnabled = v, () => its.OvpEnabled, false, ":SOUR3:VOLT:PROT:STAT OFF",
+                        ":SOUR3:VOLT:PROT:STAT?");
+                kept.Is(v => its.CurrentLevel = v, () => its.CurrentLevel, 1.25, ":SOUR3:CURR:PROT 1.250000",
+                        ":SOUR3:CURR:PROT?");
                 kept.Is(v => its.CurrentDelay = v, () => its.CurrentDelay, 0.25, ":SOUR3:CURR:PROT:DEL 0.250000",
                         ":SOUR3:CURR:PROT:DEL?");
                 kept.Is(v => its.CurrentDelayMode = v, () => its.CurrentDelayMode, ProtectionDelay.Scheduled,
@@ -135,8 +144,10 @@ namespace Kvx2800t.Tests
                 list.Run();
                 Expect.Lines(instrument, Selected, ":LIST:STAT ON", ":OUTP:STAT CH3,ON");
                 instrument.Control("advance 500");
-                var (state, _, group, remainingCycles) = list.QueryStatus();
-                Expect.Equal((ListState.Running, 2, 3), (state, group, remainingCycles));
+                var status = list.QueryStatus();
+                Expect.Equal(ListState.Running, status.State);
+                Expect.Equal(2, status.Group);
+                Expect.Equal(3, status.RemainingCycles);
                 Expect.Equal(true, list.Enabled);
                 Expect.Lines(instrument, Selected, ":LIST:STATUS?", Selected, ":LIST:STAT?");
                 list.Pause();
@@ -170,15 +181,18 @@ namespace Kvx2800t.Tests
             {
                 var kept = new Kept(instrument, Selected);
                 var its = channel.ListTemplate;
-                kept.Is(v => its.Waveform = v, () => its.Waveform, Waveform.UpDown, ":LIST:TEMP:SEL UPDN", ":LIST:TEMP:SEL?");
+                kept.Is(v => its.Waveform = v, () => its.Waveform, Waveform.UpDown, ":LIST:TEMP:SEL UPDN",
+                        ":LIST:TEMP:SEL?");
                 kept.Is(v => its.Maximum = v, () => its.Maximum, 5.0, ":LIST:TEMP:MAXV 5.000000", ":LIST:TEMP:MAXV?");
                 kept.Is(v => its.Minimum = v, () => its.Minimum, 1.0, ":LIST:TEMP:MINV 1.000000", ":LIST:TEMP:MINV?");
                 kept.Is(v => its.Period = v, () => its.Period, 2.0, ":LIST:TEMP:PERI 2.000000", ":LIST:TEMP:PERI?");
                 kept.Is(v => its.Interval = v, () => its.Interval, 0.5, ":LIST:TEMP:INTE 0.500000", ":LIST:TEMP:INTE?");
                 kept.Is(v => its.Cycles = v, () => its.Cycles, 4, ":LIST:TEMP:CYCLE 4", ":LIST:TEMP:CYCLE?");
                 kept.Is(v => its.Inverted = v, () => its.Inverted, true, ":LIST:TEMP:INVE ON", ":LIST:TEMP:INVE?");
-                kept.Is(v => its.PulseWidth = v, () => its.PulseWidth, 0.25, ":LIST:TEMP:WIDT 0.250000", ":LIST:TEMP:WIDT?");
-                kept.Is(v => its.PulseCount = v, () => its.PulseCount, 8, ":LIST:TEMP:PULSECount 8", ":LIST:TEMP:PULSECount?");
+                kept.Is(v => its.PulseWidth = v, () => its.PulseWidth, 0.25, ":LIST:TEMP:WIDT 0.250000",
+                        ":LIST:TEMP:WIDT?");
+                kept.Is(v => its.PulseCount = v, () => its.PulseCount, 8, ":LIST:TEMP:PULSECount 8",
+                        ":LIST:TEMP:PULSECount?");
                 kept.Is(v => its.Symmetry = v, () => its.Symmetry, 40, ":LIST:TEMP:SYMM 40", ":LIST:TEMP:SYMM?");
                 kept.Is(v => its.Start = v, () => its.Start, 2, ":LIST:TEMP:STAI 2", ":LIST:TEMP:STAI?");
                 kept.Is(v => its.Expp = v, () => its.Expp, 20, ":LIST:TEMP:EXPP 20", ":LIST:TEMP:EXPP?");
@@ -203,12 +217,15 @@ namespace Kvx2800t.Tests
                              ":DELAY:GROUP:PARAmeter 2,ON,3600.000000");
                 var kept = new Kept(instrument, Selected);
                 kept.Is(v => delay.Cycles = v, () => delay.Cycles, 2, ":DELAY:CYCLEs 2", ":DELAY:CYCLEs?");
-                kept.Is(v => delay.EndState = v, () => delay.EndState, DelayEnd.On, ":DELAY:ENDState ON", ":DELAY:ENDState?");
+                kept.Is(v => delay.EndState = v, () => delay.EndState, DelayEnd.On, ":DELAY:ENDState ON",
+                        ":DELAY:ENDState?");
                 delay.Start();
                 Expect.Lines(instrument, Selected, ":DELAY:STATe ON");
                 instrument.Control("advance 500");
-                var (state, _, group, remainingCycles) = delay.QueryStatus();
-                Expect.Equal((DelayState.Running, 2, 2), (state, group, remainingCycles));
+                var status = delay.QueryStatus();
+                Expect.Equal(DelayState.Running, status.State);
+                Expect.Equal(2, status.Group);
+                Expect.Equal(2, status.RemainingCycles);
                 Expect.Equal(true, delay.Enabled);
                 delay.Stop();
                 Expect.Equal(DelayState.Stopped, delay.QueryStatus().State);
@@ -238,13 +255,19 @@ namespace Kvx2800t.Tests
                 var kept = new Kept(instrument, Selected);
                 var its = channel.DelayGenerator;
                 const string generate = ":DELAY:GENerate:";
-                kept.Is(v => its.Times = v, () => its.Times, DelayTimes.Increasing, generate + "SELect INC", generate + "SELect?");
-                kept.Is(v => its.Pattern = v, () => its.Pattern, DelayPattern.OnOff, generate + "PATT 10P", generate + "PATT?");
+                kept.Is(v => its.Times = v, () => its.Times, DelayTimes.Increasing, generate + "SELect INC",
+                        generate + "SELect?");
+                kept.Is(v => its.Pattern = v, () => its.Pattern, DelayPattern.OnOff, generate + "PATT 10P",
+                        generate + "PATT?");
                 kept.Is(v => its.Points = v, () => its.Points, 8, generate + "POINTs 8", generate + "POINTs?");
-                kept.Is(v => its.OnTime = v, () => its.OnTime, 0.5, generate + "TIMe:ON 0.500000", generate + "TIMe:ON?");
-                kept.Is(v => its.OffTime = v, () => its.OffTime, 0.25, generate + "TIMe:OFF 0.250000", generate + "TIMe:OFF?");
-                kept.Is(v => its.BaseTime = v, () => its.BaseTime, 1.5, generate + "TIMe:BASE 1.500000", generate + "TIMe:BASE?");
-                kept.Is(v => its.TimeStep = v, () => its.TimeStep, 0.125, generate + "TIMe:STEP 0.125000", generate + "TIMe:STEP?");
+                kept.Is(v => its.OnTime = v, () => its.OnTime, 0.5, generate + "TIMe:ON 0.500000",
+                        generate + "TIMe:ON?");
+                kept.Is(v => its.OffTime = v, () => its.OffTime, 0.25, generate + "TIMe:OFF 0.250000",
+                        generate + "TIMe:OFF?");
+                kept.Is(v => its.BaseTime = v, () => its.BaseTime, 1.5, generate + "TIMe:BASE 1.500000",
+                        generate + "TIMe:BASE?");
+                kept.Is(v => its.TimeStep = v, () => its.TimeStep, 0.125, generate + "TIMe:STEP 0.125000",
+                        generate + "TIMe:STEP?");
                 its.Construct();
                 Expect.Lines(instrument, Selected, generate + "CONSTruct 1");
                 Expect.Equal(8, channel.Delay.GroupCount);
