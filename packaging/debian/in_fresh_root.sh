@@ -51,6 +51,12 @@ with_instrument() {
 
 load_the_driver() {
     python3 -c 'import ctypes; ctypes.CDLL("libKVX2800T.so.1").KVX2800T_init'
+    # The VISA of the whole machine does not take the place of the driver's.
+    libraries=$(dirname "$(ldconfig -p | sed -n 's/.*libKVX2800T.so.1 .*=> //p')")
+    cp "$libraries/kvx2800t/own/libvisa.so" "$libraries/libvisa.so"
+    ldconfig
+    ldd "$libraries/libKVX2800T.so.1" | grep "libvisa.so => $libraries/kvx2800t/libvisa.so "
+    rm "$libraries/libvisa.so"
 }
 
 change_the_visa() {

@@ -63,6 +63,7 @@ list(TRANSFORM functions REPLACE ".+" " \\0@${KVX_DRIVER_NODE} ${PROJECT_VERSION
 list(JOIN functions "\n" functions)
 file(CONFIGURE OUTPUT ${debian}/symbols @ONLY NEWLINE_STYLE UNIX CONTENT
 "libKVX2800T.so.1 libkvx2800t1 #MINVER#
+* Build-Depends-Package: libkvx2800t-dev
  @KVX_DRIVER_NODE@@@KVX_DRIVER_NODE@ @PROJECT_VERSION@
 @functions@
 ")
@@ -128,6 +129,8 @@ top of the IVI-C driver."
     DEPENDS "python3 (>= 3.9), libkvx2800t1 (>= ${PROJECT_VERSION})"
     CONTROL ${debian}/python3-kvx2800t/postinst ${debian}/python3-kvx2800t/prerm)
 
+install(FILES debian/kvx2800t-doc.doc-base DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/doc-base
+    RENAME kvx2800t-doc.kvx2800t COMPONENT debian-kvx2800t-doc EXCLUDE_FROM_ALL)
 kvx_debian_package(kvx2800t-doc INDEPENDENT
     COMPONENTS doc
     SECTION doc

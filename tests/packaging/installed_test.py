@@ -21,9 +21,8 @@ PROJECT = pathlib.Path(__file__).resolve().parents[2]
 BUILD = pathlib.Path(sys.argv[1]).resolve()
 PACKAGES = pathlib.Path(sys.argv[2]).resolve()
 
-# What the first example prints: the virtual instrument has been asked.
-SESSION = """driver 1.0.0.0, firmware V1.00
-OutputChannel1: 5.000 V, 1.000 A, output on
+# How what the first example prints ends: the virtual instrument has been asked.
+SESSION = """OutputChannel1: 5.000 V, 1.000 A, output on
 OutputChannel3: 3.300 V, 0.500 A, output on
 16.5 V on OutputChannel3: 0xBFFA4217 Attribute or function parameter value is invalid (out of range or not supported).
 closed
@@ -101,7 +100,12 @@ class Installation:
         return session, [re.sub(r".*\] (\w+)\(.*", r"\1", line) for line in lines]
 
 
-class InstalledFolder(unittest.TestCase):
+class InstalledTest(unittest.TestCase):
+    def assert_has_run(self, session):
+        self.assertTrue(session.endswith(SESSION), session)
+
+
+class InstalledFolder(InstalledTest):
     """`cmake --install` to a folder that is moved afterwards."""
 
     @classmethod
@@ -131,10 +135,10 @@ class InstalledFolder(unittest.TestCase):
         output(self.installed.bin / "kvx2800t-visa", visa)
 
     def test_a_program_that_pkg_config_has_helped_to_build_runs_a_session(self):
-        self.assertEqual(self.installed.session(self.program), SESSION)
+        self.assert_has_run(self.installed.session(self.program))
 
     def test_a_program_that_cmake_has_found_the_driver_for_runs_a_session(self):
-        self.assertEqual(self.installed.session(self.installed.built_by_cmake()), SESSION)
+        self.assert_has_run(self.installed.session(self.installed.built_by_cmake()))
 
     def test_the_switch_changes_between_our_visa_and_a_vendors(self):
         own = self.installed.platform / "own/libvisa.so"
@@ -145,7 +149,7 @@ class InstalledFolder(unittest.TestCase):
                 self.use(visa)
                 self.assertEqual(output(self.installed.bin / "kvx2800t-visa"), f"{library}\n")
                 session, calls = self.installed.calls_of_a_session(self.program, own)
-                self.assertEqual(session, SESSION)
+                self.assert_has_run(session)
                 self.assertEqual(calls[:2], first_calls)
 
     def test_the_switch_refuses_what_is_no_visa(self):
@@ -163,7 +167,7 @@ class InstalledFolder(unittest.TestCase):
         library = output(self.installed.bin / "kvx2800t-visa").strip()
         folders = f"{front}:{self.installed.libraries}"
         session, calls = self.installed.calls_of_a_session(self.program, library, LD_LIBRARY_PATH=folders)
-        self.assertEqual(session, SESSION)
+        self.assert_has_run(session)
         self.assertEqual(calls[:2], ["viOpenDefaultRM", "viOpen"])
 
     def test_installing_again_keeps_the_vendors_visa(self):
@@ -181,7 +185,7 @@ class InstalledFolder(unittest.TestCase):
         self.assertEqual(strangers, set())
 
 
-class Packages(unittest.TestCase):
+class Packages(InstalledTest):
     """The packages, unpacked into one folder, with what their scripts do on a machine."""
 
     @classmethod
@@ -238,7 +242,7 @@ class Packages(unittest.TestCase):
             with self.subTest(first_calls=first_calls):
                 with self.links_within_the_root():
                     session, calls = self.installed.calls_of_a_session(self.program, own)
-                self.assertEqual(session, SESSION)
+                self.assert_has_run(session)
                 self.assertEqual(calls[:2], first_calls)
             if first_calls:
                 self.alternatives("--remove", name, self.path_of(vendor))
@@ -281,7 +285,7 @@ class Packages(unittest.TestCase):
 
     def test_a_program_that_cmake_has_found_the_driver_for_runs_a_session(self):
         with self.links_within_the_root():
-            self.assertEqual(self.installed.session(self.installed.built_by_cmake()), SESSION)
+            self.assert_has_run(self.installed.session(self.installed.built_by_cmake()))
 
     def test_a_name_that_the_store_tool_has_added_opens_the_instrument(self):
         store = str(self.installed.work / "store.xml")
@@ -289,7 +293,7 @@ class Packages(unittest.TestCase):
             add = ["add", "Bench1", "--create", "--logical", "BenchSupply", "--resource", resource]
             output(self.installed.bin / "kvx2800t-store", "--store", store, *add)
             session = output(self.program, "BenchSupply", **self.installed.variables(IVI_MASTER_STORE=store))
-        self.assertEqual(session, SESSION)
+        self.assert_has_run(session)
 
     def test_the_example_store_has_no_findings(self):
         store = self.root / "usr/share/doc/kvx2800t/examples/IviConfigurationStore.xml"
@@ -312,9 +316,11 @@ class Packages(unittest.TestCase):
         version = output("dpkg-deb", "-f", package, "Version").strip()
         lines = (control / "symbols").read_text().splitlines()
         exports = (PROJECT / "api/exports.txt").read_text().split()
-        self.assertEqual(lines[0], "libKVX2800T.so.1 libkvx2800t1 #MINVER#")
+        self.assertEqual(
+            lines[:2], ["libKVX2800T.so.1 libkvx2800t1 #MINVER#", "* Build-Depends-Package: libkvx2800t-dev"]
+        )
         names = ["KVX2800T_1", *sorted(exports)]
-        self.assertEqual(lines[1:], [f" {name}@KVX2800T_1 {version}" for name in names])
+        self.assertEqual(lines[2:], [f" {name}@KVX2800T_1 {version}" for name in names])
         exported = output("nm", "-D", "--defined-only", self.installed.libraries / "libKVX2800T.so")
         self.assertEqual(
             sorted(line.split()[2] for line in exported.splitlines() if " A " not in line),

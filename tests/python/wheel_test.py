@@ -66,7 +66,7 @@ def test_the_sdist_has_no_library(packages):
 def test_four_lines_drive_the_virtual_instrument(wheel, tmp_path):
     venv.create(tmp_path / "venv", with_pip=True, symlinks=True)
     python = tmp_path / "venv" / "bin" / "python"
-    install = [python, "-m", "pip", "install", "--quiet", "--no-index", "--disable-pip-version-check", wheel]
+    install = [python, "-I", "-m", "pip", "install", "--quiet", "--no-index", "--disable-pip-version-check", wheel]
     subprocess.run(install, check=True)
     instrument = VirtualInstrument()
     environment = {"XDG_CONFIG_HOME": "/no-such-folder"}

@@ -17,7 +17,7 @@ def main() -> None:
     interface = reader.read(Path(xml))
     outputs = {
         "_interface.py": python_writer.write(interface),
-        "Interface.cs": csharp_writer.write(interface),
+        "Interface.cs": csharp_writer.write(interface, version),
         "KVX2800T.sub": attribute_file_writer.write(interface),
         "KVX2800T.idl": type_library_writer.write(interface, version, dll),
     }

@@ -18,11 +18,10 @@ constexpr std::array<std::string_view, 7> kInterfaces{"ASRL", "GPIB-VXI", "GPIB"
 /// "TCPIP0:10.0.0.5:5025": single colons behind an interface, which no alias has.
 bool beginsWithInterface(std::string_view text)
 {
-    constexpr std::string_view kDigits = "0123456789";
     return std::any_of(kInterfaces.begin(), kInterfaces.end(), [text](std::string_view keyword) {
         if (!visa::startsIgnoringCase(text, keyword))
             return false;
-        const std::size_t behind = text.find_first_not_of(kDigits, keyword.size());
+        const std::size_t behind = text.find_first_not_of("0123456789", keyword.size());
         return behind != std::string_view::npos && text[behind] == ':';
     });
 }

@@ -51,6 +51,17 @@ FUSE = """
  */
 ViStatus _VI_FUNC KVX2800T_QueryFuse(ViSession vi, ViConstString channelName, ViReal64 limit, const ViReal64 times[],
                                      ViInt32* event);
+
+/**
+ * @brief Tells whether fuses have blown.
+ *
+ * @param vi     the session.
+ * @param blown  whether to look at those that have.
+ * @param limit  receives amperes.
+ * @param event  receives whether there is one.
+ * @return 0, or a common status code.
+ */
+ViStatus _VI_FUNC KVX2800T_QueryFuses(ViSession vi, ViBoolean blown, ViReal64* limit, ViBoolean* event);
 """
 
 
@@ -101,10 +112,10 @@ class OfTheHeaders(unittest.TestCase):
         self.assertEqual(169, len(self.functions))
         names = [name.replace("KVX2800T_", "", 1) for name in self.functions]
         self.assertEqual(names, re.findall(r'^    "(\w+)": \[', self.outputs["_interface.py"], re.M))
-        self.assertEqual(names, re.findall(r" extern int (\w+)\(", self.outputs["Interface.cs"]))
+        self.assertEqual(names, re.findall(r" delegate int (\w+)Function\(", self.outputs["Interface.cs"]))
         self.assertEqual(self.functions, re.findall(r"long __stdcall (\w+)\(", self.outputs["KVX2800T.idl"]))
         self.assertEqual(self.functions, re.findall(r'entry\("(\w+)"\)', self.outputs["KVX2800T.idl"]))
-        self.assertEqual(self.functions, re.findall(r'EntryPoint = "(\w+)"', self.outputs["Interface.cs"]))
+        self.assertEqual(self.functions, re.findall(r'\)find\("(\w+)"', self.outputs["Interface.cs"]))
 
     def test_every_function_is_in_the_help(self):
         pages = pages_of(pathlib.Path(os.environ["MANUAL"]))
@@ -137,6 +148,8 @@ class OfTheHeaders(unittest.TestCase):
             short = name.split("_", 1)[1].replace("IVI_ATTR_", "ATTRIBUTE_")
             self.assertRegex(self.outputs["_interface.py"], rf"(?m)^{short} = {code}  # \w")
             self.assertIn(f"unchecked((int){code})", self.outputs["Interface.cs"])
+            case = f"case StatusCode.{short.title().replace('_', '')}: "
+            self.assertEqual(short.startswith("ERROR_"), case in self.outputs["Interface.cs"], name)
             self.assertRegex(self.outputs["KVX2800T.idl"], rf"{name} = -?\d+")
             self.assertEqual(short.startswith("ERROR_"), f"    {short}: " in self.outputs["_interface.py"], name)
 
@@ -220,9 +233,16 @@ class OfAnAddition(unittest.TestCase):
     def test_csharp_has_it(self):
         self.expect_in(
             "Interface.cs",
-            '[DllImport(Library, EntryPoint = "KVX2800T_QueryFuse", ExactSpelling = true)]\n'
-            "        internal static extern int QueryFuse("
-            "uint vi, byte[] channelName, double limit, double[] times, out int @event);",
+            "internal delegate int QueryFuseFunction("
+            "SessionHandle vi, byte[] channelName, double limit, double[] times, out int @event);",
+            'QueryFuse = (QueryFuseFunction)find("KVX2800T_QueryFuse", typeof(QueryFuseFunction));',
+            "internal delegate int QueryFusesFunction(SessionHandle vi, ushort blown, out double limit, out ushort @event);",
+            "internal (double, bool) QueryFuses(bool blown)\n        {\n"
+            '            Check("QueryFuses", functions.QueryFuses(handle, Switch(blown), out double limit, out ushort @event));\n'
+            "            return (limit, @event != 0);",
+            'public sealed class FuseBlownException : DriverException',
+            "case StatusCode.ErrorFuseBlown: return new FuseBlownException(text, function);",
+            '[assembly: AssemblyVersion("1.2.3")]',
             "FuseMode = 1150001,",
             "public enum FuseMode",
             "SwitchesOff = 1,",
