@@ -174,7 +174,7 @@ Transfer UsbtmcDevice::controlIn(const visa::ControlRequest& request, std::span<
         return static_cast<std::uint8_t>(name.request) == request.request;
     });
     if (known == kRequests.end()) {
-        violations.push_back("unknown request");
+        violations.emplace_back("unknown request");
         return {TransferOutcome::Stalled};
     }
     const bool isBulkOut =
@@ -229,7 +229,7 @@ void UsbtmcDevice::take(std::span<const ViByte> message)
         log.push_back("trigger " + number);
         return;
     default:
-        violations.push_back("unknown message");
+        violations.emplace_back("unknown message");
     }
 }
 

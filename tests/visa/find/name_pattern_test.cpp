@@ -93,12 +93,12 @@ TEST(VisaNamePattern, AlternativesTakeAllThatIsInFrontAndBehind)
 TEST(VisaNamePattern, BackslashesAndListsMakeCharactersOrdinary)
 {
     check({
-        {"\\?\\*\\\\\\[\\(", {"?*\\[("}, {"a*\\[("}},
+        {R"(\?\*\\\[\()", {"?*\\[("}, {"a*\\[("}},
         {"TCPIP0::\\[fe80::1]::?*", {"TCPIP0::[fe80::1]::inst0::INSTR"}, {"TCPIP0::fe80::1::inst0::INSTR"}},
         {"[?*+|()]", {"?", "*", "|", ")"}, {"a", ""}},
         {"[a-]", {"a", "-"}, {"b"}},
         {"[-a]", {"a", "-"}, {"b"}},
-        {"[\\]\\-\\\\]", {"]", "-", "\\"}, {"a"}},
+        {R"([\]\-\\])", {"]", "-", "\\"}, {"a"}},
         {"[a^]", {"a", "^"}, {"b"}},
         {"[0-24-6]+", {"012", "456"}, {"3", "7"}},
     });
@@ -130,7 +130,7 @@ TEST(VisaNamePattern, LongExpressionsTakeNoExcessiveTime)
 {
     std::string nested;
     for (int i = 0; i < 200; ++i)
-        nested = '(' + nested + "a*)*";
+        nested.insert(0, 1, '(').append("a*)*");
     EXPECT_TRUE(fitsPattern(nested, std::string(240, 'a')));
     EXPECT_FALSE(fitsPattern(nested, std::string(239, 'a') + 'b'));
     std::string sequence;

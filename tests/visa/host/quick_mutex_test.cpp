@@ -26,8 +26,10 @@ TEST(QuickMutexTest, KeepsThreadsApartAndWakesThoseThatWait)
 {
     QuickMutex mutex;
     long counter = 0;
+    constexpr int kThreads = 4;
     std::vector<std::thread> threads;
-    for (int thread = 0; thread < 4; ++thread)
+    threads.reserve(kThreads);
+    for (int thread = 0; thread < kThreads; ++thread)
         threads.emplace_back([&] {
             for (int round = 0; round < 20000; ++round) {
                 const std::lock_guard guard(mutex);

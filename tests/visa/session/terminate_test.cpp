@@ -60,7 +60,7 @@ TEST_F(VisaSocket, TerminateEndsTheWaitForALockAndNotTheLock)
 {
     const ViSession holder = open(peer_.resource());
     ASSERT_EQ(viLock(holder, VI_EXCLUSIVE_LOCK, kLongMs, nullptr, nullptr), VI_SUCCESS);
-    for (const ViAccessMode kind : {VI_EXCLUSIVE_LOCK, VI_SHARED_LOCK}) {
+    for (const ViAccessMode kind : {ViAccessMode{VI_EXCLUSIVE_LOCK}, ViAccessMode{VI_SHARED_LOCK}}) {
         std::array<ViChar, 256> key{};
         const auto status =
             statusOnTerminate(session_, [&] { return viLock(session_, kind, kLongMs, nullptr, key.data()); });

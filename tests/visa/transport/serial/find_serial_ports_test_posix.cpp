@@ -34,9 +34,10 @@ protected:
         std::ofstream(places_.facts + '/' + name + "/type") << type << '\n';
     }
 
-    std::vector<std::string> names(std::vector<std::string> environment = {})
+    std::vector<std::string> names(const std::vector<std::string>& environment = {})
     {
         std::vector<const char*> entries;
+        entries.reserve(environment.size() + 1);
         for (const std::string& entry : environment)
             entries.push_back(entry.c_str());
         entries.push_back(nullptr);

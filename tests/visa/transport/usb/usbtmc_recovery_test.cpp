@@ -302,6 +302,7 @@ TEST_F(UsbtmcRecovery, InterruptEndsAllThatWaitsForGood)
     device_.waits = true;
     std::vector<UsbRead> results(3);
     std::vector<std::thread> readers;
+    readers.reserve(results.size());
     for (UsbRead& result : results)
         readers.emplace_back([&] { result = read(); });
     std::this_thread::sleep_for(std::chrono::milliseconds(30));
@@ -343,7 +344,7 @@ protected:
         device_.failsAt = failsAt;
         device_.failure = failure;
         device_.failsFromThenOn = fromThenOn;
-        const auto statuses = all();
+        auto statuses = all();
         device_.failsAt.reset();
         return statuses;
     }

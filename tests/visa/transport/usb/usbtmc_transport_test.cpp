@@ -258,9 +258,9 @@ TEST_F(UsbtmcTransport, EveryRemoteModeHasItsRequests)
         {"RenControl 1", "LocalLockout 0"},
         {"GoToLocal 0"},
     };
-    for (ViUInt16 mode = 0; mode < expected.size(); ++mode) {
+    for (std::size_t mode = 0; mode < expected.size(); ++mode) {
         device_.log.clear();
-        EXPECT_EQ(controlRemote(mode), VI_SUCCESS) << mode;
+        EXPECT_EQ(controlRemote(static_cast<ViUInt16>(mode)), VI_SUCCESS) << mode;
         EXPECT_EQ(device_.log, expected[mode]) << mode;
     }
     EXPECT_EQ(controlRemote(7), VI_ERROR_INV_MODE);
