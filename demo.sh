@@ -26,4 +26,6 @@ done
 say "kvx2800t-virtual listens on 127.0.0.1:$port"
 
 step "Running examples/first_session.c"
-build/release/bin/first_session "TCPIP0::127.0.0.1::$port::SOCKET"
+resource=TCPIP0::127.0.0.1::$port::SOCKET
+say "opening $resource"
+build/release/bin/first_session "$resource"

@@ -1,12 +1,13 @@
 #!/bin/sh
 # Tests the project: installs what is missing, builds, and runs all native tests with ctest.
 #   ./test.sh         the release build
-#   ./test.sh --all   also the format, the manual, clang-tidy, the tests under AddressSanitizer with
+#   ./test.sh --all   also the format, the manual, the Debian packages, clang-tidy, the tests under AddressSanitizer with
 #                     UndefinedBehaviorSanitizer and under ThreadSanitizer, a short run of the fuzzers, and the builds for
 #                     Windows with their tests under Wine
 #   ./test.sh --long  what takes too long for every change: clang-tidy over the tests, its analyzer over all sources, the
 #                     driver built on a vendor's components and broken one line at a time (tests/mutants), all of the
-#                     attacks of tests/torture, the builds for ARM with their tests under QEMU, a long run of the fuzzers
+#                     attacks of tests/torture, the builds for ARM with their tests under QEMU, a long run of the fuzzers,
+#                     the Debian packages in a fresh Debian
 set -eu
 cd "$(dirname "$0")"
 . ./cmake/scripts.sh
@@ -81,18 +82,18 @@ check_format() {
 }
 
 # Where clang's analyzer follows every path in --all; in --long it does so everywhere.
-driver='^\(api\|runtime\|instrument\|simulator\|io\|base\|binding\)/'
+driver='^(api|runtime|instrument|simulator|io|base|binding)/'
+others='^(visa|platform|tools|virtual_instrument|examples)/'
 
-# check_tidy CHECKS [-v] FILES: checks beside those of .clang-tidy, a pattern for grep. The other builds compile several
-# sources as one; the commands for each come from one of which only generated headers are built.
+# check_tidy CHECKS SOURCES: checks beside those of .clang-tidy, a pattern of cmake/translation_units.py. Several sources
+# are read as one, which takes a quarter of the time; the build they are taken from builds only generated headers.
 check_tidy() {
     step "Checking with clang-tidy"
-    checks=$1
-    shift
     cmake --preset tidy >/dev/null
     cmake --build build/tidy --target generated_headers >/dev/null
-    sources | grep '\.cpp$' | grep -v -e '^fuzz/' -e '^benchmarks/' -e windows -e mingw | grep "$@" |
-        xargs -P "$(nproc)" -n 4 clang-tidy --quiet --checks="$checks" --extra-arg=-Wno-unknown-warning-option -p build/tidy 2>/dev/null
+    /usr/bin/python3 -B cmake/translation_units.py build/tidy "$2" |
+        xargs -P "$(nproc)" -n 1 clang-tidy --quiet --checks="-bugprone-suspicious-include$1" \
+            --extra-arg=-Wno-unknown-warning-option -p build/tidy 2>/dev/null
 }
 
 check_manual() {
@@ -111,6 +112,20 @@ fuzz() {
 try_faults() {
     step "Breaking the driver line by line"
     tests/mutants/run.sh
+}
+
+# test_packages: the Debian packages and `cmake --install`, used without being installed on this machine
+test_packages() {
+    step "Packaging for Debian"
+    packaging/debian/package.sh
+    step "Using what is installed"
+    /usr/bin/python3 -B tests/packaging/installed_test.py build/release build/debian
+}
+
+# try_packages: each of them installed, used and purged in a fresh Debian
+try_packages() {
+    step "Installing in a fresh Debian"
+    packaging/debian/try_packages.sh
 }
 
 test_windows() {
@@ -138,21 +153,24 @@ case "${1-}" in
     run_tests release
     ;;
 --all)
-    install_packages build test check
+    install_packages build test package check
     check_format
     run_tests release
     check_manual
+    test_packages
     check_tidy '' "$driver"
-    check_tidy '-clang-analyzer-*' -v -e '^tests/' -e "$driver"
+    check_tidy ',-clang-analyzer-*' "$others"
     run_tests asan-ubsan
     run_tests tsan
     fuzz 50000 20
     test_windows
     ;;
 --long)
-    install_packages build test check arm
+    install_packages build test package check arm root
     build release
-    check_tidy '' -v "$driver"
+    test_packages
+    try_packages
+    check_tidy '' '^(visa|platform|tools|virtual_instrument|examples|tests)/'
     test_vendor_platform
     try_faults
     torture

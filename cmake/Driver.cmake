@@ -69,7 +69,9 @@ list(TRANSFORM KVX_LAYERS REPLACE "(.+)" "$<TARGET_OBJECTS:\\1>" OUTPUT_VARIABLE
 # What a host needs beyond these sources, and how its libraries are linked.
 add_library(KVX2800T SHARED ${driver_objects})
 target_link_libraries(KVX2800T PRIVATE kvx_options)
-kvx_export_only(KVX2800T ${PROJECT_SOURCE_DIR}/api/exports.txt)
+# The functions' version in ELF changes with the library's major version.
+set(KVX_DRIVER_NODE KVX2800T_1)
+kvx_export_only(KVX2800T ${PROJECT_SOURCE_DIR}/api/exports.txt ${KVX_DRIVER_NODE})
 include(host/driver_${KVX_HOST})
 target_include_directories(KVX2800T INTERFACE ${PROJECT_SOURCE_DIR}/api)
 target_link_libraries(KVX2800T INTERFACE platform_headers)

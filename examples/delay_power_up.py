@@ -1,6 +1,6 @@
 """Powers rails up one after the other, by delay programs that the instrument runs by itself.
 
-    python3 delay_power_up.py RESOURCE --rail 4=1.8 --rail 3=3.3 --gap 0.5
+    python3 delay_power_up.py RESOURCE --rail CH4=1.8 --rail CH3=3.3 --gap 0.5
 
 Each rail is a channel and its volts. They come up in this order and stay on; when one of them does not hold its voltage,
 all are switched off.
@@ -10,7 +10,7 @@ import argparse
 import sys
 import time
 
-from kvx2800t import CurrentLimitBehavior, DelayEnd, DelayState, Error, Regulation, Session
+from kvx2800t import CurrentLimitBehavior, DelayEnd, DelayState, Error, Regulation, Supply
 
 ON_SECONDS = 0.1  # of the last group, behind which the end state leaves the output on
 GRACE_SECONDS = 5.0
@@ -21,9 +21,9 @@ class Failure(Exception):
 
 
 def rail(text):
-    """A channel's number and its volts."""
+    """A channel's name and its volts."""
     channel, volts = text.split("=")
-    return int(channel), float(volts)
+    return channel, float(volts)
 
 
 def load(channel, volts, amperes, start):
@@ -58,10 +58,10 @@ def verify(channel):
 
 def power_up(supply, rails, amperes, gap):
     """Loads all programs, starts them by one call, and looks at the outputs."""
-    channels = [supply.channel(number) for number, _ in rails]
+    channels = [supply.channels[name] for name, _ in rails]
     for order, (channel, (_, volts)) in enumerate(zip(channels, rails)):
         load(channel, volts, amperes, order * gap)
-    supply.channel(",".join(channel.name for channel in channels)).delay.start()
+    supply.channels[tuple(name for name, _ in rails)].delay.start()
     wait_for_the_end(channels, len(rails) * gap)
     for channel in channels:
         verify(channel)
@@ -72,14 +72,14 @@ def main():
     """Returns the exit code."""
     parser = argparse.ArgumentParser(description="Powers rails up one after the other.")
     parser.add_argument("resource", help="VISA resource descriptor or logical name")
-    parser.add_argument("--rail", type=rail, action="append", metavar="CHANNEL=VOLTS", help="default: 4=1.8 and 3=3.3")
+    parser.add_argument("--rail", type=rail, action="append", metavar="CHANNEL=VOLTS", help="default: OutputChannel4=1.8 and OutputChannel3=3.3")
     parser.add_argument("--amperes", type=float, default=0.5, help="what a rail may take; default: 0.5")
     parser.add_argument("--gap", type=float, default=0.5, metavar="SECONDS", help="from rail to rail; default: 0.5")
     arguments = parser.parse_args()
     try:
-        with Session(arguments.resource, reset=True, query_instrument_status=True) as supply:
+        with Supply(arguments.resource, reset=True, query_instrument_status=True) as supply:
             try:
-                power_up(supply, arguments.rail or [(4, 1.8), (3, 3.3)], arguments.amperes, arguments.gap)
+                power_up(supply, arguments.rail or [("OutputChannel4", 1.8), ("OutputChannel3", 3.3)], arguments.amperes, arguments.gap)
             except BaseException:
                 supply.disable()
                 raise

@@ -11,7 +11,7 @@ import csv
 import sys
 import time
 
-from kvx2800t import CurrentLimitBehavior, Error, Session
+from kvx2800t import CurrentLimitBehavior, Error, Supply
 
 
 class Failure(Exception):
@@ -20,7 +20,7 @@ class Failure(Exception):
 
 def switch_on(supply, channels, volts, amperes):
     """Sets all channels and switches them on together."""
-    rails = supply.channel(",".join(channels))
+    rails = supply.channels[tuple(channels)]
     rails.voltage_level = volts
     rails.configure_current_limit(CurrentLimitBehavior.TRIP, amperes)
     rails.output_enabled = True
@@ -30,7 +30,7 @@ def switch_on(supply, channels, volts, amperes):
 def check(supply, channels):
     """Fails when a protection has switched an output off."""
     for name in channels:
-        tripped = supply.channel(name).protection.state
+        tripped = supply.channels[name].protection.state
         if tripped:
             raise Failure(f"{name} has tripped: over-{'voltage' if tripped.over_voltage else 'current'}")
 
@@ -68,7 +68,7 @@ def main():
     channels = arguments.channels.split(",")
     try:
         with open(arguments.csv, "w", encoding="utf-8", newline="") as file:
-            with Session(arguments.resource, reset=True, query_instrument_status=True) as supply:
+            with Supply(arguments.resource, reset=True, query_instrument_status=True) as supply:
                 try:
                     switch_on(supply, channels, arguments.volts, arguments.amperes)
                     log(supply, channels, arguments.interval, arguments.samples, file)

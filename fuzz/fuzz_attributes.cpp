@@ -3,12 +3,12 @@
 //
 // The bytes: accessor, attribute (one of the known ones, or four bytes of any), buffer size or value (eight bytes), and
 // the selector.
+#include "fuzz/input.h"
 #include "tests/support/driver/api_fixture.h"
 #include "tests/support/driver/attribute_rows.h"
 #include "tests/support/driver/scripted_clock.h"
 
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
 #include <string>
 #include <vector>
@@ -17,12 +17,7 @@ namespace
 {
 
 using namespace kvxtest;
-
-void expect(bool condition)
-{
-    if (!condition)
-        std::abort();
-}
+using kvxfuzz::require;
 
 /// Takes values off the front of the bytes; zero where there are none left.
 class Bytes
@@ -61,7 +56,7 @@ ViStatus getText(ViSession vi, const char* selector, ViAttr id, ViInt32 size)
     const ViInt32 shown = std::min(size, kLargest);
     std::vector<ViChar> buffer(static_cast<std::size_t>(shown < 0 ? 4096 : shown));
     const ViStatus status = KVX2800T_GetAttributeViString(vi, selector, id, shown, buffer.data());
-    expect(status != VI_SUCCESS || std::memchr(buffer.data(), '\0', buffer.size()) != nullptr);
+    require(status != VI_SUCCESS || std::memchr(buffer.data(), '\0', buffer.size()) != nullptr);
     return status;
 }
 
@@ -106,7 +101,7 @@ ViSession openSession()
         answer(source + ":CURR?", "0.5");
     }
     ViSession vi = VI_NULL;
-    expect(init("DriverSetup=SafeErrors:1,Model:KVX2833T", &vi) == VI_SUCCESS);
+    require(init("DriverSetup=SafeErrors:1,Model:KVX2833T", &vi) == VI_SUCCESS);
     return vi;
 }
 
@@ -122,8 +117,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     Bytes value = bytes;
     const std::string selector = (bytes.take<std::uint64_t>(), bytes.rest());
     const ViStatus status = access(vi, accessor, selector.c_str(), id, value);
-    expect(lockDepth(vi) == 0);
-    expect(status >= 0 || errorOf(vi).code == status);
-    expect(KVX2800T_close(vi) == VI_SUCCESS);
+    require(lockDepth(vi) == 0);
+    require(status >= 0 || errorOf(vi).code == status);
+    require(KVX2800T_close(vi) == VI_SUCCESS);
     return 0;
 }

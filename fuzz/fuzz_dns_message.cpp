@@ -1,19 +1,15 @@
 // Any bytes as an answer of multicast DNS: what is read of it is bounded, and what it announces are resource names that
 // VISA understands.
+#include "fuzz/input.h"
 #include "visa/discovery/announced_services.h"
 #include "visa/resource/resource_name.h"
 
 #include <cstdint>
-#include <cstdlib>
 
 namespace
 {
 
-void require(bool holds)
-{
-    if (!holds)
-        std::abort();
-}
+using kvxfuzz::require;
 
 } // namespace
 

@@ -1,12 +1,12 @@
 // Any bytes as the replies to any exported function of a session with SafeErrors: a status comes back, the lock is
 // given back, and a failure is on record. The first byte picks the function, the second the session; the rest are the
 // replies, each up to its line feed.
+#include "fuzz/input.h"
 #include "tests/support/driver/exported_calls.h"
 #include "tests/support/driver/instrument_calls.h"
 #include "tests/support/driver/scripted_clock.h"
 
 #include <cstdint>
-#include <cstdlib>
 #include <functional>
 #include <string>
 #include <string_view>
@@ -16,12 +16,7 @@ namespace
 {
 
 using namespace kvxtest;
-
-void expect(bool condition)
-{
-    if (!condition)
-        std::abort();
-}
+using kvxfuzz::require;
 
 using Call = std::function<ViStatus(ViSession vi)>;
 
@@ -52,7 +47,7 @@ ViSession openSession(const char* options)
     answer("*IDN?", "Tessaro Instruments,KVX2833T,SN1,V2.34");
     answer("*ESR?", "0");
     ViSession vi = VI_NULL;
-    expect(init(options, &vi) == VI_SUCCESS);
+    require(init(options, &vi) == VI_SUCCESS);
     return vi;
 }
 
@@ -77,9 +72,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const ViSession vi = openSession(kOptions[data[1] % kOptions.size()]);
     queueReplies({reinterpret_cast<const char*>(data) + kChoices, size - kChoices});
     const ViStatus status = everyCall()[data[0] % everyCall().size()](vi);
-    expect(lockDepth(vi) == 0);
-    expect(status >= 0 || errorOf(vi).code == status);
-    expect(KVX2800T_close(vi) == VI_SUCCESS);
-    expect(openVisaSessions() == 0 && openIviSessions() == 0);
+    require(lockDepth(vi) == 0);
+    require(status >= 0 || errorOf(vi).code == status);
+    require(KVX2800T_close(vi) == VI_SUCCESS);
+    require(openVisaSessions() == 0 && openIviSessions() == 0);
     return 0;
 }

@@ -1,21 +1,17 @@
 // An expression and, behind a line feed, a name: the expression is refused, or its pattern fits the name where the
 // plain reader says so, and its condition can be asked. Short ones only, since the plain reader is slow.
+#include "fuzz/input.h"
 #include "tests/support/visa/reference_name_pattern.h"
 #include "visa/find/find_expression.h"
 
 #include <cstdint>
-#include <cstdlib>
 
 namespace
 {
 
 constexpr std::size_t kLongestCompared = 64;
 
-void require(bool holds)
-{
-    if (!holds)
-        std::abort();
-}
+using kvxfuzz::require;
 
 void compare(const std::string& expression, const std::string& name)
 {

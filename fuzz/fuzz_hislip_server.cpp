@@ -1,12 +1,12 @@
 // Any bytes to the HiSLIP server of the virtual instrument, over real connections of the loopback interface: it sends
 // nothing but messages of HiSLIP, ends what is out of step, and serves another client afterwards. The input is cut into
 // actions: a byte picks a channel and how the message is made, and the next ones are what it holds.
+#include "fuzz/input.h"
 #include "virtual_instrument/transport/server.h"
 
 #include <array>
 #include <asio.hpp>
 #include <cstdint>
-#include <cstdlib>
 #include <optional>
 #include <string>
 
@@ -15,34 +15,8 @@ namespace
 
 using namespace kvxvirtual;
 using asio::ip::tcp;
-
-void expect(bool condition)
-{
-    if (!condition)
-        std::abort();
-}
-
-/// Bytes of the input, zeros behind its end.
-class Input
-{
-public:
-    Input(const std::uint8_t* data, std::size_t size) : data_(data), size_(size) {}
-
-    bool empty() const { return at_ >= size_; }
-    std::uint8_t byte() { return empty() ? 0 : data_[at_++]; }
-    std::string bytes(std::size_t count)
-    {
-        std::string text;
-        while (count-- > 0 && !empty())
-            text += static_cast<char>(byte());
-        return text;
-    }
-
-private:
-    const std::uint8_t* data_;
-    std::size_t size_;
-    std::size_t at_ = 0;
-};
+using kvxfuzz::Input;
+using kvxfuzz::require;
 
 /// One connection of a client.
 struct Connected
@@ -78,9 +52,9 @@ struct Connected
         hislip::HeaderBytes bytes{};
         std::copy_n(received.begin(), bytes.size(), bytes.begin());
         const auto header = hislip::parseHeader(bytes);
-        expect(header.has_value());
-        expect(header->length <= hislip::kLongestData);
-        expect(hislip::nameOf(header->type) != "VendorSpecific");
+        require(header.has_value());
+        require(header->length <= hislip::kLongestData);
+        require(hislip::nameOf(header->type) != "VendorSpecific");
         const auto size = hislip::kHeaderSize + static_cast<std::size_t>(header->length);
         return received.size() < size ? std::nullopt : std::optional(size);
     }
@@ -111,10 +85,10 @@ public:
 
     void act(Input& input)
     {
-        const auto how = input.byte();
+        const auto how = input.number();
         auto& channel = (how & 1U) != 0 ? one_ : other_;
         if ((how & 0xF0U) == 0xF0U)
-            channel.send(input.bytes(how & 0x0EU));
+            channel.send(input.take<std::string>(how & 0x0EU));
         else
             channel.send(message(how, input));
         work();
@@ -126,20 +100,20 @@ public:
         good.send(hislip::encode({hislip::Type::Initialize, 0, 0x01000000}));
         work();
         good.receive();
-        expect(good.received.empty());
+        require(good.received.empty());
     }
 
 private:
     static std::string message(std::uint8_t how, Input& input)
     {
         hislip::Header header;
-        header.type = static_cast<hislip::Type>(input.byte());
-        header.control = (how & 2U) != 0 ? input.byte() : 0;
-        header.parameter = (how & 4U) != 0 ? input.byte() : 0xFFFFFF00U + input.byte();
-        auto bytes = hislip::encode(header, input.bytes(input.byte() % 64U));
+        header.type = static_cast<hislip::Type>(input.number());
+        header.control = (how & 2U) != 0 ? input.number() : 0;
+        header.parameter = (how & 4U) != 0 ? input.number() : 0xFFFFFF00U + input.number();
+        auto bytes = hislip::encode(header, input.take<std::string>(input.number() % 64U));
         // A length that lies.
         if ((how & 8U) != 0)
-            bytes[8U + input.byte() % 8U] = static_cast<char>(input.byte());
+            bytes[8U + input.number() % 8U] = static_cast<char>(input.number());
         return bytes;
     }
 
@@ -164,7 +138,7 @@ private:
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     Bench bench;
-    for (Input input(data, size); !input.empty();)
+    for (Input input({data, size}); !input.isOver();)
         bench.act(input);
     bench.expectService();
     return 0;

@@ -1,11 +1,11 @@
 // Any bytes as the reply to an operation that asks, which the first byte picks: it succeeds, tells of an unexpected
 // response, or leaves with one of the documented exceptions; and what could not be read leaves its output unchanged.
+#include "fuzz/input.h"
 #include "instrument/kvx2800t.h"
 #include "tests/support/driver/operation_table.h"
 #include "tests/support/driver/scripted_connection.h"
 
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
 #include <initializer_list>
 #include <memory>
@@ -16,14 +16,9 @@
 namespace
 {
 
+using kvxfuzz::require;
 using kvxtest::Operation;
 using kvxtest::Values;
-
-void expect(bool condition)
-{
-    if (!condition)
-        std::abort();
-}
 
 bool isOneOf(const char* text, std::initializer_list<const char*> texts)
 {
@@ -38,11 +33,11 @@ ViStatus runDocumented(const Operation& query, TSRO::InstBase& instrument, Value
     try {
         return query.run(instrument, outputs);
     } catch (const std::invalid_argument& thrown) {
-        expect(isOneOf(thrown.what(), {"invalid stod argument", "invalid stoi argument", "invalid stol argument"}) ||
-               std::string_view(thrown.what()).starts_with("Visa::parseBool Unknown ret:"));
+        require(isOneOf(thrown.what(), {"invalid stod argument", "invalid stoi argument", "invalid stol argument"}) ||
+                std::string_view(thrown.what()).starts_with("Visa::parseBool Unknown ret:"));
     } catch (const std::out_of_range& thrown) {
-        expect(isOneOf(thrown.what(), {"stod argument out of range", "stoi argument out of range",
-                                       "stol argument out of range", "invalid vector subscript"}));
+        require(isOneOf(thrown.what(), {"stod argument out of range", "stoi argument out of range",
+                                        "stol argument out of range", "invalid vector subscript"}));
     }
     return base::kErrorUnexpectedResponse;
 }
@@ -61,8 +56,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     connection->answer(reply);
     Values outputs;
     const ViStatus status = runDocumented(query, instrument, outputs);
-    expect(status == VI_SUCCESS || status == base::kErrorUnexpectedResponse);
+    require(status == VI_SUCCESS || status == base::kErrorUnexpectedResponse);
     // Of several outputs those before the one that could not be read are stored.
-    expect(status == VI_SUCCESS || outputs.back() == query.before.back());
+    require(status == VI_SUCCESS || outputs.back() == query.before.back());
     return 0;
 }

@@ -1,27 +1,22 @@
 // Any text as a VISA resource string: it is refused, or understood, and then the name that VISA tells of it is
 // understood as the same resource. Nothing is opened.
+#include "fuzz/input.h"
 #include "visa/resource/resource_name.h"
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <string_view>
 
 namespace
 {
 
+using kvxfuzz::require;
 using visa::ResourceName;
 
 bool isSame(const ResourceName& name, const ResourceName& other)
 {
     return name.kind == other.kind && name.board == other.board && name.address == other.address &&
            name.port == other.port && name.wantsSecure == other.wantsSecure && name.canonical == other.canonical;
-}
-
-void require(bool holds)
-{
-    if (!holds)
-        std::abort();
 }
 
 } // namespace

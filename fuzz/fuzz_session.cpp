@@ -1,6 +1,7 @@
 // A whole session over a real connection, with the platform's libraries: any exported functions in any order, and any
 // bytes in any portions from the instrument. The first byte picks the options, the second how many calls there are,
 // then comes a byte for each of them; the rest is what the instrument sends to whoever connects.
+#include "fuzz/input.h"
 #include "tests/support/driver/exported_calls.h"
 #include "tests/support/driver/instrument_calls.h"
 #include "tests/support/driver/scripted_clock.h"
@@ -14,7 +15,6 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <cstdlib>
 #include <fstream>
 #include <functional>
 #include <mutex>
@@ -28,12 +28,7 @@ namespace
 {
 
 using namespace kvxtest;
-
-void expect(bool condition)
-{
-    if (!condition)
-        std::abort();
-}
+using kvxfuzz::require;
 
 /// Sends the same to each that connects, and reads what comes until it ends.
 class Instrument
@@ -45,8 +40,8 @@ public:
         address_.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
         socklen_t size = sizeof address_;
         auto* const name = reinterpret_cast<sockaddr*>(&address_);
-        expect(::bind(listening_, name, size) == 0 && ::listen(listening_, 8) == 0);
-        expect(::getsockname(listening_, name, &size) == 0);
+        require(::bind(listening_, name, size) == 0 && ::listen(listening_, 8) == 0);
+        require(::getsockname(listening_, name, &size) == 0);
         std::thread([this] { serve(); }).detach();
     }
 
@@ -66,7 +61,7 @@ private:
     {
         for (;;) {
             const int connection = ::accept4(listening_, nullptr, nullptr, SOCK_CLOEXEC);
-            expect(connection >= 0);
+            require(connection >= 0);
             std::string bytes;
             {
                 const std::lock_guard guard(mutex_);
@@ -189,7 +184,7 @@ void check(const Call& call, ViSession vi, bool isSafe)
         KVX2800T_ClearError(vi);
         status = call.run(vi);
     } catch (const std::logic_error&) {
-        expect(call.mayThrow && !isSafe);
+        require(call.mayThrow && !isSafe);
         KVX2800T_UnlockSession(vi, nullptr);
         return;
     }
@@ -197,8 +192,8 @@ void check(const Call& call, ViSession vi, bool isSafe)
         return;
     ViStatus code = VI_SUCCESS;
     std::array<ViChar, 256> text{};
-    expect(KVX2800T_GetError(vi, &code, text.size(), text.data()) >= 0);
-    expect(code == status);
+    require(KVX2800T_GetError(vi, &code, text.size(), text.data()) >= 0);
+    require(code == status);
 }
 
 } // namespace
@@ -223,12 +218,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     try {
         KVX2800T_InitWithOptions((choice < kFirstByName ? resource : name).data(), VI_TRUE, VI_FALSE, options, &vi);
     } catch (const std::logic_error&) {
-        expect(!isSafe);
+        require(!isSafe);
     }
     if (vi == VI_NULL)
         return 0;
     for (std::size_t i = 0; i < calls; ++i)
         check(everyCall()[data[2 + i] % everyCall().size()], vi, isSafe);
-    expect(KVX2800T_close(vi) == VI_SUCCESS);
+    require(KVX2800T_close(vi) == VI_SUCCESS);
     return 0;
 }

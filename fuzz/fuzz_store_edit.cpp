@@ -1,7 +1,8 @@
 // Any row of edits of a store: each is made as a whole or refused, what is written is a store for the configuration
-// server too and has no fault that it did not have before, and a session that was added and removed again leaves only
-// what sessions share. The first lines of an input are edits, what follows an empty line is the store; without one it
-// is the store of a first installation.
+// server too and breaks the format nowhere that it did not before, and a session that was added and removed again
+// leaves only what sessions share. The first lines of an input are edits, what follows an empty line is the store;
+// without one it is the store of a first installation.
+#include "fuzz/input.h"
 #include "platform/config_server/store_file.h"
 #include "tools/store/argument_texts.h"
 #include "tools/store/store_check.h"
@@ -9,8 +10,8 @@
 #include "tools/store/store_error.h"
 #include "tools/store/store_listing.h"
 
+#include <algorithm>
 #include <cstdint>
-#include <cstdlib>
 #include <optional>
 #include <sstream>
 #include <string>
@@ -22,12 +23,7 @@ namespace
 {
 
 using namespace store_tool;
-
-void expect(bool condition)
-{
-    if (!condition)
-        std::abort();
-}
+using kvxfuzz::require;
 
 /// The words of a line, which tabulators separate.
 std::vector<std::string> wordsOf(const std::string& line)
@@ -108,7 +104,7 @@ bool edit(StoreText& store, const std::vector<std::string>& words)
     }
 }
 
-/// Makes the edits that give the store no fault, as the program does.
+/// Makes the edits that do not break the format, as the program does.
 StoreText edited(StoreText store, std::istream& lines)
 {
     constexpr int kMostEdits = 3;
@@ -120,9 +116,11 @@ StoreText edited(StoreText store, std::istream& lines)
         if (!edit(changed, words))
             continue;
         if (words[0] == "add" || words[0] == "replace")
-            expect(findNamed(changed.root(), "DriverSessions", "IviDriverSession", words[1]) != nullptr);
+            require(findNamed(changed.root(), "DriverSessions", "IviDriverSession", words[1]) != nullptr);
         auto after = check(changed);
-        if (!newFindings(findings, after).empty())
+        const auto brought = newFindings(findings, after);
+        if (std::any_of(brought.begin(), brought.end(),
+                        [](const Finding& finding) { return finding.kind == FindingKind::Format; }))
             continue;
         store = std::move(changed);
         findings = std::move(after);
@@ -150,6 +148,7 @@ std::string spelled(const std::uint8_t* data, std::size_t size)
                                                  "\nlogical\tL",
                                                  "\trTCPIP0::a",
                                                  "\trGPIB::1",
+                                                 "\trTCPIP::[::1]::5025::SOCKET",
                                                  "\taRack",
                                                  "\taOther",
                                                  "\tmKVX2800T",
@@ -157,6 +156,7 @@ std::string spelled(const std::uint8_t* data, std::size_t size)
                                                  "\tlL",
                                                  "\tlRack",
                                                  "\tdModel:x",
+                                                 "\tdProfile:Bench,IoTimeout:x",
                                                  "\tvA=CH1",
                                                  "\tvOutputChannel1=CH2",
                                                  "\tVRail=OutputChannel:1-3@2",
@@ -184,7 +184,7 @@ void tryEdits(const std::string& input, const std::string& text)
         return;
     std::istringstream lines(input.substr(input.starts_with('\n') ? 1 : 0));
     const StoreText after = edited(*before, lines);
-    expect(after.text() == before->text() || config_server::parseStore(after.text()) != nullptr);
+    require(after.text() == before->text() || config_server::parseStore(after.text()) != nullptr);
     listing(after);
 }
 

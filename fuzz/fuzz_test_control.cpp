@@ -1,24 +1,19 @@
 // Any lines to the test control of the virtual instrument, with messages (behind a ">") in between: each line is
 // answered by ok or an error and a line feed, `log` by the lines that it announces, and the instrument works
 // afterwards.
+#include "fuzz/input.h"
 #include "fuzz/spelled_commands.h"
 #include "virtual_instrument/scpi/virtual_instrument.h"
 #include "virtual_instrument/transport/test_control.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <sstream>
 
 namespace
 {
 
 using namespace kvxvirtual;
-
-void expect(bool condition)
-{
-    if (!condition)
-        std::abort();
-}
+using kvxfuzz::require;
 
 constexpr std::array<std::string_view, 32> kCommands{"load CH1 10",
                                                      "load CH3 open",
@@ -68,9 +63,9 @@ std::string spelled(const std::uint8_t* data, std::size_t size)
 
 void expectAnswer(const std::string& answer)
 {
-    expect(answer.starts_with("ok") || answer.starts_with("error "));
-    expect(answer.ends_with('\n'));
-    expect(std::all_of(answer.begin(), answer.end(), [](char c) { return c == '\n' || (c >= ' ' && c <= '~'); }));
+    require(answer.starts_with("ok") || answer.starts_with("error "));
+    require(answer.ends_with('\n'));
+    require(std::all_of(answer.begin(), answer.end(), [](char c) { return c == '\n' || (c >= ' ' && c <= '~'); }));
 }
 
 /// How many lines follow the first.
@@ -92,10 +87,10 @@ void control(const std::string& lines)
         const std::size_t logged = instrument.log().lines().size();
         const std::string answer = control.execute(line);
         expectAnswer(answer);
-        expect(furtherLines(answer) == 0 || furtherLines(answer) == logged);
+        require(furtherLines(answer) == 0 || furtherLines(answer) == logged);
     }
-    expect(control.execute("clear-faults") == "ok\n");
-    expect(instrument.receive("*CLS;*RST;:SYST:ERR?")->bytes == "0,\"No error\"\n");
+    require(control.execute("clear-faults") == "ok\n");
+    require(instrument.receive("*CLS;*RST;:SYST:ERR?")->bytes == "0,\"No error\"\n");
 }
 
 } // namespace

@@ -1,12 +1,13 @@
 // A USBTMC session with a device that answers what the input says, on each of its pipes: outcomes, headers right and
 // wrong, lies about sizes, statuses. Nothing is stored beyond a buffer, no read asks for more than it has room for, and
 // no operation takes more transfers than are bounded.
+#include "fuzz/input.h"
+#include "fuzz/transport_calls.h"
 #include "visa/transport/usb/usbtmc_transport.h"
 
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <memory>
 #include <span>
 #include <string>
@@ -15,39 +16,8 @@
 namespace
 {
 
-void require(bool holds)
-{
-    if (!holds)
-        std::abort();
-}
-
-/// What is left of the input; zeros behind its end.
-class Input
-{
-public:
-    explicit Input(std::span<const std::uint8_t> bytes) : bytes_(bytes) {}
-
-    bool isOver() const { return bytes_.empty(); }
-
-    std::uint8_t number()
-    {
-        if (isOver())
-            return 0;
-        const std::uint8_t first = bytes_.front();
-        bytes_ = bytes_.subspan(1);
-        return first;
-    }
-
-    std::vector<ViByte> take(std::size_t most)
-    {
-        const auto taken = bytes_.first(std::min({std::size_t{number()}, most, bytes_.size()}));
-        bytes_ = bytes_.subspan(taken.size());
-        return {taken.begin(), taken.end()};
-    }
-
-private:
-    std::span<const std::uint8_t> bytes_;
-};
+using kvxfuzz::Input;
+using kvxfuzz::require;
 
 class Device : public visa::UsbInterface
 {
@@ -87,7 +57,7 @@ public:
         const std::uint8_t kind = input_.number() % 4;
         if (kind == 0)
             return filled(space);
-        const auto data = input_.take(asked());
+        const auto data = takeBlock(asked());
         std::vector<ViByte> reply(header_);
         reply.resize(12);
         reply[0] = 2;
@@ -139,7 +109,12 @@ private:
         return {next().outcome, count};
     }
 
-    visa::Transfer filled(std::span<ViByte> space) { return copied(input_.take(space.size()), space); }
+    std::vector<ViByte> takeBlock(std::size_t most)
+    {
+        return input_.take<std::vector<ViByte>>(std::min<std::size_t>(input_.number(), most));
+    }
+
+    visa::Transfer filled(std::span<ViByte> space) { return copied(takeBlock(space.size()), space); }
 
     Input& input_;
     visa::UsbDescription usb_;
@@ -173,9 +148,10 @@ private:
         switch (input.number() % 8) {
         case 0:
         case 1:
-            return read(input.number(), terms);
+            device_->room = input.number();
+            return kvxfuzz::readChecked(*transport_, terms, device_->room);
         case 2:
-            return write(input.number(), terms);
+            return kvxfuzz::writeChecked(*transport_, terms, input.number());
         case 3:
             transport_->trigger(terms);
             return;
@@ -193,29 +169,6 @@ private:
             attributes_.set(VI_ATTR_SUPPRESS_END_EN, input.number() % 2);
             attributes_.set(VI_ATTR_TERMCHAR, input.number());
         }
-    }
-
-    void read(std::size_t size, const visa::Terms& terms)
-    {
-        // Exactly as large, so that a sanitizer sees what goes beyond.
-        std::vector<ViByte> buffer(size);
-        device_->room = size;
-        std::size_t count = 0;
-        const ViStatus status = transport_->read(buffer, terms, count);
-        require(count <= size);
-        if (status == VI_SUCCESS_MAX_CNT)
-            require(count == size);
-        if (status == VI_SUCCESS_TERM_CHAR)
-            require(count > 0 && buffer[count - 1] == attributes_.get(VI_ATTR_TERMCHAR));
-        require(status != VI_SUCCESS || attributes_.get(VI_ATTR_SUPPRESS_END_EN) == VI_FALSE);
-    }
-
-    void write(std::size_t size, const visa::Terms& terms)
-    {
-        const std::vector<ViByte> bytes(size, 'x');
-        std::size_t count = 0;
-        const ViStatus status = transport_->write(bytes, terms, count);
-        require(count <= size && (status < 0 || count == size));
     }
 
     Device* const device_;

@@ -1,6 +1,7 @@
 // Any bytes from a client of the virtual instrument: lines are the same however the bytes arrive, each message has one
 // reply at most, a line of printable characters, and the instrument works afterwards. Each input is tried twice: as it
 // is, and with its bytes from 0x80 on as commands and their parameters.
+#include "fuzz/input.h"
 #include "fuzz/spelled_commands.h"
 #include "virtual_instrument/scpi/line_assembler.h"
 #include "virtual_instrument/scpi/virtual_instrument.h"
@@ -8,18 +9,12 @@
 
 #include <algorithm>
 #include <chrono>
-#include <cstdlib>
 
 namespace
 {
 
 using namespace kvxvirtual;
-
-void expect(bool condition)
-{
-    if (!condition)
-        std::abort();
-}
+using kvxfuzz::require;
 
 /// The lines in bytes that arrive in pieces of this size; an overrun is a line feed, which no line has.
 std::vector<std::string> linesOf(std::string_view bytes, std::size_t piece)
@@ -50,16 +45,16 @@ bool isPrintable(char c)
 
 void expectReply(const std::string& reply)
 {
-    expect(reply.size() > 1 && reply.back() == '\n');
-    expect(std::all_of(reply.begin(), reply.end() - 1, isPrintable));
+    require(reply.size() > 1 && reply.back() == '\n');
+    require(std::all_of(reply.begin(), reply.end() - 1, isPrintable));
 }
 
 void talk(const std::string& bytes)
 {
     VirtualInstrument instrument({}, [] { return InstrumentClock::Duration(0); });
     const auto lines = linesOf(bytes, std::max<std::size_t>(bytes.size(), 1));
-    expect(lines == linesOf(bytes, 1));
-    expect(isHttp(bytes, std::max<std::size_t>(bytes.size(), 1)) == isHttp(bytes, 1));
+    require(lines == linesOf(bytes, 1));
+    require(isHttp(bytes, std::max<std::size_t>(bytes.size(), 1)) == isHttp(bytes, 1));
     for (const std::string& line : lines) {
         if (line == "\n")
             instrument.inputOverrun();
@@ -68,7 +63,7 @@ void talk(const std::string& bytes)
         // Up to a minute, so that programs run.
         instrument.advanceClock(std::chrono::milliseconds(line.size() * line.size() % 60'000));
     }
-    expect(instrument.receive("*CLS;*RST;:SYST:ERR?")->bytes == "0,\"No error\"\n");
+    require(instrument.receive("*CLS;*RST;:SYST:ERR?")->bytes == "0,\"No error\"\n");
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 // A VISA session on a connection that gives what the input says: arrivals, failures, and between them reads, writes,
 // clears and settings. No byte is lost or comes out of turn, except where something discards what has arrived, and no
 // read goes on beyond its end.
+#include "fuzz/input.h"
 #include "tests/support/visa/scripted_stream.h"
 #include "visa/session/instrument_session.h"
 #include "visa/transport/stream_transport.h"
@@ -9,7 +10,6 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <memory>
 #include <span>
 #include <string>
@@ -18,40 +18,8 @@
 namespace
 {
 
-void require(bool holds)
-{
-    if (!holds)
-        std::abort();
-}
-
-/// What is left of the input; zeros behind its end.
-class Input
-{
-public:
-    explicit Input(std::span<const std::uint8_t> bytes) : bytes_(bytes) {}
-
-    bool isOver() const { return bytes_.empty(); }
-
-    std::uint8_t number()
-    {
-        if (isOver())
-            return 0;
-        const std::uint8_t first = bytes_.front();
-        bytes_ = bytes_.subspan(1);
-        return first;
-    }
-
-    std::string text()
-    {
-        const std::size_t wanted = number();
-        const auto taken = bytes_.first(std::min(wanted, bytes_.size()));
-        bytes_ = bytes_.subspan(taken.size());
-        return {taken.begin(), taken.end()};
-    }
-
-private:
-    std::span<const std::uint8_t> bytes_;
-};
+using kvxfuzz::Input;
+using kvxfuzz::require;
 
 /// The session beside a plain account of what it has to give.
 class Session
@@ -172,11 +140,11 @@ void step(Session& session, Input& input)
     constexpr std::size_t kLargeRead = 40000;
     switch (input.number() % 9) {
     case 0:
-        return session.arrive(input.text());
+        return session.arrive(input.take<std::string>(input.number()));
     case 1:
         return session.arrive(std::string(std::size_t{16} * input.number(), 'x'));
     case 2:
-        return session.fail(input.number(), input.text());
+        return session.fail(input.number(), input.take<std::string>(input.number()));
     case 3:
         return session.read(input.number());
     case 4:

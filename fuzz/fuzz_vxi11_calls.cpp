@@ -1,12 +1,12 @@
 // Any bytes as what clients of the virtual instrument's VXI-11 send: records are the same however the bytes arrive,
 // each call is answered at most once, and the instrument works afterwards. Each input is tried twice: as a stream, and
 // as the arguments of calls that its bytes pick.
+#include "fuzz/input.h"
 #include "virtual_instrument/transport/vxi11/core_service.h"
 #include "virtual_instrument/transport/vxi11/portmapper.h"
 
 #include <algorithm>
 #include <cstdint>
-#include <cstdlib>
 #include <string>
 #include <vector>
 
@@ -15,12 +15,7 @@ namespace
 
 using namespace kvxvirtual;
 using namespace kvxvirtual::vxi11;
-
-void require(bool holds)
-{
-    if (!holds)
-        std::abort();
-}
+using kvxfuzz::require;
 
 std::vector<std::string> recordsOf(std::string_view bytes, std::size_t piece)
 {

@@ -1,12 +1,12 @@
 // Any bytes as what a VXI-11 device sends, in reply to any calls: each call ends in a status, with a count that fits,
 // and nothing is kept that would not end. The first bytes say which calls and how the bytes arrive.
+#include "fuzz/input.h"
 #include "tests/support/visa/scripted_stream.h"
 #include "visa/transport/vxi11/vxi11_transport.h"
 
 #include <algorithm>
 #include <array>
 #include <cstdint>
-#include <cstdlib>
 #include <memory>
 #include <string>
 
@@ -14,12 +14,7 @@ namespace
 {
 
 using namespace visa;
-
-void require(bool holds)
-{
-    if (!holds)
-        std::abort();
-}
+using kvxfuzz::require;
 
 /// Gives a device's bytes in pieces, and then nothing any more.
 class Device : public kvxtest::ScriptedStream

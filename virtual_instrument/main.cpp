@@ -7,6 +7,7 @@
 #include "virtual_instrument/transport/output_queue.h"
 #include "virtual_instrument/transport/server.h"
 #include "virtual_instrument/transport/standard_input.h"
+#include "virtual_instrument/transport/vxi11/portmapper.h"
 
 #include <asio.hpp>
 #include <charconv>
@@ -40,7 +41,6 @@ auto startOrExplain(const std::string& what, Start start)
 }
 
 constexpr auto kLoopback = "127.0.0.1";
-constexpr unsigned short kPortmapperPort = 111;
 
 std::string listenText(const std::string& address, unsigned short port)
 {
@@ -67,10 +67,11 @@ void startVxi11(Server& server, const Options& options, OutputQueue& output, Jou
     else if (places.isRegistered)
         output.add("registered with the portmapper of this machine");
     else
-        journal.warn("clients of VXI-11 do not find this instrument without a portmapper: allow the program port 111 "
-                     "(setcap cap_net_bind_service=+ep), or start rpcbind before it");
+        journal.warn("clients of VXI-11 do not find this instrument without a portmapper: allow the program port " +
+                     std::to_string(vxi11::kPortmapperPort) +
+                     " (setcap cap_net_bind_service=+ep), or start rpcbind before it");
     if (!places.portmapper.empty() || places.isRegistered)
-        services.push_back({"_vxi-11._tcp", kPortmapperPort});
+        services.push_back({"_vxi-11._tcp", vxi11::kPortmapperPort});
 }
 
 /// The lines that scripts read to learn where to connect; each leaves as soon as it is true.

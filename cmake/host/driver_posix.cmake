@@ -4,4 +4,4 @@ if(NOT KVX_SANITIZE)
     # clang leaves its sanitizers' functions to the program.
     target_link_options(KVX2800T PRIVATE LINKER:--no-undefined)
 endif()
-set_target_properties(KVX2800T PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION 1 INSTALL_RPATH "$ORIGIN")
+set_target_properties(KVX2800T PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION 1 INSTALL_RPATH "$ORIGIN/kvx2800t")

@@ -12,6 +12,8 @@ else()
 endif()
 set_target_properties(KVX2800T PROPERTIES PREFIX "" OUTPUT_NAME ${file_name})
 
-# The version resource, with the identity that the driver reports.
+# The version resource, with the identity that the driver reports, and the type library, which tools/bindings makes.
+set(KVX_TYPE_LIBRARY ${PROJECT_BINARY_DIR}/bindings/KVX2800T.tlb)
 configure_file(${PROJECT_SOURCE_DIR}/packaging/windows/KVX2800T.rc.in ${PROJECT_BINARY_DIR}/KVX2800T.rc @ONLY)
+set_source_files_properties(${PROJECT_BINARY_DIR}/KVX2800T.rc PROPERTIES OBJECT_DEPENDS ${KVX_TYPE_LIBRARY})
 target_sources(KVX2800T PRIVATE ${PROJECT_BINARY_DIR}/KVX2800T.rc)

@@ -1,13 +1,15 @@
 # Shared libraries on hosts with ELF.
 
-# kvx_export_only(<target> <file>)
+# kvx_export_only(<target> <file> [<version>])
 # The library exports exactly the functions that the file names, one a line; a number behind a name is for other hosts.
+# With a version each has it behind its name: a program is told when it starts, not when it calls, that a library is no
+# longer the one it was linked with.
 function(kvx_export_only target file)
     file(STRINGS ${file} functions)
     list(TRANSFORM functions REPLACE " .*" "")
     list(JOIN functions "; " functions)
     set(script ${CMAKE_CURRENT_BINARY_DIR}/${target}.map)
-    file(CONFIGURE OUTPUT ${script} CONTENT "{ global: @functions@; local: *; };\n" @ONLY)
+    file(CONFIGURE OUTPUT ${script} CONTENT "@ARGN@ { global: @functions@; local: *; };\n" @ONLY)
     set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${file})
     target_link_options(${target} PRIVATE LINKER:--version-script=${script})
     set_property(TARGET ${target} APPEND PROPERTY LINK_DEPENDS ${script})

@@ -6,9 +6,9 @@ else()
     set(KVX_MACHINE i386:x86-64)
 endif()
 
-# kvx_export_only(<target> <file>)
+# kvx_export_only(<target> <file> [<version>])
 # The library exports exactly the functions that the file names, one a line, undecorated; a number behind a name is its
-# ordinal. Beside the import library are <target>.def, and <target>.lib for Microsoft's linker.
+# ordinal, and the version is for other hosts. Beside the import library are <target>.def, and <target>.lib for Microsoft's linker.
 function(kvx_export_only target file)
     file(STRINGS ${file} functions)
     list(TRANSFORM functions REPLACE " " " @")

@@ -153,6 +153,63 @@ TEST_F(StoreEndToEnd, AnEntryOfTheStoreToolReachesItsChannels)
     EXPECT_EQ(KVX2800T_ConfigureVoltageLevel(vi, "Rail1,Aux", 3.0), VI_SUCCESS);
     EXPECT_EQ(voltageLines(), (Lines{":SOUR2:VOLT 3.000000", ":SOUR4:VOLT 3.000000"}));
 }
+
+TEST_F(StoreEndToEnd, TheStoreToolWarnsOfVirtualNamesThatTheDriverRefusesAndOfNoOthers)
+{
+    Lines arguments{"--store", storePath(), "add", "Bench 1", "--create", "--resource", "x", "--simulate", "1"};
+    const Lines targets{"OutputChannel6",
+                        "CH1",
+                        "CH1-3",
+                        "CH4-OutputChannel6",
+                        "[CH1,CH2]",
+                        "[CH1",
+                        "CH5,CH1-4",
+                        "OutputChannel01-03",
+                        "OutputChannel2-outputchannel4",
+                        "OutputChannel7",
+                        "CH0",
+                        "ch1",
+                        "CH",
+                        "3",
+                        "A0",
+                        "outputchannel1-OutputChannel2",
+                        "CH3-1",
+                        "CH2-2",
+                        "CH1-7",
+                        "CH1,CH1",
+                        "CH1-3,CH2",
+                        "CH1:CH2",
+                        "CH1,",
+                        "CH1;2",
+                        "OutputChannel01"};
+    for (std::size_t i = 0; i < targets.size(); ++i)
+        arguments.insert(arguments.end(), {"--virtual", "A" + std::to_string(i) + '=' + targets[i]});
+    const Outcome added = runStoreTool(arguments);
+    ASSERT_EQ(added.exitCode, 0) << added.errors;
+    ASSERT_EQ(openByName("Bench 1"), VI_SUCCESS) << recordedError(VI_NULL).text;
+    for (std::size_t i = 0; i < targets.size(); ++i) {
+        const std::string name = "A" + std::to_string(i);
+        const bool isWarned = added.errors.find("IviVirtualName '" + name + "': maps to ") != std::string::npos;
+        EXPECT_EQ(KVX2800T_ConfigureOutputEnabled(vi, name.c_str(), VI_TRUE) < 0, isWarned) << targets[i];
+    }
+}
+
+TEST_F(StoreEndToEnd, TheStoreToolWarnsOfOptionsThatNoSessionOpensWithAndOfNoOthers)
+{
+    for (const std::string setup :
+         {"Model:KVX2833T", "Profile:Bench,IoTimeout:Infinite", "Simulate:1", "Own:x,own:y,Own", "BaudRate:fast",
+          "IoTimeout", "BaudRate:1,BAUDRATE:1", "Own:1,Own:1", "CheckedOptions:1,Simulate=1", "InterchangeCheck"})
+    {
+        const bool checks = setup == "InterchangeCheck";
+        const Outcome added = runStoreTool({"--store", storePath(), "add", "Bench 1", "--create", "--replace",
+                                            "--resource", "x", "--simulate", "1", "--interchange-check",
+                                            checks ? "1" : "0", "--driver-setup", checks ? "Model:KVX2833T" : setup});
+        ASSERT_EQ(added.exitCode, 0) << added.errors;
+        const bool isWarned = added.errors.find("no session opens with it") != std::string::npos;
+        EXPECT_EQ(openByName("Bench 1") < 0, isWarned) << setup;
+        KVX2800T_close(vi);
+    }
+}
 #endif
 
 TEST_F(StoreEndToEnd, TheStoresOptionsHoldUntilTheOptionStringOverridesThem)

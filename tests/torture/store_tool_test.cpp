@@ -58,7 +58,7 @@ Arguments addition(const std::string& name)
             "--virtual-range",
             "Rail=OutputChannel:1-3@2",
             "--set",
-            "real:Settling Time=0.25"};
+            "string:model=KVX2833T"};
 }
 
 /// A store that programs are tortured on, and what each edit makes of it when nothing happens.

@@ -1,9 +1,5 @@
 // Every call that VISA makes to the host fails once, in the life of a session to a socket and to a serial line.
-#include "tests/support/failing_calls.h"
-#include "tests/support/open_descriptors.h"
-#include "tests/torture/tally.h"
-
-#include <visa.h>
+#include "tests/torture/failing_life.h"
 
 #include <arpa/inet.h>
 #include <fcntl.h>
@@ -19,13 +15,10 @@
 #include <chrono>
 #include <cstdlib>
 #include <cstring>
-#include <memory>
 #include <string>
 #include <system_error>
 #include <thread>
 #include <utility>
-
-#include <gtest/gtest.h>
 
 namespace
 {
@@ -35,7 +28,6 @@ using std::chrono::steady_clock;
 
 constexpr ViUInt32 kTimeoutMs = 300;
 constexpr ViUInt32 kShortTimeoutMs = 5;
-constexpr ViUInt32 kOpenTimeoutMs = 2000;
 
 /// How an instrument answers a query.
 enum class Answer : char
@@ -237,74 +229,19 @@ private:
     std::string path_;
 };
 
-/// One call that is to fail.
-struct Injection
-{
-    unsigned long call = 0;
-    int error = 0;
-};
-
-/// The life of a session in which one call fails.
-class Life
+class Life final : public kvxtest::FailingLife
 {
 public:
-    Life(Instrument& instrument, const Injection& injection) : instrument_(instrument), injection_(injection) {}
-
-    void run()
+    Life(Instrument& instrument, const kvxtest::FailingCall& failure)
+        : FailingLife(instrument.resource(), failure, std::chrono::seconds(1)), instrument_(instrument)
     {
-        kvxArmFailingCall(injection_.call, injection_.error);
-        open();
-        if (session_ != VI_NULL) {
-            configure();
-            exchange();
-        }
-        close();
-        kvxDisarmFailingCall();
-        checkThatNothingIsOpen();
     }
-
-    bool wasInjected() const { return wasInjected_; }
-    bool hung() const { return hung_; }
-    /// What was wrong; empty when all was well.
-    const std::string& fault() const { return fault_; }
 
 private:
-    /// Runs a call of VISA, and looks at how long it takes and what it returns.
-    template <class Call>
-    ViStatus timed(const char* name, ViUInt32 timeoutMs, Call call)
+    void use() override
     {
-        const auto begin = steady_clock::now();
-        const ViStatus status = call();
-        if (steady_clock::now() - begin > milliseconds(timeoutMs) + std::chrono::seconds(1))
-            hung_ = true;
-        wasInjected_ = wasInjected_ || kvxFailedCall() != nullptr;
-        std::array<ViChar, 256> text{};
-        if (viStatusDesc(manager_, status, text.data()) != VI_SUCCESS)
-            blame(std::string(name) + " gave a status that is not VISA's");
-        return status;
-    }
-
-    void blame(const std::string& fault)
-    {
-        if (fault_.empty())
-            fault_ = fault + " (" + resource() + ", call " + std::to_string(injection_.call) + " of " +
-                     (kvxFailedCall() == nullptr ? "none" : kvxFailedCall()) + ", error " +
-                     std::to_string(injection_.error) + ')';
-    }
-
-    std::string resource() const { return instrument_.resource(); }
-
-    void open()
-    {
-        timed("viOpenDefaultRM", 0, [this] { return viOpenDefaultRM(&manager_); });
-        if (manager_ != VI_NULL)
-            timed("viOpen", kOpenTimeoutMs,
-                  [this] { return viOpen(manager_, resource().c_str(), VI_NULL, kOpenTimeoutMs, &session_); });
-    }
-
-    void set(ViAttr attribute, ViAttrState value)
-    {
-        timed("viSetAttribute", 0, [=, this] { return viSetAttribute(session_, attribute, value); });
+        configure();
+        exchange();
     }
 
     void configure()
@@ -346,36 +283,10 @@ private:
     }
 
     /// @return whether the query has gone
-    bool ask(Answer answer)
-    {
-        const std::string query = queryOf(++number_, answer);
-        ViUInt32 written = 0;
-        const ViStatus status = timed("viWrite", kTimeoutMs, [&] {
-            return viWrite(session_, reinterpret_cast<ViConstBuf>(query.data()), static_cast<ViUInt32>(query.size()),
-                           &written);
-        });
-        if (written > query.size())
-            blame("viWrite counted more than there was");
-        return status >= 0;
-    }
+    bool ask(Answer answer) { return write(queryOf(++number_, answer), kTimeoutMs) >= 0; }
 
     /// Reads; a reply that comes must be that to the last query.
-    bool isAnswered()
-    {
-        std::array<ViByte, 64> buffer{};
-        ViUInt32 count = 0;
-        const ViStatus status = timed("viRead", kTimeoutMs, [&] {
-            return viRead(session_, buffer.data(), static_cast<ViUInt32>(buffer.size()), &count);
-        });
-        if (count > buffer.size()) {
-            blame("viRead counted more than there was room for");
-            return false;
-        }
-        const std::string reply(buffer.begin(), buffer.begin() + count);
-        if (status >= 0 && reply != replyOf(number_))
-            blame("query " + std::to_string(number_) + " got " + reply);
-        return status >= 0;
-    }
+    bool isAnswered() { return read(replyOf(number_), kTimeoutMs) >= 0; }
 
     /// A session on which one call has failed goes on with the next query, or the one behind it.
     void expectAnswer()
@@ -417,7 +328,7 @@ private:
         ViUInt32 available = 0;
         const auto end = steady_clock::now() + std::chrono::seconds(5);
         while (steady_clock::now() < end) {
-            if (viGetAttribute(session_, VI_ATTR_ASRL_AVAIL_NUM, &available) < 0 ||
+            if (viGetAttribute(session(), VI_ATTR_ASRL_AVAIL_NUM, &available) < 0 ||
                 available >= replyOf(number_).size())
                 return;
             std::this_thread::yield();
@@ -426,73 +337,29 @@ private:
 
     ViStatus clear()
     {
-        return timed("viClear", kTimeoutMs, [this] { return viClear(session_); });
+        return timed("viClear", kTimeoutMs, [this] { return viClear(session()); });
     }
 
     ViStatus flush()
     {
-        return timed("viSetBuf", kTimeoutMs, [this] { return viSetBuf(session_, VI_IO_IN_BUF, 4096); });
-    }
-
-    void close()
-    {
-        if (session_ != VI_NULL && timed("viClose", 0, [this] { return viClose(session_); }) < 0)
-            blame("viClose failed");
-        if (manager_ != VI_NULL && timed("viClose", 0, [this] { return viClose(manager_); }) < 0)
-            blame("viClose failed");
-    }
-
-    void checkThatNothingIsOpen()
-    {
-        ViUInt32 value = 0;
-        for (const ViSession session : {session_, manager_})
-            if (viGetAttribute(session, VI_ATTR_RM_SESSION, &value) != VI_ERROR_INV_OBJECT)
-                blame("a session stayed open");
+        return timed("viSetBuf", kTimeoutMs, [this] { return viSetBuf(session(), VI_IO_IN_BUF, 4096); });
     }
 
     Instrument& instrument_;
-    const Injection injection_;
-    ViSession manager_ = VI_NULL;
-    ViSession session_ = VI_NULL;
     int number_ = 0;
-    bool wasInjected_ = false;
-    bool hung_ = false;
-    std::string fault_;
 };
-
-/// Fails every call once with each error, and adds what went wrong.
-template <class Peer>
-void attack(kvxtest::Tally& tally)
-{
-    // What the library keeps for good is there after the first session.
-    {
-        Peer instrument;
-        Life(instrument, {}).run();
-    }
-    const std::size_t before = kvxtest::openDescriptors();
-    for (const int error : {EINTR, EAGAIN, ECONNRESET, ENOSPC, EMFILE, static_cast<int>(kShortTransfer)}) {
-        bool isOver = false;
-        for (unsigned long call = 1; !isOver; ++call) {
-            auto instrument = std::make_unique<Peer>();
-            Life life(*instrument, {call, error});
-            life.run();
-            instrument.reset();
-            isOver = !life.wasInjected();
-            tally.injections += isOver ? 0 : 1;
-            tally.hangs += life.hung() ? 1 : 0;
-            tally.expect(life.fault().empty(), life.fault());
-            const bool leaks = kvxtest::openDescriptors() != before;
-            tally.leaks += leaks ? 1 : 0;
-            ASSERT_FALSE(leaks) << "call " << call << ", error " << error;
-        }
-    }
-}
 
 template <class Peer>
 void expectNoHarm(const char* name)
 {
+    constexpr std::array<int, 6> kErrors{EINTR, EAGAIN, ECONNRESET, ENOSPC, EMFILE, kShortTransfer};
     kvxtest::Tally tally(name);
-    attack<Peer>(tally);
+    kvxtest::failEachCall(kErrors, tally, [](const kvxtest::FailingCall& failure, auto look) {
+        Peer instrument;
+        Life life(instrument, failure);
+        life.run();
+        look(life);
+    });
 }
 
 TEST(VisaTorture, CallsOfASocketThatFailOnceLeaveNothingBehindAndNoWrongReply)

@@ -126,10 +126,15 @@ const SettingType* settingTypeOfElement(std::string_view element)
     return findType([element](const SettingType& type) { return type.element == element; });
 }
 
+const XmlElement* settingsStructureOf(const XmlElement& component)
+{
+    return findNamed(component, "DataComponents", "IviStructure", kStructureName);
+}
+
 std::vector<Setting> settingsOf(const XmlElement& component)
 {
     std::vector<Setting> settings;
-    const XmlElement* const structure = findNamed(component, "DataComponents", "IviStructure", kStructureName);
+    const XmlElement* const structure = settingsStructureOf(component);
     if (structure == nullptr)
         return settings;
     for (const XmlElement& element : structure->itemsOf("DataComponents")) {

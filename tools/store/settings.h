@@ -40,6 +40,9 @@ struct Setting
     std::string units{};
 };
 
+/// The structure with the configurable initial settings of a software module or a session; null without one.
+const XmlElement* settingsStructureOf(const XmlElement& component);
+
 /// The configurable initial settings of a software module or a session. Elements of other types are left out.
 std::vector<Setting> settingsOf(const XmlElement& component);
 

@@ -1,6 +1,7 @@
 #include "tools/store/store_access.h"
 
 #include "platform/config_server/store_file.h"
+#include "tools/store/remedies.h"
 #include "tools/store/store_error.h"
 
 #include <array>
@@ -29,6 +30,12 @@ constexpr mode_t kRightsOfNewFiles = 0666;
 [[noreturn]] void fail(const std::string& what, int error)
 {
     throw StoreError(what + ": " + std::generic_category().message(error));
+}
+
+[[noreturn]] void failToRead(const std::string& path, int error)
+{
+    throw StoreError("cannot read " + path + ": " + std::generic_category().message(error),
+                     error == EACCES ? remedies::kForbidden : "");
 }
 
 /// Repeats a call that a signal has interrupted.
@@ -83,12 +90,13 @@ std::string readUpToLimit(int descriptor, const std::string& path)
     while (text.size() <= config_server::kLargestFile) {
         const auto count = uninterrupted([&] { return ::read(descriptor, chunk.data(), chunk.size()); });
         if (count < 0)
-            fail("cannot read " + path, errno);
+            failToRead(path, errno);
         if (count == 0)
             return text;
         text.append(chunk.data(), static_cast<std::size_t>(count));
     }
-    throw StoreError(path + " is larger than " + std::to_string(config_server::kLargestFile) + " bytes");
+    throw StoreError(path + " is larger than " + std::to_string(config_server::kLargestFile) + " bytes",
+                     remedies::kTooLarge);
 }
 
 /// Nothing when there is no file.
@@ -101,9 +109,9 @@ std::optional<FileContent> readIfThere(const std::string& path)
         return std::nullopt;
     FileContent content{};
     if (file.number() < 0 || ::fstat(file.number(), &content.status) != 0)
-        fail("cannot read " + path, errno);
+        failToRead(path, errno);
     if (!S_ISREG(content.status.st_mode))
-        throw StoreError(path + " is not a file");
+        throw StoreError(path + " is not a file", remedies::kNoFile);
     content.text = readUpToLimit(file.number(), path);
     return content;
 }
@@ -117,7 +125,7 @@ std::string resolved(const std::string& path)
     if (!error)
         return target;
     if (error != std::errc::no_such_file_or_directory)
-        fail("cannot read " + path, error.value());
+        failToRead(path, error.value());
     if (fs::is_symlink(fs::symlink_status(path, error)))
         throw StoreError(path + " is a link to a missing file");
     const fs::path absolute = fs::absolute(path);
@@ -458,7 +466,7 @@ std::string readStoreFile(const std::string& path)
 {
     auto content = readIfThere(path);
     if (!content)
-        fail("cannot read " + path, ENOENT);
+        failToRead(path, ENOENT);
     return std::move(content->text);
 }
 
@@ -476,7 +484,7 @@ StoreChange::StoreChange(const std::string& path, WhenMissing whenMissing, std::
     if (host_->before)
         host_->text = std::move(host_->before->text);
     else if (whenMissing == WhenMissing::Refuse)
-        fail("cannot read " + path, ENOENT);
+        failToRead(path, ENOENT);
 }
 
 StoreChange::~StoreChange() = default;

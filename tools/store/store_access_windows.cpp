@@ -3,6 +3,7 @@
 #include "platform/common/windows_handle.h"
 #include "platform/common/windows_text.h"
 #include "platform/config_server/store_file.h"
+#include "tools/store/remedies.h"
 #include "tools/store/store_error.h"
 
 #include <aclapi.h>
@@ -75,6 +76,12 @@ std::string messageOf(DWORD error)
     throw StoreError(what + ": " + messageOf(error));
 }
 
+[[noreturn]] void failToRead(const std::string& path, DWORD error)
+{
+    throw StoreError("cannot read " + path + ": " + messageOf(error),
+                     error == ERROR_ACCESS_DENIED ? remedies::kForbidden : "");
+}
+
 /// Who may do what with a file.
 class Rights
 {
@@ -133,12 +140,13 @@ std::string readUpToLimit(HANDLE file, const std::string& path)
     while (text.size() <= config_server::kLargestFile) {
         DWORD count = 0;
         if (ReadFile(file, chunk.data(), static_cast<DWORD>(chunk.size()), &count, nullptr) == 0)
-            fail("cannot read " + path, GetLastError());
+            failToRead(path, GetLastError());
         if (count == 0)
             return text;
         text.append(chunk.data(), count);
     }
-    throw StoreError(path + " is larger than " + std::to_string(config_server::kLargestFile) + " bytes");
+    throw StoreError(path + " is larger than " + std::to_string(config_server::kLargestFile) + " bytes",
+                     remedies::kTooLarge);
 }
 
 /// Nothing when there is no file.
@@ -150,13 +158,13 @@ std::optional<FileContent> readIfThere(const std::string& path)
     if (error == ERROR_FILE_NOT_FOUND)
         return std::nullopt;
     if (file == nullptr)
-        fail("cannot read " + path, error);
+        failToRead(path, error);
     FileContent content;
     const bool isDiskFile = GetFileType(file.get()) == FILE_TYPE_DISK;
     if (isDiskFile && GetFileInformationByHandle(file.get(), &content.status) == 0)
-        fail("cannot read " + path, GetLastError());
+        failToRead(path, GetLastError());
     if (!isDiskFile || (content.status.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0)
-        throw StoreError(path + " is not a file");
+        throw StoreError(path + " is not a file", remedies::kNoFile);
     content.rights = Rights(file.get());
     content.text = readUpToLimit(file.get(), path);
     return content;
@@ -170,12 +178,12 @@ std::string targetOf(const std::string& path)
     if (error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND)
         throw StoreError(path + " is a link to a missing file");
     if (file == nullptr)
-        fail("cannot read " + path, error);
+        failToRead(path, error);
     std::wstring target(32768, L'\0');
     const DWORD size =
         GetFinalPathNameByHandleW(file.get(), target.data(), static_cast<DWORD>(target.size()), FILE_NAME_NORMALIZED);
     if (size == 0 || size >= target.size())
-        fail("cannot read " + path, GetLastError());
+        failToRead(path, GetLastError());
     target.resize(size);
     return utf8Text(target);
 }
@@ -185,7 +193,7 @@ std::string resolved(const std::string& path)
 {
     const std::wstring place = systemPath(path);
     if (place.empty())
-        fail("cannot read " + path, ERROR_INVALID_NAME);
+        failToRead(path, ERROR_INVALID_NAME);
     const DWORD attributes = GetFileAttributesW(place.c_str());
     const bool isLink = attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
     return isLink ? targetOf(path) : path;
@@ -506,7 +514,7 @@ std::string readStoreFile(const std::string& path)
 {
     auto content = readIfThere(path);
     if (!content)
-        fail("cannot read " + path, ERROR_FILE_NOT_FOUND);
+        failToRead(path, ERROR_FILE_NOT_FOUND);
     return std::move(content->text);
 }
 
@@ -525,7 +533,7 @@ StoreChange::StoreChange(const std::string& path, WhenMissing whenMissing, std::
     if (host_->before)
         host_->text = std::move(host_->before->text);
     else if (whenMissing == WhenMissing::Refuse)
-        fail("cannot read " + path, ERROR_FILE_NOT_FOUND);
+        failToRead(path, ERROR_FILE_NOT_FOUND);
 }
 
 StoreChange::~StoreChange() = default;

@@ -3,6 +3,7 @@
 #include "tools/store/element_rules.h"
 #include "tools/store/plain_text.h"
 #include "tools/store/selector_names.h"
+#include "tools/store/use_rules.h"
 #include "tools/store/value_rules.h"
 #include "tools/store/values.h"
 
@@ -122,13 +123,15 @@ private:
     void checkRange(const XmlElement& range);
     void checkOverlaps(const XmlElement& virtualName);
     void checkVirtualNames(const XmlElement& session);
+    void checkUse(const XmlElement& element);
 
+    const XmlElement* softwareModuleOf(const XmlElement& session) const;
     const XmlElement* targetOf(const XmlElement& reference) const;
     std::string_view nameOf(const XmlElement& item) const;
     const PhysicalNames& physicalNamesOf(const XmlElement& softwareModule);
 
     /// A finding about the element that is looked at.
-    void add(std::string text);
+    void add(std::string text, FindingKind kind = FindingKind::Format);
     void addBelow(const XmlElement& child, std::string text);
     std::string stepText(const XmlElement& element) const;
     std::string place();
@@ -265,6 +268,7 @@ void Checker::checkDefinition(const XmlElement& element)
             checkLogicalName(element);
         if (isSession(element))
             checkVirtualNames(element);
+        checkUse(element);
     }
     checkContent(element);
 }
@@ -316,8 +320,7 @@ void Checker::checkOverlaps(const XmlElement& virtualName)
 
 void Checker::checkVirtualNames(const XmlElement& session)
 {
-    const XmlElement* const reference = session.child("IviSoftwareModuleRef");
-    const XmlElement* const softwareModule = reference == nullptr ? nullptr : targetOf(*reference);
+    const XmlElement* const softwareModule = softwareModuleOf(session);
     if (softwareModule == nullptr || session.itemsOf("VirtualNames").empty())
         return;
     const PhysicalNames& physical = physicalNamesOf(*softwareModule);
@@ -327,6 +330,17 @@ void Checker::checkVirtualNames(const XmlElement& session)
         const std::string shared = physical.sharedWith(item);
         if (!shared.empty())
             add("stands for " + inQuotes(shared) + ", which is a physical name");
+    }
+}
+
+void Checker::checkUse(const XmlElement& element)
+{
+    const std::size_t depth = path_.size();
+    for (UseProblem& problem : useProblemsOf(element, softwareModuleOf(element))) {
+        for (const XmlElement* const step : problem.path)
+            path_.push_back({step, {}});
+        add(std::move(problem.text), FindingKind::Use);
+        path_.resize(depth);
     }
 }
 
@@ -347,6 +361,12 @@ void Checker::checkSessionsAreListed()
         if (session.id && !listed.contains(*session.id))
             add("is not listed in <Sessions>");
     }
+}
+
+const XmlElement* Checker::softwareModuleOf(const XmlElement& session) const
+{
+    const XmlElement* const reference = session.child("IviSoftwareModuleRef");
+    return reference == nullptr ? nullptr : targetOf(*reference);
 }
 
 const XmlElement* Checker::targetOf(const XmlElement& reference) const
@@ -389,9 +409,9 @@ std::string Checker::place()
     return text;
 }
 
-void Checker::add(std::string text)
+void Checker::add(std::string text, FindingKind kind)
 {
-    findings_.push_back({path_.back().element, {0, place(), std::move(text)}});
+    findings_.push_back({path_.back().element, {kind, 0, place(), std::move(text)}});
 }
 
 void Checker::addBelow(const XmlElement& child, std::string text)

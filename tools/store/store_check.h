@@ -8,9 +8,17 @@
 namespace store_tool
 {
 
-/// Something in a store that does not follow the rules of the file format.
+/// What a finding is about.
+enum class FindingKind
+{
+    Format, ///< the rules of the file format are not followed
+    Use,    ///< they are, but what is there fails or has no effect when a program uses it
+};
+
+/// Something in a store that is not as it should be.
 struct Finding
 {
+    FindingKind kind;
     std::size_t line;  ///< from 1 on
     std::string place; ///< the element, from the root's children down
     std::string text;

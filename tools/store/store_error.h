@@ -1,6 +1,8 @@
 #pragma once
 
 #include <stdexcept>
+#include <string>
+#include <utility>
 
 namespace store_tool
 {
@@ -9,7 +11,16 @@ namespace store_tool
 class StoreError : public std::runtime_error
 {
 public:
-    using std::runtime_error::runtime_error;
+    explicit StoreError(const std::string& what, std::string remedy = {})
+        : std::runtime_error(what), remedy_(std::move(remedy))
+    {
+    }
+
+    /// What that person can do about it; empty where the complaint says it.
+    const std::string& remedy() const { return remedy_; }
+
+private:
+    std::string remedy_;
 };
 
 } // namespace store_tool

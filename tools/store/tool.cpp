@@ -48,7 +48,7 @@ StoreText readText(const std::string& path, const std::string& text)
     try {
         return StoreText(text);
     } catch (const StoreError& error) {
-        throw StoreError(path + ": " + error.what());
+        throw StoreError(path + ": " + error.what(), error.remedy());
     }
 }
 
@@ -96,12 +96,14 @@ Deeds edit(StoreText& store, const Request& request)
     }
 }
 
-/// What is written never has a fault that the store did not have before.
-void requireNothingWorse(const std::vector<Finding>& before, const StoreText& after)
+/// What is written never breaks the file format where the store did not break it before.
+void requireFormat(const std::vector<Finding>& brought)
 {
     std::string faults;
-    for (const Finding& finding : newFindings(before, check(after)))
-        faults += "\n  " + finding.place + ": " + finding.text;
+    for (const Finding& finding : brought) {
+        if (finding.kind == FindingKind::Format)
+            faults += "\n  " + finding.place + ": " + finding.text;
+    }
     if (!faults.empty())
         throw StoreError("nothing is written, since the store would get faults:" + faults);
 }
@@ -117,6 +119,11 @@ void complain(std::ostream& errors, std::string_view message)
     errors << printable(message) << '\n';
 }
 
+void warn(std::ostream& errors, const std::string& message)
+{
+    complain(errors, "warning: " + message);
+}
+
 /// Says what has been done. The store is changed by now, so a warning has to do where that cannot be said.
 void tell(const std::string& path, const Deeds& deeds, std::uintmax_t otherNames, std::ostream& out,
           std::ostream& errors)
@@ -124,10 +131,10 @@ void tell(const std::string& path, const Deeds& deeds, std::uintmax_t otherNames
     for (const std::string& deed : deeds)
         out << deed << '\n';
     if (otherNames > 0)
-        complain(errors, "warning: " + path + " had " + std::to_string(otherNames + 1) +
-                             " names (hard links); the others still lead to the old content");
+        warn(errors, path + " had " + std::to_string(otherNames + 1) +
+                         " names (hard links); the others still lead to the old content");
     if (!out.flush())
-        complain(errors, "warning: " + path + " is changed, but the output cannot be written");
+        warn(errors, path + " is changed, but the output cannot be written");
 }
 
 void requireWritten(std::ostream& out)
@@ -142,9 +149,12 @@ int runChange(const std::string& path, const Request& request, std::ostream& out
     StoreText store = readText(path, change.text().value_or(emptyStoreText()));
     const auto before = check(store);
     const Deeds deeds = edit(store, request);
-    requireNothingWorse(before, store);
+    const auto brought = newFindings(before, check(store));
+    requireFormat(brought);
     change.replaceBy(store.text());
     tell(path, deeds, change.otherNames(), out, errors);
+    for (const Finding& finding : brought)
+        warn(errors, finding.place + ": " + finding.text);
     return kSuccess;
 }
 
@@ -169,6 +179,10 @@ int runTool(int argumentCount, const char* const* arguments, std::ostream& out, 
             return run(*commandLine.request, out, errors);
         requireWritten(out);
         return commandLine.exitCode;
+    } catch (const StoreError& error) {
+        const std::string remedy = error.remedy().empty() ? "" : "\n  " + error.remedy();
+        complain(errors, error.what() + remedy);
+        return kFailure;
     } catch (const std::exception& error) {
         complain(errors, error.what());
         return kFailure;

@@ -3,6 +3,7 @@
 #include "platform/config_server/nesting.h"
 #include "platform/config_server/store_file.h"
 #include "tools/store/plain_text.h"
+#include "tools/store/remedies.h"
 #include "tools/store/store_error.h"
 #include "tools/store/values.h"
 
@@ -114,7 +115,7 @@ private:
         while ((place = text_.find('<', place)) != std::string_view::npos && text_.at(place + 1) != '/')
             place = markupEnd(place);
         if (text_.substr(std::min(place, text_.size())).substr(0, element.name.size() + 2) != "</" + element.name)
-            throw StoreError("the end of <" + abridged(element.name) + "> is not where it should be");
+            throw StoreError("the end of <" + abridged(element.name) + "> is not where it should be", remedies::kNoXml);
         return place;
     }
 
@@ -125,7 +126,7 @@ private:
             if (rest.starts_with(markup.begin))
                 return place + rest.find(markup.end, markup.begin.size()) + markup.end.size();
         }
-        throw StoreError("not well-formed XML: a declaration inside an element");
+        throw StoreError("not well-formed XML: a declaration inside an element", remedies::kNoXml);
     }
 
     std::string_view text_;
@@ -155,20 +156,23 @@ std::string_view declaredEncoding(std::string_view text)
 void requireUtf8(std::string_view text)
 {
     const std::string_view encoding = declaredEncoding(text);
+    if (text.starts_with("\xFF\xFE") || text.starts_with("\xFE\xFF"))
+        throw StoreError("the encoding UTF-16 is not UTF-8", remedies::kNotUtf8);
     if (!encoding.empty() && !sameWord(encoding, "UTF-8") && !sameWord(encoding, "US-ASCII"))
-        throw StoreError("the encoding " + inQuotes(encoding) + " is not UTF-8");
+        throw StoreError("the encoding " + inQuotes(encoding) + " is not UTF-8", remedies::kNotUtf8);
 }
 
 void requireLimits(const std::string& text)
 {
     using namespace config_server;
     if (text.size() > kLargestFile)
-        throw StoreError("larger than " + std::to_string(kLargestFile) + " bytes");
+        throw StoreError("larger than " + std::to_string(kLargestFile) + " bytes", remedies::kTooLarge);
     if (text.find('\0') != std::string::npos)
-        throw StoreError("not well-formed XML: it has a zero byte");
+        throw StoreError("not well-formed XML: it has a zero byte", remedies::kNoXml);
     if (!staysWithin(text, {kDeepestNesting, kMostElements}))
         throw StoreError("not well-formed XML, or more than " + std::to_string(kMostElements) + " elements or " +
-                         std::to_string(kDeepestNesting) + " levels");
+                             std::to_string(kDeepestNesting) + " levels",
+                         remedies::kNoXml);
 }
 
 XmlElement build(const std::string& text)
@@ -180,11 +184,11 @@ XmlElement build(const std::string& text)
     } catch (const rapidxml::parse_error& error) {
         const auto place = error.where<char>() - parsed.data();
         const auto line = std::count(text.begin(), text.begin() + place, '\n') + 1;
-        throw StoreError("not well-formed XML: line " + std::to_string(line) + ": " + error.what());
+        throw StoreError("not well-formed XML: line " + std::to_string(line) + ": " + error.what(), remedies::kNoXml);
     }
     const XmlNode* const root = document.first_node();
     if (root == nullptr || root->next_sibling() != nullptr)
-        throw StoreError("not well-formed XML: it has no single root element");
+        throw StoreError("not well-formed XML: it has no single root element", remedies::kNoXml);
     return TreeBuilder(text, parsed.data()).build(*root);
 }
 
@@ -235,11 +239,12 @@ const XmlElement* findNamed(const XmlElement& owner, std::string_view collection
 
 XmlElement parseXml(const std::string& text)
 {
-    requireLimits(text);
     requireUtf8(text);
+    requireLimits(text);
     XmlElement root = build(text);
     if (root.name != kRootName)
-        throw StoreError("not a configuration store: the root element is <" + abridged(root.name) + ">");
+        throw StoreError("not a configuration store: the root element is <" + abridged(root.name) + ">",
+                         remedies::kNoStore);
     return root;
 }
 

@@ -33,10 +33,11 @@ enum class ValueType
     Text
 };
 
-/// Where an attribute's value lives. Only the first three can be set.
+/// Where an attribute's value lives. Only the first four can be set.
 enum class Holder
 {
     Session,       ///< among the session's values
+    Suggested,     ///< as Session, and the connection tells the first one
     Connection,    ///< as Session, and the connection has to accept it first
     Line,          ///< in the connection, which is asked each time and has no first value
     Noted,         ///< among the session's values, which change on other ways
@@ -135,7 +136,7 @@ inline constexpr auto kAttributeRows = std::to_array<AttributeRow>({
         {VI_ATTR_4882_COMPLIANT, ValueType::Boolean, kUsb, Holder::ConnectionFact, rows::kAny, 0},
         {VI_ATTR_USB_SERIAL_NUM, ValueType::Text, kUsb, Holder::ConnectionFact, rows::kAny, 0},
         {VI_ATTR_USB_INTFC_NUM, ValueType::Short, kUsb, Holder::ConnectionFact, rows::kAny, 0},
-        {VI_ATTR_USB_MAX_INTR_SIZE, ValueType::Short, kUsb, Holder::Session, rows::kAny, 0},
+        {VI_ATTR_USB_MAX_INTR_SIZE, ValueType::Short, kUsb, Holder::Suggested, rows::kAny, 0},
         {VI_ATTR_USB_PROTOCOL, ValueType::Short, kUsb, Holder::ConnectionFact, rows::kAny, 0},
         {VI_ATTR_ASRL_CTS_STATE, ValueType::Short, kSerial, Holder::ConnectionFact, rows::kAny, rows::kUnknown},
         {VI_ATTR_ASRL_DCD_STATE, ValueType::Short, kSerial, Holder::ConnectionFact, rows::kAny, rows::kUnknown},

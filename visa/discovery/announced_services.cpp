@@ -112,7 +112,7 @@ asio::ip::address_v4 AnnouncedServices::addressOf(const Instance& instance, cons
     for (const DnsRecord& record : details_) {
         if (service == nullptr || record.type != DnsType::Address || record.name != service->target)
             continue;
-        const asio::ip::address_v4 address(record.address);
+        asio::ip::address_v4 address(record.address);
         if (address == instance.sender)
             return address;
         if (!first && isReachable(address))

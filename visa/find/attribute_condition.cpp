@@ -311,7 +311,7 @@ private:
         const std::size_t end = rest_.find('"');
         if (end == std::string_view::npos)
             return std::nullopt;
-        const Value read = text(rest_.substr(0, end));
+        Value read = text(rest_.substr(0, end));
         rest_.remove_prefix(end + 1);
         return read;
     }
@@ -342,6 +342,7 @@ std::optional<AttributeCondition> AttributeCondition::parse(std::string_view tex
 namespace
 {
 
+/// Texts are equal or not; the parser lets no other operator stand between them.
 template <class Operation>
 bool compare(Operation operation, const ConditionValue& told, const ConditionValue& wanted)
 {
@@ -351,13 +352,13 @@ bool compare(Operation operation, const ConditionValue& told, const ConditionVal
     case Operation::Unequal:
         return told != wanted;
     case Operation::Less:
-        return told < wanted;
+        return told.number < wanted.number;
     case Operation::Greater:
-        return told > wanted;
+        return told.number > wanted.number;
     case Operation::LessOrEqual:
-        return told <= wanted;
+        return told.number <= wanted.number;
     default:
-        return told >= wanted;
+        return told.number >= wanted.number;
     }
 }
 

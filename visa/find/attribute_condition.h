@@ -19,7 +19,7 @@ struct ConditionValue
     std::int64_t number = 0;
     std::string text{};
 
-    auto operator<=>(const ConditionValue&) const = default;
+    bool operator==(const ConditionValue&) const = default;
 };
 
 /// A condition on the attributes of a resource (VPP-4.3 Table 4.4.7), such as

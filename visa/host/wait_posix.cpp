@@ -8,7 +8,6 @@
 
 #include <array>
 #include <cerrno>
-#include <limits>
 #include <system_error>
 
 namespace visa
@@ -54,13 +53,15 @@ WaitResult Interrupter::wait(NativeHandle handle, Direction direction, const Dea
     const short events = direction == Direction::Read ? POLLIN : POLLOUT;
     std::array<pollfd, 2> polled{{{static_cast<int>(handle), events, 0}, {static_cast<int>(waited_), POLLIN, 0}}};
     for (;;) {
-        const int waitMs = deadline.remainingMs(std::numeric_limits<int>::max());
+        const int waitMs = deadline.remainingMs(Deadline::kLookMs);
         const int ready = ::poll(polled.data(), polled.size(), waitMs);
         if (ready < 0 && errno != EINTR)
             return WaitResult::Failed;
         if (ready > 0)
             return polled[1].revents != 0 ? WaitResult::Interrupted : WaitResult::Ready;
-        // A signal or the longest wait that poll knows cut the wait short; only the deadline ends it.
+        if (deadline.isAborted())
+            return WaitResult::Aborted;
+        // A signal or the next look cut the wait short; only the deadline ends it.
         if (deadline.remainingMs(1) == 0)
             return WaitResult::TimedOut;
     }

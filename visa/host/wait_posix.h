@@ -16,6 +16,7 @@ enum class WaitResult
 {
     Ready,       ///< input, output room, an error or the end of the line: the next transfer does not block
     TimedOut,    ///< the deadline passed
+    Aborted,     ///< the operation is to end
     Interrupted, ///< the session is being closed
     Failed       ///< the host refused to wait
 };

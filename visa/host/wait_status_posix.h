@@ -13,6 +13,8 @@ inline ViStatus statusOf(WaitResult result)
         return VI_SUCCESS;
     case WaitResult::TimedOut:
         return VI_ERROR_TMO;
+    case WaitResult::Aborted:
+        return VI_ERROR_ABORT;
     case WaitResult::Interrupted:
         return VI_ERROR_INV_OBJECT;
     case WaitResult::Failed:

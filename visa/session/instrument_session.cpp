@@ -19,7 +19,11 @@ InstrumentSession::~InstrumentSession()
 ViStatus InstrumentSession::applyInitialAttributes()
 {
     for (const AttributeRow& row : kAttributeRows) {
-        if (row.holder != Holder::Connection || (row.classes & sessionClass_) == 0)
+        if ((row.classes & sessionClass_) == 0)
+            continue;
+        if (row.holder == Holder::Suggested)
+            values_.set(row.attribute, transport_->numberFact(row.attribute));
+        if (row.holder != Holder::Connection)
             continue;
         const ViStatus status = transport_->setAttribute(row.attribute, row.initial);
         if (status < 0)
@@ -92,11 +96,12 @@ ViStatus InstrumentSession::setAttribute(ViAttr attribute, ViAttrState value)
     if (!row->allowed.contains(wanted))
         return VI_ERROR_NSUP_ATTR_STATE;
     // All sessions share a serial line's settings, and nothing else that can be set.
-    const bool isShared = sessionClass_ == kSerial && row->holder != Holder::Session;
+    const bool isOwn = row->holder == Holder::Session || row->holder == Holder::Suggested;
+    const bool isShared = sessionClass_ == kSerial && !isOwn;
     if (isShared && !lock_->admits(identity_.self))
         return VI_ERROR_RSRC_LOCKED;
     const std::lock_guard guard(settingMutex_);
-    const ViStatus status = row->holder != Holder::Session ? transport_->setAttribute(attribute, wanted) : VI_SUCCESS;
+    const ViStatus status = isOwn ? VI_SUCCESS : transport_->setAttribute(attribute, wanted);
     if (status == VI_SUCCESS)
         values_.set(attribute, wanted);
     return status;
@@ -108,7 +113,7 @@ ViStatus InstrumentSession::admitted(Operation operation)
 {
     if (!lock_->admits(identity_.self))
         return VI_ERROR_RSRC_LOCKED;
-    const Deadline deadline(values_.get<VI_ATTR_TMO_VALUE>());
+    const Deadline deadline = deadlineIn(values_.get<VI_ATTR_TMO_VALUE>());
     return operation(Terms{values_, deadline});
 }
 
@@ -135,13 +140,13 @@ ViStatus InstrumentSession::lockDevice(ViStatus acquired, const Deadline& deadli
 
 ViStatus InstrumentSession::lockExclusively(ViUInt32 timeoutMs)
 {
-    const Deadline deadline(timeoutMs);
+    const Deadline deadline = deadlineIn(timeoutMs);
     return lockDevice(lock_->acquireExclusive(identity_.self, deadline, isClosing_), deadline, {});
 }
 
 ViStatus InstrumentSession::lockShared(ViUInt32 timeoutMs, std::optional<std::string>& key)
 {
-    const Deadline deadline(timeoutMs);
+    const Deadline deadline = deadlineIn(timeoutMs);
     const ViStatus acquired = lock_->acquireShared(identity_.self, deadline, isClosing_, key);
     return lockDevice(acquired, deadline, {true, key.value_or("")});
 }
@@ -151,6 +156,7 @@ ViStatus InstrumentSession::unlock()
     const auto released = lock_->release(identity_.self);
     if (!released.isLastOfItsKind)
         return released.status;
+    // Not to be aborted: the device would keep what this process has given back.
     const Deadline deadline(values_.get<VI_ATTR_TMO_VALUE>());
     const ViStatus status = transport_->unlock({values_, deadline}, released.isShared);
     return status < 0 ? status : released.status;
@@ -158,7 +164,7 @@ ViStatus InstrumentSession::unlock()
 
 ViAccessMode InstrumentSession::lockState()
 {
-    const Deadline deadline(values_.get<VI_ATTR_TMO_VALUE>());
+    const Deadline deadline = deadlineIn(values_.get<VI_ATTR_TMO_VALUE>());
     return transport_->lockState({values_, deadline}).value_or(lock_->state());
 }
 
@@ -210,7 +216,10 @@ ViStatus InstrumentSession::controlRemote(ViUInt16 mode)
 
 ViStatus InstrumentSession::abort()
 {
-    return admitted([&](const Terms&) { return transport_->abort(); });
+    // Another session's lock has nothing to say: what is ended is this one's own.
+    ++aborts_;
+    lock_->wake();
+    return transport_->abort();
 }
 
 ViStatus InstrumentSession::clear()

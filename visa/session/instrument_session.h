@@ -47,12 +47,13 @@ public:
     ViStatus abort() override;
     void interrupt() noexcept override;
 
-    /// Brings the initial values of the connection's own attributes into force.
+    /// Brings the initial values of the connection's own attributes into force, and takes those that it suggests.
     ViStatus applyInitialAttributes();
 
 private:
     template <class Operation>
     ViStatus admitted(Operation operation);
+    Deadline deadlineIn(ViUInt32 timeoutMs) const { return {timeoutMs, aborts_}; }
     ViStatus lockDevice(ViStatus acquired, const Deadline& deadline, const LockRequest& request);
     ViAccessMode lockState();
     ViAttrState numberFact(ViAttr attribute);
@@ -63,6 +64,7 @@ private:
     const SessionClass sessionClass_;
     const std::shared_ptr<ResourceLock> lock_;
     std::atomic<bool> isClosing_ = false;
+    Aborts aborts_ = 0;
 
     std::mutex settingMutex_; ///< held by the one change of values_ under way
     AttributeValues values_;

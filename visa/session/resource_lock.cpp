@@ -64,6 +64,8 @@ ViStatus ResourceLock::waitFor(std::unique_lock<std::mutex>& guard, const Deadli
         const int leftMs = deadline.remainingMs(kLongestWaitMs);
         if (isClosing.load())
             return VI_ERROR_INV_OBJECT;
+        if (deadline.isAborted())
+            return VI_ERROR_ABORT;
         if (leftMs == 0)
             return refusal;
         changed_.wait_for(guard, std::chrono::milliseconds(leftMs));

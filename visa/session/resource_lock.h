@@ -25,9 +25,10 @@ public:
     /// Whether a session may use the resource: nobody has locked it, or this session has, and no other one alone.
     bool admits(ViSession session) const noexcept { return !isHeld_.load() || admitsHolder(session); }
 
-    /// Waits for the exclusive lock until the deadline, or until isClosing is true and wake() has been called.
+    /// Waits for the exclusive lock until the deadline, or until that is aborted or isClosing is true and wake() has
+    /// been called.
     /// @return VI_SUCCESS, VI_SUCCESS_NESTED_EXCLUSIVE; VI_ERROR_RSRC_LOCKED at once with VI_TMO_IMMEDIATE, otherwise
-    ///         VI_ERROR_TMO; VI_ERROR_INV_OBJECT when closing
+    ///         VI_ERROR_TMO; VI_ERROR_ABORT, VI_ERROR_INV_OBJECT when closing
     ViStatus acquireExclusive(ViSession session, const Deadline& deadline, const std::atomic<bool>& isClosing);
 
     /// As acquireExclusive for a lock that sessions share which give the same key.

@@ -119,7 +119,10 @@ constexpr std::array kTexts{
     StatusText{VI_ERROR_NSUP_MECH, "The event does not support this mechanism."},
     StatusText{VI_ERROR_INTF_NUM_NCONFIG, "No interface has this board number."},
     StatusText{VI_ERROR_CONN_LOST, "The connection was lost."},
-    StatusText{VI_ERROR_NPERMISSION, "Access was refused."},
+    // USB is where this library meets it.
+    StatusText{
+        VI_ERROR_NPERMISSION,
+        "The user may not open the device; for USB instruments, the udev rule 70-kvvisa-usbtmc.rules allows it."},
     StatusText{VI_ERROR_SERVER_CERT, "The server's certificate cannot be used."},
     StatusText{VI_ERROR_SERVER_CERT_UNTRUSTED, "Nobody trusted has signed the server's certificate."},
     StatusText{VI_ERROR_SERVER_CERT_EXPIRED, "The server's certificate has expired."},

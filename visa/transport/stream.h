@@ -26,7 +26,7 @@ public:
 
     /// Waits for input and takes what is there, at least one byte on success.
     /// @param count bytes stored in buffer, on an error as well
-    /// @return VI_ERROR_TMO, VI_ERROR_CONN_LOST, VI_ERROR_IO, or VI_ERROR_INV_OBJECT after interrupt()
+    /// @return VI_ERROR_TMO, VI_ERROR_ABORT, VI_ERROR_CONN_LOST, VI_ERROR_IO, or VI_ERROR_INV_OBJECT after interrupt()
     virtual ViStatus readSome(std::span<ViByte> buffer, const Deadline& deadline, std::size_t& count) noexcept = 0;
 
     /// Hands all bytes over.

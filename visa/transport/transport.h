@@ -48,8 +48,8 @@ public:
     /// is full (VPP-4.3 section 6.1.1).
     /// @param count bytes stored, on an error as well
     /// @return VI_SUCCESS at the end of the message, VI_SUCCESS_TERM_CHAR, VI_SUCCESS_MAX_CNT; VI_ERROR_TMO,
-    ///         VI_ERROR_CONN_LOST, VI_ERROR_IO, VI_ERROR_INP_PROT_VIOL; VI_ERROR_ABORT after abort(),
-    ///         VI_ERROR_INV_OBJECT after interrupt()
+    ///         VI_ERROR_CONN_LOST, VI_ERROR_IO, VI_ERROR_INP_PROT_VIOL; VI_ERROR_ABORT when the deadline
+    ///         or abort() says so, VI_ERROR_INV_OBJECT after interrupt()
     virtual ViStatus read(std::span<ViByte> buffer, const Terms& terms, std::size_t& count) = 0;
 
     /// Hands all bytes over and, where VI_ATTR_SEND_END_EN says so and the protocol knows it, ends the message.
@@ -81,12 +81,13 @@ public:
     /// @return VI_ERROR_NSUP_ATTR_STATE when the connection cannot have this value, which leaves the old one in force
     virtual ViStatus setAttribute(ViAttr, ViAttrState) { return VI_ERROR_NSUP_ATTR_STATE; }
 
-    /// The attributes that only the connection can tell (Holder::ConnectionFact).
+    /// The attributes that only the connection can tell (Holder::ConnectionFact), or suggests.
     virtual ViUInt32 numberFact(ViAttr) { return 0; }
     virtual std::string textFact(ViAttr) { return {}; }
 
-    /// Ends a read and a write that wait at this moment with VI_ERROR_ABORT, and nothing where none does.
-    virtual ViStatus abort() { return VI_ERROR_NSUP_OPER; }
+    /// Ends what is under way at this moment with VI_ERROR_ABORT, where that does not look at its deadline by itself;
+    /// the deadline says so already.
+    virtual ViStatus abort() { return VI_SUCCESS; }
 
     /// Ends waiting calls for good. May be called from any thread.
     virtual void interrupt() noexcept = 0;

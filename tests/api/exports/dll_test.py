@@ -1,7 +1,7 @@
 #!/usr/bin/python3
 """What the driver's DLL and its import libraries show to the outside, read from the files by binutils.
 
-Environment: OBJDUMP, NM, DLL, HEADER, INSTRUMENT_HEADER, EXPORTS; separated by semicolons, IMPORT_LIBRARIES and the PROGRAMS linked with
+Environment: OBJDUMP, NM, DLL, HEADER, INSTRUMENT_HEADER, EXPORTS, TYPE_LIBRARY; separated by semicolons, IMPORT_LIBRARIES and the PROGRAMS linked with
 them.
 """
 
@@ -74,6 +74,12 @@ class Dll(unittest.TestCase):
                 self.assertEqual(int(operand.lstrip("$"), 16), int(size), name)
                 returns += 1
         self.assertGreaterEqual(returns, EXPORT_COUNT)
+
+    def test_has_the_type_library_of_its_width_as_a_resource(self):
+        with open(self.file, "rb") as dll, open(os.environ["TYPE_LIBRARY"], "rb") as library:
+            type_library = library.read()
+            self.assertIn(type_library, dll.read())
+        self.assertIn(b"KVX2800T.dll" if self.is_x86 else b"KVX2800T_64.dll", type_library)
 
     def test_import_libraries_offer_the_names_that_callers_use(self):
         expected = [f"_{name}@{size}" for name, size in self.decorated.items()] if self.is_x86 else self.exported()

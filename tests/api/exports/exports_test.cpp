@@ -45,9 +45,15 @@ Names allMatches(const std::string& text, const char* expression)
     return names;
 }
 
+/// The symbols with their versions; a version itself is an absolute one.
+std::string symbols()
+{
+    return outputOf("nm -D --defined-only --no-demangle '" KVX_LIBRARY "'");
+}
+
 Names exportedSymbols()
 {
-    return allMatches(outputOf("nm -D --defined-only --no-demangle '" KVX_LIBRARY "'"), R"([0-9a-f]+ \w (\S+))");
+    return allMatches(symbols(), R"([0-9a-f]+ [B-Za-z] ([^\s@]+))");
 }
 
 std::string headers()
@@ -69,6 +75,11 @@ TEST(Exports, TheLibraryExportsWhatTheHeaderDeclares)
 {
     EXPECT_FALSE(declaredFunctions().empty());
     EXPECT_EQ(exportedSymbols(), declaredFunctions());
+}
+
+TEST(Exports, EveryFunctionHasTheVersionThatProgramsAskFor)
+{
+    EXPECT_EQ(allMatches(symbols(), R"( (\S+)@@KVX2800T_1\n)"), declaredFunctions());
 }
 
 TEST(Exports, TheListOfExportsIsWhatTheHeaderDeclares)

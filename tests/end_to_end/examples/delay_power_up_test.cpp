@@ -18,7 +18,7 @@ using TextLines = std::vector<std::string>;
 TEST(DelayPowerUp, LoadsAProgramForEachRailAndStartsThemTogether)
 {
     VirtualInstrumentProcess instrument({"--load", "CH3=10"});
-    EXPECT_EQ(runPython(KVX_DELAY_POWER_UP, {instrument.resource(), "--gap", "0.2"}),
+    EXPECT_EQ(runPython({KVX_DELAY_POWER_UP, instrument.resource(), "--gap", "0.2"}),
               (FinishedProgram{0,
                                "OutputChannel4: 1.800 V after 0.000 s\n"
                                "OutputChannel3: 3.300 V after 0.200 s\n"
@@ -72,8 +72,8 @@ TEST(DelayPowerUp, LoadsAProgramForEachRailAndStartsThemTogether)
 TEST(DelayPowerUp, TakesRailsInTheirOrder)
 {
     const VirtualInstrumentProcess instrument;
-    EXPECT_EQ(runPython(KVX_DELAY_POWER_UP,
-                        {instrument.resource(), "--gap", "0.1", "--rail", "3=12", "--rail", "1=5", "--rail", "4=0.9"}),
+    EXPECT_EQ(runPython({KVX_DELAY_POWER_UP, instrument.resource(), "--gap", "0.1", "--rail", "OutputChannel3=12",
+                         "--rail", "OutputChannel1=5", "--rail", "OutputChannel4=0.9"}),
               (FinishedProgram{0,
                                "OutputChannel3: 12.000 V after 0.000 s\n"
                                "OutputChannel1: 5.000 V after 0.100 s\n"
@@ -88,7 +88,7 @@ TEST(DelayPowerUp, TakesRailsInTheirOrder)
 TEST(DelayPowerUp, SwitchesAllOffWhenOneTrips)
 {
     VirtualInstrumentProcess instrument({"--load", "CH3=10"});
-    EXPECT_EQ(runPython(KVX_DELAY_POWER_UP, {instrument.resource(), "--gap", "0.2", "--amperes", "0.1"}),
+    EXPECT_EQ(runPython({KVX_DELAY_POWER_UP, instrument.resource(), "--gap", "0.2", "--amperes", "0.1"}),
               (FinishedProgram{1,
                                "OutputChannel4: 1.800 V after 0.000 s\n"
                                "OutputChannel3: 3.300 V after 0.200 s\n"
@@ -100,16 +100,17 @@ TEST(DelayPowerUp, SwitchesAllOffWhenOneTrips)
 TEST(DelayPowerUp, SaysWhyItCouldNotOpen)
 {
     EXPECT_EQ(
-        runPython(KVX_DELAY_POWER_UP, {"BANANA"}),
+        runPython({KVX_DELAY_POWER_UP, "BANANA"}),
         (FinishedProgram{1, "",
-                         "delay_power_up.py: 0xBFFA4214 I/O error.  Insufficient location information or resource "
+                         "delay_power_up.py: KVX2800T_InitWithOptions: 0xBFFA4214 I/O error.  Insufficient location "
+                         "information or resource "
                          "not present in the system  Resource 'BANANA': VI_ERROR_INV_RSRC_NAME, the resource name "
                          "cannot be read.\n"}));
 }
 
 TEST(DelayPowerUp, WantsRailsThatItUnderstands)
 {
-    const FinishedProgram program = runPython(KVX_DELAY_POWER_UP, {"BANANA", "--rail", "five volts"});
+    const FinishedProgram program = runPython({KVX_DELAY_POWER_UP, "BANANA", "--rail", "five volts"});
     EXPECT_EQ(program.exitCode, 2);
     EXPECT_TRUE(program.errorOutput.ends_with("error: argument --rail: invalid rail value: 'five volts'\n"))
         << program.errorOutput;

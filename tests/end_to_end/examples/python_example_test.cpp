@@ -14,10 +14,10 @@ namespace kvxtest
 namespace
 {
 
-FinishedProgram runDemonstration(const std::vector<std::string>& arguments,
-                                 const std::vector<Variable>& environment = {})
+FinishedProgram runDemonstration(std::vector<std::string> arguments, const std::vector<Variable>& environment = {})
 {
-    return runPython(KVX_PYTHON_EXAMPLE, arguments, environment);
+    arguments.insert(arguments.begin(), {"-m", "kvx2800t"});
+    return runPython(arguments, environment);
 }
 
 /// What it prints without the profile; with it, details follow.
@@ -25,7 +25,8 @@ std::string demonstrationOn(const std::string& channel)
 {
     return "KVX2833T, firmware V1.00\n" + channel +
            ": 3.300 V, 0.500 A, output on\n"
-           "100 V: 0xBFFA4217 Attribute or function parameter value is invalid (out of range or not supported).";
+           "100 V: KVX2800T_SetAttributeViReal64: 0xBFFA4217 Attribute or function parameter value is invalid (out of "
+           "range or not supported).";
 }
 
 FinishedProgram withDetails(const std::string& demonstration, const std::string& details)
@@ -64,8 +65,7 @@ TEST(PythonDemonstration, TakesALogicalNameAndAVirtualOne)
 
 TEST(PythonDemonstration, SimulatesWithALibraryOfItsOwn)
 {
-    const FinishedProgram program = runProgram(
-        KVX_PYTHON, {"-B", KVX_PYTHON_EXAMPLE, "", "--simulate", "--no-profile", "--library", KVX_DRIVER_FILE});
+    const FinishedProgram program = runDemonstration({"", "--simulate", "--no-profile", "--library", KVX_DRIVER_FILE});
     EXPECT_EQ(program.exitCode, 0);
     EXPECT_TRUE(program.output.starts_with("KVX2803T, firmware Sim1.0.0.0\nOutputChannel3: ")) << program.output;
     EXPECT_EQ(program.errorOutput, "");
@@ -74,17 +74,20 @@ TEST(PythonDemonstration, SimulatesWithALibraryOfItsOwn)
 TEST(PythonDemonstration, SaysWhyItCouldNotOpen)
 {
     EXPECT_EQ(runDemonstration({"BANANA", "--no-profile"}),
-              (FinishedProgram{1, "",
-                               "kvx2800t.py: 0xBFFA4214 I/O error.  Insufficient location information or resource not "
-                               "present in the system\n"}));
+              (FinishedProgram{
+                  1, "",
+                  "kvx2800t: KVX2800T_init: 0xBFFA4214 I/O error.  Insufficient location information or resource not "
+                  "present in the system\n"}));
 }
 
 TEST(PythonDemonstration, SaysThatThereIsNoLibrary)
 {
     EXPECT_EQ(runDemonstration({"BANANA", "--library", "/no-such-folder/driver.so"}),
               (FinishedProgram{1, "",
-                               "kvx2800t.py: /no-such-folder/driver.so: cannot open shared object file: No such file "
-                               "or directory\n"}));
+                               "kvx2800t: the KVX2800T driver is not installed, or its library cannot be loaded. "
+                               "Looked at:\n  /no-such-folder/driver.so: there is no such file\n"
+                               "Install the driver, or name its library by the environment variable "
+                               "KVX2800T_LIBRARY.\n"}));
 }
 
 TEST(PythonDemonstration, WantsAResource)

@@ -8,13 +8,12 @@
 namespace kvxtest
 {
 
-/// Runs a program of examples/ that is in Python, with the driver of this build.
-inline FinishedProgram runPython(const std::string& program, std::vector<std::string> arguments,
-                                 std::vector<Variable> environment = {})
+/// Runs Python with the package and the driver of this build: a program, or a module behind "-m".
+inline FinishedProgram runPython(std::vector<std::string> arguments, std::vector<Variable> environment = {})
 {
-    // -B: nothing is written beside the example.
-    arguments.insert(arguments.begin(), {"-B", program});
-    environment.push_back({"KVX2800T_LIBRARY", KVX_DRIVER_FILE});
+    // Nothing is written beside the program.
+    arguments.insert(arguments.begin(), "-B");
+    environment.push_back({"PYTHONPATH", KVX_PYTHON_PACKAGE});
     return runProgram(KVX_PYTHON, arguments, environment);
 }
 

@@ -51,8 +51,8 @@ protected:
 TEST_F(SoakLog, WritesWhatTheMetersReadWithTheTimeSinceTheStart)
 {
     VirtualInstrumentProcess instrument({"--load", "CH3=10"});
-    EXPECT_EQ(runPython(KVX_SOAK_LOG, {instrument.resource(), path, "--channels", "OutputChannel3,OutputChannel4",
-                                       "--interval", "0.1", "--samples", "3"}),
+    EXPECT_EQ(runPython({KVX_SOAK_LOG, instrument.resource(), path, "--channels", "OutputChannel3,OutputChannel4",
+                         "--interval", "0.1", "--samples", "3"}),
               (FinishedProgram{0, "OutputChannel3,OutputChannel4: 5.000 V, at most 1.000 A\n3 samples\n", ""}));
     const Log log(path);
     EXPECT_EQ(log.values,
@@ -88,7 +88,7 @@ TEST_F(SoakLog, WritesWhatTheMetersReadWithTheTimeSinceTheStart)
 TEST_F(SoakLog, EndsWithATripAndKeepsWhatItHas)
 {
     VirtualInstrumentProcess instrument({"--load", "CH3=10"});
-    EXPECT_EQ(runPython(KVX_SOAK_LOG, {instrument.resource(), path, "--amperes", "0.3"}),
+    EXPECT_EQ(runPython({KVX_SOAK_LOG, instrument.resource(), path, "--amperes", "0.3"}),
               (FinishedProgram{1, "OutputChannel3: 5.000 V, at most 0.300 A\n",
                                "soak_log.py: OutputChannel3 has tripped: over-current\n"}));
     EXPECT_EQ(Log(path).values,
@@ -99,7 +99,7 @@ TEST_F(SoakLog, EndsWithATripAndKeepsWhatItHas)
 TEST_F(SoakLog, EndsWithCtrlC)
 {
     VirtualInstrumentProcess instrument({"--load", "CH3=10"});
-    const EnvironmentVariable library("KVX2800T_LIBRARY", KVX_DRIVER_FILE);
+    const EnvironmentVariable package("PYTHONPATH", KVX_PYTHON_PACKAGE);
     const EnvironmentVariable store("IVI_MASTER_STORE", nullptr);
     const EnvironmentVariable noStore("XDG_CONFIG_HOME", "/no-such-folder");
     ChildProcess program(KVX_PYTHON, {"-B", KVX_SOAK_LOG, instrument.resource(), path, "--samples", "1000000"});
@@ -114,7 +114,7 @@ TEST_F(SoakLog, SaysThatItCannotWriteItsFile)
 {
     VirtualInstrumentProcess instrument;
     const std::string missing = folder / "no-such-folder/soak.csv";
-    EXPECT_EQ(runPython(KVX_SOAK_LOG, {instrument.resource(), missing}),
+    EXPECT_EQ(runPython({KVX_SOAK_LOG, instrument.resource(), missing}),
               (FinishedProgram{1, "", "soak_log.py: [Errno 2] No such file or directory: '" + missing + "'\n"}));
     EXPECT_EQ(instrument.receivedLines(), (TextLines{}));
 }

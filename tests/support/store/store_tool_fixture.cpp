@@ -13,6 +13,16 @@ std::string exampleStore()
     return readFile(KVX_EXAMPLE_STORE);
 }
 
+std::string settingsStore()
+{
+    return readFile(KVX_SETTINGS_STORE);
+}
+
+std::string installedStore()
+{
+    return readFile(KVX_INSTALLED_STORE);
+}
+
 std::string replaced(std::string text, const std::string& from, const std::string& to)
 {
     const std::size_t place = text.find(from);

@@ -13,6 +13,12 @@ namespace kvxtest
 /// A store with one software module, one hardware asset, one driver session and one logical name, without a fault.
 std::string exampleStore();
 
+/// A store with a session of another driver, "Meter", whose module has settings of every type.
+std::string settingsStore();
+
+/// The store that is installed as an example.
+std::string installedStore();
+
 /// The text with the first `from` replaced; a failure of the test when there is none.
 std::string replaced(std::string text, const std::string& from, const std::string& to);
 
@@ -27,6 +33,18 @@ std::string complaint(Action action)
         return "";
     } catch (const store_tool::StoreError& error) {
         return error.what();
+    }
+}
+
+/// What an action that complains says can be done about it.
+template <class Action>
+std::string remedy(Action action)
+{
+    try {
+        action();
+        return "";
+    } catch (const store_tool::StoreError& error) {
+        return error.remedy();
     }
 }
 

@@ -16,6 +16,23 @@ inline constexpr ViUInt32 kShortMs = 20;
 inline constexpr ViUInt32 kLongMs = 60000;
 inline constexpr std::size_t kMebibyte = 1048576;
 
+/// What an action that waits in a session gives when another thread terminates it.
+template <class Action>
+ViStatus statusOnTerminate(ViSession session, Action action)
+{
+    std::atomic<ViStatus> status{VI_SUCCESS};
+    std::atomic<bool> isOver = false;
+    std::thread waiting([&] {
+        status = action();
+        isOver = true;
+    });
+    // The first may come before the action waits.
+    for (; !isOver; std::this_thread::sleep_for(std::chrono::milliseconds(1)))
+        EXPECT_EQ(viTerminate(session, VI_NULL, VI_NULL), VI_SUCCESS);
+    waiting.join();
+    return status;
+}
+
 /// A session with one peer, that waits long.
 template <class Peer>
 class VisaSession : public VisaTest

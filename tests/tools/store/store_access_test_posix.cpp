@@ -113,6 +113,8 @@ TEST_F(StoreAccess, SaysWhatCannotBeRead)
     ASSERT_EQ(::chmod(folder_.path().c_str(), 0755), 0);
     const PlainUser user;
     EXPECT_EQ(complaint([this] { readStoreFile(path_); }), "cannot read " + path_ + ": Permission denied");
+    EXPECT_EQ(remedy([this] { readStoreFile(path_); }),
+              "ask its owner for the right to read it, or name another file with --store");
     EXPECT_EQ(complaint([this] { replace("new"); }), "cannot read " + path_ + ": Permission denied");
 }
 

@@ -15,13 +15,22 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Not;
 
-/// The findings as LINE: PLACE: TEXT.
-std::vector<std::string> findings(const std::string& text)
+/// The findings of one kind as LINE: PLACE: TEXT.
+std::vector<std::string> findingsOf(FindingKind kind, const std::string& text)
 {
     std::vector<std::string> texts;
-    for (const Finding& finding : check(StoreText(text)))
-        texts.push_back(std::to_string(finding.line) + ": " + finding.place + ": " + finding.text);
+    for (const Finding& finding : check(StoreText(text))) {
+        if (finding.kind == kind)
+            texts.push_back(std::to_string(finding.line) + ": " + finding.place + ": " + finding.text);
+    }
     return texts;
+}
+
+/// Those about the format, which are all that there are.
+std::vector<std::string> findings(const std::string& text)
+{
+    EXPECT_THAT(findingsOf(FindingKind::Use, text), IsEmpty());
+    return findingsOf(FindingKind::Format, text);
 }
 
 /// The findings of the example store with one change.
@@ -30,17 +39,25 @@ std::vector<std::string> findingsWith(const std::string& from, const std::string
     return findings(replaced(exampleStore(), from, to));
 }
 
+std::vector<std::string> findingsWithSetting(const std::string& from, const std::string& to)
+{
+    return findings(replaced(settingsStore(), from, to));
+}
+
 std::string isNot(const std::string& value, const std::string& kind)
 {
     return "'" + value + "' is not " + kind;
 }
 
 const std::string kSession = "DriverSessions/IviDriverSession 'KVX2800T'";
+const std::string kMeter = "DriverSessions/IviDriverSession 'Meter 1'";
 const std::string kVirtual = kSession + "/VirtualNames/IviVirtualName ";
 
 TEST(StoreCheck, FindsNothingInSoundStores)
 {
     EXPECT_THAT(findings(exampleStore()), IsEmpty());
+    EXPECT_THAT(findings(settingsStore()), IsEmpty());
+    EXPECT_THAT(findings(installedStore()), IsEmpty());
     EXPECT_THAT(findings(emptyStoreText()), IsEmpty());
     EXPECT_THAT(findings("<IviConfigStore/>"), IsEmpty());
 }
@@ -55,7 +72,7 @@ TEST(StoreCheck, FindsTextsThatManyDriversCut)
         ASSERT_LT(begin, text.size()) << element;
         const auto end = text.find("</", begin);
         const auto withText = [&](const std::string& content) {
-            return findings(text.substr(0, begin) + content + text.substr(end));
+            return findingsOf(FindingKind::Format, text.substr(0, begin) + content + text.substr(end));
         };
         EXPECT_THAT(withText(longest), Not(Contains(testing::HasSubstr(" bytes, of which many drivers read "))))
             << element;
@@ -67,10 +84,10 @@ TEST(StoreCheck, FindsTextsThatManyDriversCut)
 TEST(StoreCheck, CountsWhiteSpaceAtTheEndsOfATextWhereDriversGetIt)
 {
     const std::string space(1023, ' ');
-    EXPECT_THAT(findingsWith("<Value>0.25</Value>", "<Value>\n" + space + "0.25\n</Value>"), IsEmpty());
+    EXPECT_THAT(findingsWithSetting("<Value>0.25</Value>", "<Value>\n" + space + "0.25\n</Value>"), IsEmpty());
     EXPECT_THAT(findingsWith("<RCName>OutputChannel</RCName>", "<RCName>" + space + "OutputChannel</RCName>"),
                 IsEmpty());
-    EXPECT_THAT(findingsWith("<Value>line 4</Value>", "<Value>" + space + "4</Value>"),
+    EXPECT_THAT(findingsWithSetting("<Value>line 4</Value>", "<Value>" + space + "4</Value>"),
                 ElementsAre(testing::EndsWith("Value: has 1024 bytes, of which many drivers read 1023")));
 }
 
@@ -141,13 +158,13 @@ TEST(StoreCheck, FindsBooleansThatAreNone)
 TEST(StoreCheck, FindsNumbersThatAreNone)
 {
     const std::string settings =
-        kSession + "/DataComponents/IviStructure 'Configurable Initial Settings'/DataComponents/";
+        kMeter + "/DataComponents/IviStructure 'Configurable Initial Settings'/DataComponents/";
     for (const std::string value : {"", "3.0", "2147483648", "x"})
-        EXPECT_THAT(findingsWith("<Value>3<", "<Value>" + value + "<"),
-                    ElementsAre("39: " + settings + "IviInteger 'Retries'/Value: " + isNot(value, "an integer")));
+        EXPECT_THAT(findingsWithSetting("<Value>3<", "<Value>" + value + "<"),
+                    ElementsAre("23: " + settings + "IviInteger 'Retries'/Value: " + isNot(value, "an integer")));
     for (const std::string value : {"", "0,25", "inf", "1e999"})
-        EXPECT_THAT(findingsWith("<Value>0.25<", "<Value>" + value + "<"),
-                    ElementsAre("40: " + settings + "IviReal 'Settling Time'/Value: " + isNot(value, "a real number")));
+        EXPECT_THAT(findingsWithSetting("<Value>0.25<", "<Value>" + value + "<"),
+                    ElementsAre("24: " + settings + "IviReal 'Settling Time'/Value: " + isNot(value, "a real number")));
 }
 
 TEST(StoreCheck, FindsWordsThatAreNone)
@@ -165,19 +182,19 @@ TEST(StoreCheck, FindsWordsThatAreNone)
 
 TEST(StoreCheck, FindsSettingsWithoutTheirTypeOrValue)
 {
-    const std::string inSession = kSession + "/DataComponents/IviStructure 'Configurable Initial Settings'";
+    const std::string inSession = kMeter + "/DataComponents/IviStructure 'Configurable Initial Settings'";
     const std::string inModule =
-        "SoftwareModules/IviSoftwareModule 'KVX2800T'/DataComponents/IviStructure 'Configurable Initial Settings'";
+        "SoftwareModules/IviSoftwareModule 'Meter'/DataComponents/IviStructure 'Configurable Initial Settings'";
     const std::array<std::pair<const char*, std::string>, 5> findingsWithout{{
-        {"<Type>Structure</Type>", "12: " + inModule + ": has no <Type>"},
-        {"<Type>String</Type>", "17: " + inModule + "/DataComponents/IviString 'Station': has no <Type>"},
-        {"<Value>1</Value>", "38: " + inSession + "/DataComponents/IviBoolean 'Trace': has no <Value>"},
-        {"<Value>3</Value>", "39: " + inSession + "/DataComponents/IviInteger 'Retries': has no <Value>"},
-        {"<Value>0.25</Value>", "40: " + inSession + "/DataComponents/IviReal 'Settling Time': has no <Value>"},
+        {"<Type>Structure</Type>", "5: " + inModule + ": has no <Type>"},
+        {"<Type>String</Type>", "10: " + inModule + "/DataComponents/IviString 'Station': has no <Type>"},
+        {"<Value>1</Value>", "22: " + inSession + "/DataComponents/IviBoolean 'Trace': has no <Value>"},
+        {"<Value>3</Value>", "23: " + inSession + "/DataComponents/IviInteger 'Retries': has no <Value>"},
+        {"<Value>0.25</Value>", "24: " + inSession + "/DataComponents/IviReal 'Settling Time': has no <Value>"},
     }};
     for (const auto& [element, finding] : findingsWithout)
-        EXPECT_THAT(findingsWith(element, ""), ElementsAre(finding));
-    EXPECT_THAT(findingsWith("<Value>line 4</Value>", ""), IsEmpty());
+        EXPECT_THAT(findingsWithSetting(element, ""), ElementsAre(finding));
+    EXPECT_THAT(findingsWithSetting("<Value>line 4</Value>", ""), IsEmpty());
 }
 
 TEST(StoreCheck, FindsTextThatIsNone)
@@ -218,8 +235,10 @@ TEST(StoreCheck, FindsVirtualNamesThatSelectorsCannotHave)
                 ElementsAre("46: " + kVirtual + "''/Name: is empty"));
     EXPECT_THAT(findingsWith("<MapTo>OutputChannel1</MapTo>", "<MapTo></MapTo>"),
                 ElementsAre("46: " + kVirtual + "'Core'/MapTo: is empty"));
-    EXPECT_THAT(findingsWith("<Name>Rail</Name><MapTo>OutputChannel</MapTo>", "<Name></Name><MapTo></MapTo>"),
-                IsEmpty());
+    EXPECT_THAT(
+        findingsOf(FindingKind::Format, replaced(exampleStore(), "<Name>Rail</Name><MapTo>OutputChannel</MapTo>",
+                                                 "<Name></Name><MapTo></MapTo>")),
+        IsEmpty());
 }
 
 TEST(StoreCheck, FindsVirtualNamesThatArePhysicalNames)
@@ -251,9 +270,12 @@ TEST(StoreCheck, FindsRangesThatAreNone)
     EXPECT_THAT(findingsWith("<Max>3</Max>", ""), ElementsAre("49: " + range + ": has no <Max>"));
     EXPECT_THAT(findingsWith("<Min>1</Min>", "<Min>-1</Min>"),
                 ElementsAre("49: " + range + "/Min: '-1' is not an index"));
-    EXPECT_THAT(findingsWith("<StartingPhysicalIndex>2<", "<StartingPhysicalIndex>2147483646<"),
-                ElementsAre("49: " + range + ": ends behind the largest index"));
-    EXPECT_THAT(findingsWith("<StartingPhysicalIndex>2<", "<StartingPhysicalIndex>2147483645<"), IsEmpty());
+    const auto findingsFrom = [](const std::string& start) {
+        return findingsOf(FindingKind::Format, replaced(exampleStore(), "<StartingPhysicalIndex>2<",
+                                                        "<StartingPhysicalIndex>" + start + "<"));
+    };
+    EXPECT_THAT(findingsFrom("2147483646"), ElementsAre("49: " + range + ": ends behind the largest index"));
+    EXPECT_THAT(findingsFrom("2147483645"), IsEmpty());
 }
 
 TEST(StoreCheck, FindsRangesThatOverlap)
@@ -265,6 +287,19 @@ TEST(StoreCheck, FindsRangesThatOverlap)
                 ElementsAre("48: " + kVirtual + "'Rail': has ranges that overlap: 'more' and 'Rails 1-3'"));
     EXPECT_THAT(findingsWith("<VirtualRanges>\n", "<VirtualRanges>" + replaced(other, "<Min>3", "<Min>4") + "\n"),
                 IsEmpty());
+}
+
+TEST(StoreCheck, TellsBothKindsInTheOrderOfTheFile)
+{
+    std::string text = replaced(exampleStore(), "<Cache>1<", "<Cache>x<");
+    text = replaced(text, "TCPIP0::127.0.0.1::5025::SOCKET", "TCPIP0::5025::SOCKET");
+    text = replaced(text, "<DriverSetup><", "<DriverSetup>IoTimeout<");
+    text = replaced(text, "<InterchangeCheck>0<", "<InterchangeCheck>x<");
+    std::vector<std::pair<FindingKind, std::size_t>> kindsAndLines;
+    for (const Finding& finding : check(StoreText(text)))
+        kindsAndLines.emplace_back(finding.kind, finding.line);
+    EXPECT_THAT(kindsAndLines, ElementsAre(std::pair(FindingKind::Use, 32U), std::pair(FindingKind::Format, 51U),
+                                           std::pair(FindingKind::Use, 51U), std::pair(FindingKind::Format, 51U)));
 }
 
 TEST(StoreCheck, TellsFaultsOfTheFileFromTerminalsAndKeepsThemShort)

@@ -34,7 +34,7 @@ SessionEntry fullEntry()
     entry.driverSetup = "Model:KVX2833T";
     entry.flags = {true, false, true, false, true, false};
     entry.virtualNames = {{"Core", "OutputChannel1"}, {"Rail", "OutputChannel", {{1, 3, 2}, {5, 6, 1}}}};
-    entry.settings = {{settingTypeOf("real"), "Settling Time", "0.5"}, {settingTypeOf("string"), "Note", " a<b "}};
+    entry.settings = {{settingTypeOf("string"), "model", " a<b "}};
     return entry;
 }
 
@@ -89,11 +89,14 @@ TEST(StoreEdit, AddsAllThatBelongsToASession)
 
 TEST(StoreEdit, GivesASessionTheSettingsThatItsModuleRequires)
 {
-    StoreText store(replaced(exampleStore(),
+    StoreText store(replaced(settingsStore(),
                              "<ReadOnly>1</ReadOnly><UsedInSession>Required</UsedInSession><Type>Boolean",
                              "<ReadOnly>1</ReadOnly><UsedInSession>optional</UsedInSession><Type>Boolean"));
-    add(store, fullEntry());
-    const auto settings = settingsOf(*findNamed(store.root(), "DriverSessions", "IviDriverSession", "Rack & <2>"));
+    SessionEntry entry = entryNamed("Rack");
+    entry.softwareModule = "Meter";
+    entry.settings = {{settingTypeOf("real"), "Settling Time", "0.5"}, {settingTypeOf("string"), "Note", " a<b "}};
+    add(store, entry);
+    const auto settings = settingsOf(*findNamed(store.root(), "DriverSessions", "IviDriverSession", "Rack"));
     ASSERT_EQ(settings.size(), 4U);
     EXPECT_EQ(settings[0].name, "Retries");
     EXPECT_EQ(settings[0].value, "0");
@@ -108,8 +111,9 @@ TEST(StoreEdit, GivesASessionTheSettingsThatItsModuleRequires)
 
 TEST(StoreEdit, RefusesASettingOfAnotherTypeThanTheModules)
 {
-    StoreText store(exampleStore());
+    StoreText store(settingsStore());
     SessionEntry entry = entryNamed("Rack");
+    entry.softwareModule = "Meter";
     entry.settings = {{settingTypeOf("string"), "Retries", "3"}};
     EXPECT_EQ(complaint([&] { add(store, entry); }),
               "the setting 'Retries' has the type integer in the software module");
@@ -118,8 +122,9 @@ TEST(StoreEdit, RefusesASettingOfAnotherTypeThanTheModules)
 TEST(StoreEdit, RefusesASettingThatIsGivenTwice)
 {
     const auto refusal = [](const std::string& name, const std::string& otherType) {
-        StoreText store(exampleStore());
+        StoreText store(settingsStore());
         SessionEntry entry = entryNamed("Rack");
+        entry.softwareModule = "Meter";
         entry.settings = {{settingTypeOf("real"), name, "1"}, {settingTypeOf(otherType), name, "2"}};
         return complaint([&] { add(store, entry); });
     };

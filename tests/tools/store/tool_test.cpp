@@ -24,10 +24,7 @@ driver sessions
     virtual name     Core -> OutputChannel1
     virtual name     Pair -> OutputChannel1,OutputChannel2
     virtual names    Rail -> OutputChannel, 1 to 3 from 2 on
-    setting          Trace (boolean) = 1
-    setting          Retries (integer) = 3
-    setting          Settling Time (real) = 0.25
-    setting          Station (string) = "line 4"
+    setting          model (string) = "KVX2833T"
     flags            Cache=1 InterchangeCheck=0 QueryInstrStatus=0 RangeCheck=1 RecordCoercions=0 Simulate=0
 other sessions
   (none)
@@ -38,6 +35,30 @@ software modules
     prefix           KVX2800T
     models           KVX2833T
     physical names   OutputChannel1 OutputChannel2 OutputChannel3 OutputChannel4 OutputChannel5 OutputChannel6
+    setting          model (string) = ""
+)");
+}
+
+TEST_F(Program, ListsSettingsOfEveryType)
+{
+    writeFile(path_, settingsStore());
+    EXPECT_EQ(run({"list"}).output, "store " + path_ + R"(
+driver sessions
+  Meter 1
+    hardware asset   Bench meter (GPIB0::7::INSTR)
+    software module  Meter
+    setting          Trace (boolean) = 1
+    setting          Retries (integer) = 3
+    setting          Settling Time (real) = 0.25
+    setting          Station (string) = "line 4"
+    flags            Cache=1 InterchangeCheck=0 QueryInstrStatus=0 RangeCheck=1 RecordCoercions=0 Simulate=0
+other sessions
+  (none)
+logical names
+  (none)
+software modules
+  Meter - A driver that reads settings of every type
+    prefix           Meter
     setting          Trace (boolean) = 0
     setting          Retries (integer) = 0
     setting          Settling Time (real) = 0.1
@@ -161,6 +182,94 @@ TEST_F(Program, WritesNothingThatItsOwnCheckWouldRefuse)
     expectRefusal({"remove", "KVX2800T"}, 1, "  Own: refers to 'p16', which is nowhere\n");
 }
 
+TEST_F(Program, WarnsOfWhatFailsOrHasNoEffectInWhatItHasWritten)
+{
+    writeFile(path_, replaced(exampleStore(), "<DriverSetup></DriverSetup>", "<DriverSetup>BaudRate:x</DriverSetup>"));
+    const Outcome outcome = run({"add", "Rack", "--resource", "TCPIP0::10.0.0.5::SOCKET", "--driver-setup",
+                                 "IoTimeout:x", "--interchange-check", "1", "--virtual", "Core=CH7", "--virtual-range",
+                                 "Rail=OutputChannel:1-4@4", "--set", "boolean:Trace=1"});
+    EXPECT_EQ(outcome.exitCode, 0);
+    EXPECT_EQ(outcome.output, "added hardware asset 'Rack'\nadded driver session 'Rack'\n");
+    const std::string warning = "kvx2800t-store: warning: ";
+    const std::string inRack = warning + "DriverSessions/IviDriverSession 'Rack'/";
+    EXPECT_EQ(outcome.errors,
+              warning +
+                  "HardwareAssets/IviHardwareAsset 'Rack'/IOResourceDescriptor: 'TCPIP0::10.0.0.5::SOCKET' is no VISA "
+                  "resource name\n" +
+                  inRack +
+                  "DataComponents/IviStructure 'Configurable Initial Settings'/DataComponents/IviBoolean 'Trace': has "
+                  "no effect: the driver reads the string 'model' alone\n" +
+                  inRack + "VirtualNames/IviVirtualName 'Core': maps to 'CH7', which is no channel\n" + inRack +
+                  "VirtualNames/IviVirtualName 'Rail': maps 'Rail4' to 'OutputChannel7', which is no channel\n" +
+                  inRack +
+                  "DriverSetup: no session opens with it: 'x' is no value of its key (IVI_ERROR_BAD_OPTION_VALUE)\n" +
+                  inRack +
+                  "InterchangeCheck: no session opens with it: the driver has no such check "
+                  "(IVI_ERROR_BAD_OPTION_VALUE)\n");
+    EXPECT_THAT(readFile(path_), HasSubstr("<MapTo>CH7</MapTo>"));
+    EXPECT_EQ(run({"remove", "Rack"}).errors, "");
+    EXPECT_EQ(run({"check"}).exitCode, 1);
+}
+
+TEST_F(Program, PrintsWhatFailsLaterAmongTheFaultsOfTheFormat)
+{
+    writeFile(path_, replaced(replaced(exampleStore(), "<Cache>1<", "<Cache>maybe<"), "<MapTo>OutputChannel1</MapTo>",
+                              "<MapTo>Output7</MapTo>"));
+    const Outcome outcome = run({"check"});
+    EXPECT_EQ(outcome.exitCode, 1);
+    EXPECT_EQ(outcome.errors, "");
+    EXPECT_EQ(outcome.output,
+              path_ +
+                  ":46: DriverSessions/IviDriverSession 'KVX2800T'/VirtualNames/IviVirtualName 'Core': maps to "
+                  "'Output7', which is no channel\n" +
+                  path_ + ":51: DriverSessions/IviDriverSession 'KVX2800T'/Cache: 'maybe' is not a boolean\n");
+}
+
+TEST_F(Program, SaysWhatCanBeDoneAboutAStoreThatCannotBeRead)
+{
+    const auto expectError = [this](const std::string& complaint, const std::string& remedy) {
+        for (const std::string command : {"check", "list"}) {
+            const Outcome outcome = run({command});
+            EXPECT_EQ(outcome.exitCode, 1) << complaint;
+            EXPECT_EQ(outcome.output, "");
+            EXPECT_EQ(outcome.errors, "kvx2800t-store: " + path_ + complaint + "\n  " + remedy + "\n");
+        }
+    };
+    const std::string mend = "drivers cannot read it either: mend it with a text editor, or put a copy back";
+    const std::string save = "save it as UTF-8 with an editor, and let its first line say encoding=\"UTF-8\"";
+    writeFile(path_, "no XML");
+    expectError(": not well-formed XML: line 1: expected <", mend);
+    writeFile(path_, "<IviConfigStore>\n<a></b></IviConfigStore>");
+    expectError(": not well-formed XML: line 2: invalid closing tag name", mend);
+    writeFile(path_, std::string("<IviConfigStore>\0</IviConfigStore>", 34));
+    expectError(": not well-formed XML: it has a zero byte", mend);
+    writeFile(path_, storeWith(repeated("<a/>", config_server::kMostElements)));
+    expectError(": not well-formed XML, or more than " + std::to_string(config_server::kMostElements) +
+                    " elements or " + std::to_string(config_server::kDeepestNesting) + " levels",
+                mend);
+    writeFile(path_, "<?xml version='1.0' encoding='ISO-8859-1'?><IviConfigStore/>");
+    expectError(": the encoding 'ISO-8859-1' is not UTF-8", save);
+    for (const std::string mark : {"\xFF\xFE", "\xFE\xFF"}) {
+        writeFile(path_, mark + std::string("<\0?\0", 4));
+        expectError(": the encoding UTF-16 is not UTF-8", save);
+    }
+    writeFile(path_, "<settings/>");
+    expectError(": not a configuration store: the root element is <settings>",
+                "name the file of the store with --store; its root element is <IviConfigStore>");
+    std::filesystem::remove(path_);
+    std::filesystem::create_directory(path_);
+    expectError(" is not a file",
+                "name the file of the store with --store, such as IviConfigurationStore.xml in a folder");
+}
+
+TEST_F(Program, FindsBytesThatAreNotUtf8)
+{
+    writeFile(path_, replaced(exampleStore(), "<Description>Example store<", "<Description>caf\xE9<"));
+    const Outcome outcome = run({"check"});
+    EXPECT_EQ(outcome.exitCode, 1);
+    EXPECT_EQ(outcome.output, path_ + ":3: Description: has control characters or is not UTF-8\n");
+}
+
 TEST_F(Program, ChangesStoresThatHadFindingsBefore)
 {
     writeFile(path_, replaced(exampleStore(), "<Simulate>0</Simulate>", "<Simulate>maybe</Simulate><Own/>"));
@@ -250,7 +359,8 @@ TEST_F(Program, RefusesFilesBeyondTheLimits)
     const Outcome outcome = run({"check"});
     EXPECT_EQ(outcome.exitCode, 1);
     EXPECT_EQ(outcome.errors, "kvx2800t-store: " + path_ + " is larger than " +
-                                  std::to_string(config_server::kLargestFile) + " bytes\n");
+                                  std::to_string(config_server::kLargestFile) +
+                                  " bytes\n  drivers cannot read it either: take out what nothing needs\n");
 }
 
 TEST_F(Program, FindsTheStoreAsTheConfigurationServerDoes)

@@ -1,6 +1,7 @@
 """A session by VXI-11 through PyVISA: messages, status byte, clear, trigger, locks and time-outs.
 
-Takes the resource name of an instrument that has 10 ohms at channel 1. Ends with an exception where the instrument does not answer as it should.
+Takes the resource name of an instrument that has 10 ohms at channel 1, and the VISA library to use, PyVISA-py without
+one. Ends with an exception where the instrument does not answer as it should.
 """
 
 import sys
@@ -56,8 +57,8 @@ def lock(instrument):
     instrument.unlock()
 
 
-def main(resource):
-    manager = pyvisa.ResourceManager("@py")
+def main(resource, library="@py"):
+    manager = pyvisa.ResourceManager(library)
     instrument = manager.open_resource(
         resource, read_termination="\n", write_termination="\n", timeout=TIMEOUT_MS
     )

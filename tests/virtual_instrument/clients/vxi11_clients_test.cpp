@@ -5,6 +5,7 @@
 #include <gmock/gmock.h>
 
 #include <filesystem>
+#include <string>
 
 namespace
 {
@@ -38,6 +39,18 @@ TEST_F(Vxi11Clients, PyVisaHoldsASession)
     const auto outcome = run(KVX_CLIENT_PYTHON, {"-B", KVX_CLIENT_SCRIPT, "TCPIP0::127.0.0.1::inst0::INSTR"});
     EXPECT_EQ(outcome.exitCode, 0) << outcome.errorOutput;
     EXPECT_THAT(outcome.lines, ElementsAre("done"));
+}
+
+TEST_F(Vxi11Clients, PyVisaHoldsASessionThroughOurVisa)
+{
+    if (std::string(KVX_CLIENT_VISA).empty())
+        GTEST_SKIP() << "a Python without sanitizers does not load a library that has them";
+    VirtualInstrumentProcess instrument({"--vxi11", "--load", "CH1=10"});
+    const auto outcome =
+        run(KVX_CLIENT_PYTHON, {"-B", KVX_CLIENT_SCRIPT, "TCPIP0::127.0.0.1::inst0::INSTR", KVX_CLIENT_VISA});
+    EXPECT_EQ(outcome.exitCode, 0) << outcome.errorOutput;
+    EXPECT_THAT(outcome.lines, ElementsAre("done"));
+    EXPECT_EQ(instrument.receivedLines().at(0), ":SOUR1:VOLT 5");
 }
 
 TEST_F(Vxi11Clients, LxiToolsAskAndSet)

@@ -3,7 +3,6 @@
 usage: find_on_networks_test.py VISA_LIBRARY VIRTUAL_INSTRUMENT; ends with 77 where the host gives no such network.
 """
 import ctypes
-import fcntl
 import os
 import shutil
 import socket
@@ -12,31 +11,10 @@ import subprocess
 import sys
 import threading
 
-SKIPPED = 77
-NETWORK_MADE = "KVX_OWN_NETWORK"
+sys.path.append(os.path.join(os.path.dirname(__file__), "../../support/processes"))
+import own_network
+
 ADDRESS = "192.0.2.1"
-
-
-def skip(reason):
-    print("skipped: " + reason)
-    sys.exit(SKIPPED)
-
-
-def enter_own_network():
-    """Starts this script again in a namespace, where nothing reaches other machines."""
-    if os.environ.get(NETWORK_MADE):
-        return
-    if shutil.which("unshare") is None or subprocess.run(["unshare", "-rn", "true"], capture_output=True).returncode:
-        skip("no network namespace of the user's own")
-    sys.exit(subprocess.run(["unshare", "-rn", sys.executable, *sys.argv], env={**os.environ, NETWORK_MADE: "1"}).returncode)
-
-
-def start_loopback():
-    get_flags, set_flags, up = 0x8913, 0x8914, 1
-    with socket.socket(socket.AF_INET, socket.SOCK_DGRAM) as any_socket:
-        request = fcntl.ioctl(any_socket, get_flags, struct.pack("16sH14x", b"lo", 0))
-        flags = struct.unpack("16sH14x", request)[1]
-        fcntl.ioctl(any_socket, set_flags, struct.pack("16sH14x", b"lo", flags | up))
 
 
 def add_network():
@@ -141,8 +119,7 @@ def test_network(visa, program):
 
 
 def main():
-    enter_own_network()
-    start_loopback()
+    own_network.enter()
     visa, program = Visa(sys.argv[1]), sys.argv[2]
     test_loopback(visa, program)
     if add_network():

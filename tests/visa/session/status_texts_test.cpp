@@ -48,6 +48,14 @@ TEST(VisaStatusDesc, ResourceThatNothingReachesIsNotTakenForABadName)
                  "The resource string is understood, but this library has nothing that reaches such a resource.");
 }
 
+TEST(VisaStatusDesc, DeviceThatMayNotBeOpenedNamesTheRuleThatHelps)
+{
+    std::array<ViChar, 256> text{};
+    EXPECT_EQ(viStatusDesc(VI_NULL, VI_ERROR_NPERMISSION, text.data()), VI_SUCCESS);
+    EXPECT_STREQ(text.data(), "The user may not open the device; for USB instruments, the udev rule "
+                              "70-kvvisa-usbtmc.rules allows it.");
+}
+
 TEST(VisaStatusDesc, UnknownCodeIsNamedWithAWarning)
 {
     std::array<ViChar, 256> text{};

@@ -23,10 +23,10 @@ InstrumentLink::~InstrumentLink()
 {
     hub_.remove(*this);
     auto& locks = hub_.locks();
-    access_.stop(locks);
-    lockRequest_.stop(locks);
-    if (panelWait_)
-        locks.cancel(*panelWait_);
+    for (const auto& wait : {access_.id, lockRequest_.id, panelWait_}) {
+        if (wait)
+            locks.cancel(*wait);
+    }
     locks.releaseAll(this);
 }
 
@@ -225,7 +225,7 @@ void InstrumentLink::Wait::stop(DeviceLocks& locks)
     id.reset();
 }
 
-void InstrumentLink::whenAccessible(std::optional<Duration> timeout, std::function<void(bool)> then)
+void InstrumentLink::whenAccessible(std::optional<Duration> timeout, const std::function<void(bool)>& then)
 {
     stopWaitingForAccess();
     if (hasAccess())

@@ -48,6 +48,7 @@ public:
     class Events
     {
     public:
+        virtual ~Events() = default;
         Events(const Events&) = delete;
         Events& operator=(const Events&) = delete;
 
@@ -60,7 +61,6 @@ public:
 
     protected:
         Events() = default;
-        ~Events() = default;
     };
 
     /// `name` is the client's in the journal; `events` must outlive the link.
@@ -133,7 +133,7 @@ public:
 
     /// Calls `then` once, now or later: true as soon as there is access, false when `timeout` is over; no time-out:
     /// waits as long as it takes. One such wait at a time; another takes its place.
-    void whenAccessible(std::optional<Duration> timeout, std::function<void(bool)> then);
+    void whenAccessible(std::optional<Duration> timeout, const std::function<void(bool)>& then);
     void stopWaitingForAccess() { access_.stop(hub_.locks()); }
 
     /// The answer to a request for a lock: exclusive for an empty key. Unavailable comes when `timeout` is over. One

@@ -24,8 +24,9 @@ const udp::endpoint& group()
 
 } // namespace
 
-MdnsResponder::MdnsResponder(asio::io_context& context, const address_v4& address, mdns::ServiceRecords records)
-    : context_(context), address_(address), records_(std::move(records)), socket_(context, udp::v4()), pause_(context)
+MdnsResponder::MdnsResponder(asio::io_context& context, address_v4 address, mdns::ServiceRecords records)
+    : context_(context), address_(std::move(address)), records_(std::move(records)), socket_(context, udp::v4()),
+      pause_(context)
 {
     // The host's own responder has the port as well.
     socket_.set_option(udp::socket::reuse_address(true));

@@ -20,7 +20,7 @@ public:
     /// Throws std::system_error when the port of multicast DNS cannot be had.
     /// @param address where the services are; 0.0.0.0 announces on the host's first interface, and answers each asker
     ///                with the address that it reaches
-    MdnsResponder(asio::io_context& context, const asio::ip::address_v4& address, mdns::ServiceRecords records);
+    MdnsResponder(asio::io_context& context, asio::ip::address_v4 address, mdns::ServiceRecords records);
 
 private:
     using Endpoint = asio::ip::udp::endpoint;

@@ -3,42 +3,9 @@
 #include <algorithm>
 #include <cstring>
 #include <mutex>
-#include <thread>
 
 namespace visa
 {
-namespace
-{
-
-/// Keeps those who send apart. tell() never holds it for long.
-class SendingTurn
-{
-public:
-    explicit SendingTurn(std::atomic_flag& flag) : flag_(flag)
-    {
-        while (flag_.test_and_set(std::memory_order_acquire))
-            std::this_thread::yield();
-    }
-    SendingTurn(std::atomic_flag& flag, std::try_to_lock_t)
-        : flag_(flag), isMine_(!flag.test_and_set(std::memory_order_acquire))
-    {
-    }
-    ~SendingTurn()
-    {
-        if (isMine_)
-            flag_.clear(std::memory_order_release);
-    }
-    SendingTurn(const SendingTurn&) = delete;
-    SendingTurn& operator=(const SendingTurn&) = delete;
-
-    bool isMine() const { return isMine_; }
-
-private:
-    std::atomic_flag& flag_;
-    bool isMine_ = true;
-};
-
-} // namespace
 
 HislipChannel::HislipChannel(std::unique_ptr<Stream> stream, std::size_t inputSize)
     : stream_(std::move(stream)), input_(inputSize)
@@ -51,7 +18,12 @@ ViStatus HislipChannel::send(const HislipHeader& header, std::span<const ViByte>
                              std::size_t& count)
 {
     count = 0;
-    const SendingTurn turn(sending_);
+    const std::lock_guard sending(sending_);
+    if (isTold_ && owes()) {
+        if (const ViStatus told = sendOwedBytes(deadline); told < 0)
+            return told;
+    }
+    isTold_ = false;
     HislipHeader whole = header;
     whole.length = payload.size();
     encode(whole, std::span(output_).first<kHislipHeaderSize>());
@@ -79,8 +51,8 @@ ViStatus HislipChannel::send(const HislipHeader& header, std::span<const ViByte>
 
 bool HislipChannel::owesOutput()
 {
-    const SendingTurn turn(sending_);
-    return owes();
+    const std::lock_guard sending(sending_);
+    return owes() && !isTold_;
 }
 
 ViStatus HislipChannel::sendOwedBytes(const Deadline& deadline)
@@ -93,7 +65,7 @@ ViStatus HislipChannel::sendOwedBytes(const Deadline& deadline)
 
 ViStatus HislipChannel::sendOwed(const Deadline& deadline)
 {
-    const SendingTurn turn(sending_);
+    const std::lock_guard sending(sending_);
     ViStatus status = sendOwedBytes(deadline);
     while (status >= 0 && owedPayload_ > 0) {
         owedBegin_ = 0;
@@ -107,12 +79,13 @@ ViStatus HislipChannel::sendOwed(const Deadline& deadline)
 
 void HislipChannel::tell(const HislipHeader& header)
 {
-    const SendingTurn turn(sending_, std::try_to_lock);
-    if (!turn.isMine() || owes())
+    const std::unique_lock sending(sending_, std::try_to_lock);
+    if (!sending || owes())
         return;
     encode(header, std::span(output_).first<kHislipHeaderSize>());
     owedBegin_ = 0;
     owedEnd_ = kHislipHeaderSize;
+    isTold_ = true;
     sendOwedBytes(Deadline(VI_TMO_IMMEDIATE));
     if (owedBegin_ == 0)
         owedEnd_ = 0;

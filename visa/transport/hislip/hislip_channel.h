@@ -1,10 +1,10 @@
 #pragma once
 
+#include "visa/host/quick_mutex.h"
 #include "visa/transport/hislip/hislip_message.h"
 #include "visa/transport/stream.h"
 
 #include <array>
-#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -37,7 +37,8 @@ public:
     /// Sends the rest of that message with blanks for its bytes, for a device that will not look at them.
     ViStatus sendOwed(const Deadline& deadline);
 
-    /// Sends a message without a payload if that is possible at once, whatever becomes of it.
+    /// Sends a message without a payload if that is possible at once, whatever becomes of it. The rest of one that has
+    /// gone in part is sent in front of the next message.
     void tell(const HislipHeader& header);
 
     // Receiving ------------------------------------------------------------------------------------------------------
@@ -78,7 +79,8 @@ private:
     std::size_t owedBegin_ = 0;
     std::size_t owedEnd_ = 0;
     std::uint64_t owedPayload_ = 0; ///< behind those
-    std::atomic_flag sending_;
+    bool isTold_ = false;           ///< they are tell()'s
+    QuickMutex sending_;            ///< held while something is sent; guards what is owed
 
     std::vector<ViByte> input_;
     std::size_t begin_ = 0;

@@ -3,6 +3,7 @@
 #include "visa/transport/hislip/hislip_channel.h"
 #include "visa/transport/hislip/hislip_message.h"
 #include "visa/transport/tcp/tcp_stream.h"
+#include "visa/transport/turn.h"
 
 #include <algorithm>
 #include <array>
@@ -10,7 +11,6 @@
 #include <cstring>
 #include <limits>
 #include <mutex>
-#include <string_view>
 
 namespace visa
 {
@@ -47,24 +47,6 @@ constexpr std::uint64_t kUsualPayload = std::uint64_t{1024} * kBytesPerKilobyte;
 constexpr ViUInt32 kSettingMs = 2000;
 /// How much later than at the end of its time a device may tell that a lock is not to be had.
 constexpr int kLockGraceMs = 2000;
-constexpr std::size_t kMostHislipDropped = std::size_t{16} * 1024 * 1024;
-
-/// The one who may use a channel in one direction, as soon as nobody else does.
-class HislipTurn
-{
-public:
-    HislipTurn(std::timed_mutex& mutex, const Deadline& deadline) : lock_(mutex, std::try_to_lock)
-    {
-        if (!lock_)
-            lock_ = std::unique_lock(mutex,
-                                     std::chrono::milliseconds(deadline.remainingMs(std::numeric_limits<int>::max())));
-    }
-
-    explicit operator bool() const { return lock_.owns_lock(); }
-
-private:
-    std::unique_lock<std::timed_mutex> lock_;
-};
 
 /// The answer to a question on the asynchronous channel.
 struct Answer
@@ -159,11 +141,11 @@ private:
     /// A device clear has begun, and the device drops what is sent until it is complete.
     std::atomic<bool> isClearing_ = false;
 
-    std::timed_mutex sending_;
+    Turn sending_;
     std::uint32_t nextId_ = kFirstId;
     std::atomic<std::uint32_t> lastSentId_ = kBeforeFirstId;
 
-    std::timed_mutex reading_;
+    Turn reading_;
     bool isInMessage_ = false;
     HislipHeader message_;                                        ///< the one that is being read
     std::atomic<std::uint32_t> lastDeliveredId_ = kBeforeFirstId; ///< overlapped
@@ -173,7 +155,7 @@ private:
     /// there are more, nothing may be sent, as long as there are fewer, replies are void.
     std::atomic<int> interruptions_ = 0;
 
-    std::timed_mutex asking_;
+    Turn asking_;
     /// Answers that nobody waits for any more, by their type.
     std::array<std::uint32_t, kHislipTypes> unanswered_{};
 };
@@ -203,6 +185,8 @@ ViStatus HislipTransport::told(ViStatus status) const
 void HislipTransport::interrupt() noexcept
 {
     isClosing_ = true;
+    for (Turn* const turn : {&sending_, &reading_, &asking_})
+        turn->interrupt([] {});
     synchronous_.stream().interrupt();
     asynchronous_.stream().interrupt();
 }
@@ -226,9 +210,9 @@ ViStatus HislipTransport::join(std::uint16_t sessionId, const Deadline& deadline
 ViStatus HislipTransport::ask(const HislipHeader& question, std::span<const ViByte> payload, HislipType answerType,
                               const Deadline& deadline, Answer& answer)
 {
-    const HislipTurn turn(asking_, deadline);
-    if (!turn)
-        return VI_ERROR_TMO;
+    const TurnTaken turn(asking_, deadline);
+    if (turn.status() < 0)
+        return turn.status();
     if (isLost_)
         return VI_ERROR_CONN_LOST;
     ViStatus status = awaitInterruption(deadline);
@@ -237,7 +221,7 @@ ViStatus HislipTransport::ask(const HislipHeader& question, std::span<const ViBy
     if (status < 0)
         return told(status);
     status = awaitAnswer(answerType, deadline, answer);
-    if (status == VI_ERROR_TMO)
+    if (status == VI_ERROR_TMO || status == VI_ERROR_ABORT)
         ++unanswered(answerType);
     return told(status);
 }
@@ -370,9 +354,9 @@ std::optional<ViAccessMode> HislipTransport::lockState(const Terms& terms)
 ViStatus HislipTransport::read(std::span<ViByte> buffer, const Terms& terms, std::size_t& count)
 {
     count = 0;
-    const HislipTurn turn(reading_, terms.deadline);
-    if (!turn)
-        return VI_ERROR_TMO;
+    const TurnTaken turn(reading_, terms.deadline);
+    if (turn.status() < 0)
+        return turn.status();
     while (count < buffer.size()) {
         if (isLost_)
             return VI_ERROR_CONN_LOST;
@@ -463,21 +447,21 @@ ViStatus HislipTransport::nextMessage(const Deadline& deadline, std::size_t& cou
 /// A question makes void what has come in answer to an earlier one.
 void HislipTransport::dropArrivedReplies()
 {
-    const std::unique_lock reading(reading_, std::try_to_lock);
+    const TurnTaken reading(reading_, std::try_to_lock);
     // Whoever reads knows an answer to an earlier question by its number.
-    if (!reading)
-        return;
-    isInMessage_ = false;
+    if (reading.status() >= 0)
+        isInMessage_ = false;
 }
 
 ViStatus HislipTransport::discardInput(const Terms& terms)
 {
-    const std::unique_lock reading(reading_, std::try_to_lock);
-    if (!reading)
+    const TurnTaken reading(reading_, std::try_to_lock);
+    if (reading.status() < 0)
         return VI_SUCCESS;
     isInMessage_ = false;
+    constexpr std::uint64_t kMostDiscarded = std::uint64_t{16} * 1024 * 1024;
     const Deadline now(VI_TMO_IMMEDIATE);
-    for (std::uint64_t dropped = 0; dropped < kMostHislipDropped && !isLost_; dropped += message_.length) {
+    for (std::uint64_t discarded = 0; discarded < kMostDiscarded && !isLost_; discarded += message_.length) {
         std::size_t none = 0;
         const ViStatus status = nextMessage(now, none);
         if (status == VI_ERROR_TMO)
@@ -504,8 +488,8 @@ ViStatus HislipTransport::readyToSend(const Deadline& deadline)
         dropArrivedReplies();
     if (interruptions_ <= 0)
         return VI_SUCCESS;
-    const HislipTurn turn(asking_, deadline);
-    return turn ? awaitInterruption(deadline) : VI_ERROR_TMO;
+    const TurnTaken turn(asking_, deadline);
+    return turn.status() < 0 ? turn.status() : awaitInterruption(deadline);
 }
 
 ViStatus HislipTransport::sendNumbered(HislipType type, std::span<const ViByte> payload, const Deadline& deadline,
@@ -529,9 +513,9 @@ ViStatus HislipTransport::sendNumbered(HislipType type, std::span<const ViByte> 
 ViStatus HislipTransport::write(std::span<const ViByte> bytes, const Terms& terms, std::size_t& count)
 {
     count = 0;
-    const HislipTurn turn(sending_, terms.deadline);
-    if (!turn)
-        return VI_ERROR_TMO;
+    const TurnTaken turn(sending_, terms.deadline);
+    if (turn.status() < 0)
+        return turn.status();
     ViStatus status = readyToSend(terms.deadline);
     const bool sendsEnd = terms.attributes.get<VI_ATTR_SEND_END_EN>() == VI_TRUE;
     while (status >= 0 && count < bytes.size()) {
@@ -548,9 +532,9 @@ ViStatus HislipTransport::write(std::span<const ViByte> bytes, const Terms& term
 
 ViStatus HislipTransport::trigger(const Terms& terms)
 {
-    const HislipTurn turn(sending_, terms.deadline);
-    if (!turn)
-        return VI_ERROR_TMO;
+    const TurnTaken turn(sending_, terms.deadline);
+    if (turn.status() < 0)
+        return turn.status();
     ViStatus status = readyToSend(terms.deadline);
     std::size_t count = 0;
     if (status >= 0)
@@ -567,11 +551,11 @@ ViStatus HislipTransport::clear(const Terms& terms)
 
 ViStatus HislipTransport::clearInto(bool overlapped, const Deadline& deadline)
 {
-    const HislipTurn sending(sending_, deadline);
-    const HislipTurn asking(asking_, deadline);
-    const HislipTurn reading(reading_, deadline);
-    if (!sending || !asking || !reading)
-        return VI_ERROR_TMO;
+    const TurnTaken sending(sending_, deadline);
+    const TurnTaken asking(asking_, deadline);
+    const TurnTaken reading(reading_, deadline);
+    if (const ViStatus taken = std::min({sending.status(), asking.status(), reading.status()}); taken < 0)
+        return taken;
     if (isLost_)
         return VI_ERROR_CONN_LOST;
     isClearing_ = true;
@@ -690,11 +674,11 @@ ViStatus greet(HislipChannel& channel, std::string_view device, const Deadline& 
     return wantsEncryption ? VI_ERROR_INV_PROT : VI_SUCCESS;
 }
 
-ViStatus openChannel(const ResourceName& address, const Deadline& deadline, std::size_t inputSize,
+ViStatus openChannel(const HislipConnect& connect, const Deadline& deadline, std::size_t inputSize,
                      std::unique_ptr<HislipChannel>& channel)
 {
     std::unique_ptr<Stream> stream;
-    const ViStatus status = openTcpStream(address, deadline, stream);
+    const ViStatus status = connect(deadline, stream);
     if (status >= 0)
         channel = std::make_unique<HislipChannel>(std::move(stream), inputSize);
     return status;
@@ -702,19 +686,17 @@ ViStatus openChannel(const ResourceName& address, const Deadline& deadline, std:
 
 } // namespace
 
-ViStatus openHislip(const ResourceName& name, const Deadline& deadline, std::unique_ptr<Transport>& transport)
+ViStatus openHislip(const HislipConnect& connect, std::string_view device, const Deadline& deadline,
+                    std::unique_ptr<Transport>& transport)
 {
-    ResourceName address = name;
-    address.port = name.port != 0 ? name.port : kHislipPort;
     std::unique_ptr<HislipChannel> synchronous;
     std::unique_ptr<HislipChannel> asynchronous;
     Greeting greeting;
-    ViStatus status = openChannel(address, deadline, kSynchronousInput, synchronous);
+    ViStatus status = openChannel(connect, deadline, kSynchronousInput, synchronous);
     if (status >= 0)
-        status =
-            greet(*synchronous, name.namesDevice ? std::string_view(name.device) : kDefaultDevice, deadline, greeting);
+        status = greet(*synchronous, device, deadline, greeting);
     if (status >= 0)
-        status = openChannel(address, deadline, kAsynchronousInput, asynchronous);
+        status = openChannel(connect, deadline, kAsynchronousInput, asynchronous);
     if (status < 0)
         return status;
     auto opened = std::make_unique<HislipTransport>(std::move(synchronous), std::move(asynchronous), greeting);
@@ -722,6 +704,16 @@ ViStatus openHislip(const ResourceName& name, const Deadline& deadline, std::uni
     if (status >= 0)
         transport = std::move(opened);
     return status;
+}
+
+ViStatus openHislip(const ResourceName& name, const Deadline& deadline, std::unique_ptr<Transport>& transport)
+{
+    ResourceName address = name;
+    address.port = name.port != 0 ? name.port : kHislipPort;
+    const auto connect = [&address](const Deadline& limit, std::unique_ptr<Stream>& stream) {
+        return openTcpStream(address, limit, stream);
+    };
+    return openHislip(connect, name.namesDevice ? std::string_view(name.device) : kDefaultDevice, deadline, transport);
 }
 
 } // namespace visa

@@ -1,9 +1,12 @@
 #pragma once
 
 #include "visa/resource/resource_name.h"
+#include "visa/transport/stream.h"
 #include "visa/transport/transport.h"
 
+#include <functional>
 #include <memory>
+#include <string_view>
 
 namespace visa
 {
@@ -14,5 +17,12 @@ namespace visa
 ///         VI_ERROR_RSRC_NFOUND without such a device, VI_ERROR_RSRC_BUSY with too many clients, VI_ERROR_INV_PROT when
 ///         it insists on encryption, VI_ERROR_INP_PROT_VIOL when it does not speak HiSLIP
 ViStatus openHislip(const ResourceName& name, const Deadline& deadline, std::unique_ptr<Transport>& transport);
+
+/// Makes one of the two connections.
+using HislipConnect = std::function<ViStatus(const Deadline& deadline, std::unique_ptr<Stream>& stream)>;
+
+/// The same on connections of another kind.
+ViStatus openHislip(const HislipConnect& connect, std::string_view device, const Deadline& deadline,
+                    std::unique_ptr<Transport>& transport);
 
 } // namespace visa

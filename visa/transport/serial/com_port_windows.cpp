@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <limits>
 #include <system_error>
 #include <utility>
 
@@ -53,14 +52,16 @@ TransferEnd ComPort::await(HANDLE ended, const Deadline& deadline) const noexcep
 {
     const std::array<HANDLE, 2> events{interrupted_.get(), ended};
     for (;;) {
-        const auto waitMs = static_cast<DWORD>(deadline.remainingMs(std::numeric_limits<int>::max()));
+        const auto waitMs = static_cast<DWORD>(deadline.remainingMs(Deadline::kLookMs));
         switch (WaitForMultipleObjects(static_cast<DWORD>(events.size()), events.data(), FALSE, waitMs)) {
         case WAIT_OBJECT_0:
             return TransferEnd::Interrupted;
         case WAIT_OBJECT_0 + 1:
             return TransferEnd::Done;
         case WAIT_TIMEOUT:
-            // The host's clock, or the longest wait that it knows, may have ended this one early.
+            if (deadline.isAborted())
+                return TransferEnd::Aborted;
+            // The host's clock, or the next look, may have ended this one early.
             if (deadline.remainingMs(1) == 0)
                 return TransferEnd::TimedOut;
             break;

@@ -19,6 +19,7 @@ enum class TransferEnd
 {
     Done,
     TimedOut,
+    Aborted, ///< the operation is to end
     Interrupted,
     ConnectionLost, ///< the port was taken away: an adapter that was pulled out
     Failed

@@ -1,5 +1,7 @@
 #include "visa/transport/serial/line_settings_windows.h"
 
+#include "visa/attribute/attributes.h"
+
 #include <algorithm>
 #include <array>
 
@@ -65,6 +67,14 @@ constexpr std::array<Setting, 10> kSettings{{
      [](DCB& line, ViUInt32 value) { line.fRtsControl = value != 0 ? RTS_CONTROL_ENABLE : RTS_CONTROL_DISABLE; }},
 }};
 
+/// Null for an attribute that is no setting of the line.
+const Setting* findSetting(ViAttr attribute)
+{
+    const auto* const setting = std::find_if(kSettings.begin(), kSettings.end(),
+                                             [attribute](const Setting& row) { return row.attribute == attribute; });
+    return setting == kSettings.end() ? nullptr : setting;
+}
+
 bool getLine(HANDLE port, DCB& line)
 {
     line.DCBlength = sizeof line;
@@ -91,36 +101,30 @@ static_assert(DTR_CONTROL_ENABLE == RTS_CONTROL_ENABLE && DTR_CONTROL_DISABLE ==
 
 bool makeRaw(HANDLE port) noexcept
 {
-    constexpr char kXon = 0x11;
-    constexpr char kXoff = 0x13;
-    constexpr BYTE kDataBits = 8;
     DCB line{};
     if (!getLine(port, line))
         return false;
     line.fBinary = 1;
     line.fNull = 0;
-    line.fErrorChar = 0;
     // An error on the line must not hold up all transfers until it is acknowledged.
     line.fAbortOnError = 0;
     line.fDsrSensitivity = 0;
     line.fTXContinueOnXoff = 1;
-    line.XonChar = kXon;
-    line.XoffChar = kXoff;
-    // All at once: of what the last user has left, some cannot be changed one by one (8 data bits with 1.5 stop bits).
-    line.BaudRate = CBR_9600;
-    line.ByteSize = kDataBits;
-    setParity(line, VI_ASRL_PAR_NONE);
-    setStopBits(line, VI_ASRL_STOP_ONE);
-    setFlowControl(line, VI_ASRL_FLOW_NONE);
+    // All at once: of what the last user has left, some cannot be changed one by one (8 data bits with 1.5 stop bits,
+    // an XON that is to be XOFF).
+    for (const AttributeRow& row : kAttributeRows) {
+        const Setting* const setting = findSetting(row.attribute);
+        if (setting != nullptr && row.holder == Holder::Connection)
+            setting->change(line, static_cast<ViUInt32>(row.initial));
+    }
     COMMTIMEOUTS unlimited{};
     return SetCommState(port, &line) != 0 && SetCommTimeouts(port, &unlimited) != 0;
 }
 
 ViStatus applyLineSetting(HANDLE port, ViAttr attribute, ViUInt32 value) noexcept
 {
-    const auto* const setting = std::find_if(kSettings.begin(), kSettings.end(),
-                                             [attribute](const Setting& row) { return row.attribute == attribute; });
-    if (setting == kSettings.end())
+    const Setting* const setting = findSetting(attribute);
+    if (setting == nullptr)
         return VI_ERROR_NSUP_ATTR;
     DCB line{};
     if (!getLine(port, line))

@@ -9,7 +9,8 @@
 namespace visa
 {
 
-/// Readies the line of an open port: every byte passes unchanged, and transfers end only when they are complete.
+/// Readies the line of an open port: every byte passes unchanged, transfers end only when they are complete, and the
+/// settings are those that a session has at first.
 /// @return false when it is no serial port
 bool makeRaw(HANDLE port) noexcept;
 

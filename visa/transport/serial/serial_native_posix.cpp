@@ -82,7 +82,7 @@ std::string serialDevicePath(ViUInt16 board)
     return board == 0 ? std::string() : "/dev/ttyS" + std::to_string(board - 1);
 }
 
-SerialTransfer readNow(NativeHandle handle, std::span<ViByte> buffer) noexcept
+TransferResult readNow(NativeHandle handle, std::span<ViByte> buffer) noexcept
 {
     const ssize_t transferred = ::read(descriptor(handle), buffer.data(), buffer.size());
     if (transferred > 0)
@@ -90,7 +90,7 @@ SerialTransfer readNow(NativeHandle handle, std::span<ViByte> buffer) noexcept
     return {transferred == 0 ? TransferState::ConnectionLost : stateOfError(errno), 0};
 }
 
-SerialTransfer writeNow(NativeHandle handle, std::span<const ViByte> bytes) noexcept
+TransferResult writeNow(NativeHandle handle, std::span<const ViByte> bytes) noexcept
 {
     const ssize_t transferred = ::write(descriptor(handle), bytes.data(), bytes.size());
     if (transferred > 0)

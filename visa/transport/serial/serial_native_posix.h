@@ -19,7 +19,8 @@ enum class TransferState
     Failed
 };
 
-struct SerialTransfer
+/// How far a transfer has come.
+struct TransferResult
 {
     TransferState state;
     std::size_t count;
@@ -29,8 +30,8 @@ struct SerialTransfer
 /// of that port; empty when there is none.
 std::string serialDevicePath(ViUInt16 board);
 
-SerialTransfer readNow(NativeHandle handle, std::span<ViByte> buffer) noexcept;
-SerialTransfer writeNow(NativeHandle handle, std::span<const ViByte> bytes) noexcept;
+TransferResult readNow(NativeHandle handle, std::span<ViByte> buffer) noexcept;
+TransferResult writeNow(NativeHandle handle, std::span<const ViByte> bytes) noexcept;
 
 /// Bytes received and not read yet.
 ViUInt32 bytesWaiting(NativeHandle handle) noexcept;

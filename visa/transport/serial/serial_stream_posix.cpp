@@ -156,6 +156,8 @@ private:
     {
         if (state != TransferState::WouldBlock)
             return statusOf(state);
+        if (deadline.isAborted())
+            return VI_ERROR_ABORT;
         return deadline.remainingMs(1) == 0 ? VI_ERROR_TMO : VI_SUCCESS;
     }
 
@@ -169,7 +171,7 @@ ViStatus SerialStream::readSome(std::span<ViByte> buffer, const Deadline& deadli
         ViStatus status = wait(Direction::Read, deadline);
         if (status < 0)
             return status;
-        const SerialTransfer transfer = readNow(handle(), buffer);
+        const TransferResult transfer = readNow(handle(), buffer);
         count = transfer.count;
         if (transfer.state == TransferState::Done)
             return VI_SUCCESS;
@@ -183,7 +185,7 @@ ViStatus SerialStream::writeAll(std::span<const ViByte> bytes, const Deadline& d
 {
     count = 0;
     while (count < bytes.size()) {
-        const SerialTransfer transfer = writeNow(handle(), bytes.subspan(count));
+        const TransferResult transfer = writeNow(handle(), bytes.subspan(count));
         count += transfer.count;
         if (transfer.state == TransferState::Done)
             continue;
@@ -207,6 +209,8 @@ ViStatus SerialStream::sendBreak(const Deadline& deadline) noexcept
         const WaitResult pause = interrupter_.pause(pauseMs);
         if (pause != WaitResult::TimedOut)
             return visa::statusOf(pause);
+        if (deadline.isAborted())
+            return VI_ERROR_ABORT;
     }
     for (;;) {
         const TransferState state = sendLineBreak(handle());

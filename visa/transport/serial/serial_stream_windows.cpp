@@ -21,6 +21,8 @@ ViStatus statusOf(TransferEnd end)
         return VI_SUCCESS;
     case TransferEnd::TimedOut:
         return VI_ERROR_TMO;
+    case TransferEnd::Aborted:
+        return VI_ERROR_ABORT;
     case TransferEnd::Interrupted:
         return VI_ERROR_INV_OBJECT;
     case TransferEnd::ConnectionLost:

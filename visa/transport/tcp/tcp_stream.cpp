@@ -7,7 +7,6 @@
 #include "visa/transport/tcp/tcp_transfer.h"
 
 #include <array>
-#include <limits>
 #include <string>
 
 namespace visa
@@ -94,7 +93,8 @@ template <class Transfer>
 ViStatus TcpStream::attempt(const Deadline& deadline, Transfer transfer) noexcept
 {
     for (;;) {
-        const int waitMs = deadline.remainingMs(std::numeric_limits<int>::max());
+        // Not every host promises that stop() ends a wait of another thread.
+        const int waitMs = deadline.remainingMs(Deadline::kLookMs);
         const asio::error_code error = transfer_.stopped() ? asio::error_code() : transfer(waitMs);
         if (transfer_.stopped())
             return VI_ERROR_INV_OBJECT;
@@ -102,7 +102,9 @@ ViStatus TcpStream::attempt(const Deadline& deadline, Transfer transfer) noexcep
             return VI_SUCCESS;
         if (!isTransient(error))
             return transferStatus(error);
-        // A signal, or the host's clock, may have ended the wait early; only the deadline counts.
+        if (deadline.isAborted())
+            return VI_ERROR_ABORT;
+        // A signal, the host's clock or the next look may have ended the wait early; only the deadline counts.
         if (waitMs == 0)
             return VI_ERROR_TMO;
     }

@@ -11,10 +11,6 @@ namespace visa
 namespace
 {
 
-/// A transfer waits no longer than this at a time, and its caller then looks whether it was stopped: Windows does not
-/// promise that shutdown ends a wait of another thread.
-constexpr int kLongestWaitMs = 50;
-
 /// Windows takes a single send of any size whole, however little the other end reads.
 constexpr std::size_t kLargestTransfer = 65536;
 
@@ -32,7 +28,7 @@ asio::error_code attempt(NativeHandle socket, short direction, int waitMs, std::
     int transferred = transfer();
     if (transferred == SOCKET_ERROR && waitMs > 0 && WSAGetLastError() == WSAEWOULDBLOCK) {
         WSAPOLLFD polled{static_cast<SOCKET>(socket), direction, 0};
-        if (WSAPoll(&polled, 1, std::min(waitMs, kLongestWaitMs)) == SOCKET_ERROR)
+        if (WSAPoll(&polled, 1, waitMs) == SOCKET_ERROR)
             return lastError();
         transferred = transfer();
     }

@@ -312,6 +312,8 @@ ViUInt32 UsbtmcTransport::numberFact(ViAttr attribute)
         return usb.interfaceNumber;
     case VI_ATTR_USB_PROTOCOL:
         return usb.protocol;
+    case VI_ATTR_USB_MAX_INTR_SIZE:
+        return static_cast<ViUInt32>(usb.interruptInSize);
     default:
         return 0;
     }
@@ -343,8 +345,8 @@ ViStatus UsbtmcTransport::abort()
 
 void UsbtmcTransport::interrupt() noexcept
 {
-    bulkTurn_.interrupt();
-    statusTurn_.interrupt();
+    bulkTurn_.interrupt([] {});
+    statusTurn_.interrupt([] {});
     usb_->cancelAll();
 }
 

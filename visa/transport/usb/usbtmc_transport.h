@@ -2,8 +2,8 @@
 
 #include "visa/transport/end_finder.h"
 #include "visa/transport/transport.h"
+#include "visa/transport/turn.h"
 #include "visa/transport/usb/status_byte.h"
-#include "visa/transport/usb/turn.h"
 #include "visa/transport/usb/usb_interface.h"
 #include "visa/transport/usb/usbtmc_messages.h"
 

@@ -8,13 +8,13 @@ namespace visa
 namespace
 {
 
-struct Vxi11ErrorRow
+struct DeviceErrorRow
 {
     std::int32_t error;
     ViStatus status;
 };
 
-constexpr std::array<Vxi11ErrorRow, 15> kVxi11Errors{{
+constexpr std::array<DeviceErrorRow, 15> kDeviceErrors{{
     {0, VI_SUCCESS},
     {1, VI_ERROR_INV_RSRC_NAME}, // syntax: of the device's name, the only text that is sent
     {3, VI_ERROR_RSRC_NFOUND},   // device not accessible
@@ -36,9 +36,9 @@ constexpr std::array<Vxi11ErrorRow, 15> kVxi11Errors{{
 
 ViStatus statusOfVxi11(std::int32_t error)
 {
-    const auto* const row = std::find_if(kVxi11Errors.begin(), kVxi11Errors.end(),
-                                         [error](const Vxi11ErrorRow& each) { return each.error == error; });
-    return row == kVxi11Errors.end() ? VI_ERROR_IO : row->status;
+    const auto* const row = std::find_if(kDeviceErrors.begin(), kDeviceErrors.end(),
+                                         [error](const DeviceErrorRow& each) { return each.error == error; });
+    return row == kDeviceErrors.end() ? VI_ERROR_IO : row->status;
 }
 
 } // namespace visa

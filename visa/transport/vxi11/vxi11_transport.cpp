@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <array>
-#include <chrono>
 #include <limits>
 #include <utility>
 
@@ -63,24 +62,6 @@ constexpr std::array<RemoteRow, 4> kRemoteModes{{
 
 } // namespace
 
-/// What an operation that takes several calls asks before each.
-class Vxi11Transport::Turn
-{
-public:
-    Turn(const Vxi11Transport& transport, unsigned aborts) : transport_(transport), aborts_(aborts) {}
-
-    ViStatus status() const
-    {
-        if (transport_.isInterrupted_)
-            return VI_ERROR_INV_OBJECT;
-        return transport_.aborts_ == aborts_ ? VI_SUCCESS : VI_ERROR_ABORT;
-    }
-
-private:
-    const Vxi11Transport& transport_;
-    const unsigned aborts_;
-};
-
 Vxi11Transport::Vxi11Transport(std::unique_ptr<RpcChannel> core, Vxi11Link link)
     : core_(std::move(core)), link_(link), address_(core_->address())
 {
@@ -91,49 +72,24 @@ Vxi11Transport::~Vxi11Transport()
     command<xdr_Device_Link>(*core_, destroy_link, Device_Link{link_.number}, Deadline(kGoodbyeMs));
 }
 
-/// Waits until no other operation is under way.
-ViStatus Vxi11Transport::beginTurn(const Turn& turn, const Deadline& deadline)
-{
-    std::unique_lock lock(turnMutex_);
-    while (isBusy_ && turn.status() == VI_SUCCESS) {
-        const int waitMs = deadline.remainingMs(std::numeric_limits<int>::max());
-        if (waitMs == 0)
-            return VI_ERROR_TMO;
-        turnEnded_.wait_for(lock, std::chrono::milliseconds(waitMs));
-    }
-    const ViStatus status = turn.status();
-    isBusy_ = isBusy_ || status == VI_SUCCESS;
-    return status;
-}
-
-void Vxi11Transport::endTurn()
-{
-    {
-        const std::lock_guard lock(turnMutex_);
-        isBusy_ = false;
-    }
-    turnEnded_.notify_one();
-}
-
-/// Runs operation(turn) when no other is under way.
+/// Runs the operation when no other is under way.
 template <class Operation>
 ViStatus Vxi11Transport::inTurn(const Deadline& deadline, Operation operation)
 {
-    const Turn turn(*this, aborts_);
-    if (const ViStatus begun = beginTurn(turn, deadline); begun < 0)
-        return begun;
-    const ViStatus status = operation(turn);
-    endTurn();
-    return isInterrupted_ ? VI_ERROR_INV_OBJECT : status;
+    const TurnTaken taken(turn_, deadline);
+    if (taken.status() < 0)
+        return taken.status();
+    const ViStatus status = operation();
+    return turn_.isInterrupted() ? VI_ERROR_INV_OBJECT : status;
 }
 
 ViStatus Vxi11Transport::read(std::span<ViByte> buffer, const Terms& terms, std::size_t& count)
 {
     count = 0;
-    return inTurn(terms.deadline, [&](const Turn& turn) { return readMessage(buffer, terms, turn, count); });
+    return inTurn(terms.deadline, [&] { return readMessage(buffer, terms, count); });
 }
 
-ViStatus Vxi11Transport::readMessage(std::span<ViByte> buffer, const Terms& terms, const Turn& turn, std::size_t& count)
+ViStatus Vxi11Transport::readMessage(std::span<ViByte> buffer, const Terms& terms, std::size_t& count)
 {
     const bool endEnds = terms.attributes.get<VI_ATTR_SUPPRESS_END_EN>() != VI_TRUE;
     while (count < buffer.size()) {
@@ -147,7 +103,7 @@ ViStatus Vxi11Transport::readMessage(std::span<ViByte> buffer, const Terms& term
             return VI_SUCCESS;
         if ((reason & DEVICE_REASON_TERM_CHAR) != 0)
             return VI_SUCCESS_TERM_CHAR;
-        if (const ViStatus goesOn = turn.status(); goesOn < 0)
+        if (const ViStatus goesOn = turn_.status(); goesOn < 0)
             return goesOn;
         if (count < buffer.size() && leftMs(terms.deadline) == 0)
             return VI_ERROR_TMO;
@@ -180,7 +136,7 @@ ViStatus Vxi11Transport::readPart(std::span<ViByte> room, const Terms& terms, st
 ViStatus Vxi11Transport::write(std::span<const ViByte> bytes, const Terms& terms, std::size_t& count)
 {
     count = 0;
-    return inTurn(terms.deadline, [&](const Turn& turn) {
+    return inTurn(terms.deadline, [&] {
         const bool sendsEnd = terms.attributes.get<VI_ATTR_SEND_END_EN>() == VI_TRUE;
         while (count < bytes.size()) {
             const auto part = bytes.subspan(count, std::min(link_.mostSent, bytes.size() - count));
@@ -190,7 +146,7 @@ ViStatus Vxi11Transport::write(std::span<const ViByte> bytes, const Terms& terms
             count += written;
             if (status < 0)
                 return status;
-            if (const ViStatus goesOn = turn.status(); goesOn < 0 && count < bytes.size())
+            if (const ViStatus goesOn = turn_.status(); goesOn < 0 && count < bytes.size())
                 return goesOn;
         }
         return VI_SUCCESS;
@@ -212,7 +168,7 @@ ViStatus Vxi11Transport::writePart(std::span<const ViByte> part, bool isLast, co
 
 ViStatus Vxi11Transport::callGeneric(std::uint32_t procedure, const Terms& terms)
 {
-    return inTurn(terms.deadline, [&](const Turn&) {
+    return inTurn(terms.deadline, [&] {
         const ViUInt32 waitMs = leftMs(terms.deadline);
         return command<xdr_Device_GenericParms>(*core_, procedure, Device_GenericParms{link_.number, 0, 0, waitMs},
                                                 answerDeadline(waitMs));
@@ -238,7 +194,7 @@ ViStatus Vxi11Transport::controlRemote(const Terms& terms, ViUInt16 mode)
 
 ViStatus Vxi11Transport::readStatusByte(const Terms& terms, ViUInt16& status)
 {
-    return inTurn(terms.deadline, [&](const Turn&) {
+    return inTurn(terms.deadline, [&] {
         const ViUInt32 waitMs = leftMs(terms.deadline);
         Device_ReadStbResp answer{};
         const ViStatus answered = exchange<xdr_Device_GenericParms, xdr_Device_ReadStbResp>(
@@ -253,7 +209,7 @@ ViStatus Vxi11Transport::lock(const Terms& terms, const LockRequest& request)
 {
     if (request.isShared)
         return VI_SUCCESS;
-    return inTurn(terms.deadline, [&](const Turn&) {
+    return inTurn(terms.deadline, [&] {
         const ViUInt32 waitMs = leftMs(terms.deadline);
         const int flags = waitMs > 0 ? DEVICE_FLAG_WAIT_LOCK : 0;
         const ViStatus status = command<xdr_Device_LockParms>(
@@ -267,7 +223,7 @@ ViStatus Vxi11Transport::unlock(const Terms& terms, bool isShared)
 {
     if (isShared)
         return VI_SUCCESS;
-    return inTurn(terms.deadline, [&](const Turn&) {
+    return inTurn(terms.deadline, [&] {
         return command<xdr_Device_Link>(*core_, device_unlock, Device_Link{link_.number},
                                         answerDeadline(leftMs(terms.deadline)));
     });
@@ -285,13 +241,8 @@ std::string Vxi11Transport::textFact(ViAttr)
 
 ViStatus Vxi11Transport::abort()
 {
-    {
-        const std::lock_guard lock(turnMutex_);
-        if (!isBusy_)
-            return VI_SUCCESS;
-        ++aborts_;
-    }
-    turnEnded_.notify_all();
+    if (!turn_.abort([] {}))
+        return VI_SUCCESS;
     const std::lock_guard aborting(abortMutex_);
     const Deadline deadline(kAbortMs);
     if (const ViStatus status = connectAbortChannel(deadline); status < 0)
@@ -315,13 +266,7 @@ ViStatus Vxi11Transport::connectAbortChannel(const Deadline& deadline)
 
 void Vxi11Transport::interrupt() noexcept
 {
-    {
-        const std::lock_guard lock(turnMutex_);
-        isInterrupted_ = true;
-        if (isBusy_)
-            core_->interrupt();
-    }
-    turnEnded_.notify_all();
+    turn_.interrupt([this] { core_->interrupt(); });
 }
 
 ViStatus findVxi11Core(const std::string& host, const Deadline& deadline, RpcPlace& core)

@@ -1,11 +1,10 @@
 #pragma once
 
 #include "visa/transport/transport.h"
+#include "visa/transport/turn.h"
 #include "visa/transport/vxi11/portmapper.h"
 #include "visa/transport/vxi11/rpc_channel.h"
 
-#include <atomic>
-#include <condition_variable>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -51,13 +50,9 @@ public:
     void interrupt() noexcept override;
 
 private:
-    class Turn;
-
-    ViStatus beginTurn(const Turn& turn, const Deadline& deadline);
-    void endTurn();
     template <class Operation>
     ViStatus inTurn(const Deadline& deadline, Operation operation);
-    ViStatus readMessage(std::span<ViByte> buffer, const Terms& terms, const Turn& turn, std::size_t& count);
+    ViStatus readMessage(std::span<ViByte> buffer, const Terms& terms, std::size_t& count);
     ViStatus readPart(std::span<ViByte> room, const Terms& terms, std::size_t& count, int& reason);
     ViStatus writePart(std::span<const ViByte> part, bool isLast, const Terms& terms, std::size_t& count);
     ViStatus callGeneric(std::uint32_t procedure, const Terms& terms);
@@ -69,11 +64,7 @@ private:
     const Vxi11Link link_;
     const std::string address_;
 
-    std::mutex turnMutex_; ///< guards isBusy_, and changes of the two behind it
-    std::condition_variable turnEnded_;
-    bool isBusy_ = false; ///< whether an operation is under way
-    std::atomic<bool> isInterrupted_ = false;
-    std::atomic<unsigned> aborts_ = 0; ///< counted, so that an operation notices one that came between two of its calls
+    Turn turn_; ///< taken for an operation on core_
 
     std::mutex abortMutex_; ///< guards abortChannel_
     std::unique_ptr<RpcChannel> abortChannel_;

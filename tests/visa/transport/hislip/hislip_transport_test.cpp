@@ -467,6 +467,23 @@ TEST_F(VisaHislip, AnAnswerThatComesTooLateIsNotTakenForTheNext)
     EXPECT_EQ(statusByte(), 2);
 }
 
+TEST_F(VisaHislip, TerminateEndsAReadAndAQuestionAndTheSessionGoesOn)
+{
+    const auto ended = statusOnTerminate(session_, [&] {
+        return read(session_, 10) == ReadResult{VI_ERROR_ABORT, ""} ? VI_ERROR_ABORT : VI_SUCCESS;
+    });
+    EXPECT_EQ(ended, VI_ERROR_ABORT);
+    ViUInt16 status = 7;
+    EXPECT_EQ(statusOnTerminate(session_, [&] { return viReadSTB(session_, &status); }), VI_ERROR_ABORT);
+    // The answer to the first question comes too late.
+    async().receive();
+    async().send({kAsyncStatusResponse, 1});
+    async().send({kAsyncStatusResponse, 2});
+    EXPECT_EQ(statusByte(), 2);
+    exchange("a", "b");
+    EXPECT_EQ(read(session_, 10), (ReadResult{VI_SUCCESS, "b"}));
+}
+
 TEST_F(VisaHislip, EveryRemoteModeIsItsRequest)
 {
     for (ViUInt16 mode = VI_GPIB_REN_DEASSERT; mode <= VI_GPIB_REN_ADDRESS_GTL; ++mode) {

@@ -64,6 +64,17 @@ TEST_P(VisaSerialDeadline, EndsABreakThatIsAlwaysInterrupted)
 
 INSTANTIATE_TEST_SUITE_P(Timeouts, VisaSerialDeadline, testing::Values(VI_TMO_IMMEDIATE, kShortMs));
 
+TEST_F(VisaSerial, PortWithoutModemLinesDoesNotKnowThemAndDrivesNone)
+{
+    for (const ViAttr line : {VI_ATTR_ASRL_CTS_STATE, VI_ATTR_ASRL_DCD_STATE, VI_ATTR_ASRL_DSR_STATE,
+                              VI_ATTR_ASRL_RI_STATE, VI_ATTR_ASRL_DTR_STATE, VI_ATTR_ASRL_RTS_STATE})
+        EXPECT_EQ(attribute<ViInt16>(session_, line), VI_STATE_UNKNOWN) << std::hex << line;
+    for (const ViAttr line : {VI_ATTR_ASRL_DTR_STATE, VI_ATTR_ASRL_RTS_STATE}) {
+        EXPECT_EQ(viSetAttribute(session_, line, VI_STATE_ASSERTED), VI_ERROR_NSUP_ATTR_STATE) << std::hex << line;
+        EXPECT_EQ(viSetAttribute(session_, line, VI_STATE_UNASSERTED), VI_ERROR_NSUP_ATTR_STATE) << std::hex << line;
+    }
+}
+
 TEST_F(VisaSerial, ClearThatTheHostRefusesTellsSo)
 {
     for (const char* const function : {"tcflush", "tcsendbreak"}) {

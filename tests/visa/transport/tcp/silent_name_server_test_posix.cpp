@@ -26,6 +26,7 @@ std::promise<void>& left()
 } // namespace
 
 /// In place of the C library's: one host's name server says nothing until it is told to.
+// NOLINTNEXTLINE(readability-inconsistent-declaration-parameter-name): the host has it "pai"
 extern "C" int getaddrinfo(const char* host, const char* service, const addrinfo* hints, addrinfo** found)
 {
     if (host == nullptr || std::strcmp(host, kSilentHost) != 0) {

@@ -10,6 +10,8 @@
 #include <thread>
 #include <vector>
 
+#include <gmock/gmock.h>
+
 namespace
 {
 

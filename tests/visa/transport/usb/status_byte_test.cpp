@@ -30,6 +30,11 @@ protected:
     }
 };
 
+TEST_F(UsbStatusNotification, LargestIsThePacketOfThePipe)
+{
+    EXPECT_EQ(transport_->numberFact(VI_ATTR_USB_MAX_INTR_SIZE), 8U);
+}
+
 TEST_F(UsbStatusByte, IsInTheAnswer)
 {
     device_.statusByte = 0x50;

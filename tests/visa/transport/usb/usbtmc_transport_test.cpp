@@ -322,11 +322,9 @@ TEST(UsbtmcSilentDevice, IsNotOpened)
 
 TEST_F(UsbtmcTransport, TellsTheDevicesFacts)
 {
-    const std::vector<std::pair<ViAttr, ViUInt32>> numbers{{VI_ATTR_MANF_ID, 0x1234},
-                                                           {VI_ATTR_MODEL_CODE, 0x5678},
-                                                           {VI_ATTR_4882_COMPLIANT, VI_TRUE},
-                                                           {VI_ATTR_USB_INTFC_NUM, 1},
-                                                           {VI_ATTR_USB_PROTOCOL, 1}};
+    const std::vector<std::pair<ViAttr, ViUInt32>> numbers{
+        {VI_ATTR_MANF_ID, 0x1234},  {VI_ATTR_MODEL_CODE, 0x5678}, {VI_ATTR_4882_COMPLIANT, VI_TRUE},
+        {VI_ATTR_USB_INTFC_NUM, 1}, {VI_ATTR_USB_PROTOCOL, 1},    {VI_ATTR_USB_MAX_INTR_SIZE, 0}};
     for (const auto& [attribute, value] : numbers)
         EXPECT_EQ(transport_->numberFact(attribute), value) << std::hex << attribute;
     EXPECT_EQ(transport_->textFact(VI_ATTR_MANF_NAME), "Vendor");

@@ -1,63 +1,24 @@
-"""examples/kvx2800t.py against the virtual instrument: each exported function, texts, exceptions.
+"""The package against the virtual instrument: each exported function, texts, exceptions.
 
-Run by ctest, with the module on PYTHONPATH and the files of the build in the environment.
+Run by ctest, with the package on PYTHONPATH and the files of the build in the environment.
 """
 
 import ctypes
 import os
+import pathlib
 import re
-import socket
-import subprocess
 import threading
 import unittest
 import unittest.mock
 import warnings
 
+from virtual_instrument import VirtualInstrument
+
 import kvx2800t
-from kvx2800t import Attribute, CurrentLimitBehavior, MeasurementType, OutputState, RangeType, Session
+from kvx2800t import Attribute, CurrentLimitBehavior, MeasurementType, OutputState, RangeType, Supply
 
 OUT_OF_RANGE = "Attribute or function parameter value is invalid (out of range or not supported)."
 NO_INSTRUMENT = "I/O error.  Insufficient location information or resource not present in the system"
-
-
-class VirtualInstrument:
-    """A virtual instrument with its test control; it ends with this process at the latest."""
-
-    def __init__(self):
-        self._process = subprocess.Popen(
-            [os.environ["KVX_VIRTUAL_INSTRUMENT"], "--port", "0", "--control-port", "0", "--until-stdin-closes"],
-            stdin=subprocess.PIPE,
-            stdout=subprocess.PIPE,
-            stderr=subprocess.DEVNULL,
-            text=True,
-        )
-        self.resource = f"TCPIP0::127.0.0.1::{self._announced_port('listening on ')}::SOCKET"
-        self._control = socket.create_connection(("127.0.0.1", self._announced_port("test control on ")))
-        self._answers = self._control.makefile("r", encoding="ascii")
-
-    def _announced_port(self, start):
-        for line in self._process.stdout:
-            if line.startswith(start):
-                return int(line.rsplit(":", 1)[1])
-        raise RuntimeError("the virtual instrument does not come up")
-
-    def control(self, command):
-        self._control.sendall(command.encode() + b"\n")
-        answer = self._answers.readline().split()
-        if not answer or answer[0] != "ok":
-            raise RuntimeError(f"{command}: {answer}")
-        return answer[1:]
-
-    def new_lines(self):
-        """What it has received since the last call."""
-        lines = [self._answers.readline().rstrip("\n") for _ in range(int(self.control("log")[0]))]
-        self.control("clear-log")
-        return lines
-
-    def close(self):
-        self._answers.close()
-        self._control.close()
-        self._process.communicate()
 
 
 class InstrumentTest(unittest.TestCase):
@@ -71,7 +32,7 @@ class InstrumentTest(unittest.TestCase):
 
     def open(self, profile=False, **options):
         """What the plain driver does, unless the profile is asked for."""
-        supply = Session(self.instrument.resource, profile=profile, **options)
+        supply = Supply(self.instrument.resource, profile=profile, **options)
         self.addCleanup(supply.__exit__)
         return supply
 
@@ -300,9 +261,9 @@ class Functions(InstrumentTest):
             self.assertTrue(hasattr(self.supply.library, name), name)
 
     def test_each_but_those_for_attributes_is_called_by_name(self):
-        with open(kvx2800t.__file__, encoding="utf-8") as module:
-            source = module.read()
-        uncalled = [name for name in kvx2800t._FUNCTIONS if not self.is_called(name, source)]
+        modules = pathlib.Path(kvx2800t.__file__).parent.glob("*.py")
+        source = "".join(path.read_text(encoding="utf-8") for path in modules if path.name != "_interface.py")
+        uncalled = [name for name in kvx2800t._interface.FUNCTIONS if not self.is_called(name, source)]
         self.assertEqual([], uncalled)
 
     @staticmethod
@@ -310,7 +271,7 @@ class Functions(InstrumentTest):
         """As a function of the library, by its name in quotes, or by what stands behind Configure and Query."""
         stem = re.sub("^(Configure|Query)", "", name)
         calls = (f"library.{name}(", f"library.{name}, ", f"self.{name}(", f'_call("{name}"', f'_record("{name}"')
-        queries = (f', "{name}"', f"_setting(\"{stem}\"", f"_reading(\"{stem}\"")
+        queries = (f', "{name}"', f'("{name}", ', f'"{name}")', f'Setting("{stem}"', f'Readable("{stem}"')
         return any(call in source for call in calls + queries)
 
     def test_functions_are_called_through_the_library(self):
@@ -381,7 +342,7 @@ class Texts(unittest.TestCase):
 
     @staticmethod
     def driver_setup(model):
-        with Session("", simulate=True, model=model, profile=False) as supply:
+        with Supply("", simulate=True, model=model, profile=False) as supply:
             return supply.get(Attribute.DRIVER_SETUP)
 
     def test_keep_letters_beyond_ascii(self):
@@ -394,32 +355,32 @@ class Texts(unittest.TestCase):
         self.assertEqual("Model:" + "x" * 4089, self.driver_setup("x" * 5000))
 
     def test_with_a_nul_are_refused(self):
-        with Session("", simulate=True) as supply:
+        with Supply("", simulate=True) as supply:
             with self.assertRaises(ValueError):
                 supply.configure_voltage_level("OutputChannel3\0OutputChannel4", 1.0)
             with self.assertRaises(ValueError):
-                supply.channel("CH3\0").tracking = True
+                supply.channels["CH3\0"].tracking = True
 
 
 class Numbers(unittest.TestCase):
     def test_beyond_32_bits_are_refused(self):
-        with Session("", simulate=True) as supply:
+        with Supply("", simulate=True) as supply:
             for number in (2**31, -(2**31) - 1, 2**32 + 1):
                 with self.subTest(number):
                     with self.assertRaises(OverflowError):
                         supply.configure_current_limit("OutputChannel3", number, 1.0)
                     with self.assertRaises(OverflowError):
-                        supply.channel(3).list.cycles = number
+                        supply.channels["CH3"].list.cycles = number
                     with self.assertRaises(OverflowError):
-                        supply.channel(3).list.group(number)
+                        supply.channels["CH3"].list.group(number)
 
     def test_that_are_none_are_refused(self):
-        with Session("", simulate=True) as supply:
+        with Supply("", simulate=True) as supply:
             with self.assertRaises(ctypes.ArgumentError):
                 supply.configure_voltage_level("OutputChannel3", "much")
             for value in ("3", 2.5):
                 with self.subTest(value), self.assertRaises(TypeError):
-                    supply.channel(3).list.cycles = value
+                    supply.channels["CH3"].list.cycles = value
 
 
 class Options(InstrumentTest):
@@ -507,15 +468,15 @@ class Options(InstrumentTest):
         words += [("flow_control", word) for word in kvx2800t.FlowControl]
         for keyword, word in words:
             with self.subTest(word):
-                Session("", simulate=True, **{keyword: word}).close()
-        Session("", simulate=True, open_timeout=kvx2800t.INFINITE, baud_rate=9600, data_bits=5).close()
+                Supply("", simulate=True, **{keyword: word}).close()
+        Supply("", simulate=True, open_timeout=kvx2800t.INFINITE, baud_rate=9600, data_bits=5).close()
         self.assertEqual(250, self.open(io_timeout=250).io_timeout)
 
     def test_are_refused_before_the_driver_is_called(self):
         with self.assertRaises(ValueError):
             self.open(model="A,B")
         with self.assertRaises(TypeError):
-            Session(self.instrument.resource, "Simulate=1")
+            Supply(self.instrument.resource, "Simulate=1")
         self.expect_lines()
 
 
@@ -526,7 +487,7 @@ class Channels(InstrumentTest):
         super().setUp()
         self.instrument.control("load CH3 10")
         self.supply = self.open(profile=True)
-        self.channel = self.supply.channel(3)
+        self.channel = self.supply.channels["CH3"]
         self.instrument.new_lines()
 
     def expect_kept(self, target, *rows, selected=()):
@@ -548,8 +509,8 @@ class Channels(InstrumentTest):
         self.instrument.new_lines()
 
     def test_have_names(self):
-        self.assertEqual("OutputChannel3", self.channel.name)
-        self.assertEqual("CH3", self.supply.channel("CH3").name)
+        self.assertEqual("CH3", self.channel.name)
+        self.assertEqual("OutputChannel3", self.supply.channels["OutputChannel3"].name)
 
     def test_keep_their_settings(self):
         self.expect_kept(
@@ -608,7 +569,7 @@ class Channels(InstrumentTest):
         self.assertEqual(kvx2800t.Questionable.OVER_VOLTAGE, self.channel.state.condition)
 
     def test_reset_no_protection_without_a_word(self):
-        self.open().channel(3).protection.reset()
+        self.open().channels["CH3"].protection.reset()
         self.expect_lines("*IDN?")
 
     def test_tell_what_they_do(self):
@@ -759,7 +720,7 @@ class Channels(InstrumentTest):
         self.assertEqual(8, self.channel.delay.group_count)
 
     def test_are_set_together_and_read_alone(self):
-        both = self.supply.channel("OutputChannel3-4")
+        both = self.supply.channels["OutputChannel3-4"]
         both.tracking = True
         self.expect_lines(":OUTP:TRAC:STAT CH3,ON", ":OUTP:TRAC:STAT CH4,ON")
         with self.assertRaises(kvx2800t.Error) as raised:
@@ -834,7 +795,7 @@ class Instrument(InstrumentTest):
 
 class Errors(InstrumentTest):
     def test_of_opening_have_the_recorded_text(self):
-        self.expect_error(0xBFFA4214, NO_INSTRUMENT, Session, "BANANA", profile=False)
+        self.expect_error(0xBFFA4214, NO_INSTRUMENT, Supply, "BANANA", profile=False)
 
     def test_of_opening_are_not_hidden_by_an_older_one(self):
         supply = self.open()
@@ -844,7 +805,7 @@ class Errors(InstrumentTest):
                 0xBFFA1206,
                 "IviConfigServer.IviConfigStore.1: GetConfigStorePropertyViString: "
                 "the master configuration store is missing",
-                Session,
+                Supply,
                 "BenchSupply",
                 profile=False,
             )
@@ -853,7 +814,7 @@ class Errors(InstrumentTest):
         supply = self.open()
         with self.assertRaises(kvx2800t.Error) as raised:
             supply.configure_voltage_level("OutputChannel3", 16.5)
-        self.assertEqual("0xBFFA4217 " + OUT_OF_RANGE, str(raised.exception))
+        self.assertEqual("KVX2800T_ConfigureVoltageLevel: 0xBFFA4217 " + OUT_OF_RANGE, str(raised.exception))
 
     def test_are_read_by_the_exception(self):
         supply = self.open()
@@ -862,13 +823,13 @@ class Errors(InstrumentTest):
 
     def test_leave_a_session_to_its_context(self):
         with self.assertRaises(kvx2800t.Error):
-            with Session(self.instrument.resource) as supply:
+            with Supply(self.instrument.resource) as supply:
                 supply.configure_voltage_level("OutputChannel3", 16.5)
         self.assertEqual(0, supply.handle)
 
     def test_of_the_library(self):
         with self.assertRaises(OSError):
-            Session("", library="/no-such-folder/libKVX2800T.so")
+            Supply("", library="/no-such-folder/libKVX2800T.so")
 
     def test_of_unknown_functions(self):
         with self.assertRaisesRegex(AttributeError, "the driver has no function KVX2800T_Banana"):

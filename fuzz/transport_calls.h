@@ -1,0 +1,34 @@
+#pragma once
+
+#include "fuzz/input.h"
+#include "visa/transport/transport.h"
+
+#include <cstddef>
+#include <vector>
+
+namespace kvxfuzz
+{
+
+/// Reads, into a buffer of exactly that size, so that a sanitizer sees what goes beyond; what holds of every read has
+/// to hold.
+inline void readChecked(visa::Transport& transport, const visa::Terms& terms, std::size_t size)
+{
+    std::vector<ViByte> buffer(size);
+    std::size_t count = 0;
+    const ViStatus status = transport.read(buffer, terms, count);
+    require(count <= size);
+    require(status != VI_SUCCESS_MAX_CNT || count == size);
+    require(status != VI_SUCCESS || terms.attributes.get(VI_ATTR_SUPPRESS_END_EN) == VI_FALSE);
+    if (status == VI_SUCCESS_TERM_CHAR)
+        require(count > 0 && buffer[count - 1] == terms.attributes.get(VI_ATTR_TERMCHAR));
+}
+
+inline void writeChecked(visa::Transport& transport, const visa::Terms& terms, std::size_t size)
+{
+    const std::vector<ViByte> bytes(size, 'x');
+    std::size_t count = 0;
+    const ViStatus status = transport.write(bytes, terms, count);
+    require(count <= size && (status < 0 || count == size));
+}
+
+} // namespace kvxfuzz
