@@ -1,13 +1,14 @@
 #!/usr/bin/python3
 """The driver beside PyVISA with its pure Python back end, with the same bytes over loopback.
 
-    benchmarks/pyvisa_comparison.py [BUILD_FOLDER]
+    benchmarks/pyvisa_comparison.py [--vxi11] [BUILD_FOLDER]
 
 Both are called from this program, the driver through ctypes, on one virtual instrument. They take turns, so that
 whatever else the machine does slows both down. The build folder is build/benchmark unless one is named.
 
 PyVISA is measured as it comes, when every set and query waits for the host to acknowledge the first of two writes,
-which takes 40 ms, and with TCP_NODELAY set on its socket behind its back.
+which takes 40 ms, and with TCP_NODELAY set on its socket behind its back. With --vxi11 both use VXI-11, whose
+portmapper has one port: this program then needs a network of its own (unshare -rn, and the loopback interface up).
 """
 
 from __future__ import annotations
@@ -41,14 +42,15 @@ def require(works: bool) -> None:
 
 
 @contextlib.contextmanager
-def virtual_instrument(build: pathlib.Path) -> Iterator[str]:
-    """The resource descriptor of an instrument that runs meanwhile."""
-    command = [build / "bin" / "kvx2800t-virtual", "--port", "0", "--until-stdin-closes"]
+def virtual_instrument(build: pathlib.Path, *options: str) -> Iterator[str]:
+    """The port of an instrument that runs meanwhile, of its way in that it announces last."""
+    command = [build / "bin" / "kvx2800t-virtual", "--port", "0", "--until-stdin-closes", *options]
     with subprocess.Popen(command, stdin=subprocess.PIPE, stdout=subprocess.PIPE,
                           stderr=subprocess.DEVNULL, text=True) as process:
         assert process.stdin is not None and process.stdout is not None
-        port = process.stdout.readline().rsplit(":", 1)[1].strip()
-        yield f"TCPIP0::127.0.0.1::{port}::SOCKET"
+        for _ in range(1 + len(options)):
+            announced = process.stdout.readline()
+        yield announced.rsplit(":", 1)[1].strip()
         process.stdin.close()
 
 
@@ -106,15 +108,28 @@ def compare(title: str, fast: Callable[[], None], slow: Callable[[], None], coun
           f"ratio {python_seconds / driver_seconds:.1f}")
 
 
-def main() -> None:
-    parser = argparse.ArgumentParser(description="The driver beside PyVISA with its pure Python back end.")
-    parser.add_argument("build", nargs="?", type=pathlib.Path, help="the build folder")
-    build = parser.parse_args().build or pathlib.Path(__file__).resolve().parent.parent / "build" / "benchmark"
-    with virtual_instrument(build) as resource, driver(build, resource) as fast:
+def compare_over_socket(build: pathlib.Path, resource: str) -> None:
+    with driver(build, resource) as fast:
         with pure_python(resource, no_delay=False) as slow:
             compare("as it comes", fast, slow, 10)
         with pure_python(resource, no_delay=True) as slow:
             compare("with TCP_NODELAY", fast, slow, 500)
+
+
+def main() -> None:
+    parser = argparse.ArgumentParser(description="The driver beside PyVISA with its pure Python back end.")
+    parser.add_argument("--vxi11", action="store_true", help="over VXI-11")
+    parser.add_argument("build", nargs="?", type=pathlib.Path, help="the build folder")
+    options = parser.parse_args()
+    build = options.build or pathlib.Path(__file__).resolve().parent.parent / "build" / "benchmark"
+    if options.vxi11:
+        resource = "TCPIP0::127.0.0.1::inst0::INSTR"
+        with virtual_instrument(build, "--vxi11"), driver(build, resource) as fast:
+            with pure_python(resource, no_delay=False) as slow:
+                compare("VXI-11", fast, slow, 100)
+        return
+    with virtual_instrument(build) as port:
+        compare_over_socket(build, f"TCPIP0::127.0.0.1::{port}::SOCKET")
 
 
 if __name__ == "__main__":

@@ -290,17 +290,17 @@ ViStatus resolveSelector(DriverSession& session, ViConstString selector, OutputS
 
 ViStatus resolveSingleSelector(DriverSession& session, ViConstString selector, PhysicalName<OutputChannel>& name)
 {
-    const std::string_view text = textOf(selector);
-    if (const auto position = namedOutput(session, text)) [[likely]] {
+    const std::string_view wanted = textOf(selector);
+    if (const auto position = namedOutput(session, wanted)) [[likely]] {
         name = Outputs::physicalName(*position);
         return VI_SUCCESS;
     }
     OutputSelection selection;
-    const ViStatus status = resolveText(session, text, selection);
+    const ViStatus status = resolveText(session, wanted, selection);
     if (status < 0)
         return status;
     if (selection.size() != 1)
-        return refuse(session, base::kErrorBadlyFormedSelector, selector_texts::kSeveralNames, text);
+        return refuse(session, base::kErrorBadlyFormedSelector, selector_texts::kSeveralNames, wanted);
     name = *selection.begin();
     return status;
 }
