@@ -164,7 +164,8 @@ CommandLine parseCommandLine(int argumentCount, const char* const* arguments, st
         ->check(name())
         ->type_name("");
     remove->add_flag("--logical", onlyLogical, "remove the logical name only, not a session of this name");
-    app.add_subcommand("check", "Look for what breaks the rules of the file format, and for what fails or has no effect later.");
+    app.add_subcommand("check",
+                       "Look for what breaks the rules of the file format, and for what fails or has no effect later.");
 
     try {
         app.parse(argumentCount, arguments);
