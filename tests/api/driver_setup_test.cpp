@@ -638,6 +638,22 @@ TEST_F(DriverSetup, FreshRepliesTakeNoOtherInstrumentForTheirOwn)
     EXPECT_EQ(volts, 5.0);
 }
 
+TEST_F(DriverSetup, FreshRepliesKeepMessagesOfTheProgramsOwnFromAnotherInstrument)
+{
+    openWith("FreshReplies:1,DetailedErrors:1");
+    ViReal64 volts = -1.0;
+    EXPECT_LT(readVoltage(volts), 0);
+    answer("*IDN?", "Tessaro Instruments,KVX2833T,SN2,V2.34");
+    forget();
+    std::string message = "*TRG";
+    ViInt64 count = 77;
+    EXPECT_EQ(KVX2800T_viWrite(vi, reinterpret_cast<ViByte*>(message.data()), 4, &count), kIoError);
+    EXPECT_EQ(count, 0);
+    expectRecordedOnce(kIoError,
+                       "I/O error.  Resource 'TCPIP0::host::1::SOCKET': another instrument answers than before.");
+    EXPECT_THAT(written(), testing::Not(testing::Contains("*TRG\n")));
+}
+
 TEST_F(DriverSetup, ASessionThatCannotBeOpenedAgainStillCloses)
 {
     openWith("FreshReplies:1");

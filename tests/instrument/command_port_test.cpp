@@ -491,6 +491,17 @@ TEST_F(CommandPortTest, CloseWithoutAConnectionIsAnInvalidObject)
     EXPECT_THAT(kvxtest::calls(), IsEmpty());
 }
 
+TEST_F(CommandPortTest, MessagesWithoutAConnectionAreAnInvalidObject)
+{
+    CommandPort none;
+    std::array<ViByte, 4> buffer{};
+    std::size_t count = 77;
+    EXPECT_EQ(none.writeMessage("*TRG"), VI_ERROR_INV_OBJECT);
+    EXPECT_EQ(none.readMessage(buffer, count), VI_ERROR_INV_OBJECT);
+    EXPECT_EQ(count, 0U);
+    EXPECT_EQ(none.connectionStatus(), VI_ERROR_INV_OBJECT);
+}
+
 TEST_F(CommandPortTest, ACloseDuringACallDoesNotFreeTheConnectionUnderIt)
 {
     std::weak_ptr<ScriptedConnection> watched = connection;

@@ -295,6 +295,37 @@ TEST_P(FreshRepliesTest, ALinkThatFailsThriceInARowIsLostAndOpenedAgain)
     }
 }
 
+TEST_P(FreshRepliesTest, ALinkThatTakesNoQuestionIsLostAndOpenedAgain)
+{
+    for (const ViStatus lost : {VI_ERROR_CONN_LOST, VI_ERROR_IO}) {
+        loseReply();
+        instrument->writeStatus = lost;
+        instrument->reopenings = 0;
+        EXPECT_EQ(ask("B?"), "reply to B?");
+        EXPECT_EQ(instrument->reopenings, 1);
+        loseReply();
+        instrument->writeStatus = lost;
+        instrument->reopenStatus = VI_ERROR_RSRC_NFOUND;
+        EXPECT_EQ(port.write("C"), VI_ERROR_RSRC_NFOUND);
+        instrument->reopenStatus = VI_SUCCESS;
+        EXPECT_EQ(port.write("D"), VI_SUCCESS);
+    }
+}
+
+TEST_P(FreshRepliesTest, TakeNoBeginningOfAReplyForAnAnswerNorItsRest)
+{
+    loseReply();
+    instrument->delay = kTimeout + 1;
+    instrument->queue(kIdentity);
+    instrument->delay = 0;
+    instrument->queue(kIdentity);
+    instrument->queue("late");
+    if (!GetParam())
+        instrument->nextStatuses = {VI_SUCCESS, VI_SUCCESS_MAX_CNT};
+    EXPECT_EQ(ask("B?"), "reply to B?");
+    EXPECT_EQ(questions(), 1);
+}
+
 TEST_P(FreshRepliesTest, DistrustWhatStandsBehindACutReply)
 {
     instrument->nextStatuses = {VI_SUCCESS_MAX_CNT};

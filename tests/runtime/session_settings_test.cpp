@@ -172,8 +172,9 @@ Fault optionFault(std::string_view optionString)
 
 TEST(OptionFaults, AreNoneInAGoodOptionString)
 {
-    for (const char* const text : {"", "Simulate=1", " Simulate = 1 , RangeCheck=False,", "cache=VI_TRUE",
-                                   "Simulate=0,DriverSetup=Model:X,Simulated:1", "DriverSetup=", "DriverSetup=,,"})
+    for (const char* const text :
+         {"", "Simulate=1", " Simulate = 1 , RangeCheck=False,", "cache=VI_TRUE", "Simulate=1,,Cache=0", " , Cache=1",
+          "Simulate=0,DriverSetup=Model:X,Simulated:1", "DriverSetup=", "DriverSetup=,,"})
         EXPECT_EQ(optionFault(text), Fault()) << text;
 }
 
