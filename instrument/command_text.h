@@ -2,7 +2,6 @@
 
 #include "instrument/enumerations.h"
 
-#include <concepts>
 #include <string>
 #include <string_view>
 #include <type_traits>
@@ -28,11 +27,8 @@ class Header
     {
         // NOLINTBEGIN(google-explicit-constructor)
         consteval SourceText(const char* literal) : SourceText(std::string_view(literal)) {}
-        template <std::convertible_to<std::string_view> Text>
-        constexpr SourceText(const Text& text) : nodes(text), isQuery(hasQuestionMark(nodes))
-        {
-            takeFirstNode();
-        }
+        constexpr SourceText(const std::string& text) : SourceText(std::string_view(text)) {}
+        constexpr SourceText(std::string_view text) : nodes(text), isQuery(hasQuestionMark(text)) { takeFirstNode(); }
         // NOLINTEND(google-explicit-constructor)
 
         constexpr void takeFirstNode();
