@@ -3,6 +3,8 @@
 #include <cctype>
 #include <cstddef>
 #include <functional>
+#include <map>
+#include <memory>
 #include <optional>
 #include <set>
 #include <stdexcept>
@@ -89,7 +91,7 @@ private:
 
     static Part repeated(const Part& one, bool orNever)
     {
-        return [one, orNever](std::size_t at) {
+        return remembered([one, orNever](std::size_t at) {
             Places ends = one(at);
             for (std::size_t size = 0; size != ends.size();) {
                 size = ends.size();
@@ -98,6 +100,17 @@ private:
             if (orNever)
                 ends.insert(at);
             return ends;
+        });
+    }
+
+    /// Asks a part for each place once: repetitions of repetitions would ask it without end.
+    static Part remembered(Part part)
+    {
+        return [part = std::move(part), known = std::make_shared<std::map<std::size_t, Places>>()](std::size_t at) {
+            auto found = known->find(at);
+            if (found == known->end())
+                found = known->emplace(at, part(at)).first;
+            return found->second;
         };
     }
 
