@@ -165,7 +165,7 @@ case "${1-}" in
     check_tidy ',-clang-analyzer-*' "$others"
     run_tests asan-ubsan
     run_tests tsan
-    fuzz 50000 20
+    fuzz 50000 10
     test_windows
     ;;
 --long)
