@@ -75,8 +75,19 @@ void Header::appendQueryTo(std::string& line) const
 
 void Header::appendSource(std::string& line) const
 {
-    line += kSourceNode;
-    appendChannel(line, channel_);
+    // One growth of the line for both.
+    constexpr std::size_t kSize = kSourceNode.size() + 1;
+    static constexpr auto kNodes = [] {
+        std::array<std::array<char, kSize>, 10> nodes{};
+        for (std::size_t channel = 0; channel < nodes.size(); ++channel)
+            *std::copy(kSourceNode.begin(), kSourceNode.end(), nodes[channel].begin()) =
+                static_cast<char>('0' + channel);
+        return nodes;
+    }();
+    if (channel_ >= 0 && static_cast<std::size_t>(channel_) < kNodes.size()) [[likely]]
+        line.append(kNodes[static_cast<std::size_t>(channel_)].data(), kSize);
+    else
+        appendNumber(line += kSourceNode, channel_);
     if (form_ == Form::Source)
         line += text_;
     else

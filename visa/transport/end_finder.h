@@ -45,11 +45,15 @@ inline std::size_t indexOfMasked(std::span<const ViByte> bytes, ViByte mask)
 /// Finds the first byte that ends a read. END wins over the termination character (VPP-4.3 rules 6.1.1 to 6.1.7).
 inline std::optional<EndPoint> findEnd(std::span<const ViByte> bytes, const EndRule& rule)
 {
-    const std::size_t end = std::min(indexOf(bytes, rule.endByte), indexOfMasked(bytes, rule.endMask));
     const std::size_t term = indexOf(bytes, rule.termByte);
-    if (std::min(end, term) == bytes.size())
+    if (rule.endByte || rule.endMask != 0) [[unlikely]] {
+        const std::size_t end = std::min(indexOf(bytes, rule.endByte), indexOfMasked(bytes, rule.endMask));
+        if (end < bytes.size() && end <= term)
+            return EndPoint{end + 1, VI_SUCCESS};
+    }
+    if (term == bytes.size())
         return std::nullopt;
-    return end <= term ? EndPoint{end + 1, VI_SUCCESS} : EndPoint{term + 1, VI_SUCCESS_TERM_CHAR};
+    return EndPoint{term + 1, VI_SUCCESS_TERM_CHAR};
 }
 
 } // namespace visa

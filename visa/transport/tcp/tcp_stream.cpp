@@ -94,12 +94,14 @@ ViStatus TcpStream::attempt(const Deadline& deadline, Transfer transfer) noexcep
 {
     for (;;) {
         // Not every host promises that stop() ends a wait of another thread.
-        const int waitMs = deadline.remainingMs(Deadline::kLookMs);
-        const asio::error_code error = transfer_.stopped() ? asio::error_code() : transfer(waitMs);
         if (transfer_.stopped())
             return VI_ERROR_INV_OBJECT;
-        if (!error)
+        const int waitMs = deadline.remainingMs(Deadline::kLookMs);
+        const asio::error_code error = transfer(waitMs);
+        if (!error) [[likely]]
             return VI_SUCCESS;
+        if (transfer_.stopped())
+            return VI_ERROR_INV_OBJECT;
         if (!isTransient(error))
             return transferStatus(error);
         if (deadline.isAborted())
