@@ -209,9 +209,7 @@ private:
             transport_->setAttribute(VI_ATTR_TCPIP_HISLIP_MAX_MESSAGE_KB, input.number());
             return;
         default:
-            attributes_.set(VI_ATTR_TERMCHAR_EN, input.number() % 2);
-            attributes_.set(VI_ATTR_SUPPRESS_END_EN, input.number() % 2);
-            attributes_.set(VI_ATTR_TERMCHAR, input.number());
+            kvxfuzz::setEnds(attributes_, input);
         }
     }
 
@@ -223,9 +221,6 @@ private:
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    Input input({data, size});
-    Session session(input);
-    while (session.isOpen() && !input.isOver())
-        session.step(input);
+    kvxfuzz::runSession<Session>({data, size});
     return 0;
 }

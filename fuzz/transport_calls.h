@@ -4,6 +4,8 @@
 #include "visa/transport/transport.h"
 
 #include <cstddef>
+#include <cstdint>
+#include <span>
 #include <vector>
 
 namespace kvxfuzz
@@ -29,6 +31,24 @@ inline void writeChecked(visa::Transport& transport, const visa::Terms& terms, s
     std::size_t count = 0;
     const ViStatus status = transport.write(bytes, terms, count);
     require(count <= size && (status < 0 || count == size));
+}
+
+/// Sets what ends a read.
+inline void setEnds(visa::AttributeValues& attributes, Input& input)
+{
+    attributes.set(VI_ATTR_TERMCHAR_EN, input.number() % 2);
+    attributes.set(VI_ATTR_SUPPRESS_END_EN, input.number() % 2);
+    attributes.set(VI_ATTR_TERMCHAR, input.number());
+}
+
+/// Leads a session, which an input opens, as far as the input goes.
+template <class Session>
+void runSession(std::span<const std::uint8_t> bytes)
+{
+    Input input(bytes);
+    Session session(input);
+    while (session.isOpen() && !input.isOver())
+        session.step(input);
 }
 
 } // namespace kvxfuzz
