@@ -1,5 +1,6 @@
 #include "tests/support/processes/virtual_instrument_process.h"
 #include "tests/support/visa/rpc_bytes.h"
+#include "tests/support/visa/vxi11_procedures.h"
 
 #include <gmock/gmock.h>
 
@@ -14,28 +15,7 @@ using namespace kvxtest;
 using asio::ip::tcp;
 using testing::ElementsAre;
 
-constexpr std::uint32_t kCore = 0x0607AF;
-constexpr std::uint32_t kAsync = 0x0607B0;
 constexpr std::uint32_t kLongMs = 60000;
-
-enum Procedure : std::uint32_t
-{
-    kCreateLink = 10,
-    kWrite = 11,
-    kRead = 12,
-    kReadStb = 13,
-    kTrigger = 14,
-    kClear = 15,
-    kRemote = 16,
-    kLocal = 17,
-    kLock = 18,
-    kUnlock = 19,
-    kEnableSrq = 20,
-    kDocmd = 22,
-    kDestroyLink = 23,
-    kCreateIntrChan = 25,
-    kDestroyIntrChan = 26
-};
 
 constexpr std::uint32_t kWaitLock = 0x01;
 constexpr std::uint32_t kEnd = 0x08;
@@ -59,7 +39,7 @@ public:
         return mark.size() < 4 ? std::string() : take(wordIn(mark, 0) & 0x7FFFFFFFU);
     }
 
-    void begin(std::uint32_t procedure, const std::string& arguments, std::uint32_t program = kCore)
+    void begin(std::uint32_t procedure, const std::string& arguments, std::uint32_t program = kCoreProgram)
     {
         send(fragment(words({++number_, 0, 2, program, 1, procedure, 0, 0, 0, 0}) + arguments));
     }
@@ -72,7 +52,7 @@ public:
         return record.size() < 24 ? std::string() : record.substr(24);
     }
 
-    std::string call(std::uint32_t procedure, const std::string& arguments, std::uint32_t program = kCore)
+    std::string call(std::uint32_t procedure, const std::string& arguments, std::uint32_t program = kCoreProgram)
     {
         begin(procedure, arguments, program);
         return end();
@@ -278,7 +258,7 @@ TEST_F(Vxi11Server, AReadThatWaitsHoldsUpNobodyElse)
     waiting.beginRead(10);
     other.write("*TST?");
     EXPECT_EQ(other.read(10), readResult(4, "0\n"));
-    EXPECT_EQ(RpcClient(waiting.abortPort()).call(1, words({waiting.link()}), kAsync), kDone);
+    EXPECT_EQ(RpcClient(waiting.abortPort()).call(1, words({waiting.link()}), kAbortProgram), kDone);
     EXPECT_EQ(waiting.end(), readError(23));
     waiting.write("*TST?");
     EXPECT_EQ(waiting.read(10), readResult(4, "0\n"));
@@ -374,8 +354,8 @@ TEST_F(Vxi11Server, AWaitForALockCanBeAborted)
     // Until the calls that are on their way have arrived, there is nothing to abort.
     std::thread repeated([&] {
         for (int i = 0; i < 50; ++i) {
-            aborting.call(1, words({locking.link()}), kAsync);
-            aborting.call(1, words({writing.link()}), kAsync);
+            aborting.call(1, words({locking.link()}), kAbortProgram);
+            aborting.call(1, words({writing.link()}), kAbortProgram);
             std::this_thread::sleep_for(std::chrono::milliseconds(2));
         }
     });
@@ -487,42 +467,43 @@ TEST_F(Vxi11Server, AbortIsForLinksThatAreThere)
 {
     const auto one = client();
     RpcClient aborting(one.abortPort());
-    EXPECT_EQ(aborting.call(1, words({one.link()}), kAsync), kDone);
-    EXPECT_EQ(aborting.call(1, words({one.link() + 1}), kAsync), words({4}));
-    EXPECT_EQ(aborting.answerTo(kAsync, 1, 0, ""), words({0}));
-    EXPECT_EQ(aborting.answerTo(kAsync, 1, 2, ""), words({3}));
-    EXPECT_EQ(aborting.answerTo(kAsync, 2, 1, ""), words({2, 1, 1}));
-    EXPECT_EQ(aborting.answerTo(kCore, 1, 1, ""), words({1}));
-    EXPECT_EQ(aborting.answerTo(kAsync, 1, 1, "abc"), words({4}));
+    EXPECT_EQ(aborting.call(1, words({one.link()}), kAbortProgram), kDone);
+    EXPECT_EQ(aborting.call(1, words({one.link() + 1}), kAbortProgram), words({4}));
+    EXPECT_EQ(aborting.answerTo(kAbortProgram, 1, 0, ""), words({0}));
+    EXPECT_EQ(aborting.answerTo(kAbortProgram, 1, 2, ""), words({3}));
+    EXPECT_EQ(aborting.answerTo(kAbortProgram, 2, 1, ""), words({2, 1, 1}));
+    EXPECT_EQ(aborting.answerTo(kCoreProgram, 1, 1, ""), words({1}));
+    EXPECT_EQ(aborting.answerTo(kAbortProgram, 1, 1, "abc"), words({4}));
 }
 
 TEST_F(Vxi11Server, RefusesCallsThatItCannotCarryOut)
 {
     auto one = client();
-    EXPECT_EQ(one.answerTo(kCore, 1, 0, ""), words({0}));
-    EXPECT_EQ(one.answerTo(kCore + 5, 1, kClear, ""), words({1}));
-    EXPECT_EQ(one.answerTo(kCore, 2, kClear, ""), words({2, 1, 1}));
+    EXPECT_EQ(one.answerTo(kCoreProgram, 1, 0, ""), words({0}));
+    EXPECT_EQ(one.answerTo(kCoreProgram + 5, 1, kClear, ""), words({1}));
+    EXPECT_EQ(one.answerTo(kCoreProgram, 2, kClear, ""), words({2, 1, 1}));
     for (const std::uint32_t procedure : {1U, 9U, 21U, 24U, 27U, 0xFFFFFFFFU})
-        EXPECT_EQ(one.answerTo(kCore, 1, procedure, ""), words({3})) << procedure;
+        EXPECT_EQ(one.answerTo(kCoreProgram, 1, procedure, ""), words({3})) << procedure;
     for (const std::uint32_t procedure : {kCreateLink, kWrite, kRead, kReadStb, kTrigger, kClear, kRemote, kLocal,
                                           kLock, kUnlock, kEnableSrq, kDocmd, kDestroyLink, kCreateIntrChan})
-        EXPECT_EQ(one.answerTo(kCore, 1, procedure, "\1\2"), words({4})) << procedure;
-    EXPECT_EQ(one.answerTo(kCore, 1, kEnableSrq, words({one.link(), 1}) + opaque(std::string(41, 'h'))), words({4}));
-    EXPECT_EQ(one.answerTo(kCore, 1, kWrite, words({one.link(), 0, 0, 0, 0xFFFFFFFF}) + "x"), words({4}));
+        EXPECT_EQ(one.answerTo(kCoreProgram, 1, procedure, "\1\2"), words({4})) << procedure;
+    EXPECT_EQ(one.answerTo(kCoreProgram, 1, kEnableSrq, words({one.link(), 1}) + opaque(std::string(41, 'h'))),
+              words({4}));
+    EXPECT_EQ(one.answerTo(kCoreProgram, 1, kWrite, words({one.link(), 0, 0, 0, 0xFFFFFFFF}) + "x"), words({4}));
     EXPECT_EQ(one.poll(), words({0, 0}));
 }
 
 TEST_F(Vxi11Server, RefusesOtherVersionsOfRpc)
 {
     auto one = connection();
-    one.send(fragment(words({5, 0, 3, kCore, 1, kClear, 0, 0, 0, 0})));
+    one.send(fragment(words({5, 0, 3, kCoreProgram, 1, kClear, 0, 0, 0, 0})));
     EXPECT_EQ(one.receive(), words({5, 1, 1, 0, 2, 2}));
 }
 
 TEST_F(Vxi11Server, TakesCredentialsAndAnyFragments)
 {
     auto one = connection();
-    const std::string call = words({5, 0, 2, kCore, 1, 0, 1}) + opaque("somebody") + words({0, 0});
+    const std::string call = words({5, 0, 2, kCoreProgram, 1, 0, 1}) + opaque("somebody") + words({0, 0});
     std::string pieces;
     for (const char c : call)
         pieces += fragment(std::string(1, c), false) + fragment("", false);
@@ -547,7 +528,7 @@ TEST_F(Vxi11Server, CallsSentAheadAreAnsweredInTheirOrder)
 {
     auto one = client();
     for (int i = 0; i < 100; ++i)
-        one.send(fragment(words({static_cast<std::uint32_t>(1000 + i), 0, 2, kCore, 1, kReadStb, 0, 0, 0, 0}) +
+        one.send(fragment(words({static_cast<std::uint32_t>(1000 + i), 0, 2, kCoreProgram, 1, kReadStb, 0, 0, 0, 0}) +
                           words({one.link(), 0, 0, 0})));
     for (std::uint32_t i = 0; i < 100; ++i)
         EXPECT_EQ(one.receive(), words({1000 + i, 1, 0, 0, 0, 0, 0, 0}));

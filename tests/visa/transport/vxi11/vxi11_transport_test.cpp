@@ -1,6 +1,7 @@
 #include "visa/transport/vxi11/vxi11_transport.h"
 
 #include "tests/support/visa/rpc_peer.h"
+#include "tests/support/visa/vxi11_procedures.h"
 
 #include <gmock/gmock.h>
 
@@ -15,25 +16,8 @@ using namespace kvxtest;
 using namespace visa;
 using testing::Each;
 
-constexpr std::uint32_t kCoreProgram = 0x0607AF;
-constexpr std::uint32_t kAbortProgram = 0x0607B0;
 constexpr std::uint32_t kLink = 0x1234;
 constexpr std::uint32_t kMostSent = 16;
-
-enum Procedure : std::uint32_t
-{
-    kCreateLink = 10,
-    kWrite = 11,
-    kRead = 12,
-    kReadStb = 13,
-    kTrigger = 14,
-    kClear = 15,
-    kRemote = 16,
-    kLocal = 17,
-    kLock = 18,
-    kUnlock = 19,
-    kDestroyLink = 23
-};
 
 const std::string kDone = words({0});
 
