@@ -72,7 +72,8 @@ test("errors are appended and the oldest are dropped", () => {
     assert.equal(state.errors.length, kMostErrors);
     assert.equal(state.errors[0].code, 1);
     assert.deepEqual(state.errors.at(-1), { code: -222, text: "Data out of range" });
-    assert.deepEqual(reduce(state, { type: "errorsCleared" }).errors, []);
+    assert.deepEqual(reduce(state, { type: "errors", cleared: true, entries: [] }).errors, []);
+    assert.deepEqual(reduce(state, { type: "opened" }).errors, []);
 });
 
 test("lines are appended and the oldest are dropped", () => {

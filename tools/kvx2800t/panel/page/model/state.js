@@ -30,7 +30,7 @@ export function initialState() {
 const kUnknown = { time: null, sequence: null, identity: null, sourceMode: null, channels: null, lists: [] };
 
 const kTransitions = {
-    opened: (state) => ({ ...state, server: "open", link: { state: "connecting", text: "" }, programs: new Map() }),
+    opened: (state) => ({ ...state, server: "open", link: { state: "connecting", text: "" }, programs: new Map(), errors: [] }),
     closed: (state) => ({ ...state, ...kUnknown, server: "lost", link: { state: "lost", text: "" } }),
     stale: (state) => ({
         ...state,
@@ -44,8 +44,10 @@ const kTransitions = {
         ...(message.link.state === "connected" ? readingsOf(message) : {}),
         link: message.link,
     }),
-    errors: (state, message) => ({ ...state, errors: [...state.errors, ...message.entries].slice(-kMostErrors) }),
-    errorsCleared: (state) => ({ ...state, errors: [] }),
+    errors: (state, message) => ({
+        ...state,
+        errors: [...(message.cleared ? [] : state.errors), ...message.entries].slice(-kMostErrors),
+    }),
     lines: (state, message) => ({ ...state, lines: [...state.lines, message].slice(-kMostLines) }),
     linesCleared: (state) => ({ ...state, lines: [] }),
     list: (state, message) => ({ ...state, programs: new Map(state.programs).set(message.channel, message) }),
