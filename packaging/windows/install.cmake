@@ -25,6 +25,13 @@ install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples/ DESTINATION ${own_folder}/Exam
 
 install(DIRECTORY ${PROJECT_BINARY_DIR}/python_package/kvx2800t DESTINATION ${own_folder}/Python)
 
+# With the sources, for a .NET that takes no assembly of mono's.
+set(csharp_folder ${own_folder}/CSharp)
+install(FILES ${KVX_ASSEMBLY} ${PROJECT_BINARY_DIR}/csharp/Kvx2800t.xml ${PROJECT_SOURCE_DIR}/csharp/README.md
+    ${PROJECT_SOURCE_DIR}/csharp/Kvx2800t.csproj DESTINATION ${csharp_folder})
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/csharp/Kvx2800t DESTINATION ${csharp_folder})
+install(FILES ${PROJECT_BINARY_DIR}/bindings/Interface.cs DESTINATION ${csharp_folder}/Kvx2800t)
+
 # For a machine without the IVI components or VISA.
 if(NOT KVX_VENDOR_IVI)
     install(TARGETS IviCShared IviConfigServer RUNTIME DESTINATION ${own_folder}/Platform/${width})
