@@ -348,6 +348,16 @@ class Packages(InstalledTest):
                 )
                 self.assertEqual(output("bash", "-c", script).split(), expected)
 
+    def test_the_help_is_there_as_pages_and_as_a_document(self):
+        folder = self.root / "usr/share/doc/kvx2800t"
+        made = {path.name for path in (BUILD / "help/html").iterdir()}
+        self.assertIn("functions.html", made)
+        self.assertEqual(made, {path.name for path in (folder / "html").iterdir()})
+        self.assertEqual(b"%PDF", (folder / "KVX2800T.pdf").read_bytes()[:4])
+        indexed = (self.root / "usr/share/doc-base/kvx2800t-doc.kvx2800t").read_text()
+        for file in re.findall("^(?:Index|Files): (.*)$", indexed, re.M):
+            self.assertTrue(list(self.root.glob(file.lstrip("/"))), file)
+
     def test_each_program_has_a_manual_page(self):
         pages = self.root / "usr/share/man/man1"
         for program in self.installed.bin.iterdir():
