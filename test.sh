@@ -153,10 +153,12 @@ test_arm() {
 case "${1-}" in
 '')
     install_packages build test
+    install_for_panel test
     run_tests release
     ;;
 --all)
     install_packages build test package check
+    install_for_panel test
     check_format
     run_tests release
     check_help
@@ -170,6 +172,7 @@ case "${1-}" in
     ;;
 --long)
     install_packages build test package check arm root
+    install_for_panel
     build release
     test_packages
     try_packages

@@ -357,8 +357,8 @@ class Packages(InstalledTest):
     def test_bash_completes_commands_and_options(self):
         completion = self.root / "usr/share/bash-completion/completions"
         cases = {
-            ("kvx2800t-store", ""): ["list", "add", "remove", "check"],
-            ("kvx2800t-store", "re"): ["remove"],
+            ("kvx2800t-store", ""): ["list", "add", "remove", "check", "register", "unregister"],
+            ("kvx2800t-store", "re"): ["remove", "register"],
             ("kvx2800t-store", "add", "--virtual"): ["--virtual", "--virtual-range"],
             ("kvx2800t-store", "add", "--cache", ""): ["0", "1"],
             ("kvx2800t-virtual", "--ser"): ["--serial"],

@@ -27,10 +27,10 @@ export function initialState() {
 }
 
 /** What is no longer true once the connection or the link is gone. */
-const kUnknown = { time: null, sequence: null, identity: null, sourceMode: null, channels: null, lists: [] };
+const kUnknown = { time: null, sequence: null, identity: null, sourceMode: null, channels: null, lists: [], programs: new Map() };
 
 const kTransitions = {
-    opened: (state) => ({ ...state, server: "open", link: { state: "connecting", text: "" }, programs: new Map(), errors: [] }),
+    opened: (state) => ({ ...state, server: "open", link: { state: "connecting", text: "" }, errors: [] }),
     closed: (state) => ({ ...state, ...kUnknown, server: "lost", link: { state: "lost", text: "" } }),
     stale: (state) => ({
         ...state,
@@ -40,8 +40,7 @@ const kTransitions = {
     hello: (state, message) => ({ ...state, hello: message }),
     state: (state, message) => ({
         ...state,
-        ...kUnknown,
-        ...(message.link.state === "connected" ? readingsOf(message) : {}),
+        ...(message.link.state === "connected" ? readingsOf(message) : kUnknown),
         link: message.link,
     }),
     errors: (state, message) => ({

@@ -92,7 +92,7 @@ export class ChannelCard {
         const field = new Field({
             id: `${this.name}-${level.key}`,
             label: `Set ${level.name.toLowerCase()}`,
-            name: `${this.name} ${level.name.toLowerCase()}`,
+            name: `${this.name} set ${level.name.toLowerCase()}`,
             unit: level.unit,
             set: (value, answered) => this.latest.put(key, { do: level.action, channel: this.name, value }, answered),
             pending: () => this.latest.pending(key)?.value,

@@ -84,6 +84,8 @@ export class Field {
         if (event.key === "Enter") {
             event.preventDefault();
             this.take();
+        } else if (event.key === "Escape") {
+            this.leave();
         } else if (kKeys.has(event.key)) {
             event.preventDefault();
             this.step(kKeys.get(event.key)(event));

@@ -262,8 +262,8 @@ export class ListPane {
     takePrograms(programs) {
         const before = this.programs;
         this.programs = programs;
-        for (const [channel, program] of programs)
-            if (before.get(channel) !== program && !this.drafts.get(channel)?.edited) {
+        for (const channel of new Set([...before.keys(), ...programs.keys()]))
+            if (before.get(channel) !== programs.get(channel) && !this.drafts.get(channel)?.edited) {
                 this.drafts.delete(channel);
                 if (channel === this.channel) this.writeTable();
             }

@@ -201,6 +201,8 @@ export class Plot {
     }
 
     draw() {
+        const [from, to] = this.view.range(this.ring.newest);
+        Object.assign(this.place.dataset, { from, to });
         this.chart?.setData(this.data());
     }
 

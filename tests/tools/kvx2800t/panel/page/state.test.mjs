@@ -15,7 +15,8 @@ const kReading = {
 };
 
 const after = (...events) => events.reduce(reduce, initialState());
-const connected = () => after({ type: "opened" }, kHello, kReading);
+const kList = { type: "list", channel: "CH1", groups: [], cycles: 1, end: "off" };
+const connected = () => after({ type: "opened" }, kHello, kReading, kList, { ...kReading, sequence: 2 });
 
 function assertNothingIsKnown(state) {
     assert.equal(isConnected(state), false);
@@ -24,12 +25,14 @@ function assertNothingIsKnown(state) {
     assert.equal(state.sourceMode, null);
     assert.equal(state.time, null);
     assert.deepEqual(state.lists, []);
+    assert.equal(state.programs.size, 0);
 }
 
 test("a reading makes the page connected", () => {
     const state = connected();
     assert.equal(isConnected(state), true);
     assert.deepEqual(state.channels, kReading.channels);
+    assert.equal(state.programs.get("CH1"), kList);
     assert.equal(linkTextOf(state), "Connected");
 });
 
