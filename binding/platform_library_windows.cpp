@@ -52,6 +52,17 @@ std::wstring ownFolder()
     return found == 0 ? std::wstring() : folderOf(self);
 }
 
+/// The folder of an installation that no other program's search comes across; empty when this is elsewhere.
+std::wstring privateFolder()
+{
+    std::wstring root = ownFolder();
+    if (root.empty())
+        return root;
+    root.pop_back();
+    root.resize(root.rfind(L'\\') + 1);
+    return root + L"Drivers\\KVX2800T\\Platform\\" + (kIs64Bit ? L"x64" : L"x86");
+}
+
 bool isAbsolute(std::wstring_view folder)
 {
     constexpr std::size_t kDrive = 3;
@@ -107,7 +118,7 @@ HMODULE loadLibrary(std::span<const wchar_t* const> names)
     std::vector<std::wstring> folders = {folderOf(nullptr), pathFrom(GetSystemDirectoryW),
                                          pathFrom(GetWindowsDirectoryW)};
     folders.insert(folders.end(), further.begin(), further.end());
-    folders.push_back(ownFolder());
+    folders.insert(folders.end(), {ownFolder(), privateFolder()});
     std::erase(folders, L"");
     const FurtherFolders needed(further);
     constexpr DWORD kWithNeeded = LOAD_LIBRARY_SEARCH_DLL_LOAD_DIR | LOAD_LIBRARY_SEARCH_DEFAULT_DIRS;

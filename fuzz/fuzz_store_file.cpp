@@ -24,10 +24,11 @@ struct Contents
 };
 
 const std::vector<Contents> kGrammar{
-    {"IviConfigStore", {"DriverSessions", "SoftwareModules", "HardwareAssets", "LogicalNames", "Name"}},
+    {"IviConfigStore", {"DriverSessions", "SoftwareModules", "HardwareAssets", "LogicalNames", "Name", "Sessions"}},
     {"SoftwareModules", {"IviSoftwareModule"}},
     {"HardwareAssets", {"IviHardwareAsset"}},
     {"DriverSessions", {"IviDriverSession", "@IviDriverSession"}},
+    {"Sessions", {"IviSession", "@IviDriverSession"}},
     {"LogicalNames", {"IviLogicalName"}},
     {"PhysicalNames", {"IviPhysicalName"}},
     {"VirtualNames", {"IviVirtualName"}},
@@ -38,7 +39,8 @@ const std::vector<Contents> kGrammar{
     {"IviHardwareAsset", {"Name", "IOResourceDescriptor", "DataComponents"}},
     {"IviDriverSession",
      {"Name", "VirtualNames", "DataComponents", "@IviHardwareAsset", "@IviSoftwareModule", "Cache", "DriverSetup"}},
-    {"IviLogicalName", {"Name", "@IviDriverSession"}},
+    {"IviSession", {"Name", "@IviHardwareAsset"}},
+    {"IviLogicalName", {"Name", "@IviDriverSession", "@IviSession"}},
     {"IviPhysicalName", {"Name", "RCName", "PhysicalNames"}},
     {"IviVirtualName", {"VirtualRanges", "Name", "MapTo"}},
     {"IviVirtualRange", {"Min", "Max", "StartingPhysicalIndex"}},

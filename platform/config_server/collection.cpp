@@ -15,7 +15,9 @@ struct CollectionRow
     Kinds items;
 };
 
-constexpr std::array<CollectionRow, 5> kCollections{{
+constexpr std::array<CollectionRow, 7> kCollections{{
+    {kDriverSessions, "DriverSessions", kDriverSession},
+    {kLogicalNames, "LogicalNames", kLogicalName},
     {kSoftwareModules, "SoftwareModules", kSoftwareModule},
     {kPhysicalNames, "PhysicalNames", kPhysicalName},
     {kVirtualNames, "VirtualNames", kVirtualName},

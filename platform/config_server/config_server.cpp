@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <array>
+#include <initializer_list>
 #include <new>
 #include <optional>
 #include <stdexcept>
@@ -144,11 +145,22 @@ IviConfigHandle handleOf(const Document& element)
     return handles().add({.kind = kindOf(element->name), .element = element});
 }
 
-/// Hands out what a reference child of the object refers to; null when there is none.
-ViStatus getReference(const Target& target, std::string_view child, IviConfigHandle* result) noexcept
+/// What the first of these reference children refers to that does; null when none does.
+const Element* referredOf(const Element& element, std::initializer_list<std::string_view> children)
 {
-    return handOut(target, result, [child](const Object& object, const Call&, IviConfigHandle& handle) {
-        const Element* const referred = object.element->reference(child);
+    for (const std::string_view child : children) {
+        if (const Element* const referred = element.reference(child))
+            return referred;
+    }
+    return nullptr;
+}
+
+/// Hands out what one of these reference children of the object refers to; null when there is none.
+ViStatus getReference(const Target& target, std::initializer_list<std::string_view> children,
+                      IviConfigHandle* result) noexcept
+{
+    return handOut(target, result, [children](const Object& object, const Call&, IviConfigHandle& handle) {
+        const Element* const referred = referredOf(*object.element, children);
         handle = handleOf(referred == nullptr ? nullptr : Document(object.element, referred));
         return VI_SUCCESS;
     });
@@ -308,6 +320,18 @@ ViStatus _VI_FUNC IviConfig_GetDriverSession(IviConfigStoreHandle store, ViConst
                    });
 }
 
+ViStatus _VI_FUNC IviConfig_GetConfigStoreDriverSessionCollection(IviConfigStoreHandle store,
+                                                                  IviDriverSessionCollectionHandle* driverSessions)
+{
+    return getCollection({__func__, store, kStore}, kDriverSessions, driverSessions);
+}
+
+ViStatus _VI_FUNC IviConfig_GetConfigStoreLogicalNameCollection(IviConfigStoreHandle store,
+                                                                IviLogicalNameCollectionHandle* logicalNames)
+{
+    return getCollection({__func__, store, kStore}, kLogicalNames, logicalNames);
+}
+
 ViStatus _VI_FUNC IviConfig_GetConfigStoreSoftwareModuleCollection(IviConfigStoreHandle store,
                                                                    IviSoftwareModuleCollectionHandle* softwareModules)
 {
@@ -350,19 +374,42 @@ ViStatus _VI_FUNC IviConfig_GetPhysicalNamePropertyViString(IviPhysicalNameHandl
 ViStatus _VI_FUNC IviConfig_GetSessionSoftwareModuleReference(IviSessionHandle session,
                                                               IviSoftwareModuleHandle* softwareModule)
 {
-    return getReference({__func__, session, kAnySession}, "IviSoftwareModuleRef", softwareModule);
+    return getReference({__func__, session, kAnySession}, {"IviSoftwareModuleRef"}, softwareModule);
 }
 
 ViStatus _VI_FUNC IviConfig_GetSessionHardwareAssetReference(IviSessionHandle session,
                                                              IviHardwareAssetHandle* hardwareAsset)
 {
-    return getReference({__func__, session, kAnySession}, "IviHardwareAsset", hardwareAsset);
+    return getReference({__func__, session, kAnySession}, {"IviHardwareAsset"}, hardwareAsset);
+}
+
+ViStatus _VI_FUNC IviConfig_GetSessionPropertyViString(IviSessionHandle session, ViInt32 propertyID, ViInt32 bufferSize,
+                                                       ViChar value[])
+{
+    return getText({__func__, session, kAnySession}, propertyID, bufferSize, value);
 }
 
 ViStatus _VI_FUNC IviConfig_GetHardwareAssetPropertyViString(IviHardwareAssetHandle hardwareAsset, ViInt32 propertyID,
                                                              ViInt32 bufferSize, ViChar value[])
 {
     return getText({__func__, hardwareAsset, kHardwareAsset}, propertyID, bufferSize, value);
+}
+
+ViStatus _VI_FUNC IviConfig_GetDriverSessionCount(IviDriverSessionCollectionHandle driverSessions, ViInt32* count)
+{
+    return getCount({__func__, driverSessions, kDriverSessions}, count);
+}
+
+ViStatus _VI_FUNC IviConfig_GetDriverSessionItemByIndex(IviDriverSessionCollectionHandle driverSessions, ViInt32 index,
+                                                        IviDriverSessionHandle* driverSession)
+{
+    return getItemByIndex({__func__, driverSessions, kDriverSessions}, index, driverSession);
+}
+
+ViStatus _VI_FUNC IviConfig_GetDriverSessionItemByName(IviDriverSessionCollectionHandle driverSessions,
+                                                       ViConstString name, IviDriverSessionHandle* driverSession)
+{
+    return getItemByName({__func__, driverSessions, kDriverSessions}, name, driverSession);
 }
 
 ViStatus _VI_FUNC IviConfig_GetDriverSessionPropertyViBoolean(IviDriverSessionHandle driverSession, ViInt32 propertyID,
@@ -375,6 +422,36 @@ ViStatus _VI_FUNC IviConfig_GetDriverSessionPropertyViString(IviDriverSessionHan
                                                              ViInt32 bufferSize, ViChar value[])
 {
     return getText({__func__, driverSession, kDriverSession}, propertyID, bufferSize, value);
+}
+
+// Logical names
+
+ViStatus _VI_FUNC IviConfig_GetLogicalNameCount(IviLogicalNameCollectionHandle logicalNames, ViInt32* count)
+{
+    return getCount({__func__, logicalNames, kLogicalNames}, count);
+}
+
+ViStatus _VI_FUNC IviConfig_GetLogicalNameItemByIndex(IviLogicalNameCollectionHandle logicalNames, ViInt32 index,
+                                                      IviLogicalNameHandle* logicalName)
+{
+    return getItemByIndex({__func__, logicalNames, kLogicalNames}, index, logicalName);
+}
+
+ViStatus _VI_FUNC IviConfig_GetLogicalNameItemByName(IviLogicalNameCollectionHandle logicalNames, ViConstString name,
+                                                     IviLogicalNameHandle* logicalName)
+{
+    return getItemByName({__func__, logicalNames, kLogicalNames}, name, logicalName);
+}
+
+ViStatus _VI_FUNC IviConfig_GetLogicalNamePropertyViString(IviLogicalNameHandle logicalName, ViInt32 propertyID,
+                                                           ViInt32 bufferSize, ViChar value[])
+{
+    return getText({__func__, logicalName, kLogicalName}, propertyID, bufferSize, value);
+}
+
+ViStatus _VI_FUNC IviConfig_GetLogicalNameSessionReference(IviLogicalNameHandle logicalName, IviSessionHandle* session)
+{
+    return getReference({__func__, logicalName, kLogicalName}, {"IviDriverSession", "IviSession"}, session);
 }
 
 // Virtual names and ranges

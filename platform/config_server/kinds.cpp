@@ -14,12 +14,13 @@ struct KindName
     Kinds kind;
 };
 
-constexpr std::array<KindName, 14> kKindNames{{
+constexpr std::array<KindName, 15> kKindNames{{
     {"IviConfigStore", kStore},
     {"IviHardwareAsset", kHardwareAsset},
     {"IviSoftwareModule", kSoftwareModule},
     {"IviSession", kSession},
     {"IviDriverSession", kDriverSession},
+    {"IviLogicalName", kLogicalName},
     {"IviPhysicalName", kPhysicalName},
     {"IviVirtualName", kVirtualName},
     {"IviVirtualRange", kVirtualRange},

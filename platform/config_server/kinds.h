@@ -22,12 +22,15 @@ inline constexpr Kinds kReal = 1U << 10U;
 inline constexpr Kinds kString = 1U << 11U;
 inline constexpr Kinds kStructure = 1U << 12U;
 inline constexpr Kinds kApiReference = 1U << 13U;
+inline constexpr Kinds kLogicalName = 1U << 14U;
 
-inline constexpr Kinds kSoftwareModules = 1U << 14U; ///< from here on collections
-inline constexpr Kinds kPhysicalNames = 1U << 15U;
-inline constexpr Kinds kVirtualNames = 1U << 16U;
-inline constexpr Kinds kVirtualRanges = 1U << 17U;
-inline constexpr Kinds kDataComponents = 1U << 18U;
+inline constexpr Kinds kSoftwareModules = 1U << 15U; ///< from here on collections
+inline constexpr Kinds kPhysicalNames = 1U << 16U;
+inline constexpr Kinds kVirtualNames = 1U << 17U;
+inline constexpr Kinds kVirtualRanges = 1U << 18U;
+inline constexpr Kinds kDataComponents = 1U << 19U;
+inline constexpr Kinds kDriverSessions = 1U << 20U;
+inline constexpr Kinds kLogicalNames = 1U << 21U;
 
 inline constexpr Kinds kAnySession = kSession | kDriverSession;
 inline constexpr Kinds kConfigComponent = kHardwareAsset | kSoftwareModule | kAnySession;

@@ -45,6 +45,9 @@ constexpr std::array kProperties{
     PropertyRow{kDriverSession, IVICONFIG_VAL_DRIVER_SESSION_SIMULATE, Flag, "Simulate"},
     PropertyRow{kDriverSession, IVICONFIG_VAL_DRIVER_SESSION_DRIVER_SETUP, Text, "DriverSetup"},
 
+    PropertyRow{kLogicalName, IVICONFIG_VAL_LOGICAL_NAME_NAME, Text, "Name"},
+    PropertyRow{kLogicalName, IVICONFIG_VAL_LOGICAL_NAME_DESCRIPTION, Text, "Description"},
+
     PropertyRow{kPhysicalName, IVICONFIG_VAL_PHYSICAL_NAME_NAME, Text, "Name"},
     PropertyRow{kPhysicalName, IVICONFIG_VAL_PHYSICAL_NAME_RCNAME, Text, "RCName"},
 

@@ -22,13 +22,9 @@ Document load(const std::string& location)
 std::vector<IndexEntry> logicalNames(const Element& root)
 {
     std::vector<IndexEntry> entries;
-    const Element* const names = root.child("LogicalNames");
-    if (names == nullptr)
-        return entries;
-    for (const Element& item : names->children) {
-        const Element* const session = item.reference("IviDriverSession");
-        if (item.name == "IviLogicalName" && session != nullptr)
-            entries.push_back({item.textOf("Name"), session});
+    for (const Element* const item : itemsOf(root, "LogicalNames", kLogicalName)) {
+        if (const Element* const session = item->reference("IviDriverSession"))
+            entries.push_back({item->textOf("Name"), session});
     }
     return entries;
 }

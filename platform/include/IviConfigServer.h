@@ -29,7 +29,9 @@ typedef IviConfigHandle IviSoftwareModuleHandle;
 typedef IviConfigHandle IviSoftwareModuleCollectionHandle;
 typedef IviConfigHandle IviSessionHandle;
 typedef IviConfigHandle IviDriverSessionHandle;
+typedef IviConfigHandle IviDriverSessionCollectionHandle;
 typedef IviConfigHandle IviLogicalNameHandle;
+typedef IviConfigHandle IviLogicalNameCollectionHandle;
 typedef IviConfigHandle IviPhysicalNameHandle;
 typedef IviConfigHandle IviPhysicalNameCollectionHandle;
 typedef IviConfigHandle IviPhysicalRangeHandle;
@@ -193,6 +195,14 @@ ViStatus _VI_FUNC IviConfig_GetConfigStorePropertyViString(IviConfigStoreHandle 
 ViStatus _VI_FUNC IviConfig_GetDriverSession(IviConfigStoreHandle store, ViConstString name,
                                              IviDriverSessionHandle* driverSession);
 
+/** Hands out the store's driver sessions. */
+ViStatus _VI_FUNC IviConfig_GetConfigStoreDriverSessionCollection(IviConfigStoreHandle store,
+                                                                  IviDriverSessionCollectionHandle* driverSessions);
+
+/** Hands out the store's logical names. */
+ViStatus _VI_FUNC IviConfig_GetConfigStoreLogicalNameCollection(IviConfigStoreHandle store,
+                                                                IviLogicalNameCollectionHandle* logicalNames);
+
 /** Hands out the store's software modules. */
 ViStatus _VI_FUNC IviConfig_GetConfigStoreSoftwareModuleCollection(IviConfigStoreHandle store,
                                                                    IviSoftwareModuleCollectionHandle* softwareModules);
@@ -230,9 +240,24 @@ ViStatus _VI_FUNC IviConfig_GetSessionSoftwareModuleReference(IviSessionHandle s
 ViStatus _VI_FUNC IviConfig_GetSessionHardwareAssetReference(IviSessionHandle session,
                                                              IviHardwareAssetHandle* hardwareAsset);
 
+/** Reads a text of a session, or of a driver session. */
+ViStatus _VI_FUNC IviConfig_GetSessionPropertyViString(IviSessionHandle session, ViInt32 propertyID, ViInt32 bufferSize,
+                                                       ViChar value[]);
+
 /** Reads a text of a hardware asset. */
 ViStatus _VI_FUNC IviConfig_GetHardwareAssetPropertyViString(IviHardwareAssetHandle hardwareAsset, ViInt32 propertyID,
                                                              ViInt32 bufferSize, ViChar value[]);
+
+/** Stores the number of items in *count. */
+ViStatus _VI_FUNC IviConfig_GetDriverSessionCount(IviDriverSessionCollectionHandle driverSessions, ViInt32* count);
+
+/** Hands out item number index (1 to count). */
+ViStatus _VI_FUNC IviConfig_GetDriverSessionItemByIndex(IviDriverSessionCollectionHandle driverSessions, ViInt32 index,
+                                                        IviDriverSessionHandle* driverSession);
+
+/** Hands out the item with exactly this name. */
+ViStatus _VI_FUNC IviConfig_GetDriverSessionItemByName(IviDriverSessionCollectionHandle driverSessions,
+                                                       ViConstString name, IviDriverSessionHandle* driverSession);
 
 /** Reads a flag of a driver session. */
 ViStatus _VI_FUNC IviConfig_GetDriverSessionPropertyViBoolean(IviDriverSessionHandle driverSession, ViInt32 propertyID,
@@ -241,6 +266,27 @@ ViStatus _VI_FUNC IviConfig_GetDriverSessionPropertyViBoolean(IviDriverSessionHa
 /** Reads a text of a driver session. */
 ViStatus _VI_FUNC IviConfig_GetDriverSessionPropertyViString(IviDriverSessionHandle driverSession, ViInt32 propertyID,
                                                              ViInt32 bufferSize, ViChar value[]);
+
+/** @} */
+/** @name Logical names @{ */
+
+/** Stores the number of items in *count. */
+ViStatus _VI_FUNC IviConfig_GetLogicalNameCount(IviLogicalNameCollectionHandle logicalNames, ViInt32* count);
+
+/** Hands out item number index (1 to count). */
+ViStatus _VI_FUNC IviConfig_GetLogicalNameItemByIndex(IviLogicalNameCollectionHandle logicalNames, ViInt32 index,
+                                                      IviLogicalNameHandle* logicalName);
+
+/** Hands out the item with exactly this name. */
+ViStatus _VI_FUNC IviConfig_GetLogicalNameItemByName(IviLogicalNameCollectionHandle logicalNames, ViConstString name,
+                                                     IviLogicalNameHandle* logicalName);
+
+/** Reads a text of a logical name. */
+ViStatus _VI_FUNC IviConfig_GetLogicalNamePropertyViString(IviLogicalNameHandle logicalName, ViInt32 propertyID,
+                                                           ViInt32 bufferSize, ViChar value[]);
+
+/** Hands out the session or driver session that the name leads to; null is stored when it leads to none. */
+ViStatus _VI_FUNC IviConfig_GetLogicalNameSessionReference(IviLogicalNameHandle logicalName, IviSessionHandle* session);
 
 /** @} */
 /** @name Virtual names and ranges @{ */

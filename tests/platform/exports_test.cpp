@@ -137,7 +137,7 @@ TEST(PlatformExports, VisaExportsTheFunctionsOfItsSpecificationAndNothingElse)
     EXPECT_THAT(exportsOf(VISA_LIBRARY), testing::UnorderedElementsAreArray(expected));
 }
 
-TEST(PlatformExports, ConfigServerExportsItsThirtySixFunctionsAndNothingElse)
+TEST(PlatformExports, ConfigServerExportsItsFortySevenFunctionsAndNothingElse)
 {
     const std::vector<std::string> expected{"IviConfig_Initialize",
                                             "IviConfig_Close",
@@ -147,6 +147,8 @@ TEST(PlatformExports, ConfigServerExportsItsThirtySixFunctionsAndNothingElse)
                                             "IviConfig_Deserialize",
                                             "IviConfig_GetConfigStorePropertyViString",
                                             "IviConfig_GetDriverSession",
+                                            "IviConfig_GetConfigStoreDriverSessionCollection",
+                                            "IviConfig_GetConfigStoreLogicalNameCollection",
                                             "IviConfig_GetConfigStoreSoftwareModuleCollection",
                                             "IviConfig_GetSoftwareModuleItemByName",
                                             "IviConfig_GetSoftwareModulePhysicalNameCollection",
@@ -155,9 +157,18 @@ TEST(PlatformExports, ConfigServerExportsItsThirtySixFunctionsAndNothingElse)
                                             "IviConfig_GetPhysicalNamePropertyViString",
                                             "IviConfig_GetSessionSoftwareModuleReference",
                                             "IviConfig_GetSessionHardwareAssetReference",
+                                            "IviConfig_GetSessionPropertyViString",
                                             "IviConfig_GetHardwareAssetPropertyViString",
+                                            "IviConfig_GetDriverSessionCount",
+                                            "IviConfig_GetDriverSessionItemByIndex",
+                                            "IviConfig_GetDriverSessionItemByName",
                                             "IviConfig_GetDriverSessionPropertyViBoolean",
                                             "IviConfig_GetDriverSessionPropertyViString",
+                                            "IviConfig_GetLogicalNameCount",
+                                            "IviConfig_GetLogicalNameItemByIndex",
+                                            "IviConfig_GetLogicalNameItemByName",
+                                            "IviConfig_GetLogicalNamePropertyViString",
+                                            "IviConfig_GetLogicalNameSessionReference",
                                             "IviConfig_GetSessionVirtualNameCollection",
                                             "IviConfig_GetVirtualNameCount",
                                             "IviConfig_GetVirtualNameItemByIndex",
@@ -175,6 +186,7 @@ TEST(PlatformExports, ConfigServerExportsItsThirtySixFunctionsAndNothingElse)
                                             "IviConfig_GetDataComponentPropertyViInt32",
                                             "IviConfig_GetDataComponentPropertyViReal64",
                                             "IviConfig_GetDataComponentPropertyViBoolean"};
+    EXPECT_EQ(expected.size(), 47U);
     EXPECT_THAT(exportsOf(CONFIG_SERVER_LIBRARY), testing::UnorderedElementsAreArray(expected));
 }
 

@@ -21,6 +21,91 @@ TEST_F(StoreObjects, MissingCollectionsAreEmpty)
     EXPECT_THAT(physicalNames(obtain(IviConfig_GetSessionSoftwareModuleReference, session())), ElementsAre());
 }
 
+TEST_F(StoreObjects, NewStoreListsNothing)
+{
+    EXPECT_THAT(driverSessions(), ElementsAre());
+    EXPECT_THAT(logicalNames(), ElementsAre());
+}
+
+TEST_F(StoreObjects, StoreWithoutNamesListsNothing)
+{
+    ASSERT_EQ(load("<IviConfigStore><DriverSessions/><LogicalNames>text</LogicalNames></IviConfigStore>"), VI_SUCCESS);
+    EXPECT_THAT(driverSessions(), ElementsAre());
+    EXPECT_THAT(logicalNames(), ElementsAre());
+}
+
+TEST_F(StoreObjects, DriverSessionsAndLogicalNamesAreListedInTheOrderOfTheFile)
+{
+    ASSERT_EQ(load(kBenchStore), VI_SUCCESS);
+    EXPECT_THAT(driverSessions(), ElementsAre("KVX2800T", "Shadowed", "Plain", "Lost"));
+    EXPECT_THAT(logicalNames(), ElementsAre("BenchSupply", "Shadowed", "Plain", "Dangling", "WrongKind"));
+}
+
+TEST_F(StoreObjects, ListedDriverSessionsAreThoseOfTheFileWhateverLogicalNamesLeadTo)
+{
+    ASSERT_EQ(load(kBenchStore), VI_SUCCESS);
+    const OwnedHandle sessions = obtain(IviConfig_GetConfigStoreDriverSessionCollection, store_);
+    const OwnedHandle first = obtain(IviConfig_GetDriverSessionItemByIndex, sessions, 1);
+    EXPECT_EQ(sessionText(first, IVICONFIG_VAL_DRIVER_SESSION_DRIVER_SETUP), "Model:KVX2833T");
+    EXPECT_EQ(assetText(obtain(IviConfig_GetSessionHardwareAssetReference, first),
+                        IVICONFIG_VAL_HARDWARE_ASSET_IO_DESCRIPTOR),
+              "TCPIP0::127.0.0.1::5025::SOCKET");
+    const OwnedHandle shadowed = obtain(IviConfig_GetDriverSessionItemByName, sessions, "Shadowed");
+    EXPECT_EQ(sessionText(shadowed, IVICONFIG_VAL_SESSION_SOFTWARE_MODULE_NAME), "");
+    EXPECT_EQ(static_cast<IviConfigHandle>(obtain(IviConfig_GetSessionHardwareAssetReference, shadowed)), nullptr);
+}
+
+TEST_F(StoreObjects, LogicalNamesLeadToDriverSessionsToSessionsOrNowhere)
+{
+    ASSERT_EQ(load(kBenchStore), VI_SUCCESS);
+    const OwnedHandle names = obtain(IviConfig_GetConfigStoreLogicalNameCollection, store_);
+    const auto target = [&names](const char* name) {
+        const OwnedHandle session =
+            obtain(IviConfig_GetLogicalNameSessionReference, obtain(IviConfig_GetLogicalNameItemByName, names, name));
+        return session == nullptr ? "nowhere" : readText(IviConfig_GetSessionPropertyViString, session, 1);
+    };
+    EXPECT_EQ(target("BenchSupply"), "KVX2800T");
+    EXPECT_EQ(target("Shadowed"), "KVX2800T");
+    EXPECT_EQ(target("Plain"), "Other");
+    EXPECT_EQ(target("Dangling"), "nowhere");
+    EXPECT_EQ(target("WrongKind"), "nowhere");
+    EXPECT_EQ(errorText(), "");
+}
+
+TEST_F(StoreObjects, LogicalNameThatLeadsToADriverSessionOpensIt)
+{
+    ASSERT_EQ(load(kBenchStore), VI_SUCCESS);
+    const OwnedHandle names = obtain(IviConfig_GetConfigStoreLogicalNameCollection, store_);
+    const OwnedHandle driverSession =
+        obtain(IviConfig_GetLogicalNameSessionReference, obtain(IviConfig_GetLogicalNameItemByIndex, names, 1));
+    EXPECT_EQ(sessionText(driverSession, IVICONFIG_VAL_DRIVER_SESSION_DRIVER_SETUP), "Model:KVX2833T");
+    const OwnedHandle session =
+        obtain(IviConfig_GetLogicalNameSessionReference, obtain(IviConfig_GetLogicalNameItemByIndex, names, 3));
+    EXPECT_EQ(IviConfig_GetDriverSessionPropertyViString(session, 1, 0, nullptr), IVICONFIG_ERROR_INVALID_HANDLE);
+}
+
+TEST_F(StoreObjects, LogicalNamesAreReadWithTheirDescriptions)
+{
+    ASSERT_EQ(load("<IviConfigStore><LogicalNames><IviLogicalName><Name> Rack </Name><Description>left</Description>"
+                   "</IviLogicalName><IviLogicalName idref='x'><Name>Refers</Name></IviLogicalName><IviSession>"
+                   "<Name>None</Name></IviSession><IviLogicalName/></LogicalNames></IviConfigStore>"),
+              VI_SUCCESS);
+    EXPECT_THAT(logicalNames(), ElementsAre("Rack", ""));
+    const OwnedHandle first =
+        obtain(IviConfig_GetLogicalNameItemByIndex, obtain(IviConfig_GetConfigStoreLogicalNameCollection, store_), 1);
+    EXPECT_EQ(readText(IviConfig_GetLogicalNamePropertyViString, first, IVICONFIG_VAL_LOGICAL_NAME_DESCRIPTION),
+              "left");
+}
+
+TEST_F(StoreObjects, DriverSessionThatIsReferredToStandsForItself)
+{
+    ASSERT_EQ(load("<IviConfigStore><DriverSessions><IviDriverSession idref='s'/><IviDriverSession idref='gone'/>"
+                   "<IviSession><Name>P</Name></IviSession></DriverSessions>"
+                   "<Sessions><IviDriverSession id='s'><Name>S</Name></IviDriverSession></Sessions></IviConfigStore>"),
+              VI_SUCCESS);
+    EXPECT_THAT(driverSessions(), ElementsAre("S"));
+}
+
 TEST_F(StoreObjects, NewStoreHasNoSoftwareModules)
 {
     const OwnedHandle modules = obtain(IviConfig_GetConfigStoreSoftwareModuleCollection, store_);

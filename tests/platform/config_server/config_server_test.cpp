@@ -32,7 +32,10 @@ constexpr const char* kEveryKindStore = R"(<IviConfigStore><Name>Kinds</Name>
   <IviHardwareAsset idref="h"/><IviSoftwareModuleRef idref="m"/>
   <VirtualNames><IviVirtualName><Name>Rail</Name><MapTo>Out</MapTo>
     <VirtualRanges><IviVirtualRange><Name>r</Name></IviVirtualRange></VirtualRanges></IviVirtualName></VirtualNames>
-</IviDriverSession></DriverSessions></IviConfigStore>)";
+</IviDriverSession></DriverSessions>
+<Sessions><IviSession id="p"><Name>Plain</Name><IviHardwareAsset idref="h"/><IviSoftwareModuleRef idref="m"/></IviSession></Sessions>
+<LogicalNames><IviLogicalName><Name>Alias</Name><IviDriverSession idref="s"/></IviLogicalName>
+  <IviLogicalName><Name>Other</Name><IviSession idref="p"/></IviLogicalName></LogicalNames></IviConfigStore>)";
 
 using Kinds = std::set<std::string>;
 
@@ -47,13 +50,18 @@ struct Step
 };
 
 const std::vector<Step> kSteps{
+    {"driver sessions", IviConfig_GetConfigStoreDriverSessionCollection, {"store"}},
+    {"logical names", IviConfig_GetConfigStoreLogicalNameCollection, {"store"}},
     {"modules", IviConfig_GetConfigStoreSoftwareModuleCollection, {"store"}},
     {"physical names", IviConfig_GetSoftwareModulePhysicalNameCollection, {"module"}},
-    {"module", IviConfig_GetSessionSoftwareModuleReference, {"session"}},
-    {"asset", IviConfig_GetSessionHardwareAssetReference, {"session"}},
-    {"virtual names", IviConfig_GetSessionVirtualNameCollection, {"session"}},
+    {"module", IviConfig_GetSessionSoftwareModuleReference, {"session", "plain session"}},
+    {"asset", IviConfig_GetSessionHardwareAssetReference, {"session", "plain session"}},
+    {"session", IviConfig_GetLogicalNameSessionReference, {"logical name"}},
+    {"virtual names", IviConfig_GetSessionVirtualNameCollection, {"session", "plain session"}},
     {"virtual ranges", IviConfig_GetVirtualNameVirtualRangeCollection, {"virtual name"}},
-    {"components", IviConfig_GetConfigComponentDataComponentCollection, {"asset", "module", "session"}},
+    {"components",
+     IviConfig_GetConfigComponentDataComponentCollection,
+     {"asset", "module", "session", "plain session"}},
     {"components", IviConfig_GetStructureDataComponentCollection, {"structure"}},
 };
 
@@ -69,6 +77,8 @@ struct LookUp
 const std::vector<LookUp> kLookUps{
     {IviConfig_GetDriverSession, "store", "Session", 0xBFFA1203U},
     {IviConfig_GetSoftwareModuleItemByName, "modules", "Module", 0xBFFA1207U},
+    {IviConfig_GetDriverSessionItemByName, "driver sessions", "Session", 0xBFFA1207U},
+    {IviConfig_GetLogicalNameItemByName, "logical names", "Other", 0xBFFA1207U},
     {IviConfig_GetDataComponentItemByName, "components", "integer", 0xBFFA1207U},
 };
 
@@ -82,6 +92,8 @@ struct Items
 };
 
 const std::vector<Items> kItems{
+    {"driver sessions", IviConfig_GetDriverSessionCount, IviConfig_GetDriverSessionItemByIndex, 1},
+    {"logical names", IviConfig_GetLogicalNameCount, IviConfig_GetLogicalNameItemByIndex, 2},
     {"physical names", IviConfig_GetPhysicalNameCount, IviConfig_GetPhysicalNameItemByIndex, 1},
     {"virtual names", IviConfig_GetVirtualNameCount, IviConfig_GetVirtualNameItemByIndex, 1},
     {"virtual ranges", IviConfig_GetVirtualRangeCount, IviConfig_GetVirtualRangeItemByIndex, 1},
@@ -103,6 +115,8 @@ const std::vector<Properties<kvxtest::TextGetter>> kTexts{
     {IviConfig_GetPhysicalNamePropertyViString, {{"physical name", {1, 2}}}},
     {IviConfig_GetHardwareAssetPropertyViString, {{"asset", {1, 2, 3}}}},
     {IviConfig_GetDriverSessionPropertyViString, {{"session", {1, 2, 3, 10}}}},
+    {IviConfig_GetSessionPropertyViString, {{"session", {1, 2, 3, 10}}, {"plain session", {1, 2, 3}}}},
+    {IviConfig_GetLogicalNamePropertyViString, {{"logical name", {1, 2}}}},
     {IviConfig_GetVirtualNamePropertyViString, {{"virtual name", {1, 2}}}},
     {IviConfig_GetDataComponentPropertyViString,
      {{"boolean", {1, 2, 4, 6, 7, 8}},
@@ -174,6 +188,10 @@ protected:
         keep("asset", obtain(IviConfig_GetSessionHardwareAssetReference, handle("session")));
         keep("module", obtain(IviConfig_GetSessionSoftwareModuleReference, handle("session")));
         keep("modules", obtain(IviConfig_GetConfigStoreSoftwareModuleCollection, store_));
+        keep("driver sessions", obtain(IviConfig_GetConfigStoreDriverSessionCollection, store_));
+        keep("logical names", obtain(IviConfig_GetConfigStoreLogicalNameCollection, store_));
+        keep("logical name", obtain(IviConfig_GetLogicalNameItemByIndex, handle("logical names"), 2));
+        keep("plain session", obtain(IviConfig_GetLogicalNameSessionReference, handle("logical name")));
         keep("physical names", obtain(IviConfig_GetSoftwareModulePhysicalNameCollection, handle("module")));
         keep("physical name", obtain(IviConfig_GetPhysicalNameItemByIndex, handle("physical names"), 1));
         keep("virtual names", obtain(IviConfig_GetSessionVirtualNameCollection, handle("session")));
@@ -525,6 +543,12 @@ TEST_F(EveryKind, FailuresNameTheFunctionAndTheItem)
     IviConfig_GetDataComponentItemByName(handle("components"), "Gone", &result);
     EXPECT_EQ(errorText(), "IviConfigServer.IviConfigStore.1: GetDataComponentItemByName 'Gone': the collection has no "
                            "such item");
+    IviConfig_GetLogicalNameItemByName(handle("logical names"), "Gone", &result);
+    EXPECT_EQ(errorText(),
+              "IviConfigServer.IviConfigStore.1: GetLogicalNameItemByName 'Gone': the collection has no such item");
+    IviConfig_GetDriverSessionItemByIndex(handle("driver sessions"), 2, &result);
+    EXPECT_EQ(errorText(),
+              "IviConfigServer.IviConfigStore.1: GetDriverSessionItemByIndex '2': the collection has no such item");
     IviConfig_GetVirtualNameItemByIndex(handle("virtual names"), 2, &result);
     EXPECT_EQ(errorText(),
               "IviConfigServer.IviConfigStore.1: GetVirtualNameItemByIndex '2': the collection has no such item");

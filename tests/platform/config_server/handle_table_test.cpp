@@ -114,6 +114,34 @@ TEST_F(Handles, PlainSessionsAreSessions)
     EXPECT_EQ(flag, 7);
 }
 
+/// How many allocations of the call can fail; each failure is told and leaves no handle.
+template <class Function>
+std::size_t failuresOf(Function list, IviConfigStoreHandle store)
+{
+    for (std::size_t nth = 1;; ++nth) {
+        IviConfigHandle items = store;
+        ViStatus status = VI_SUCCESS;
+        {
+            const kvxtest::NthAllocationFailure failure(nth);
+            status = list(store, &items);
+        }
+        const OwnedHandle owned(items);
+        if (status == VI_SUCCESS)
+            return nth - 1;
+        EXPECT_EQ(status, IVI_ERROR_OUT_OF_MEMORY);
+        EXPECT_EQ(items, nullptr);
+        EXPECT_EQ(handles().size(), 1U);
+    }
+}
+
+TEST_F(Handles, ListingFailsAtAnyAllocationWithoutLeavingAHandle)
+{
+    const IviConfigStoreHandle store = storeOf(kvxtest::kExampleStore);
+    EXPECT_GT(failuresOf(IviConfig_GetConfigStoreDriverSessionCollection, store), 2U);
+    EXPECT_GT(failuresOf(IviConfig_GetConfigStoreLogicalNameCollection, store), 2U);
+    EXPECT_EQ(IviConfig_Close(store), VI_SUCCESS);
+}
+
 TEST_F(Handles, FunctionsWithoutMemorySaySo)
 {
     const IviConfigStoreHandle store = storeOf(kvxtest::kExampleStore);
@@ -121,6 +149,9 @@ TEST_F(Handles, FunctionsWithoutMemorySaySo)
         const OwnedHandle session = obtain(IviConfig_GetDriverSession, store, "KVX2800T");
         const OwnedHandle names = obtain(IviConfig_GetSessionVirtualNameCollection, session);
         const OwnedHandle data = obtain(IviConfig_GetConfigComponentDataComponentCollection, session);
+        const OwnedHandle sessions = obtain(IviConfig_GetConfigStoreDriverSessionCollection, store);
+        const OwnedHandle logicalNames = obtain(IviConfig_GetConfigStoreLogicalNameCollection, store);
+        const OwnedHandle logicalName = obtain(IviConfig_GetLogicalNameItemByIndex, logicalNames, 1);
         const auto expectNoMemory = [](auto function, auto... arguments) {
             int dummy = 0;
             IviConfigHandle result = &dummy;
@@ -135,14 +166,24 @@ TEST_F(Handles, FunctionsWithoutMemorySaySo)
         const IviConfigHandle sessionHandle = session;
         const IviConfigHandle namesHandle = names;
         const IviConfigHandle dataHandle = data;
+        const IviConfigHandle sessionsHandle = sessions;
+        const IviConfigHandle logicalNamesHandle = logicalNames;
+        const IviConfigHandle logicalNameHandle = logicalName;
         expectNoMemory(IviConfig_Initialize);
         expectNoMemory(IviConfig_GetDriverSession, store, "KVX2800T");
         expectNoMemory(IviConfig_GetConfigStoreSoftwareModuleCollection, store);
+        expectNoMemory(IviConfig_GetConfigStoreDriverSessionCollection, store);
+        expectNoMemory(IviConfig_GetConfigStoreLogicalNameCollection, store);
+        expectNoMemory(IviConfig_GetDriverSessionItemByIndex, sessionsHandle, 1);
+        expectNoMemory(IviConfig_GetDriverSessionItemByName, sessionsHandle, "KVX2800T");
+        expectNoMemory(IviConfig_GetLogicalNameItemByIndex, logicalNamesHandle, 1);
+        expectNoMemory(IviConfig_GetLogicalNameItemByName, logicalNamesHandle, "BenchSupply");
+        expectNoMemory(IviConfig_GetLogicalNameSessionReference, logicalNameHandle);
         expectNoMemory(IviConfig_GetSessionSoftwareModuleReference, sessionHandle);
         expectNoMemory(IviConfig_GetSessionVirtualNameCollection, sessionHandle);
         expectNoMemory(IviConfig_GetVirtualNameItemByIndex, namesHandle, 1);
         expectNoMemory(IviConfig_GetDataComponentItemByName, dataHandle, "Configurable Initial Settings");
-        EXPECT_EQ(handles().size(), 4U);
+        EXPECT_EQ(handles().size(), 7U);
     }
     EXPECT_EQ(IviConfig_Close(store), VI_SUCCESS);
 }

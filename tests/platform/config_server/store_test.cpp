@@ -340,7 +340,8 @@ TEST_F(ExampleStore, IsReadCompletely)
 {
     EXPECT_EQ(listStore(store_, {{"KVX2800T", "BenchSupply", "Other"}, {"KVX2800T", "Other"}}),
               "Name=IVI Configuration Server\nDescription=Example store\nRevision=1.0.0.0\n"
-              "Vendor=IVI Foundation, Inc.\n" +
+              "Vendor=IVI Foundation, Inc.\n"
+              "driver session KVX2800T\nlogical name BenchSupply =  to KVX2800T\n" +
                   sessionListing("KVX2800T") + sessionListing("BenchSupply") + "module KVX2800T\n" + moduleListing());
     EXPECT_EQ(errorText(), "");
 }

@@ -84,6 +84,25 @@ public:
         listTexts(IviConfig_GetConfigStorePropertyViString, store, kStoreTexts);
     }
 
+    /// The names of the driver sessions, and the logical names with what they lead to.
+    void listNames(IviConfigStoreHandle store)
+    {
+        const OwnedHandle sessions = obtain(IviConfig_GetConfigStoreDriverSessionCollection, store);
+        eachItem(sessions, IviConfig_GetDriverSessionCount, IviConfig_GetDriverSessionItemByIndex,
+                 [&](IviDriverSessionHandle session) {
+                     const std::string name = nameOf(IviConfig_GetDriverSessionPropertyViString, session);
+                     obtain(IviConfig_GetDriverSessionItemByName, sessions, name.c_str());
+                     heading("driver session", name);
+                 });
+        const OwnedHandle names = obtain(IviConfig_GetConfigStoreLogicalNameCollection, store);
+        eachItem(
+            names, IviConfig_GetLogicalNameCount, IviConfig_GetLogicalNameItemByIndex, [&](IviLogicalNameHandle name) {
+                obtain(IviConfig_GetLogicalNameItemByName, names,
+                       nameOf(IviConfig_GetLogicalNamePropertyViString, name).c_str());
+                heading("logical name", nameAndOther(IviConfig_GetLogicalNamePropertyViString, name) + targetOf(name));
+            });
+    }
+
     void listSession(IviConfigStoreHandle store, const std::string& name)
     {
         IviDriverSessionHandle found = nullptr;
@@ -247,6 +266,14 @@ private:
             property(label.text, value);
     }
 
+    static std::string targetOf(IviLogicalNameHandle name)
+    {
+        const OwnedHandle session = obtain(IviConfig_GetLogicalNameSessionReference, name);
+        return session == nullptr ? "" : " to " + nameOf(IviConfig_GetSessionPropertyViString, session);
+    }
+
+    static std::string nameOf(TextGetter get, IviConfigHandle handle) { return readText(get, handle, 1); }
+
     static std::string nameAndOther(TextGetter get, IviConfigHandle handle)
     {
         return readText(get, handle, 1) + " = " + readText(get, handle, 2);
@@ -297,6 +324,7 @@ std::string listStore(IviConfigStoreHandle store, const StoreNames& names)
 {
     Lister lister;
     lister.listStoreTexts(store);
+    lister.listNames(store);
     for (const std::string& name : names.sessions)
         lister.listSession(store, name);
     for (const std::string& name : names.modules)

@@ -57,6 +57,18 @@ protected:
                        IviConfig_GetPhysicalNamePropertyViString);
     }
 
+    std::vector<std::string> driverSessions() const
+    {
+        return namesOf(obtain(IviConfig_GetConfigStoreDriverSessionCollection, store_), IviConfig_GetDriverSessionCount,
+                       IviConfig_GetDriverSessionItemByIndex, IviConfig_GetDriverSessionPropertyViString);
+    }
+
+    std::vector<std::string> logicalNames() const
+    {
+        return namesOf(obtain(IviConfig_GetConfigStoreLogicalNameCollection, store_), IviConfig_GetLogicalNameCount,
+                       IviConfig_GetLogicalNameItemByIndex, IviConfig_GetLogicalNamePropertyViString);
+    }
+
     OwnedHandle session() const { return obtain(IviConfig_GetDriverSession, store_, "S"); }
 
     /// The first data component of the driver session "S".
