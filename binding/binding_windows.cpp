@@ -2,7 +2,8 @@
 /// the driver loads, and simulates without VISA, on a machine that lacks them.
 ///
 /// A library is searched for in the folders of the program, of the system and of PATH, then beside the driver's own
-/// file, and so is what it needs; once found it stays loaded. The current folder, which may be a shared one with
+/// file, then in the folder where an installation has the libraries of our own, and so is what it needs; once found it
+/// stays loaded. The current folder, which may be a shared one with
 /// anybody's files, does not count, nor does a relative one of PATH. While it or its function is missing, a call
 /// returns VI_ERROR_LIBRARY_NFOUND and does nothing else, and the next call searches anew. Any thread may call.
 
@@ -67,6 +68,17 @@ std::wstring ownFolder()
     return found == 0 ? std::wstring() : folderOf(self);
 }
 
+/// The folder of an installation that no other program's search comes across; empty when the driver is elsewhere.
+std::wstring privateFolder()
+{
+    std::wstring root = ownFolder();
+    if (root.empty())
+        return root;
+    root.pop_back();
+    root.resize(root.rfind(L'\\') + 1);
+    return root + L"Drivers\\KVX2800T\\Platform\\" + (kIs64Bit ? L"x64" : L"x86");
+}
+
 bool isAbsolute(std::wstring_view folder)
 {
     constexpr std::size_t kDrive = 3;
@@ -122,7 +134,7 @@ HMODULE loadLibrary(std::span<const wchar_t* const> names)
     std::vector<std::wstring> folders = {folderOf(nullptr), pathFrom(GetSystemDirectoryW),
                                          pathFrom(GetWindowsDirectoryW)};
     folders.insert(folders.end(), further.begin(), further.end());
-    folders.push_back(ownFolder());
+    folders.insert(folders.end(), {ownFolder(), privateFolder()});
     std::erase(folders, L"");
     const FurtherFolders needed(further);
     constexpr DWORD kWithNeeded = LOAD_LIBRARY_SEARCH_DLL_LOAD_DIR | LOAD_LIBRARY_SEARCH_DEFAULT_DIRS;

@@ -28,6 +28,7 @@ endif()
 
 kvx_header_library(kvx_rapidxml rapidxml/rapidxml.hpp rapidxml)
 kvx_header_library(kvx_cli11 CLI/CLI.hpp CLI)
+kvx_header_library(kvx_json nlohmann/json.hpp nlohmann)
 
 # libusb reaches USB instruments. VISA is built without it, too: KVX_LIBUSB is the library, empty where there is none.
 set(KVX_LIBUSB "")

@@ -134,15 +134,15 @@ install(FILES debian/kvx2800t-doc.doc-base DESTINATION ${CMAKE_INSTALL_DATAROOTD
 kvx_debian_package(kvx2800t-doc INDEPENDENT
     COMPONENTS doc
     SECTION doc
-    SUMMARY "IVI-C driver for KVX2800T power supplies - manual and examples"
-    DESCRIPTION "The manual of the driver's functions and attributes, and examples in C, C++
-and Python.")
+    SUMMARY "IVI-C driver for KVX2800T power supplies - help and examples"
+    DESCRIPTION "The help of the driver as HTML and PDF: guides and a reference of all functions
+and attributes. Examples in C, C++ and Python.")
 
-# What has to be built for them. Manual and Python package take programs that not every machine has.
+# What has to be built for them. Help and Python package take programs that not every machine has.
 add_custom_target(package_files)
 add_dependencies(package_files
     KVX2800T IviCShared IviConfigServer visa visatrace kvx2800t-store kvx2800t-virtual man_pages)
-foreach(target manual python_package)
+foreach(target help_files python_package)
     if(TARGET ${target})
         add_dependencies(package_files ${target})
     endif()

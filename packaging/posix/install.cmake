@@ -85,7 +85,8 @@ install(FILES ${PROJECT_SOURCE_DIR}/CHANGELOG.md ${PROJECT_SOURCE_DIR}/docs/inst
     DESTINATION ${docdir} COMPONENT doc)
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples/ DESTINATION ${docdir}/examples COMPONENT doc
     PATTERN CMakeLists.txt EXCLUDE PATTERN IviConfigurationStore.xml EXCLUDE PATTERN __pycache__ EXCLUDE)
-# Written by the target `manual`.
-install(DIRECTORY ${PROJECT_BINARY_DIR}/manual/html DESTINATION ${docdir} COMPONENT doc OPTIONAL)
+# Written by the target `help_files`.
+install(DIRECTORY ${PROJECT_BINARY_DIR}/help/html DESTINATION ${docdir} COMPONENT doc OPTIONAL)
+install(FILES ${PROJECT_BINARY_DIR}/help/KVX2800T.pdf DESTINATION ${docdir} COMPONENT doc OPTIONAL)
 
 include(debian/packages.cmake)

@@ -19,6 +19,7 @@ install(FILES ${CMAKE_CURRENT_BINARY_DIR}/readme.txt DESTINATION ${own_folder})
 configure_file(${PROJECT_SOURCE_DIR}/LICENSE ${CMAKE_CURRENT_BINARY_DIR}/license.txt COPYONLY)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/license.txt DESTINATION ${own_folder})
 install(FILES ${PROJECT_BINARY_DIR}/bindings/KVX2800T.sub DESTINATION ${own_folder})
+install(DIRECTORY ${PROJECT_BINARY_DIR}/help/ DESTINATION ${own_folder})
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples/ DESTINATION ${own_folder}/Examples 
     PATTERN CMakeLists.txt EXCLUDE PATTERN __pycache__ EXCLUDE)
 

@@ -330,8 +330,8 @@ class Packages(InstalledTest):
     def test_bash_completes_commands_and_options(self):
         completion = self.root / "usr/share/bash-completion/completions"
         cases = {
-            ("kvx2800t-store", ""): ["list", "add", "remove", "check"],
-            ("kvx2800t-store", "re"): ["remove"],
+            ("kvx2800t-store", ""): ["list", "add", "remove", "check", "register", "unregister"],
+            ("kvx2800t-store", "re"): ["remove", "register"],
             ("kvx2800t-store", "add", "--virtual"): ["--virtual", "--virtual-range"],
             ("kvx2800t-store", "add", "--cache", ""): ["0", "1"],
             ("kvx2800t-virtual", "--ser"): ["--serial"],
@@ -347,6 +347,16 @@ class Packages(InstalledTest):
                     'printf "%s\\n" "${COMPREPLY[@]}"\n'
                 )
                 self.assertEqual(output("bash", "-c", script).split(), expected)
+
+    def test_the_help_is_there_as_pages_and_as_a_document(self):
+        folder = self.root / "usr/share/doc/kvx2800t"
+        made = {path.name for path in (BUILD / "help/html").iterdir()}
+        self.assertIn("functions.html", made)
+        self.assertEqual(made, {path.name for path in (folder / "html").iterdir()})
+        self.assertEqual(b"%PDF", (folder / "KVX2800T.pdf").read_bytes()[:4])
+        indexed = (self.root / "usr/share/doc-base/kvx2800t-doc.kvx2800t").read_text()
+        for file in re.findall("^(?:Index|Files): (.*)$", indexed, re.M):
+            self.assertTrue(list(self.root.glob(file.lstrip("/"))), file)
 
     def test_each_program_has_a_manual_page(self):
         pages = self.root / "usr/share/man/man1"
