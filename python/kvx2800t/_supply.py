@@ -190,10 +190,14 @@ class Supply:
     def io_timeout(self, milliseconds: int) -> None:
         self._call("SetIoTimeout", int32_in(milliseconds))
 
-    def _record(self, function: str) -> str:
-        text = create_string_buffer(TEXT_SIZE)
-        self._call(function, TEXT_SIZE, text)
+    def _record(self, function: str, size: int = TEXT_SIZE) -> str:
+        text = create_string_buffer(size)
+        self._call(function, size, text)
         return text_out(text)
+
+    def get_next_message_record(self) -> str:
+        """The oldest message that is remembered (option message_log), which is forgotten then; empty when none is."""
+        return self._record("GetNextMessageRecord", 1024)
 
     def get_next_coercion_record(self) -> str:
         """The driver records none: always an empty text."""
