@@ -1,7 +1,7 @@
 #!/bin/sh
 # Tests the project: installs what is missing, builds, and runs all native tests with ctest.
 #   ./test.sh         the release build
-#   ./test.sh --all   also the format, the manual, the Debian packages, clang-tidy, the tests under AddressSanitizer with
+#   ./test.sh --all   also the format, the help, the Debian packages, clang-tidy, the tests under AddressSanitizer with
 #                     UndefinedBehaviorSanitizer and under ThreadSanitizer, a short run of the fuzzers, and the builds for
 #                     Windows with their tests under Wine
 #   ./test.sh --long  what takes too long for every change: clang-tidy over the tests, its analyzer over all sources, the
@@ -99,9 +99,9 @@ check_tidy() {
             --extra-arg=-Wno-unknown-warning-option -p build/tidy 2>/dev/null
 }
 
-check_manual() {
-    step "Checking the manual"
-    cmake --build --preset release --target manual
+check_help() {
+    step "Checking the help"
+    cmake --build --preset release --target help_files
 }
 
 # fuzz INPUTS SECONDS: each fuzzer starts from its corpus, if it has one, and ends after that number of inputs or seconds.
@@ -153,13 +153,15 @@ test_arm() {
 case "${1-}" in
 '')
     install_packages build test
+    install_for_panel test
     run_tests release
     ;;
 --all)
     install_packages build test package check
+    install_for_panel test
     check_format
     run_tests release
-    check_manual
+    check_help
     test_packages
     check_tidy '' "$driver"
     check_tidy ',-clang-analyzer-*' "$others"
@@ -170,6 +172,7 @@ case "${1-}" in
     ;;
 --long)
     install_packages build test package check arm root
+    install_for_panel
     build release
     test_packages
     try_packages

@@ -338,7 +338,7 @@ extern "C" {
  */
 /** ViBoolean: always VI_TRUE; a value set is ignored. Levels are checked in any case. */
 #define KVX2800T_ATTR_RANGE_CHECK 1050002
-/** ViBoolean: whether the event status is checked after channels were configured or queried. Can be set. */
+/** ViBoolean: whether the event status is checked ("*ESR?") after channels were configured or queried. Can be set. */
 #define KVX2800T_ATTR_QUERY_INSTRUMENT_STATUS 1050003
 /** ViBoolean: always VI_FALSE; a value set is ignored. Every read goes to the instrument. */
 #define KVX2800T_ATTR_CACHE 1050004
@@ -361,7 +361,7 @@ extern "C" {
 
 /**
  * @name Attributes of the instrument
- * ViString, read-only, as the instrument identified itself; a channel is ignored.
+ * ViString, read-only, as the instrument identified itself ("*IDN?") when the session was opened; a channel is ignored.
  * @{
  */
 /** The maker. */
@@ -374,20 +374,33 @@ extern "C" {
 
 /**
  * @name Attributes of the channels
- * They can be read, of one channel, and set, of several.
+ * They can be read, of one channel, and set, of several. In quotes: what setting one sends for channel 1; what reading
+ * it asks.
  * @{
  */
-/** ViReal64, volts: the voltage setting. */
+/**
+ * ViReal64, volts: the voltage setting, as KVX2800T_ConfigureVoltageLevel takes it.
+ * ":SOUR1:VOLT 5.000000"; ":SOUR1:VOLT?"
+ */
 #define KVX2800T_ATTR_VOLTAGE_LEVEL 1250001
-/** ViBoolean: whether the over-voltage protection is on. */
+/** ViBoolean: whether the over-voltage protection is on. ":SOUR1:VOLT:PROT:STAT ON"; ":SOUR1:VOLT:PROT:STAT?" */
 #define KVX2800T_ATTR_OVP_ENABLED 1250002
-/** ViReal64, volts: the level of the over-voltage protection. */
+/**
+ * ViReal64, volts: the level of the over-voltage protection, which the instrument judges.
+ * ":SOUR1:VOLT:PROT 6.000000"; ":SOUR1:VOLT:PROT?"
+ */
 #define KVX2800T_ATTR_OVP_LIMIT 1250003
-/** ViInt32, KVX2800T_VAL_CURRENT_...: what the output does at its current limit; no other value can be set. */
+/**
+ * ViInt32, KVX2800T_VAL_CURRENT_...: what the output does at its current limit; no other value can be set.
+ * ":SOUR1:CURR:PROT:STAT OFF"; ":SOUR1:CURR:PROT:STAT?"
+ */
 #define KVX2800T_ATTR_CURRENT_LIMIT_BEHAVIOR 1250004
-/** ViReal64, amperes: the current limit. Setting it sets the level of the over-current protection, too. */
+/**
+ * ViReal64, amperes: the current limit, as KVX2800T_ConfigureCurrentLimit takes it. Setting it sets the level of the
+ * over-current protection, too. ":SOUR1:CURR 1.000000" and ":SOUR1:CURR:PROT 1.000000"; ":SOUR1:CURR?"
+ */
 #define KVX2800T_ATTR_CURRENT_LIMIT 1250005
-/** ViBoolean: whether the output is on. */
+/** ViBoolean: whether the output is on. ":OUTP:STAT CH1,ON"; ":OUTP:STAT? CH1" */
 #define KVX2800T_ATTR_OUTPUT_ENABLED 1250006
 /** @} */
 

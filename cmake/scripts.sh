@@ -56,6 +56,13 @@ install_packages() {
     rm -f "$log"
 }
 
+# install_for_panel: what the soft front panel is made and tested with, where it is to be had. Many machines have an npm
+# that is not Debian's. Without npm the panel has no plot, without a browser its tests are skipped and say so.
+install_for_panel() {
+    command -v npm >/dev/null || (install_packages npm) || say "going on without npm"
+    [ "${1-}" != test ] || (install_packages browser) || say "going on without a browser"
+}
+
 # build PRESET [TARGET...]: configures and builds; quiet unless something fails.
 build() {
     preset=$1

@@ -5,6 +5,7 @@ cd "$(dirname "$0")/../.."
 . cmake/scripts.sh
 
 install_packages build package
+install_for_panel
 
 # Programs that make packages may have come since the build was configured.
 cmake --preset release >/dev/null

@@ -35,6 +35,10 @@ kvx_add_man_page(tools kvx2800t-store-add "add a driver session to an IVI config
     "$<TARGET_FILE:kvx2800t-store> add" kvx2800t-store)
 kvx_add_man_page(tools kvx2800t-store-remove "remove a driver session from an IVI configuration store"
     "$<TARGET_FILE:kvx2800t-store> remove" kvx2800t-store)
+kvx_add_man_page(tools kvx2800t-store-register "register the KVX2800T driver in an IVI configuration store"
+    "$<TARGET_FILE:kvx2800t-store> register" kvx2800t-store)
+kvx_add_man_page(tools kvx2800t-store-unregister "take the KVX2800T driver out of an IVI configuration store"
+    "$<TARGET_FILE:kvx2800t-store> unregister" kvx2800t-store)
 kvx_add_man_page(tools kvx2800t-store-check "check an IVI configuration store"
     "$<TARGET_FILE:kvx2800t-store> check" kvx2800t-store)
 kvx_add_man_page(platform kvx2800t-visa "tell or change which VISA library the KVX2800T driver uses"

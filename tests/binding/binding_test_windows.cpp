@@ -37,7 +37,7 @@ public:
     explicit DriverFolder(const wchar_t* name) : folder_(fs::path(KVX_FOLDER) / name)
     {
         fs::remove_all(folder_);
-        fs::create_directory(folder_);
+        fs::create_directories(folder_);
         fs::copy_file(KVX_DRIVER_FILE, driver());
     }
 
@@ -46,6 +46,15 @@ public:
     void add(const char* library, const char* as = nullptr) const
     {
         fs::copy_file(library, folder_ / (as == nullptr ? fs::path(library).filename() : fs::path(as)));
+    }
+
+    /// Where an installation of which this is Bin has libraries of our own.
+    void addToInstallation(const char* library) const
+    {
+        const fs::path platform =
+            folder_.parent_path() / "Drivers/KVX2800T/Platform" / (sizeof(void*) == 8 ? "x64" : "x86");
+        fs::create_directories(platform);
+        fs::copy_file(library, platform / fs::path(library).filename(), fs::copy_options::overwrite_existing);
     }
 
 private:
@@ -109,10 +118,11 @@ TEST(DriverDll, LoadsNoLibraryFromTheCurrentFolderNorFromARelativeOneOfPath)
     EXPECT_EQ(simulateAlone(driver), kLibraryMissing);
 }
 
-TEST(DriverDll, LooksForThePlatformsLibrariesBesideItselfAndOnEachCallThatNeedsThem)
+TEST(DriverDll, LooksForThePlatformsLibrariesBesideItselfAndInItsInstallationOnEachCallThatNeedsThem)
 {
     const VirtualInstrumentProcess instrument;
-    const DriverFolder folder(L"from none to all \u03A9\u65E5");
+    fs::remove_all(fs::path(KVX_FOLDER) / L"from none to all \u03A9\u65E5");
+    const DriverFolder folder(L"from none to all \u03A9\u65E5\\Bin");
     const SharedLibrary library(utf8(folder.driver()));
     auto* const init = library.find<decltype(KVX2800T_InitWithOptions)>("KVX2800T_InitWithOptions");
     auto* const close = library.find<decltype(KVX2800T_close)>("KVX2800T_close");
@@ -138,7 +148,7 @@ TEST(DriverDll, LooksForThePlatformsLibrariesBesideItselfAndOnEachCallThatNeedsT
     ASSERT_EQ(init(resource.data(), VI_FALSE, VI_FALSE, "Simulate=1", &vi), VI_SUCCESS);
     EXPECT_EQ(close(vi), VI_SUCCESS);
 
-    folder.add(KVX_VISA);
+    folder.addToInstallation(KVX_VISA);
     ASSERT_EQ(init(resource.data(), VI_TRUE, VI_FALSE, "", &vi), VI_SUCCESS);
     EXPECT_EQ(close(vi), VI_SUCCESS);
 }

@@ -62,6 +62,27 @@ class Installation:
         output("cc", PROJECT / "examples/first_session.c", *flags.split(), "-o", program)
         return program
 
+    def built_with_csharp(self):
+        """A program for mono, and where it looks for the assembly."""
+        source, program = self.work / "program.cs", self.work / "program.exe"
+        source.write_text(
+            "internal static class Program\n"
+            "{\n"
+            "    private static void Main(string[] arguments)\n"
+            "    {\n"
+            "        using (var supply = new Kvx2800t.Supply(arguments[0]))\n"
+            "        {\n"
+            '            supply.Channels["CH3"].VoltageLevel = 3.3;\n'
+            '            System.Console.WriteLine(supply.Channels["CH3"].VoltageLevel);\n'
+            "        }\n"
+            "    }\n"
+            "}\n"
+        )
+        folder = self.prefix / "share/pkgconfig"
+        assembly = output("pkg-config", "--libs", "kvx2800t-cil", PKG_CONFIG_PATH=str(folder)).strip()
+        output("mcs", assembly, f"-out:{program}", source)
+        return program, pathlib.Path(assembly.replace("-r:", "", 1)).parent
+
     def built_by_cmake(self):
         source = self.work / "source"
         source.mkdir()
@@ -139,6 +160,12 @@ class InstalledFolder(InstalledTest):
 
     def test_a_program_that_cmake_has_found_the_driver_for_runs_a_session(self):
         self.assert_has_run(self.installed.session(self.installed.built_by_cmake()))
+
+    def test_a_program_in_csharp_runs_a_session(self):
+        program, folder = self.installed.built_with_csharp()
+        with self.installed.instrument() as resource:
+            shown = output("mono", program, resource, **self.installed.variables(MONO_PATH=str(folder)))
+        self.assertEqual(shown, "3.3\n")
 
     def test_the_switch_changes_between_our_visa_and_a_vendors(self):
         own = self.installed.platform / "own/libvisa.so"
@@ -330,8 +357,8 @@ class Packages(InstalledTest):
     def test_bash_completes_commands_and_options(self):
         completion = self.root / "usr/share/bash-completion/completions"
         cases = {
-            ("kvx2800t-store", ""): ["list", "add", "remove", "check"],
-            ("kvx2800t-store", "re"): ["remove"],
+            ("kvx2800t-store", ""): ["list", "add", "remove", "check", "register", "unregister"],
+            ("kvx2800t-store", "re"): ["remove", "register"],
             ("kvx2800t-store", "add", "--virtual"): ["--virtual", "--virtual-range"],
             ("kvx2800t-store", "add", "--cache", ""): ["0", "1"],
             ("kvx2800t-virtual", "--ser"): ["--serial"],
@@ -347,6 +374,16 @@ class Packages(InstalledTest):
                     'printf "%s\\n" "${COMPREPLY[@]}"\n'
                 )
                 self.assertEqual(output("bash", "-c", script).split(), expected)
+
+    def test_the_help_is_there_as_pages_and_as_a_document(self):
+        folder = self.root / "usr/share/doc/kvx2800t"
+        made = {path.name for path in (BUILD / "help/html").iterdir()}
+        self.assertIn("functions.html", made)
+        self.assertEqual(made, {path.name for path in (folder / "html").iterdir()})
+        self.assertEqual(b"%PDF", (folder / "KVX2800T.pdf").read_bytes()[:4])
+        indexed = (self.root / "usr/share/doc-base/kvx2800t-doc.kvx2800t").read_text()
+        for file in re.findall("^(?:Index|Files): (.*)$", indexed, re.M):
+            self.assertTrue(list(self.root.glob(file.lstrip("/"))), file)
 
     def test_each_program_has_a_manual_page(self):
         pages = self.root / "usr/share/man/man1"

@@ -8,15 +8,16 @@ import subprocess
 class VirtualInstrument:
     """A virtual instrument with its test control; it ends with this process at the latest."""
 
-    def __init__(self):
+    def __init__(self, port=0):
         self._process = subprocess.Popen(
-            [os.environ["KVX_VIRTUAL_INSTRUMENT"], "--port", "0", "--control-port", "0", "--until-stdin-closes"],
+            [os.environ["KVX_VIRTUAL_INSTRUMENT"], "--port", str(port), "--control-port", "0", "--until-stdin-closes"],
             stdin=subprocess.PIPE,
             stdout=subprocess.PIPE,
             stderr=subprocess.DEVNULL,
             text=True,
         )
-        self.resource = f"TCPIP0::127.0.0.1::{self._announced_port('listening on ')}::SOCKET"
+        self.port = self._announced_port("listening on ")
+        self.resource = f"TCPIP0::127.0.0.1::{self.port}::SOCKET"
         self._control = socket.create_connection(("127.0.0.1", self._announced_port("test control on ")))
         self._answers = self._control.makefile("r", encoding="ascii")
 

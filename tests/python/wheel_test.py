@@ -5,6 +5,7 @@ Environment: PACKAGE (what they are made of), KVX_VIRTUAL_INSTRUMENT.
 
 import os
 import pathlib
+import re
 import shutil
 import subprocess
 import sys
@@ -54,6 +55,25 @@ def test_the_wheel_has_the_driver_and_the_platforms_libraries(wheel):
     assert set(libraries) == LIBRARIES
     assert pathlib.PurePath("kvx2800t/py.typed") in names
     assert pathlib.PurePath("kvx2800t/_interface.py") in names
+
+
+def test_the_wheel_needs_of_the_system_what_its_document_says(wheel, tmp_path):
+    document = pathlib.Path(os.environ["PACKAGE"], "README.md").read_text(encoding="utf-8").split("## The wheel")[1]
+    zipfile.ZipFile(wheel).extractall(tmp_path)
+    needed, versions = set(), set()
+    for library in tmp_path.rglob("*.so*"):
+        told = subprocess.run(["readelf", "-dV", library], capture_output=True, check=True, text=True).stdout
+        needed |= set(re.findall(r"\(NEEDED\).*\[(.*?)\]", told))
+        versions |= set(re.findall(r"Name: (GLIBC|GLIBCXX|CXXABI)_([0-9.]+)", told))
+    of_every_system = {"libc.so.6", "libm.so.6", "libgcc_s.so.1", "libstdc++.so.6", "ld-linux-x86-64.so.2"}
+    others = needed - LIBRARIES - of_every_system
+    assert others == set(re.findall(r"`(lib[\w.-]+\.so\.\d)`", document))
+    glibc = tuple(map(int, re.search(r"glibc (\d+)\.(\d+) or later", document).groups()))
+    # libstdc++ of GCC 12.
+    known = {"GLIBC": glibc, "GLIBCXX": (3, 4, 30), "CXXABI": (1, 3, 13)}
+    for name, version in versions:
+        assert tuple(map(int, version.split("."))) <= known[name]
+    assert "C++ runtime of GCC 12 or later" in document
 
 
 def test_the_sdist_has_no_library(packages):

@@ -167,6 +167,12 @@ CommandLine parseCommandLine(int argumentCount, const char* const* arguments, st
     app.add_subcommand("check",
                        "Look for what breaks the rules of the file format, and for what fails or has no effect later.");
 
+    CLI::App* const registers = app.add_subcommand(
+        "register", "Register the driver's software module in the master store, as installing does.");
+    registers->add_flag("--create", request.creates, "make the store when there is none");
+    const CLI::App* const unregisters =
+        app.add_subcommand("unregister", "Take the driver's software module out of the master store; sessions stay.");
+
     try {
         app.parse(argumentCount, arguments);
         if (add.parsed() && texts.resource.empty() && texts.asset.empty())
@@ -182,6 +188,8 @@ CommandLine parseCommandLine(int argumentCount, const char* const* arguments, st
         request.command = Command::Add;
     else if (remove->parsed())
         request.command = onlyLogical ? Command::RemoveLogicalName : Command::Remove;
+    else if (registers->parsed() || unregisters->parsed())
+        request.command = registers->parsed() ? Command::Register : Command::Unregister;
     else
         request.command = list->parsed() ? Command::List : Command::Check;
     return {std::move(request), kSuccess};

@@ -15,7 +15,9 @@ enum class Command
     Add,
     Remove,
     RemoveLogicalName,
-    Check
+    Check,
+    Register,
+    Unregister
 };
 
 /// What the command line asks for.

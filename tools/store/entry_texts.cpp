@@ -81,9 +81,9 @@ void writeApi(ElementWriter& writer, std::string_view id, const PublishedApi& ap
     writer.leaf("MinorVersion", api.minorVersion).leaf("Type", api.type).close();
 }
 
-void writeDriverModule(ElementWriter& writer, IdSource& ids, const std::vector<std::string>& apis)
+void writeDriverModule(ElementWriter& writer, IdSource& ids, std::string_view id, const std::vector<std::string>& apis)
 {
-    writer.open("IviSoftwareModule", ids.next()).leaf("Name", kDriverModule);
+    writer.open("IviSoftwareModule", id).leaf("Name", kDriverModule);
     writer.leaf("Description", "IVI-C Driver for KVX2800T").empty("DataComponents");
     writer.leaf("ModulePath", "KVX2800T.dll").leaf("Prefix", kDriverModule).leaf("ProgID", "");
     writer.leaf("SupportedInstrumentModels", "KVX2833T");

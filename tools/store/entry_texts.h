@@ -34,8 +34,9 @@ bool isApi(const XmlElement& element, const PublishedApi& api);
 
 void writeApi(ElementWriter& writer, std::string_view id, const PublishedApi& api);
 
+/// @param id its own
 /// @param apis the ids of what it offers
-void writeDriverModule(ElementWriter& writer, IdSource& ids, const std::vector<std::string>& apis);
+void writeDriverModule(ElementWriter& writer, IdSource& ids, std::string_view id, const std::vector<std::string>& apis);
 
 void writeAsset(ElementWriter& writer, std::string_view id, std::string_view name, std::string_view resource);
 

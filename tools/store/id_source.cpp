@@ -23,10 +23,8 @@ IdSource::IdSource(const XmlElement& root)
 {
     forEach(root, [this](const XmlElement& element) {
         for (const auto& id : {element.id, element.idref}) {
-            if (!id)
-                continue;
-            last_ = std::max(last_, numberOf(*id));
-            taken_.insert(*id);
+            if (id)
+                take(*id);
         }
     });
 }
@@ -38,6 +36,12 @@ std::string IdSource::next()
         id = kPrefix + std::to_string(++last_);
     } while (taken_.contains(id));
     return id;
+}
+
+void IdSource::take(const std::string& id)
+{
+    last_ = std::max(last_, numberOf(id));
+    taken_.insert(id);
 }
 
 } // namespace store_tool

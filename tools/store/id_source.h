@@ -17,6 +17,9 @@ public:
 
     std::string next();
 
+    /// Keeps an id from being given.
+    void take(const std::string& id);
+
 private:
     std::unordered_set<std::string> taken_;
     std::int64_t last_ = 0; ///< highest number seen or given

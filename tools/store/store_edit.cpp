@@ -1,5 +1,6 @@
 #include "tools/store/store_edit.h"
 
+#include "tools/store/driver_module.h"
 #include "tools/store/entry_texts.h"
 #include "tools/store/plain_text.h"
 #include "tools/store/store_error.h"
@@ -44,16 +45,6 @@ const XmlElement* findLogicalName(const StoreText& store, std::string_view name)
 const XmlElement* findAsset(const StoreText& store, std::string_view name)
 {
     return findNamed(store.root(), "HardwareAssets", "IviHardwareAsset", name);
-}
-
-/// The id by which the element can be told from all others.
-std::string soleIdOf(const StoreText& store, const XmlElement& element)
-{
-    int count = 0;
-    forEach(store.root(), [&](const XmlElement& other) { count += other.id == element.id ? 1 : 0; });
-    if (!element.id || element.id->empty() || count != 1)
-        throw StoreError(inQuotes(element.textOf("Name")) + " has no id of its own");
-    return *element.id;
 }
 
 /// The asset when only the session refers to it. Nothing without one.
@@ -157,23 +148,7 @@ private:
     {
         if (entry_.softwareModule != kDriverModule)
             throw StoreError("there is no software module " + inQuotes(entry_.softwareModule));
-        std::vector<std::string> apis;
-        apis.reserve(kDriverApis.size());
-        for (const PublishedApi& api : kDriverApis)
-            apis.push_back(apiId(api));
-        store_.append("SoftwareModules", [&](ElementWriter& writer) { writeDriverModule(writer, ids_, apis); });
-        deeds_.push_back("added software module " + inQuotes(kDriverModule));
-    }
-
-    std::string apiId(const PublishedApi& api)
-    {
-        for (const XmlElement& item : store_.root().itemsOf("PublishedAPIs")) {
-            if (isApi(item, api))
-                return soleIdOf(store_, item);
-        }
-        std::string id = ids_.next();
-        store_.append("PublishedAPIs", [&](ElementWriter& writer) { writeApi(writer, id, api); });
-        return id;
+        addDriverModule(store_, ids_, deeds_);
     }
 
     std::string assetId()

@@ -1,18 +1,13 @@
 #pragma once
 
+#include "tools/store/deeds.h"
 #include "tools/store/session_entry.h"
 #include "tools/store/store_text.h"
 
 #include <string>
-#include <string_view>
-#include <vector>
 
 namespace store_tool
 {
-
-/// Each change tells what it did, one sentence an entry. It throws StoreError when it cannot be made as a whole; the
-/// store is then to be thrown away.
-using Deeds = std::vector<std::string>;
 
 /// Adds a driver session with its logical names and, when the store lacks them, its hardware asset and the software
 /// module KVX2800T. With `replaces`, what has the names of the session and its logical names is removed before.

@@ -1,6 +1,7 @@
 #include "tools/store/store_text.h"
 
 #include "tools/store/element_rules.h"
+#include "tools/store/plain_text.h"
 #include "tools/store/store_error.h"
 
 #include <algorithm>
@@ -146,6 +147,25 @@ std::size_t StoreText::remove(std::string_view collection, const std::function<b
     replace(closes ? text_.substr(0, owner->contentBegin - 1) + "/>" + text_.substr(owner->end)
                    : text_.substr(0, owner->contentBegin) + kept + text_.substr(owner->contentEnd));
     return count;
+}
+
+void StoreText::insertBehind(const XmlElement& neighbour, const std::function<void(ElementWriter&)>& write)
+{
+    fill(gapBehind(neighbour, neighbour.end), write);
+}
+
+void StoreText::erase(const XmlElement& element)
+{
+    replace(text_.substr(0, spaceBefore(element.begin)) + text_.substr(element.end));
+}
+
+std::string soleIdOf(const StoreText& store, const XmlElement& element)
+{
+    int count = 0;
+    forEach(store.root(), [&](const XmlElement& other) { count += other.id == element.id ? 1 : 0; });
+    if (!element.id || element.id->empty() || count != 1)
+        throw StoreError(inQuotes(element.textOf("Name")) + " has no id of its own");
+    return *element.id;
 }
 
 std::string emptyStoreText()

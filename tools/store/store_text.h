@@ -30,6 +30,12 @@ public:
     /// Takes the items out of a collection of the root for which `isMeant` holds. @return how many
     std::size_t remove(std::string_view collection, const std::function<bool(const XmlElement&)>& isMeant);
 
+    /// Puts in what `write` writes behind an element of this store, in its layout. Throws StoreError like append().
+    void insertBehind(const XmlElement& neighbour, const std::function<void(ElementWriter&)>& write);
+
+    /// Takes an element of this store out, with the white space before it.
+    void erase(const XmlElement& element);
+
 private:
     /// Where new elements go: instead of the bytes from begin to end, between two texts.
     struct Gap
@@ -56,6 +62,9 @@ private:
     std::string text_;
     XmlElement root_;
 };
+
+/// The id by which an element of the store can be told from all others. Throws StoreError when it has none.
+std::string soleIdOf(const StoreText& store, const XmlElement& element);
 
 /// A store without entries, as a first installation leaves it.
 std::string emptyStoreText();

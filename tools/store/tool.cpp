@@ -2,6 +2,7 @@
 
 #include "platform/config_server/locations.h"
 #include "tools/store/command_line.h"
+#include "tools/store/driver_module.h"
 #include "tools/store/exit_codes.h"
 #include "tools/store/plain_text.h"
 #include "tools/store/store_access.h"
@@ -27,13 +28,19 @@ std::string reasonOf(ViStatus status)
                                                               : " names a file that is missing";
 }
 
+/// A driver belongs to the machine, whatever store a process has chosen for itself.
+bool isForMasterStore(Command command)
+{
+    return command == Command::Register || command == Command::Unregister;
+}
+
 /// The given path, or that of the store which the configuration server would load in this environment, or would load
 /// once it is made.
 std::string pathOf(const Request& request)
 {
     if (request.store)
         return *request.store;
-    std::string chosen = config_server::processDefaultLocation();
+    std::string chosen = isForMasterStore(request.command) ? std::string() : config_server::processDefaultLocation();
     if (!chosen.empty())
         return chosen;
     auto master = request.creates ? config_server::locationForNewStore() : config_server::masterLocation();
@@ -91,6 +98,10 @@ Deeds edit(StoreText& store, const Request& request)
         return addSession(store, request.entry, request.replaces);
     case Command::RemoveLogicalName:
         return removeLogicalName(store, request.name);
+    case Command::Register:
+        return registerDriver(store);
+    case Command::Unregister:
+        return unregisterDriver(store);
     default:
         return removeNamed(store, request.name);
     }

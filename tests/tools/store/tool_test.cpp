@@ -326,8 +326,13 @@ TEST_F(Program, TakesShortNamesOfChannelsAsTargetsOfVirtualNames)
 
 TEST_F(Program, ExplainsItself)
 {
-    for (const std::vector<std::string>& arguments : std::vector<std::vector<std::string>>{
-             {"--help"}, {"list", "--help"}, {"add", "--help"}, {"remove", "--help"}, {"check", "--help"}})
+    for (const std::vector<std::string>& arguments : std::vector<std::vector<std::string>>{{"--help"},
+                                                                                           {"list", "--help"},
+                                                                                           {"add", "--help"},
+                                                                                           {"remove", "--help"},
+                                                                                           {"check", "--help"},
+                                                                                           {"register", "--help"},
+                                                                                           {"unregister", "--help"}})
     {
         const Outcome outcome = runStoreTool(arguments);
         EXPECT_EQ(outcome.exitCode, 0);
@@ -421,6 +426,40 @@ TEST_F(Program, CreatesTheProcessDefaultThatIsMissing)
     const Outcome outcome = runStoreTool(kRackToCreate);
     EXPECT_EQ(outcome.exitCode, 0) << outcome.errors;
     EXPECT_THAT(runStoreTool({"list"}).output, StartsWith("store " + path + "\ndriver sessions\n  Rack\n"));
+    EXPECT_EQ(readFile(path_), exampleStore());
+}
+
+TEST_F(Program, RegistersTheDriverAndTakesItBack)
+{
+    Outcome outcome = run({"unregister"});
+    EXPECT_EQ(outcome.exitCode, 0);
+    EXPECT_EQ(outcome.output, "removed software module 'KVX2800T'\nkept session 'KVX2800T', which remembers it\n");
+    EXPECT_EQ(outcome.errors, "");
+    expectRefusal({"unregister"}, 1, "kvx2800t-store: there is no software module 'KVX2800T'\n");
+    outcome = run({"register"});
+    EXPECT_EQ(outcome.exitCode, 0);
+    EXPECT_EQ(outcome.output, "added software module 'KVX2800T'\nconnected session 'KVX2800T' with it\n");
+    EXPECT_EQ(run({"check"}).exitCode, 0);
+    expectRefusal({"register", "Other"}, 2, "Other");
+}
+
+TEST_F(Program, AddingASessionBringsBackTheSessionsOfTheDriver)
+{
+    ASSERT_EQ(run({"unregister"}).exitCode, 0);
+    EXPECT_EQ(run({"add", "Rack", "--resource", "x"}).output,
+              "added software module 'KVX2800T'\nconnected session 'KVX2800T' with it\nadded hardware asset 'Rack'\n"
+              "added driver session 'Rack'\n");
+}
+
+TEST_F(Program, RegistersTheDriverInTheMasterStoreWhateverTheProcessUses)
+{
+    const std::string path = folder_ / "a/master.xml";
+    const EnvironmentVariable chosen("IVICONFIGSERVERDEFAULT", path_.c_str());
+    const EnvironmentVariable master("IVI_MASTER_STORE", path.c_str());
+    EXPECT_EQ(runStoreTool({"register"}).errors, "kvx2800t-store: IVI_MASTER_STORE names a file that is missing\n");
+    EXPECT_EQ(runStoreTool({"register", "--create"}).output, "added software module 'KVX2800T'\n");
+    EXPECT_THAT(readFile(path), HasSubstr("<Prefix>KVX2800T</Prefix>"));
+    EXPECT_EQ(runStoreTool({"unregister"}).output, "removed software module 'KVX2800T'\n");
     EXPECT_EQ(readFile(path_), exampleStore());
 }
 

@@ -3,7 +3,6 @@
 #include "visa/transport/vxi11/big_endian.h"
 
 #include <algorithm>
-#include <cstring>
 
 namespace visa
 {
@@ -21,7 +20,7 @@ ViStatus RecordReader::next(const Deadline& deadline) noexcept
     return beginFragment(deadline);
 }
 
-ViStatus RecordReader::read(std::span<ViByte> bytes, const Deadline& deadline, std::size_t& count) noexcept
+ViStatus RecordReader::gather(std::span<ViByte> bytes, const Deadline& deadline, std::size_t& count) noexcept
 {
     count = 0;
     while (count < bytes.size()) {
@@ -44,7 +43,7 @@ ViStatus RecordReader::read(std::span<ViByte> bytes, const Deadline& deadline, s
     return VI_SUCCESS;
 }
 
-ViStatus RecordReader::skip(std::size_t count, const Deadline& deadline) noexcept
+ViStatus RecordReader::skipArriving(std::size_t count, const Deadline& deadline) noexcept
 {
     while (count > 0) {
         std::size_t available = 0;
@@ -56,8 +55,7 @@ ViStatus RecordReader::skip(std::size_t count, const Deadline& deadline) noexcep
         if (status < 0)
             return status;
         const std::size_t skipped = std::min({count, available, buffered()});
-        begin_ += skipped;
-        fragmentLeft_ -= skipped;
+        advance(skipped);
         count -= skipped;
     }
     return VI_SUCCESS;

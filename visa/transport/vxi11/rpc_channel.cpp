@@ -10,15 +10,22 @@ namespace visa
 namespace
 {
 
-enum MessageType : std::uint32_t
+constexpr std::uint32_t kReply = 1;
+constexpr std::uint32_t kRpcVersion = 2;
+
+/// Where the words of a call stand that are not 0, behind the mark of its record. Its type is 0 (a call), and so is all
+/// of the credentials and of the verifier: there are none.
+enum CallWord : std::size_t
 {
-    kCall = 0,
-    kReply = 1
+    kNumberAt = 1,
+    kRpcVersionAt = 3,
+    kProgramAt = 4,
+    kProgramVersionAt = 5,
+    kProcedureAt = 6,
+    kWordsBeforeArguments = 11
 };
 
-constexpr std::uint32_t kRpcVersion = 2;
 constexpr std::uint32_t kMessageAccepted = 0;
-constexpr std::uint32_t kNoAuthentication = 0;
 constexpr std::uint32_t kLongestVerifier = 400;
 
 /// What an accepted call has come to, by its number in the reply; later numbers are an error of the other end.
@@ -76,8 +83,11 @@ constexpr XDR::xdr_ops kReplyOperations{getLong, nullptr,  getBytes, nullptr, nu
 } // namespace
 
 RpcChannel::RpcChannel(std::unique_ptr<Stream> stream, RpcProgram program)
-    : stream_(std::move(stream)), program_(program), replies_(*stream_)
+    : stream_(std::move(stream)), replies_(*stream_)
 {
+    putWord(wordOfCall(kRpcVersionAt), kRpcVersion);
+    putWord(wordOfCall(kProgramAt), program.number);
+    putWord(wordOfCall(kProgramVersionAt), program.version);
 }
 
 ViStatus RpcChannel::call(std::uint32_t procedure, XdrValue arguments, std::span<const ViByte> payload,
@@ -92,13 +102,9 @@ ViStatus RpcChannel::call(std::uint32_t procedure, XdrValue arguments, std::span
 ViStatus RpcChannel::send(std::uint32_t procedure, XdrValue arguments, std::span<const ViByte> payload,
                           const Deadline& deadline) noexcept
 {
-    // The mark of the record, the call, and neither credentials nor a verifier.
-    const std::array<std::uint32_t, 11> header{
-        0, ++lastNumber_,     kCall, kRpcVersion, program_.number, program_.version, procedure, kNoAuthentication,
-        0, kNoAuthentication, 0};
-    constexpr std::size_t kHeaderBytes = header.size() * kWordBytes;
-    for (std::size_t i = 0; i < header.size(); ++i)
-        putWord(sendBuffer_.data() + i * kWordBytes, header[i]);
+    putWord(wordOfCall(kNumberAt), ++lastNumber_);
+    putWord(wordOfCall(kProcedureAt), procedure);
+    constexpr std::size_t kHeaderBytes = kWordsBeforeArguments * kWordBytes;
     XDR xdr{};
     xdrmem_create(&xdr, reinterpret_cast<char*>(sendBuffer_.data()) + kHeaderBytes, kSendBuffer - kHeaderBytes,
                   XDR_ENCODE);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "visa/transport/stream.h"
+#include "visa/transport/vxi11/big_endian.h"
 #include "visa/transport/vxi11/record_reader.h"
 
 #include <rpc/xdr.h>
@@ -86,11 +87,13 @@ private:
     /// Ends the use of the connection after what cannot be mended.
     ViStatus checked(ViStatus status) noexcept;
 
+    ViByte* wordOfCall(std::size_t index) { return sendBuffer_.data() + index * kWordBytes; }
+
     static constexpr std::size_t kSendBuffer = 16384;
 
     const std::unique_ptr<Stream> stream_;
-    const RpcProgram program_;
     RecordReader replies_;
+    /// Begins with what is the same in each call.
     std::array<ViByte, kSendBuffer> sendBuffer_{};
     std::uint32_t lastNumber_ = 0;
     bool isUsable_ = true;

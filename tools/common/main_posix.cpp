@@ -1,9 +1,8 @@
-#include "tools/store/tool.h"
+#include "tools/common/tool_main.h"
 
 #include <cerrno>
 #include <csignal>
 #include <fcntl.h>
-#include <iostream>
 #include <unistd.h>
 
 namespace
@@ -27,5 +26,5 @@ int main(int argumentCount, char** arguments)
     static_cast<void>(std::signal(SIGPIPE, SIG_IGN));
     // A file that may not grow any more is told of like a full disk.
     static_cast<void>(std::signal(SIGXFSZ, SIG_IGN));
-    return store_tool::runTool(argumentCount, arguments, std::cout, std::cerr);
+    return toolMain(argumentCount, arguments);
 }

@@ -1,6 +1,6 @@
 #include "platform/common/windows_handle.h"
 #include "platform/common/windows_text.h"
-#include "tools/store/tool.h"
+#include "tools/common/tool_main.h"
 
 #include <shellapi.h>
 
@@ -8,7 +8,6 @@
 #include <io.h>
 
 #include <cstdio>
-#include <iostream>
 #include <string>
 #include <vector>
 
@@ -54,5 +53,5 @@ int main()
     pointers.reserve(arguments.size());
     for (const std::string& argument : arguments)
         pointers.push_back(argument.c_str());
-    return store_tool::runTool(static_cast<int>(pointers.size()), pointers.data(), std::cout, std::cerr);
+    return toolMain(static_cast<int>(pointers.size()), pointers.data());
 }
