@@ -6,6 +6,7 @@ from dataclasses import dataclass
 from typing import Optional
 
 TITLE = "KVX2800T driver"
+SUBJECT = "IVI-C driver for the KVX2800T family of programmable multi-channel DC power supplies"
 
 
 @dataclass(frozen=True)
