@@ -14,6 +14,7 @@ import tempfile
 import unittest
 from urllib.parse import unquote
 
+from chapters import CHAPTERS
 from made_up_headers import FUSE, HEADERS, manual_of
 
 PROJECT = HEADERS.parent
@@ -362,10 +363,9 @@ class OfAnAddition(unittest.TestCase):
 
     def test_a_dead_link_in_a_guide_is_refused(self):
         project = self.folder / "project"
-        for file in ("docs", "examples/README.md", "python/README.md", "csharp/README.md", "tools/store/README.md"):
-            (project / file).parent.mkdir(parents=True, exist_ok=True)
-            copy = shutil.copytree if (PROJECT / file).is_dir() else shutil.copy
-            copy(PROJECT / file, project / file)
+        for guide in filter(None, (chapter.guide for chapter in CHAPTERS)):
+            (project / guide).parent.mkdir(parents=True, exist_ok=True)
+            shutil.copy(PROJECT / guide, project / guide)
         with open(project / "docs/channels.md", "a", encoding="utf-8") as guide:
             guide.write("\n[more](options.md#what-there-is-not)\n")
         ended = self.make(project)
