@@ -43,6 +43,11 @@ endif()
 kvx_header_library(kvx_rapidxml rapidxml/rapidxml.hpp rapidxml)
 kvx_header_library(kvx_cli11 CLI/CLI.hpp CLI)
 kvx_header_library(kvx_json nlohmann/json.hpp nlohmann)
+kvx_header_library(kvx_beast boost/beast.hpp boost)
+target_link_libraries(kvx_beast INTERFACE Threads::Threads)
+if(WIN32)
+    target_link_libraries(kvx_beast INTERFACE ws2_32 mswsock)
+endif()
 
 # libusb reaches USB instruments. VISA is built without it, too: KVX_LIBUSB is the library, empty where there is none.
 set(KVX_LIBUSB "")
