@@ -1,5 +1,6 @@
 # The driver on Windows: it binds the platform's libraries itself, when it needs them.
-target_sources(KVX2800T PRIVATE ${PROJECT_SOURCE_DIR}/binding/binding_windows.cpp)
+target_sources(KVX2800T PRIVATE
+    ${PROJECT_SOURCE_DIR}/binding/binding_windows.cpp ${PROJECT_SOURCE_DIR}/binding/platform_library_windows.cpp)
 target_link_libraries(KVX2800T PRIVATE platform_headers)
 if(MINGW)
     target_sources(KVX2800T PRIVATE ${PROJECT_SOURCE_DIR}/binding/unload_mingw.cpp)

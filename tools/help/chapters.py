@@ -6,6 +6,7 @@ from dataclasses import dataclass
 from typing import Optional
 
 TITLE = "KVX2800T driver"
+SUBJECT = "IVI-C driver for the KVX2800T family of programmable multi-channel DC power supplies"
 
 
 @dataclass(frozen=True)
@@ -33,6 +34,8 @@ CHAPTERS = (
     Chapter("python", "Python", "python/README.md"),
     Chapter("csharp", "C#", "csharp/README.md"),
     Chapter("environments", "Languages and tools", "docs/environments.md"),
+    Chapter("matlab", "MATLAB", "docs/matlab.md"),
+    Chapter("labview", "LabVIEW", "docs/labview.md"),
     Chapter("store", "The configuration store", "tools/store/README.md"),
     Chapter("reliability", "What can be relied on", "docs/reliability.md"),
     Chapter("troubleshooting", "When it does not work", "docs/troubleshooting.md"),
@@ -42,8 +45,8 @@ CHAPTERS = (
     Chapter("names", "Index of names"),
 )
 
-# The functions' places in IVI-3.2 table 4-3 and IVI-4.4 table 12-4. What the instrument has beyond its class comes behind,
-# by the groups of its header.
+# The functions' places in IVI-3.2 table 4-3 and IVI-4.4 table 12-4. What the instrument has beyond its class comes
+# behind, by the groups of its header.
 FUNCTION_HIERARCHY: dict[str, tuple[str, ...]] = {
     "Initialize": ("init", "InitWithOptions"),
     "Configuration": (

@@ -1,6 +1,6 @@
 #include "tools/common/tool_main.h"
 
-#include "tools/kvx2800t/command_line/terminal.h"
+#include "tools/kvx2800t/command_line/platform/terminal.h"
 #include "tools/kvx2800t/command_line/tool.h"
 
 #include <iostream>

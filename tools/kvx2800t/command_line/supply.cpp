@@ -15,8 +15,8 @@ namespace
 
 constexpr auto kSessionOptions = std::to_array<Option>({
     {"-r,--resource", "RESOURCE", "VISA resource or name of the configuration store", "KVX2800T_RESOURCE"},
-    {"--simulate", "", "Drive an instrument inside the program, which is new each time"},
     {"--timeout", "TIME", "How long the instrument may take to answer [2s]"},
+    {"--simulate", "", "Drive an instrument inside the program, which is new each time"},
 });
 
 /// Channels by their numbers, in the source modes normal, series and parallel.
@@ -69,6 +69,11 @@ std::span<const Option> sessionOptions()
     return kSessionOptions;
 }
 
+std::span<const Option> connectionOptions()
+{
+    return std::span(kSessionOptions).first(2);
+}
+
 std::string resourceOf(const Arguments& arguments)
 {
     if (const auto positional = arguments.one("RESOURCE"))
@@ -100,7 +105,9 @@ kvx2800t::Session openSupply(const Arguments& arguments)
     try {
         return kvx2800t::Session(resource, options);
     } catch (const kvx2800t::Error& error) {
-        throw Failure(exitCodeOf(error.code(), Phase::Opening), error.code(), error.text());
+        const bool isSilent = error.text().empty();
+        throw Failure(exitCodeOf(error.code(), Phase::Opening), error.code(),
+                      isSilent ? "no library of the driver says why; `kvx2800t doctor` may" : error.text());
     }
 }
 

@@ -12,8 +12,9 @@
 namespace command_line
 {
 
-/// The options of every command that opens a session.
+/// The options of every command that opens a session, and those of them that are about a real instrument.
 std::span<const Option> sessionOptions();
+std::span<const Option> connectionOptions();
 
 /// The resource of the command line, of its option --resource or of the environment. UsageError without any.
 std::string resourceOf(const Arguments& arguments);

@@ -45,6 +45,18 @@ void requireWritten(Console& console)
         throw Failure(ExitCode::File, "cannot write the output");
 }
 
+/// Whether --json is given where it is a switch: a log has it to name its file.
+bool isAskedForJson(const ParsedCommandLine& commandLine)
+{
+    if (commandLine.command == nullptr || !commandLine.arguments.has("--json"))
+        return false;
+    for (const std::span<const Option> options : commandLine.command->options)
+        for (const Option& option : options)
+            if (option.name == "--json")
+                return option.value.empty();
+    return false;
+}
+
 void run(const ParsedCommandLine& commandLine, Console& console)
 {
     if (commandLine.command != nullptr)
@@ -60,7 +72,7 @@ int runTool(int argumentCount, const char* const* arguments, Console& console)
         const auto commandLine = parseCommandLine(argumentCount, arguments, console.out, console.errors);
         if (commandLine.isComplaint)
             return numberOf(ExitCode::Usage);
-        console.json = commandLine.arguments.has("--json");
+        console.json = isAskedForJson(commandLine);
         run(commandLine, console);
         return numberOf(ExitCode::Success);
     } catch (const Failure& failure) {

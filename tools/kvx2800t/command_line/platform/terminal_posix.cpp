@@ -1,4 +1,4 @@
-#include "tools/kvx2800t/command_line/terminal.h"
+#include "tools/kvx2800t/command_line/platform/terminal.h"
 
 #include <unistd.h>
 
