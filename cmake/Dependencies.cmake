@@ -18,17 +18,36 @@ function(kvx_header_library name file)
     target_include_directories(${name} SYSTEM INTERFACE ${folder})
 endfunction()
 
-kvx_header_library(kvx_asio asio.hpp asio.hpp asio)
 # Asio looks for std::aligned_alloc in what is included before it: sources would disagree on how memory is given back.
-target_compile_definitions(kvx_asio INTERFACE ASIO_STANDALONE ASIO_NO_DEPRECATED ASIO_DISABLE_STD_ALIGNED_ALLOC)
-target_link_libraries(kvx_asio INTERFACE Threads::Threads)
+set(asio_definitions ASIO_STANDALONE ASIO_NO_DEPRECATED ASIO_DISABLE_STD_ALIGNED_ALLOC)
 if(WIN32)
-    target_link_libraries(kvx_asio INTERFACE ws2_32 mswsock)
+    kvx_header_library(kvx_asio asio.hpp asio.hpp asio)
+    target_compile_definitions(kvx_asio INTERFACE ${asio_definitions})
+    target_link_libraries(kvx_asio INTERFACE Threads::Threads ws2_32 mswsock)
+else()
+    # What of Asio is no template is compiled once: it is half of what a source that includes it takes. On Windows it would
+    # bring much of the C++ library, which is linked in there.
+    kvx_header_library(asio_headers asio.hpp asio.hpp asio)
+    file(CONFIGURE OUTPUT ${PROJECT_BINARY_DIR}/asio.cpp CONTENT "#include <asio/impl/src.hpp>\n")
+    add_library(kvx_asio STATIC EXCLUDE_FROM_ALL ${PROJECT_BINARY_DIR}/asio.cpp)
+    target_compile_definitions(kvx_asio PUBLIC ${asio_definitions} ASIO_SEPARATE_COMPILATION)
+    target_link_libraries(kvx_asio PUBLIC asio_headers Threads::Threads PRIVATE kvx_options)
+    set_target_properties(kvx_asio PROPERTIES CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON)
+    if(NOT KVX_SANITIZE)
+        # It is one object: programs leave out what they do not use of it.
+        target_compile_options(kvx_asio PRIVATE -ffunction-sections -fdata-sections)
+        target_link_options(kvx_asio INTERFACE LINKER:--gc-sections)
+    endif()
 endif()
 
 kvx_header_library(kvx_rapidxml rapidxml/rapidxml.hpp rapidxml)
 kvx_header_library(kvx_cli11 CLI/CLI.hpp CLI)
 kvx_header_library(kvx_json nlohmann/json.hpp nlohmann)
+kvx_header_library(kvx_beast boost/beast.hpp boost)
+target_link_libraries(kvx_beast INTERFACE Threads::Threads)
+if(WIN32)
+    target_link_libraries(kvx_beast INTERFACE ws2_32 mswsock)
+endif()
 
 # libusb reaches USB instruments. VISA is built without it, too: KVX_LIBUSB is the library, empty where there is none.
 set(KVX_LIBUSB "")

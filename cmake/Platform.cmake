@@ -11,8 +11,9 @@ if(KVX_VENDOR_PLATFORM)
     include(VendorPlatform)
 endif()
 
-# With a vendor's platform, too: its tests use it.
+# With a vendor's platform, too: its tests and the store tool use them.
 add_subdirectory(platform/common)
+add_subdirectory(visa/resource)
 if(NOT KVX_VENDOR_IVI)
     target_include_directories(platform_headers SYSTEM INTERFACE ${PROJECT_SOURCE_DIR}/platform/include)
     add_subdirectory(platform)

@@ -110,6 +110,10 @@ look_after_a_store() {
     done
 }
 
+find_the_assembly() {
+    [ -f "$(pkg-config --libs kvx2800t-cil | sed 's/^-r://')" ]
+}
+
 read_the_help() {
     grep -q '<a href="functions.html">' /usr/share/doc/kvx2800t/html/index.html
     [ -f /usr/share/doc/kvx2800t/KVX2800T.pdf ]
@@ -129,5 +133,6 @@ try_packages change_the_visa kvx2800t-platform
 try_packages look_after_a_store kvx2800t-tools
 try_packages build_programs libkvx2800t-dev kvx2800t-tools
 try_packages open_a_name python3-kvx2800t kvx2800t-tools
+try_packages find_the_assembly libkvx2800t-cil
 try_packages read_the_help kvx2800t-doc
 try_packages use_all /try/debian/*.deb

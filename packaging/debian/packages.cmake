@@ -29,11 +29,11 @@ configure_file(debian/changelog.in ${debian}/changelog @ONLY)
 execute_process(COMMAND ${KVX_GZIP} -9nf ${debian}/changelog COMMAND_ERROR_IS_FATAL ANY)
 
 # kvx_debian_package(<name> [INDEPENDENT] COMPONENTS <component>... SECTION <section> SUMMARY <text> DESCRIPTION <text>
-#     [DEPENDS <packages>] [SUGGESTS <packages>] [CONTROL <file>...])
+#     [DEPENDS <packages>] [RECOMMENDS <packages>] [SUGGESTS <packages>] [CONTROL <file>...])
 # INDEPENDENT: the same on every architecture. CONTROL: what dpkg is told beside what CPack writes.
 macro(kvx_debian_package name)
     cmake_parse_arguments(
-        ARG "INDEPENDENT" "SECTION;SUMMARY;DESCRIPTION;DEPENDS;SUGGESTS" "COMPONENTS;CONTROL" ${ARGN})
+        ARG "INDEPENDENT" "SECTION;SUMMARY;DESCRIPTION;DEPENDS;RECOMMENDS;SUGGESTS" "COMPONENTS;CONTROL" ${ARGN})
     string(TOUPPER ${name} group)
     set(of_debian debian-${name})
     install(FILES debian/copyright ${debian}/changelog.gz
@@ -46,7 +46,7 @@ macro(kvx_debian_package name)
     set(CPACK_DEBIAN_${group}_PACKAGE_NAME ${name})
     set(CPACK_DEBIAN_${group}_PACKAGE_SECTION ${ARG_SECTION})
     set(CPACK_DEBIAN_${group}_DESCRIPTION "${ARG_SUMMARY}\n${ARG_DESCRIPTION}")
-    foreach(relation DEPENDS SUGGESTS)
+    foreach(relation DEPENDS RECOMMENDS SUGGESTS)
         set(CPACK_DEBIAN_${group}_PACKAGE_${relation} "${ARG_${relation}}")
     endforeach()
     set(CPACK_DEBIAN_${group}_PACKAGE_CONTROL_EXTRA "${ARG_CONTROL}")
@@ -129,6 +129,20 @@ top of the IVI-C driver."
     DEPENDS "python3 (>= 3.9), libkvx2800t1 (>= ${PROJECT_VERSION})"
     CONTROL ${debian}/python3-kvx2800t/postinst ${debian}/python3-kvx2800t/prerm)
 
+# A program that uses it brings mono or another .NET: it is found in both.
+if(TARGET csharp)
+    kvx_debian_package(libkvx2800t-cil INDEPENDENT
+        COMPONENTS csharp
+        SECTION cli-mono
+        SUMMARY "KVX2800T power supplies in C#"
+        DESCRIPTION "Sessions on KVX2800T power supplies and their channels as objects of C# and
+other languages of .NET, on top of the IVI-C driver. The assembly is found by
+pkg-config as kvx2800t-cil."
+        DEPENDS "libkvx2800t1 (>= ${PROJECT_VERSION})"
+        RECOMMENDS "mono-runtime, libmono-system4.0-cil, libmono-system-core4.0-cil"
+        SUGGESTS "kvx2800t-doc, mono-mcs")
+endif()
+
 install(FILES debian/kvx2800t-doc.doc-base DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/doc-base
     RENAME kvx2800t-doc.kvx2800t COMPONENT debian-kvx2800t-doc EXCLUDE_FROM_ALL)
 kvx_debian_package(kvx2800t-doc INDEPENDENT
@@ -138,11 +152,11 @@ kvx_debian_package(kvx2800t-doc INDEPENDENT
     DESCRIPTION "The help of the driver as HTML and PDF: guides and a reference of all functions
 and attributes. Examples in C, C++ and Python.")
 
-# What has to be built for them. Help and Python package take programs that not every machine has.
+# What has to be built for them. Help, Python package and assembly take programs that not every machine has.
 add_custom_target(package_files)
 add_dependencies(package_files
     KVX2800T IviCShared IviConfigServer visa visatrace kvx2800t-store kvx2800t-virtual man_pages)
-foreach(target help_files python_package)
+foreach(target help_files python_package csharp)
     if(TARGET ${target})
         add_dependencies(package_files ${target})
     endif()

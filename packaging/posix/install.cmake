@@ -80,6 +80,15 @@ include(posix/man_pages.cmake)
 install(DIRECTORY ${PROJECT_BINARY_DIR}/python_package/kvx2800t DESTINATION lib/python3/dist-packages COMPONENT python OPTIONAL
     PATTERN lib EXCLUDE PATTERN __pycache__ EXCLUDE)
 
+# So does the assembly for C#, which is the same on every architecture.
+if(TARGET csharp)
+    install(FILES ${KVX_ASSEMBLY} ${PROJECT_BINARY_DIR}/csharp/Kvx2800t.xml DESTINATION lib/cli/kvx2800t
+        COMPONENT csharp OPTIONAL)
+    configure_file(posix/kvx2800t-cil.pc.in kvx2800t-cil.pc @ONLY)
+    install(FILES ${CMAKE_CURRENT_BINARY_DIR}/kvx2800t-cil.pc DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/pkgconfig
+        COMPONENT csharp)
+endif()
+
 install(FILES ${PROJECT_SOURCE_DIR}/LICENSE DESTINATION ${docdir} COMPONENT license)
 install(FILES ${PROJECT_SOURCE_DIR}/CHANGELOG.md ${PROJECT_SOURCE_DIR}/docs/installation.md
     DESTINATION ${docdir} COMPONENT doc)

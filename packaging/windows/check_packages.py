@@ -12,6 +12,9 @@ OWN = "Drivers/KVX2800T/"
 EXAMPLES = {path.name for path in pathlib.Path("examples").iterdir() if path.is_file()} - {"CMakeLists.txt"}
 MODULES = {path.name for path in pathlib.Path("python/kvx2800t").iterdir() if path.is_file()} | {"_interface.py"}
 PAGES = {"help.css", "index.html"} | {chapter.name + ".html" for chapter in CHAPTERS}
+CSHARP = {"Kvx2800t.dll", "Kvx2800t.xml", "Kvx2800t.csproj", "README.md", "Kvx2800t/Interface.cs"} | {
+    "Kvx2800t/" + path.name for path in pathlib.Path("csharp/Kvx2800t").iterdir()
+}
 HEADERS = {path.name for room in ("platform", "visa") for path in pathlib.Path(room, "include").iterdir()}
 
 COMMON = (
@@ -20,6 +23,7 @@ COMMON = (
     | {OWN + "html/" + name for name in PAGES}
     | {OWN + "Examples/" + name for name in EXAMPLES}
     | {OWN + "Python/kvx2800t/" + name for name in MODULES}
+    | {OWN + "CSharp/" + name for name in CSHARP}
     | {OWN + "Platform/Include/" + name for name in HEADERS}
 )
 

@@ -19,11 +19,21 @@ install(FILES ${CMAKE_CURRENT_BINARY_DIR}/readme.txt DESTINATION ${own_folder})
 configure_file(${PROJECT_SOURCE_DIR}/LICENSE ${CMAKE_CURRENT_BINARY_DIR}/license.txt COPYONLY)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/license.txt DESTINATION ${own_folder})
 install(FILES ${PROJECT_BINARY_DIR}/bindings/KVX2800T.sub DESTINATION ${own_folder})
-install(DIRECTORY ${PROJECT_BINARY_DIR}/help/ DESTINATION ${own_folder})
+install(DIRECTORY ${PROJECT_BINARY_DIR}/help/ DESTINATION ${own_folder} OPTIONAL)
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples/ DESTINATION ${own_folder}/Examples 
     PATTERN CMakeLists.txt EXCLUDE PATTERN __pycache__ EXCLUDE)
 
 install(DIRECTORY ${PROJECT_BINARY_DIR}/python_package/kvx2800t DESTINATION ${own_folder}/Python)
+
+# With the sources, for a .NET that takes no assembly of mono's.
+set(csharp_folder ${own_folder}/CSharp)
+if(TARGET csharp)
+    install(FILES ${KVX_ASSEMBLY} ${PROJECT_BINARY_DIR}/csharp/Kvx2800t.xml DESTINATION ${csharp_folder})
+endif()
+install(FILES ${PROJECT_SOURCE_DIR}/csharp/README.md ${PROJECT_SOURCE_DIR}/csharp/Kvx2800t.csproj
+    DESTINATION ${csharp_folder})
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/csharp/Kvx2800t DESTINATION ${csharp_folder})
+install(FILES ${PROJECT_BINARY_DIR}/bindings/Interface.cs DESTINATION ${csharp_folder}/Kvx2800t)
 
 # For a machine without the IVI components or VISA.
 if(NOT KVX_VENDOR_IVI)

@@ -62,6 +62,27 @@ class Installation:
         output("cc", PROJECT / "examples/first_session.c", *flags.split(), "-o", program)
         return program
 
+    def built_with_csharp(self):
+        """A program for mono, and where it looks for the assembly."""
+        source, program = self.work / "program.cs", self.work / "program.exe"
+        source.write_text(
+            "internal static class Program\n"
+            "{\n"
+            "    private static void Main(string[] arguments)\n"
+            "    {\n"
+            "        using (var supply = new Kvx2800t.Supply(arguments[0]))\n"
+            "        {\n"
+            '            supply.Channels["CH3"].VoltageLevel = 3.3;\n'
+            '            System.Console.WriteLine(supply.Channels["CH3"].VoltageLevel);\n'
+            "        }\n"
+            "    }\n"
+            "}\n"
+        )
+        folder = self.prefix / "share/pkgconfig"
+        assembly = output("pkg-config", "--libs", "kvx2800t-cil", PKG_CONFIG_PATH=str(folder)).strip()
+        output("mcs", assembly, f"-out:{program}", source)
+        return program, pathlib.Path(assembly.replace("-r:", "", 1)).parent
+
     def built_by_cmake(self):
         source = self.work / "source"
         source.mkdir()
@@ -139,6 +160,12 @@ class InstalledFolder(InstalledTest):
 
     def test_a_program_that_cmake_has_found_the_driver_for_runs_a_session(self):
         self.assert_has_run(self.installed.session(self.installed.built_by_cmake()))
+
+    def test_a_program_in_csharp_runs_a_session(self):
+        program, folder = self.installed.built_with_csharp()
+        with self.installed.instrument() as resource:
+            shown = output("mono", program, resource, **self.installed.variables(MONO_PATH=str(folder)))
+        self.assertEqual(shown, "3.3\n")
 
     def test_the_switch_changes_between_our_visa_and_a_vendors(self):
         own = self.installed.platform / "own/libvisa.so"

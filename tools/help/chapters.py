@@ -42,8 +42,8 @@ CHAPTERS = (
     Chapter("names", "Index of names"),
 )
 
-# The functions' places in IVI-3.2 table 4-3 and IVI-4.4 table 12-4. What the instrument has beyond its class comes behind,
-# by the groups of its header.
+# The functions' places in IVI-3.2 table 4-3 and IVI-4.4 table 12-4. What the instrument has beyond its class comes
+# behind, by the groups of its header.
 FUNCTION_HIERARCHY: dict[str, tuple[str, ...]] = {
     "Initialize": ("init", "InitWithOptions"),
     "Configuration": (

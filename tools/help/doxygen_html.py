@@ -30,9 +30,16 @@ def inline(element: Optional[ET.Element]) -> str:
 
 
 def titled(element: Optional[ET.Element]) -> dict[str, str]:
-    """The marked paragraphs (@par) of a description by their titles."""
-    parts = element.findall(".//simplesect[@kind='par']") if element is not None else []
-    return {_text(part.find("title")): "".join(_paragraph(p, frozenset()) for p in part.findall("para")) for part in parts}
+    """The marked paragraphs (@par) of a description by their titles, each with the blocks that follow it."""
+    parts: dict[str, str] = {}
+    title = None
+    for block in element.iterfind("para/*") if element is not None else ():
+        if block.get("kind") == "par":
+            title = _text(block.find("title"))
+            parts[title] = description(block, frozenset())
+        elif title is not None:
+            parts[title] += _block(block, frozenset()) or ""
+    return parts
 
 
 def returned(element: Optional[ET.Element]) -> str:

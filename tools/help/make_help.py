@@ -1,8 +1,8 @@
 #!/usr/bin/python3
 """Writes the help: make_help.py XML PROJECT VERSION HELP BOOK, with the folder of Doxygen's XML of the headers.
 
-HELP gets html/ with a page for each chapter, and the Introduction as a file of its own. BOOK gets book.html and title.html,
-which htmldoc makes the PDF of: the same chapters as one page.
+HELP gets html/ with a page for each chapter, and the Introduction as a file of its own. BOOK gets book.html and
+title.html, which htmldoc makes the PDF of: the same chapters as one page.
 """
 
 from __future__ import annotations
@@ -10,7 +10,7 @@ from __future__ import annotations
 import re
 import sys
 import textwrap
-from collections.abc import Mapping
+from collections.abc import Callable, Mapping
 from pathlib import Path
 
 import guides
@@ -19,10 +19,12 @@ from reference import Reference
 
 STYLE = Path(__file__).resolve().parent / "help.css"
 INTRODUCTION = "___Introduction to KVX2800T___.html"
-BOOK_WIDTH = 92
+FOLDING = textwrap.TextWrapper(
+    96, subsequent_indent="    ", drop_whitespace=False, replace_whitespace=False, break_on_hyphens=False
+)
 # Headings, code and what is a link already is left as it is.
 LEFT_ALONE = re.compile(r"(<(a|pre|h\d)\b.*?</\2>|<[^>]+>)", re.S)
-MENTIONED = re.compile(r"\b(?:(?:KVX2800T|IVI)_\w+|0x[0-9A-F]{8})\b")
+MENTIONED = re.compile(r"\b(?:KVX2800T_\w+_\.\.\.|(?:KVX2800T|IVI)_\w+|0x[0-9A-F]{8}\b)")
 MESSAGE = re.compile(r'"([:*][^"<]+)"')
 
 
@@ -98,7 +100,9 @@ class Help:
     def _mention(self, name: str) -> str:
         return f'<a href="#{self._names[name]}">{name}</a>' if name in self._names else name
 
-    def _linked(self, html: str, address) -> str:
+    def _linked(self, html: str, address: Callable[[str, str], str]) -> str:
+        """With links by the address that a page and an anchor have where the text is read."""
+
         def link(match: re.Match[str]) -> str:
             anchor = match[1]
             if anchor not in self._pages:
@@ -140,11 +144,7 @@ def _address(page: str, anchor: str, current: str) -> str:
 
 
 def _folded(code: str) -> str:
-    lines = [line for text in code.split("\n") for line in textwrap.wrap(text, BOOK_WIDTH, **FOLDING) or [""]]
-    return "\n".join(lines)
-
-
-FOLDING = {"subsequent_indent": "    ", "drop_whitespace": False, "replace_whitespace": False, "break_on_hyphens": False}
+    return "\n".join(line for text in code.split("\n") for line in FOLDING.wrap(text) or [""])
 
 
 def _document(title: str, head: str, body: str) -> str:

@@ -6,13 +6,14 @@ import re
 import xml.etree.ElementTree as ET
 from collections.abc import Iterator
 from html import escape
+from os.path import commonprefix
 from pathlib import Path
 
 import doxygen_html
 import reader
 from attribute_file_writer import HIERARCHY as ATTRIBUTE_HIERARCHY
 from chapters import FUNCTION_HIERARCHY, Content, Section
-from model import Attribute, Direction, Function, Interface, Status
+from model import Attribute, Direction, Enumeration, Function, Interface, Status
 
 HEADERS = {"KVX2800T.h": "KVX2800T_8h.xml", "KVX2800TInstrument.h": "KVX2800TInstrument_8h.xml"}
 ACCESS = {Direction.IN: "in", Direction.OUT: "out", Direction.IN_OUT: "in, out"}
@@ -45,10 +46,13 @@ class Reference:
         }
 
     def names(self) -> dict[str, str]:
-        """What running text mentions, names and codes of statuses, with the anchor of each."""
+        """What running text mentions, names, their beginnings and codes of statuses, with the anchor of each."""
         anchors = {name: name for name in self._documented()}
         codes = {f"0x{status.code:08X}": status.constant for status in self.interface.statuses}
-        return {**codes, **anchors}
+        enumerations = self.interface.enumerations
+        beginnings = {_prefix(e) + "...": "values-" + e.name for e in enumerations}
+        beginnings |= {_common_words(e) + "...": "values-" + e.name for e in enumerations}
+        return {"KVX2800T_ATTR_...": "attributes", **beginnings, **codes, **anchors}
 
     def part(self, header: str, title: str) -> str:
         """A titled paragraph of what a header says of itself."""
@@ -187,6 +191,16 @@ class Reference:
         return Content(f"<ul>\n{items}</ul>\n", ())
 
 
+def _prefix(enumeration: Enumeration) -> str:
+    """What the names in C have in front of those in other languages."""
+    return enumeration.values[0].constant.removesuffix(enumeration.values[0].name)
+
+
+def _common_words(enumeration: Enumeration) -> str:
+    """What the names of its values have in common, which may be more."""
+    return commonprefix([value.constant for value in enumeration.values]).rpartition("_")[0] + "_"
+
+
 def _said_of(member: ET.Element) -> str:
     parts = (member.find("briefdescription"), member.find("detaileddescription"))
     return " ".join(" ".join(part.itertext()) for part in parts if part is not None)
@@ -223,7 +237,8 @@ def _parameters(function: Function, member: ET.Element) -> str:
         f"<td>{described.get(parameter.name, '')}</td></tr>\n"
         for parameter in function.parameters
     )
-    return f"<table>\n<tr><th>parameter</th><th>type</th><th>way</th><th>what</th></tr>\n{rows}</table>\n" if rows else ""
+    head = "<tr><th>parameter</th><th>type</th><th>direction</th><th>what</th></tr>\n"
+    return f"<table>\n{head}{rows}</table>\n" if rows else ""
 
 
 def _facts(facts: list[tuple[str, str]]) -> str:

@@ -1,4 +1,4 @@
-"""The help that the build has made, as HTML and as PDF, compared with the driver's headers; and that of made-up headers.
+"""The help that the build has made, as HTML and as PDF, compared with the driver's headers; that of made-up headers.
 
 Environment: that of made_up_headers.py, MAKE_HELP, HELP (the folder of the help).
 """
@@ -30,10 +30,10 @@ SILENT = """InitWithOptions close LockSession UnlockSession GetError ClearError 
 
 # IVI-3.1 section 5.22.1.
 NOTICE = """Content from the IVI specifications reproduced with permission from the IVI Foundation.
-    The IVI Foundation and its member companies make no warranty of any kind with regard to this material, including, but not
-    limited to, the implied warranties of merchantability and fitness for a particular purpose. The IVI Foundation and its
-    member companies shall not be liable for errors contained herein or for incidental or consequential damages in connection
-    with the furnishing, performance, or use of this material."""
+    The IVI Foundation and its member companies make no warranty of any kind with regard to this material, including,
+    but not limited to, the implied warranties of merchantability and fitness for a particular purpose. The IVI
+    Foundation and its member companies shall not be liable for errors contained herein or for incidental or
+    consequential damages in connection with the furnishing, performance, or use of this material."""
 
 # IVI-3.1 section 5.21.
 OF_THE_INTRODUCTION = [
@@ -127,7 +127,8 @@ class Names:
     def __init__(self):
         text = "".join(path.read_text(encoding="utf-8") for path in HEADERS.glob("KVX2800T*.h"))
         self.prototypes = dict(re.findall(r"^ViStatus _VI_FUNC (KVX2800T_\w+)(\([^;]*\));", text, re.M))
-        self.constants = dict(re.findall(r"^#define ((?:KVX2800T|IVI)_\w+_\w+) (?:\(\(ViStatus\))?(\w+?)(?:UL\))?$", text, re.M))
+        number = r"(?:\(\(ViStatus\))?(\w+?)(?:UL\))?"
+        self.constants = dict(re.findall(rf"^#define ((?:KVX2800T|IVI)_\w+_\w+) {number}$", text, re.M))
         self.attributes = [name for name in self.constants if name.startswith("KVX2800T_ATTR_")]
         self.channel_attributes = re.findall(
             r"#define (KVX2800T_ATTR_\w+)", text[text.index("@name Attributes of the channels") :].split("@}", 1)[0]
@@ -148,7 +149,8 @@ class OfTheReference(unittest.TestCase):
             prototype = html.unescape(re.search("<pre>(.*?)</pre>", entry, re.S)[1])
             self.assertEqual(without_spaces(f"ViStatus {name}{parameters};"), without_spaces(prototype))
             described = re.findall(r"<tr><td><code>(\w+)</code></td><td>\w+</td><td>[\w, ]+</td><td>(.+?)</td>", entry)
-            self.assertEqual(re.findall(r"(\w+)(?:\[\])?[,)]", parameters), [parameter for parameter, _ in described], name)
+            declared = re.findall(r"(\w+)(?:\[\])?[,)]", parameters)
+            self.assertEqual(declared, [parameter for parameter, _ in described], name)
             self.assertRegex(plain(entry), r"Returns \w")
             self.assertRegex(entry, r"</h3>\n<p>\w", name)
 
@@ -220,7 +222,7 @@ def chapters_of(markup):
 
 
 def outline_of(pdf):
-    """The titles of the bookmarks of the first level, as htmldoc writes them: the table of contents and the chapters."""
+    """The titles of the first level of bookmarks, as htmldoc writes them: the table of contents and the chapters."""
     bookmarks = re.findall(rb"<</Parent (\d+) 0 R[^()]*/Title\((.*?)\)/Dest", pdf)
     return [title.decode() for parent, title in bookmarks if parent == bookmarks[0][0]]
 
@@ -257,6 +259,14 @@ class OfTheStructure(unittest.TestCase):
         self.assertIn('<a href="troubleshooting.html">When it does not work</a>', self.pages["introduction.html"])
         self.assertIn('<a href="#environments.c-2">C#</a>', self.pages["environments.html"])
         self.assertNotIn(".md", "".join(re.findall(r'href="([^"]+)"', "".join(self.pages.values()))))
+
+    def test_values_of_parameters_lead_to_their_tables(self):
+        text = self.pages["functions.html"]
+        mentioned = re.findall(r"KVX2800T_\w+_\.\.\.", text)
+        self.assertLess(30, len(mentioned))
+        linked = re.findall(r'<a href="(?:values|attributes)\.html(?:#values-\w+)?">(KVX2800T_\w+_\.\.\.)</a>', text)
+        self.assertEqual(mentioned, linked)
+        self.assertIn('<a href="values.html#values-ListEnd">KVX2800T_VAL_LIST_END_...</a>', text)
 
     def test_no_text_is_markdown(self):
         for name, text in self.pages.items():
@@ -302,6 +312,14 @@ class OfTheDocuments(unittest.TestCase):
         supported = [name for name, support in identity.items() if support == "Supported"]
         self.assertEqual(groups.split(","), supported)
 
+    def test_every_key_of_driver_setup_is_among_the_options(self):
+        source = (PROJECT / "runtime/session_settings.cpp").read_text(encoding="utf-8")
+        keys = re.findall(r'^    \{"(\w+)", take', source, re.M)
+        self.assertIn("SafeErrors", keys)
+        section = sections_of(page("options.html"))["Keys of DriverSetup"]
+        rows = re.findall("<tr><td>(.*?)</td><td>.+?</td></tr>", section, re.S)
+        self.assertEqual(sorted(keys), sorted(key for row in rows for key in row.split(", ")))
+
     def test_virtual_names_are_advised(self):
         advice = plain(sections_of(page("channels.html"))["Virtual names"])
         self.assertIn("For interchangeability use virtual names.", advice)
@@ -327,7 +345,11 @@ class OfAnAddition(unittest.TestCase):
         self.assertEqual((0, ""), (ended.returncode, ended.stderr))
         book = (self.folder / "book/book.html").read_text(encoding="utf-8")
         for file, marks in {
-            "functions.html": ('<h3 id="KVX2800T_QueryFuse">', "const ViReal64 times[]", "<p>Tells how fuses have blown.</p>"),
+            "functions.html": (
+                '<h3 id="KVX2800T_QueryFuse">',
+                "const ViReal64 times[]",
+                "<p>Tells how fuses have blown.</p>",
+            ),
             "attributes.html": ("Attributes of the fuses</h2>", '<h3 id="KVX2800T_ATTR_FUSE_MODE">', "Fuse Mode"),
             "values.html": ("Fuse mode</h2>", '<a id="KVX2800T_VAL_FUSE_STAYS_ON">'),
             "statuses.html": ('<a id="KVX2800T_ERROR_FUSE_BLOWN">', "<td>The fuse has blown.</td>"),

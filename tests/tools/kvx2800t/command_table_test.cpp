@@ -37,9 +37,11 @@ TEST(CommandTable, HasEachNameOnceWithASummaryAndSomethingToDo)
     }
 }
 
-TEST(CommandTable, EveryCommandPrintsJson)
+TEST(CommandTable, EveryCommandButThePanelPrintsJson)
 {
     for (const Command& command : commandTable()) {
+        if (command.name == "panel")
+            continue;
         bool hasJson = false;
         for (const auto options : command.options)
             for (const Option& option : options)

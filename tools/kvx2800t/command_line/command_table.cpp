@@ -43,6 +43,14 @@ constexpr auto kLogOptions = std::to_array<Option>({
     {"--force", "", "Replace the file if it is there"},
 });
 
+constexpr auto kPanelOptions = std::to_array<Option>({
+    {"--port", "N", "The TCP port of the page; 0 takes any free one [0]"},
+    {"--bind", "ADDRESS", "The IP address of the page [127.0.0.1]"},
+    {"--no-browser", "", "Do not open the browser"},
+    {"--simulate", "", "Drive an instrument inside the program, as without a resource"},
+    {"--until-input-ends", "", "End when the standard input does"},
+});
+
 constexpr auto kResource = std::to_array<Positional>({{"RESOURCE", "As --resource", Occurrence::AtMostOnce}});
 constexpr auto kChannel = std::to_array<Positional>({{"CHANNEL", "Such as CH1"}});
 constexpr auto kChannels = std::to_array<Positional>({{"CHANNELS", "Such as CH1, CH1,CH3 or CH1-3"}});
@@ -81,6 +89,7 @@ std::vector<Command> makeTable()
     static const OptionLists delayLoadOptions = withSession(kDelayLoadOptions);
     static const OptionLists runOptions = withSession(kRunOptions);
     static const OptionLists logOptions = withSession(kLogOptions, {});
+    static const OptionLists panelOptions = {kPanelOptions, connectionOptions().first(1)};
     return {
         {"find", "Show what VISA finds, and what the configuration store has.", {}, onlyJson, commands::find},
         {"identify", "Tell which instrument it is.", kResource, session, commands::identify},
@@ -107,6 +116,7 @@ std::vector<Command> makeTable()
         {"delay stop", "Stop delay programs.", kChannels, session, commands::stopDelay},
         {"log", "Write what channels give, at equal times, until Ctrl-C.", kAnyChannels, logOptions, commands::log},
         {"scpi", "Send messages of your own, and show what is answered and noted.", kMessages, session, commands::scpi},
+        {"panel", "Serve a front panel to the browser, until Ctrl-C.", kResource, panelOptions, commands::panel},
     };
 }
 

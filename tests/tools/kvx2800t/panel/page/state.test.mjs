@@ -109,7 +109,7 @@ for (const [mode, live] of kRoles)
 test("a channel says what a source mode does to it", () => {
     assert.equal(roleOf("CH1", "series").note, "In series: part of CH5");
     assert.equal(roleOf("CH5", "series").note, "CH1 and CH2 in series");
-    assert.equal(roleOf("CH5", "normal").note, "Made of CH1 and CH2 in series");
-    assert.equal(roleOf("CH6", "series").note, "Made of CH1 and CH2 in parallel");
+    assert.equal(roleOf("CH5", "normal").note, "Only in series");
+    assert.equal(roleOf("CH6", "series").note, "Only in parallel");
     assert.equal(roleOf("CH1", "normal").note, "");
 });

@@ -94,7 +94,7 @@ export function roleOf(name, sourceMode) {
     const maker = kMadeBy[name];
     if (!maker) return { live: true, note: "" };
     if (maker === sourceMode) return { live: true, note: `CH1 and CH2 in ${maker}` };
-    return { live: false, note: `Made of CH1 and CH2 in ${maker}` };
+    return { live: false, note: `Only in ${maker}` };
 }
 
 /** The link in words, for the header. */

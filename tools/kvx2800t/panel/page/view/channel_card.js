@@ -176,6 +176,7 @@ export class ChannelCard {
         this.tripped = text;
         setText(this.trip, text);
         this.tripRow.hidden = text === "";
+        this.note.hidden = text !== "";
         setAttribute(this.node, "data-tripped", text === "" ? undefined : tripped.join(" "));
         if (text) announce(`${this.name}: ${text}. The output is off.`);
     }

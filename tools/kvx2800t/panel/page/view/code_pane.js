@@ -6,6 +6,9 @@ const kLanguages = [
     { key: "python", name: "Python" },
 ];
 
+/** SCPI lines begin with what became of them: sent, received, failed. */
+const kDirections = { "<": "received", "!": "failed" };
+
 /** The lines of each click: what went over the link, and the calls of the driver that do the same. */
 export class CodePane {
     constructor(pane, clear) {
@@ -53,7 +56,7 @@ export class CodePane {
 
     entryOf(entry) {
         const lines = entry[this.language].map((line) =>
-            element("span", { class: line.startsWith("<") ? "received" : "sent" }, `${line}\n`),
+            element("span", { class: kDirections[line[0]] }, `${line}\n`),
         );
         return element("span", { class: entry.page ? "entry" : "entry other", title: entry.page ? undefined : "Of another page" }, ...lines);
     }

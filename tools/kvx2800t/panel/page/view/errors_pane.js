@@ -1,5 +1,8 @@
 import { announce, element, setText } from "./dom.js";
 
+/** The instrument's text without the quotes that it has on the way. */
+const plain = (text) => text.replace(/^"(.*)"$/, "$1");
+
 /** What the instrument's error queue has held. */
 export class ErrorsPane {
     constructor(pane, count, clear) {
@@ -25,11 +28,11 @@ export class ErrorsPane {
         if (errors === this.shown) return;
         if (errors.length > this.shown.length) {
             const { code, text } = errors.at(-1);
-            announce(`Instrument error ${code}: ${text}`);
+            announce(`Instrument error ${code}: ${plain(text)}`);
         }
         this.shown = errors;
         this.rows.replaceChildren(
-            ...errors.map(({ code, text }) => element("tr", {}, element("td", { class: "number" }, String(code)), element("td", {}, text))),
+            ...errors.map(({ code, text }) => element("tr", {}, element("td", { class: "number" }, String(code)), element("td", {}, plain(text)))),
         );
         this.table.hidden = errors.length === 0;
         this.none.hidden = errors.length > 0;

@@ -192,6 +192,7 @@ export class ListPane {
         this.cycles.value = String(this.draft.cycles);
         this.end.value = this.draft.end;
         this.rows.replaceChildren(...this.draft.groups.map((_, index) => this.rowOf(index)));
+        this.activeGroup = undefined;
         this.drawCurve();
     }
 
@@ -275,7 +276,10 @@ export class ListPane {
         const scale = kBox.width / (durationOf(this.draft.groups) || 1);
         setAttribute(this.active, "x", span ? span.from * scale : 0);
         setAttribute(this.active, "width", span ? (span.to - span.from) * scale : 0);
+        if (active === this.activeGroup) return;
+        this.activeGroup = active;
         [...this.rows.rows].forEach((row, index) => setAttribute(row, "data-active", index + 1 === active ? "" : undefined));
+        if (!this.rows.contains(document.activeElement)) this.rows.rows[active - 1]?.scrollIntoView({ block: "nearest" });
     }
 
     statusOf(running, state) {

@@ -1,14 +1,14 @@
 import { isConnected } from "../model/state.js";
-import { formatShort } from "../model/units.js";
+import { formatShort, kDash } from "../model/units.js";
 import { ask, setAttribute, setDisabled, setText } from "./dom.js";
 
 /** The outputs that a change of the source mode switches off. */
 const kSwitchedOff = ["CH1", "CH2", "CH5", "CH6"];
 
 const kEffects = [
-    { mode: "normal", of: "CH1", text: (limits) => `CH1 and CH2 each ${limits}` },
-    { mode: "series", of: "CH5", text: (limits) => `CH5 = CH1 + CH2, ${limits}` },
-    { mode: "parallel", of: "CH6", text: (limits) => `CH6 = CH1 ∥ CH2, ${limits}` },
+    { mode: "normal", of: "CH1", text: (limits) => `CH1, CH2: ${limits} each` },
+    { mode: "series", of: "CH5", text: (limits) => `CH5: ${limits}` },
+    { mode: "parallel", of: "CH6", text: (limits) => `CH6: ${limits}` },
 ];
 
 /** Outputs 1 and 2 apart, in series or in parallel, and what each makes of them. */
@@ -34,8 +34,8 @@ export class SourceModes {
         }
         for (const { of, text, node } of this.effects) {
             const channel = state.channels?.find((one) => one.name === of);
-            const limits = channel ? `${formatShort(channel.maxVoltage, "V")} ${formatShort(channel.maxCurrent, "A")}` : "";
-            setText(node, text(limits).replace(/[, ]*$/, ""));
+            const limits = `${formatShort(channel?.maxVoltage, "V")} ${formatShort(channel?.maxCurrent, "A")}`;
+            setText(node, channel ? text(limits) : kDash);
         }
     }
 }
