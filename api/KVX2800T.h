@@ -2,6 +2,9 @@
  * @file KVX2800T.h
  * @brief IVI-C driver for the KVX2800T family of programmable multi-channel DC power supplies.
  *
+ * It includes IviVisaType.h, which the IVI Shared Components have beside it. Without them the compiler looks in the
+ * driver's own folder for it, too: on Windows Drivers/KVX2800T/Platform/Include, elsewhere include/kvx2800t.
+ *
  * The driver follows the IviDCPwr instrument class (IVI-4.4), capability groups IviDCPwrBase and IviDCPwrMeasurement.
  * A program opens a session, configures channels, reads settings and closes the session:
  *

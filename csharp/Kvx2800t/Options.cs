@@ -56,7 +56,7 @@ namespace Kvx2800t
 
     /// <summary>
     /// What a session is opened with. What is null is left to the driver and to the configuration store. Everything
-    /// from Model to FlowControl takes the place of all that the store's DriverSetup says; without any of it, Profile
+    /// from Model to MessageLog takes the place of all that the store's DriverSetup says; without any of it, Profile
     /// included, that holds.
     /// </summary>
     public sealed class Options

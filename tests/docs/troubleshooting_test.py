@@ -46,6 +46,7 @@ class Section:
     """What stands under a headline: texts, and a line of Python with the text that it ends with."""
 
     def __init__(self, body: str) -> None:
+        body = re.sub(r"^```.*?^```$", "", body, flags=re.MULTILINE | re.DOTALL)
         native, self.statement, python = (re.split(r"^In Python, `(.*)`:$", body, flags=re.MULTILINE) + ["", ""])[:3]
         self.texts = [line.strip() for line in re.findall(r"^    .*$", native, re.MULTILINE)]
         self.python_texts = [line.strip() for line in re.findall(r"^    .*$", python, re.MULTILINE)]

@@ -254,7 +254,7 @@ class Functions(InstrumentTest):
     def test_every_exported_function_has_its_test(self):
         with open(os.environ["KVX_EXPORTS"], encoding="ascii") as exports:
             names = [name.replace("KVX2800T_", "", 1) for name in exports.read().split()]
-        self.assertEqual(169, len(names))
+        self.assertEqual(170, len(names))
         for name in names[:36]:
             self.assertTrue(hasattr(self, "test_" + name), name)
         for name in names:
