@@ -79,6 +79,8 @@
  * <tr><td>OpenTimeout, IoTimeout</td><td>Milliseconds, or Infinite, in place of 2000.</td></tr>
  * <tr><td>BaudRate, DataBits, Parity, StopBits, FlowControl</td><td>Of a serial line, in place of 9600, 8, None, 1,
  * None. DataBits 5 to 8; None, Odd, Even, Mark, Space; 1, 1.5, 2; None, XonXoff, RtsCts, DtrDsr.</td></tr>
+ * <tr><td>MessageLog</td><td>1 to 10000: so many of the last messages are remembered, sent and received, until
+ * KVX2800T_GetNextMessageRecord gets them. The profile does not ask for it.</td></tr>
  * </table>
  *
  * @par Threads

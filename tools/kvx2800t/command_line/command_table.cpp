@@ -43,6 +43,14 @@ constexpr auto kLogOptions = std::to_array<Option>({
     {"--force", "", "Replace the file if it is there"},
 });
 
+constexpr auto kPanelOptions = std::to_array<Option>({
+    {"--port", "N", "The port of the page; 0 takes any free one [0]"},
+    {"--bind", "ADDRESS",
+     "The IP address of the page; another than a loopback address lets other machines in [127.0.0.1]"},
+    {"--no-browser", "", "Open no browser"},
+    {"--until-stdin-closes", "", "End when the standard input does, too"},
+});
+
 constexpr auto kResource = std::to_array<Positional>({{"RESOURCE", "As --resource", Occurrence::AtMostOnce}});
 constexpr auto kChannel = std::to_array<Positional>({{"CHANNEL", "Such as CH1"}});
 constexpr auto kChannels = std::to_array<Positional>({{"CHANNELS", "Such as CH1, CH1,CH3 or CH1-3"}});
@@ -60,6 +68,8 @@ constexpr auto kDelayFile = std::to_array<Positional>({
     {"CHANNELS", "Such as CH1, CH1,CH3 or CH1-3"},
     {"FILE", "Rows of on or off and a duration; - is the standard input"},
 });
+constexpr auto kPanelResource = std::to_array<Positional>(
+    {{"RESOURCE", "The instrument [a simulated one that remembers]", Occurrence::AtMostOnce}});
 constexpr auto kMessages =
     std::to_array<Positional>({{"MESSAGES", "Messages to be sent [lines of the input]", Occurrence::AnyTimes}});
 
@@ -80,6 +90,7 @@ std::vector<Command> makeTable()
     static const OptionLists listLoadOptions = withSession(kListLoadOptions);
     static const OptionLists delayLoadOptions = withSession(kDelayLoadOptions);
     static const OptionLists runOptions = withSession(kRunOptions);
+    static const OptionLists panelOptions = {kPanelOptions, connectionOptions().first(1), kJson};
     static const OptionLists logOptions = withSession(kLogOptions, {});
     return {
         {"find", "Show what VISA finds, and what the configuration store has.", {}, onlyJson, commands::find},
@@ -107,6 +118,8 @@ std::vector<Command> makeTable()
         {"delay stop", "Stop delay programs.", kChannels, session, commands::stopDelay},
         {"log", "Write what channels give, at equal times, until Ctrl-C.", kAnyChannels, logOptions, commands::log},
         {"scpi", "Send messages of your own, and show what is answered and noted.", kMessages, session, commands::scpi},
+        {"panel", "Show and operate the instrument on a page in the browser, until Ctrl-C.", kPanelResource,
+         panelOptions, commands::panel},
     };
 }
 
