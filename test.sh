@@ -141,6 +141,8 @@ test_windows() {
     run_tests windows-x86
     step "Packaging for Windows"
     packaging/windows/package.sh
+    step "Installing under Wine"
+    /usr/bin/python3 -B tests/packaging/windows_installer_test.py build/packages
 }
 
 # test_arm: the tests in QEMU's user mode, but for those of cmake/host/not_under_qemu.txt; the virtual instrument is this

@@ -2,6 +2,9 @@
  * @file KVX2800T.h
  * @brief IVI-C driver for the KVX2800T family of programmable multi-channel DC power supplies.
  *
+ * It includes IviVisaType.h, which the IVI Shared Components have beside it. Without them the compiler looks in the
+ * driver's own folder for it, too: on Windows Drivers/KVX2800T/Platform/Include, elsewhere include/kvx2800t.
+ *
  * The driver follows the IviDCPwr instrument class (IVI-4.4), capability groups IviDCPwrBase and IviDCPwrMeasurement.
  * A program opens a session, configures channels, reads settings and closes the session:
  *
@@ -76,6 +79,8 @@
  * <tr><td>OpenTimeout, IoTimeout</td><td>Milliseconds, or Infinite, in place of 2000.</td></tr>
  * <tr><td>BaudRate, DataBits, Parity, StopBits, FlowControl</td><td>Of a serial line, in place of 9600, 8, None, 1,
  * None. DataBits 5 to 8; None, Odd, Even, Mark, Space; 1, 1.5, 2; None, XonXoff, RtsCts, DtrDsr.</td></tr>
+ * <tr><td>MessageLog</td><td>1 to 10000: so many of the last messages are remembered, sent and received, until
+ * KVX2800T_GetNextMessageRecord gets them. The profile does not ask for it.</td></tr>
  * </table>
  *
  * @par Threads

@@ -1679,6 +1679,33 @@ ViStatus _VI_FUNC KVX2800T_SetIoTimeout(ViSession vi, ViInt32 milliseconds);
 /** @} */
 
 /**
+ * @name Record of messages
+ *
+ * What a session says to its instrument, and what it hears, for people: a session with the DriverSetup key MessageLog
+ * remembers that many of its last messages. Other sessions remember none.
+ * @{
+ */
+
+/**
+ * @brief Gives the oldest record of a message, and forgets it.
+ *
+ * "> text" was sent, "< text" was received; the termination character is not shown, and of a byte that does not print
+ * its hexadecimal number stands there behind a backslash and an x, of a backslash too. "! text" tells in between what
+ * failed, and how many records were lost because there were more than the session remembers. A record has at most 1023
+ * bytes: of a longer message the beginning is kept, and "..." ends it. What was received in pieces has a record for
+ * each. A simulated session exchanges messages if its simulation remembers.
+ *
+ * @param vi          the session.
+ * @param bufferSize  bytes in record; 1024 hold every record. 0: nothing is written or forgotten. Negative: the buffer
+ *                    is large enough.
+ * @param record      receives the record, "" when there is none; may be null when the size is 0.
+ * @return 0; the size needed, when the record did not fit and was cut; 0xBFFA0058 for a null pointer.
+ */
+ViStatus _VI_FUNC KVX2800T_GetNextMessageRecord(ViSession vi, ViInt32 bufferSize, ViChar record[]);
+
+/** @} */
+
+/**
  * @name Coercion records and interchangeability warnings
  *
  * Inherent functions of IVI-3.2 of a driver that records neither.

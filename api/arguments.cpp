@@ -13,6 +13,15 @@ void copyText(ViChar buffer[], std::size_t bufferSize, std::string_view text)
     buffer[count] = '\0';
 }
 
+ViStatus giveText(std::string_view text, ViInt32 bufferSize, ViChar buffer[])
+{
+    const std::size_t needed = text.size() + 1;
+    const std::size_t room = bufferSize < 0 ? needed : static_cast<std::size_t>(bufferSize);
+    if (room > 0)
+        copyText(buffer, room, text);
+    return room < needed ? static_cast<ViStatus>(needed) : VI_SUCCESS;
+}
+
 ViStatus reportNullPointer(ViSession vi, std::string_view function, std::string_view parameters, std::size_t position)
 {
     const std::string_view parameter = drivekit::listEntry(parameters, position).value_or("<unknown parameter>");

@@ -16,6 +16,11 @@ inline constexpr std::size_t kTextBufferSize = 256;
 /// NUL.
 void copyText(ViChar buffer[], std::size_t bufferSize, std::string_view text);
 
+/// Hands a text to a caller's buffer (IVI-3.2 section 3.1.2.1): size 0 asks for the size that is needed, a negative
+/// size promises enough room, a text that does not fit is cut. 0, or the size needed for the text and its NUL when it
+/// did not fit.
+ViStatus giveText(std::string_view text, ViInt32 bufferSize, ViChar buffer[]);
+
 /// Records that the pointer at `position` of a function's `parameters`, a comma-separated list of names, is null.
 ViStatus reportNullPointer(ViSession vi, std::string_view function, std::string_view parameters, std::size_t position);
 

@@ -54,6 +54,21 @@ ViStatus _VI_FUNC KVX2800T_viWrite(ViSession DriverSession, ViByte Buffer[], ViI
     });
 }
 
+ViStatus _VI_FUNC KVX2800T_GetNextMessageRecord(ViSession vi, ViInt32 bufferSize, ViChar record[])
+{
+    const std::string_view function = __func__;
+    return api::guardedSession(vi, [&](drivekit::DriverSession& session) {
+        const ViStatus status = bufferSize == 0 ? VI_SUCCESS : api::checkPointers(vi, function, "Record", record);
+        if (status < 0)
+            return status;
+        const auto& log = session.messageLog();
+        const ViStatus given = api::giveText(log == nullptr ? "" : log->oldest(), bufferSize, record);
+        if (log != nullptr && bufferSize != 0)
+            log->removeOldest();
+        return given;
+    });
+}
+
 ViStatus _VI_FUNC KVX2800T_GetIoTimeout(ViSession vi, ViInt32* milliseconds)
 {
     const std::string_view function = __func__;

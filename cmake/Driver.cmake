@@ -7,7 +7,7 @@ function(kvx_add_layer name)
 endfunction()
 
 kvx_add_layer(base base/option_grammar.cpp)
-kvx_add_layer(io io/connect.cpp io/visa_io.cpp)
+kvx_add_layer(io io/connect.cpp io/message_log.cpp io/visa_io.cpp)
 kvx_add_layer(instrument
     instrument/channel_limits.cpp
     instrument/command_port.cpp

@@ -277,6 +277,8 @@ struct Options
     std::optional<StopBits> stopBits{};
     std::optional<FlowControl> flowControl{};
 
+    std::optional<unsigned> messageLog{}; ///< so many of the last messages are remembered: 1 to 10000
+
     /// The option string of KVX2800T_InitWithOptions. Throws std::invalid_argument for what cannot be said in it.
     std::string text() const;
 };
@@ -371,6 +373,7 @@ inline std::string Options::text() const
     setup.add("Parity", parity, {"None", "Odd", "Even", "Mark", "Space"});
     setup.add("StopBits", stopBits, {"1", "1.5", "2"});
     setup.add("FlowControl", flowControl, {"None", "XonXoff", "RtsCts", "DtrDsr"});
+    setup.add("MessageLog", messageLog);
 
     detail::OptionList options('=');
     options.add("Cache", cache);
@@ -1409,6 +1412,9 @@ public:
     /// Milliseconds that a read or a write waits.
     Value<ViInt32> ioTimeout() const { return value<ViInt32>(KVX2800T_SetIoTimeout, KVX2800T_GetIoTimeout); }
 
+    /// The oldest message that is remembered (Options::messageLog), which is forgotten then; "" when there is none.
+    std::string nextMessageRecord() { return nextRecord<1024>(KVX2800T_GetNextMessageRecord); }
+
     std::string nextCoercionRecord() { return nextRecord(KVX2800T_GetNextCoercionRecord); }
     std::string nextInterchangeWarning() { return nextRecord(KVX2800T_GetNextInterchangeWarning); }
     ViStatus resetInterchangeCheck() { return check(KVX2800T_ResetInterchangeCheck(vi_)); }
@@ -1448,10 +1454,10 @@ private:
                 [vi = vi_, getter](Raw* value) { return getter(vi, value); }};
     }
 
-    template <class Function>
+    template <std::size_t size = std::tuple_size<Text>::value, class Function>
     std::string nextRecord(Function function)
     {
-        Text text{};
+        std::array<ViChar, size> text{};
         check(function(vi_, static_cast<ViInt32>(text.size()), text.data()));
         return text.data();
     }

@@ -102,6 +102,8 @@ ViStatus inherent(ViSession vi)
     std::array<ViChar, 64> text{};
     ViStatus status = KVX2800T_GetNextCoercionRecord(vi, text.size(), text.data());
     if (status >= 0)
+        status = KVX2800T_GetNextMessageRecord(vi, text.size(), text.data());
+    if (status >= 0)
         status = KVX2800T_SetIoTimeout(vi, 1);
     return status;
 }
@@ -137,7 +139,7 @@ constexpr std::array kOptions = {
     "QueryInstrStatus=1,DriverSetup=IoTimeout:1,SafeErrors:1",
     "DriverSetup=IoTimeout:1,SafeErrors:1,DetailedErrors:1,TrueReadings:1",
     "QueryInstrStatus=1,DriverSetup=IoTimeout:1",
-    "DriverSetup=Profile:Bench,IoTimeout:1",
+    "DriverSetup=Profile:Bench,IoTimeout:1,MessageLog:9",
     "Simulate=1,DriverSetup=Model:KVX2833T",
     "Simulate=1,DriverSetup=Profile:Bench",
     // By the name of an entry of the store.

@@ -90,6 +90,9 @@ public:
     /// For connections to come.
     void configure(const ConnectionSetup& setup);
 
+    /// Where they write down their messages; null: nowhere.
+    const std::shared_ptr<InstLink::MessageLog>& messageLog() const { return holder_.settings.messageLog; }
+
     /// The instrument that answers on this connection.
     void expect(const Identity& identity) { freshReplies_.expect(identity); }
 

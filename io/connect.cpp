@@ -1,3 +1,4 @@
+#include "io/logged_connection.h"
 #include "io/visa_io.h"
 
 #include <algorithm>
@@ -18,19 +19,19 @@ std::string upperCased(std::string text)
 }
 
 template <class Connection>
-std::shared_ptr<VisaIO> make(const IoSettings& /*settings*/)
+std::shared_ptr<VisaIO> make(const IoSettings& settings)
 {
-    return std::make_shared<Connection>();
+    return makeConnectionWith<Connection>(settings.messageLog);
 }
 
 template <>
 std::shared_ptr<VisaIO> make<VisaSerial>(const IoSettings& settings)
 {
-    return std::make_shared<VisaSerial>(SerialParameters{.baudRate = settings.baudRate,
-                                                         .dataBits = settings.dataBits,
-                                                         .flowControl = settings.flowControl,
-                                                         .parity = settings.parity,
-                                                         .stopBits = settings.stopBits});
+    return makeConnectionWith<VisaSerial>(settings.messageLog, SerialParameters{.baudRate = settings.baudRate,
+                                                                                .dataBits = settings.dataBits,
+                                                                                .flowControl = settings.flowControl,
+                                                                                .parity = settings.parity,
+                                                                                .stopBits = settings.stopBits});
 }
 
 /// A kind of connection: what an upper-cased descriptor of it begins with, and what it contains.

@@ -3,9 +3,12 @@
 #include <visatype.h>
 
 #include <cstdint>
+#include <memory>
 
 namespace InstLink
 {
+
+class MessageLog;
 
 /// What a connection is opened with. The record belongs to the instrument and outlives its connections, so that it can
 /// be changed before there is one. The serial values are those of VISA's ASRL attributes.
@@ -26,6 +29,8 @@ struct IoSettings
     ViInt32 flowControl = 0;
     ViInt32 parity = 0;
     ViInt32 stopBits = 10;
+    /// Where connections write down their messages; null: nowhere.
+    std::shared_ptr<MessageLog> messageLog = {};
 };
 
 } // namespace InstLink

@@ -81,6 +81,9 @@ ViStatus DriverSession::takeSettings()
 {
     if (const auto fault = drivekit::takeSettings(driverSetup_, settings_))
         return reportOptionFault(*fault);
+    if (settings_.messageLog > 0)
+        settings_.connection.io.messageLog =
+            std::make_shared<InstLink::MessageLog>(static_cast<std::size_t>(settings_.messageLog));
     if (!settings_.checkedOptions)
         return VI_SUCCESS;
     const auto fault = findOptionFault(optionString_, driverSetup_);

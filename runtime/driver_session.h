@@ -3,6 +3,7 @@
 #include "base/option_grammar.h"
 #include "instrument/identity.h"
 #include "instrument/inst_base.h"
+#include "io/message_log.h"
 #include "runtime/attribute_cache.h"
 #include "runtime/driver_identity.h"
 #include "runtime/error_messages.h"
@@ -285,6 +286,9 @@ public:
     ViStatus ReportUnreadReply();
 
     AttributeCaches& attributeCaches() { return attributeCaches_; }
+
+    /// The messages of the session; null unless it writes them down.
+    const std::shared_ptr<InstLink::MessageLog>& messageLog() const { return settings_.connection.io.messageLog; }
 
     /// The instrument object; null until OpenInstrument.
     const std::shared_ptr<TSRO::InstBase>& instrument() const { return instrument_; }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "base/printable.h"
+
 #include <IviVisaType.h>
 
 #include <array>
@@ -35,10 +37,9 @@ class HexadecimalArgument
 public:
     explicit HexadecimalArgument(ViStatus status)
     {
-        constexpr std::string_view kDigits = "0123456789ABCDEF";
         auto bits = static_cast<ViUInt32>(status);
         for (std::size_t place = text_.size() - 1; place >= 2; --place, bits >>= 4U)
-            text_[place] = kDigits[bits & 0xFU];
+            text_[place] = base::kHexadecimalDigits[bits & 0xFU];
     }
 
     operator std::string_view() const { return {text_.data(), text_.size()}; } // NOLINT(google-explicit-constructor)
@@ -71,10 +72,9 @@ public:
     explicit QuotedReply(std::string_view reply)
     {
         for (const char c : reply.substr(0, kQuotedReply))
-            append(static_cast<unsigned char>(c));
+            append(base::PrintableByte(c).text());
         if (reply.size() > kQuotedReply)
-            for (const char c : std::string_view("..."))
-                text_[length_++] = c;
+            append("...");
     }
 
     operator std::string_view() const { return {text_.data(), length_}; } // NOLINT(google-explicit-constructor)
@@ -83,16 +83,10 @@ private:
     static constexpr std::size_t kQuotedReply = 80;
     static constexpr std::size_t kLongestCharacter = 4;
 
-    void append(unsigned char c)
+    void append(std::string_view text)
     {
-        constexpr std::string_view kDigits = "0123456789ABCDEF";
-        const bool prints = c >= ' ' && c <= '~' && c != '\\';
-        if (prints) {
-            text_[length_++] = static_cast<char>(c);
-            return;
-        }
-        for (const char digit : {'\\', 'x', kDigits[c >> 4U], kDigits[c & 0xFU]})
-            text_[length_++] = digit;
+        for (const char c : text)
+            text_[length_++] = c;
     }
 
     std::array<char, kQuotedReply * kLongestCharacter + 3> text_{};

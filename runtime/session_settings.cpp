@@ -95,6 +95,14 @@ bool takeProfile(std::string_view value, SessionSettings& settings)
 
 constexpr ViInt32 kLargest = std::numeric_limits<ViInt32>::max();
 
+bool takeMessageLog(std::string_view value, SessionSettings& settings)
+{
+    constexpr ViInt32 kMostRecords = 10000;
+    const auto parsed = numberIn(value, 1, kMostRecords);
+    settings.messageLog = parsed.value_or(settings.messageLog);
+    return parsed.has_value();
+}
+
 template <auto parameter, ViInt32 lowest, ViInt32 highest>
 bool takeNumber(std::string_view value, SessionSettings& settings)
 {
@@ -125,7 +133,7 @@ struct Key
 };
 
 // The profile stands in front of the keys that it switches on: they win.
-constexpr std::array<Key, 14> kKeys = {{
+constexpr std::array<Key, 15> kKeys = {{
     {"Profile", takeProfile},
     {"SafeErrors", takeFlag<&SessionSettings::safeErrors>},
     {"FreshReplies", takeFreshReplies},
@@ -140,6 +148,7 @@ constexpr std::array<Key, 14> kKeys = {{
     {"Parity", takeWord<&IoSettings::parity, kParities>},
     {"StopBits", takeWord<&IoSettings::stopBits, kStopBits>},
     {"FlowControl", takeWord<&IoSettings::flowControl, kFlowControls>},
+    {"MessageLog", takeMessageLog},
 }};
 
 /// Takes what stands in front of the next comma off `text`, without blanks around it.

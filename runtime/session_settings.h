@@ -24,6 +24,8 @@ struct SessionSettings
     bool checkedOptions = false;
     /// The simulated instrument remembers.
     bool statefulSimulation = false;
+    /// How many of its last messages the session remembers; 0: it writes none down.
+    ViInt32 messageLog = 0;
     /// FreshReplies, and the parameters of the connection.
     TSRO::ConnectionSetup connection = {};
 };

@@ -1,6 +1,7 @@
 #include "simulator/stateful_simulator.h"
 
 #include "instrument/kvx2800t.h"
+#include "io/logged_connection.h"
 #include "simulator/virtual_connection.h"
 
 #include <utility>
@@ -23,7 +24,7 @@ public:
 protected:
     ViStatus connect(const std::string& /*resource*/) override
     {
-        port().connect(std::make_shared<VirtualConnection>(time_));
+        port().connect(InstLink::makeConnectionWith<VirtualConnection>(port().messageLog(), time_));
         return VI_SUCCESS;
     }
 

@@ -56,7 +56,7 @@ namespace Kvx2800t
 
     /// <summary>
     /// What a session is opened with. What is null is left to the driver and to the configuration store. Everything
-    /// from Model to FlowControl takes the place of all that the store's DriverSetup says; without any of it, Profile
+    /// from Model to MessageLog takes the place of all that the store's DriverSetup says; without any of it, Profile
     /// included, that holds.
     /// </summary>
     public sealed class Options
@@ -126,6 +126,9 @@ namespace Kvx2800t
         /// <summary>The flow control of a serial line.</summary>
         public FlowControl? FlowControl { get; set; }
 
+        /// <summary>How many of its last messages the session remembers, 1 to 10000.</summary>
+        public int? MessageLog { get; set; }
+
         /// <summary>The option string. Throws ArgumentException for a value that it cannot have.</summary>
         public override string ToString()
         {
@@ -148,7 +151,7 @@ namespace Kvx2800t
                          ("BaudRate", Number(BaudRate)), ("DataBits", Number(Character(DataBits))),
                          ("Parity", Parity?.ToString()),
                          ("StopBits", StopBits.HasValue ? StopBitsTexts[(int)StopBits.Value] : null),
-                         ("FlowControl", FlowControl?.ToString()));
+                         ("FlowControl", FlowControl?.ToString()), ("MessageLog", Number(MessageLog)));
         }
 
         private static IEnumerable<string> Given(char separator, params (string Name, string Value)[] options)

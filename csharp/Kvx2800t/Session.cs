@@ -140,6 +140,12 @@ namespace Kvx2800t
                           (size, text) => functions.GetAttributeViString(handle, name, attribute, size, text));
         }
 
+        internal string GetNextMessageRecord()
+        {
+            return TextOf("GetNextMessageRecord",
+                          (size, text) => functions.GetNextMessageRecord(handle, size, text), Text.RecordSize);
+        }
+
         internal string GetNextCoercionRecord()
         {
             return TextOf("GetNextCoercionRecord",
@@ -194,9 +200,9 @@ namespace Kvx2800t
         }
 
         /// <summary>A text of any length: a positive status is the size that is needed.</summary>
-        private string TextOf(string name, TextFunction function)
+        private string TextOf(string name, TextFunction function, int usualSize = Text.Size)
         {
-            var text = new byte[Text.Size];
+            var text = new byte[usualSize];
             int status;
             while ((status = function(text.Length, text)) > text.Length)
             {

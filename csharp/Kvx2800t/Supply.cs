@@ -149,6 +149,14 @@ namespace Kvx2800t
             }
         }
 
+        /// <summary>
+        /// The oldest message that is remembered (Options.MessageLog), which is forgotten then; empty when none is.
+        /// </summary>
+        public string GetNextMessageRecord()
+        {
+            return session.GetNextMessageRecord();
+        }
+
         /// <summary>The driver records none: always an empty text.</summary>
         public string GetNextCoercionRecord()
         {

@@ -9,6 +9,9 @@ namespace Kvx2800t
         /// <summary>How many bytes functions write that are not told a size.</summary>
         internal const int Size = 256;
 
+        /// <summary>How many hold every record of a message.</summary>
+        internal const int RecordSize = 1024;
+
         private static readonly Encoding Strict = new UTF8Encoding(false, true);
 
         internal static byte[] In(string text)

@@ -111,7 +111,9 @@ look_after_a_store() {
 }
 
 find_the_assembly() {
-    [ -f "$(pkg-config --libs kvx2800t-cil | sed 's/^-r://')" ]
+    # It prints a blank behind the flag.
+    assembly=$(pkg-config --libs kvx2800t-cil | sed 's/^-r:\(.*[^ ]\) *$/\1/')
+    [ -f "$assembly" ]
 }
 
 read_the_help() {

@@ -9,7 +9,8 @@ sys.path.append("tools/help")
 from chapters import CHAPTERS
 
 OWN = "Drivers/KVX2800T/"
-EXAMPLES = {path.name for path in pathlib.Path("examples").iterdir() if path.is_file()} - {"CMakeLists.txt"}
+EXAMPLES = {path.name for path in pathlib.Path("examples").iterdir() if path.is_file()} - {"CMakeLists.txt", "README.md"}
+EXAMPLES |= {"README.txt"}
 MODULES = {path.name for path in pathlib.Path("python/kvx2800t").iterdir() if path.is_file()} | {"_interface.py"}
 PAGES = {"help.css", "index.html"} | {chapter.name + ".html" for chapter in CHAPTERS}
 CSHARP = {"Kvx2800t.dll", "Kvx2800t.xml", "Kvx2800t.csproj", "README.md", "Kvx2800t/Interface.cs"} | {

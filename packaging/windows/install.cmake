@@ -20,8 +20,10 @@ configure_file(${PROJECT_SOURCE_DIR}/LICENSE ${CMAKE_CURRENT_BINARY_DIR}/license
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/license.txt DESTINATION ${own_folder})
 install(FILES ${PROJECT_BINARY_DIR}/bindings/KVX2800T.sub DESTINATION ${own_folder})
 install(DIRECTORY ${PROJECT_BINARY_DIR}/help/ DESTINATION ${own_folder} OPTIONAL)
-install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples/ DESTINATION ${own_folder}/Examples 
-    PATTERN CMakeLists.txt EXCLUDE PATTERN __pycache__ EXCLUDE)
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples/ DESTINATION ${own_folder}/Examples
+    PATTERN CMakeLists.txt EXCLUDE PATTERN README.md EXCLUDE PATTERN __pycache__ EXCLUDE)
+configure_file(windows/examples_readme.txt ${CMAKE_CURRENT_BINARY_DIR}/README.txt @ONLY NEWLINE_STYLE CRLF)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/README.txt DESTINATION ${own_folder}/Examples)
 
 install(DIRECTORY ${PROJECT_BINARY_DIR}/python_package/kvx2800t DESTINATION ${own_folder}/Python)
 

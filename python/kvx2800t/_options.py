@@ -62,6 +62,7 @@ DRIVER_SETUP: dict[str, tuple[str, Callable[[Any], str]]] = {
     "parity": ("Parity", lambda value: Parity(value).value),
     "stop_bits": ("StopBits", lambda value: StopBits(value).value),
     "flow_control": ("FlowControl", lambda value: FlowControl(value).value),
+    "message_log": ("MessageLog", _number),
 }
 
 

@@ -61,11 +61,12 @@ class Supply:
         parity: Optional[Parity] = None,
         stop_bits: Optional[StopBits] = None,
         flow_control: Optional[FlowControl] = None,
+        message_log: Optional[int] = None,
         library: Union[Library, str, None] = None,
     ) -> None:
         """Opens a VISA resource descriptor or a logical name of the configuration store.
 
-        What is None is left to the driver and to the store. Everything from model to flow_control takes the place of
+        What is None is left to the driver and to the store. Everything from model to message_log takes the place of
         all that the store's DriverSetup says; without any of it, profile included, that holds.
 
         id_query: whether to fail unless the driver supports the instrument's model
@@ -78,6 +79,7 @@ class Supply:
         stateful_simulation: a simulated instrument keeps what it is set to
         open_timeout, io_timeout: milliseconds, or INFINITE
         data_bits: 5 to 8
+        message_log: how many of its last messages the session remembers, 1 to 10000
         library: loaded, or its path
         """
         options = option_string(
@@ -190,10 +192,14 @@ class Supply:
     def io_timeout(self, milliseconds: int) -> None:
         self._call("SetIoTimeout", int32_in(milliseconds))
 
-    def _record(self, function: str) -> str:
-        text = create_string_buffer(TEXT_SIZE)
-        self._call(function, TEXT_SIZE, text)
+    def _record(self, function: str, size: int = TEXT_SIZE) -> str:
+        text = create_string_buffer(size)
+        self._call(function, size, text)
         return text_out(text)
+
+    def get_next_message_record(self) -> str:
+        """The oldest message that is remembered (option message_log), which is forgotten then; empty when none is."""
+        return self._record("GetNextMessageRecord", 1024)
 
     def get_next_coercion_record(self) -> str:
         """The driver records none: always an empty text."""

@@ -327,6 +327,26 @@ namespace Kvx2800t.Tests
             });
         }
 
+        public static void MessagesAreRememberedOfASessionThatIsAskedTo()
+        {
+            With((instrument, plain) =>
+            {
+                Expect.Equal("", plain.GetNextMessageRecord());
+                using (var supply = new Supply(instrument.Resource, new Options { MessageLog = 10 }))
+                {
+                    while (supply.GetNextMessageRecord() != "")
+                    {
+                    }
+                    Expect.Equal("1", supply.Query("*OPC?"));
+                    supply.Write(new string(' ', 2000) + "*CLS");
+                    Expect.Equal("> *OPC?", supply.GetNextMessageRecord());
+                    Expect.Equal("< 1", supply.GetNextMessageRecord());
+                    Expect.Equal("> " + new string(' ', 1018) + "...", supply.GetNextMessageRecord());
+                    Expect.Equal("", supply.GetNextMessageRecord());
+                }
+            });
+        }
+
         public static void AttributesAreReadAndSetAsTheTypeTheyHave()
         {
             With((instrument, supply) =>
@@ -354,13 +374,13 @@ namespace Kvx2800t.Tests
                          }.ToString());
             Expect.Equal("DriverSetup=Model:KVX2833T,Profile:Bench,SafeErrors:1,FreshReplies:0,DetailedErrors:1," +
                          "TrueReadings:0,CheckedOptions:1,StatefulSimulation:0,OpenTimeout:3000,IoTimeout:Infinite,BaudRate:115200," +
-                         "DataBits:7,Parity:Even,StopBits:1.5,FlowControl:RtsCts",
+                         "DataBits:7,Parity:Even,StopBits:1.5,FlowControl:RtsCts,MessageLog:100",
                          new Options
                          {
                              Model = "KVX2833T", SafeErrors = true, FreshReplies = false, DetailedErrors = true,
                              TrueReadings = false, CheckedOptions = true, StatefulSimulation = false, OpenTimeout = 3000,
                              IoTimeout = Timeout.Infinite, BaudRate = 115200, DataBits = 7, Parity = Parity.Even,
-                             StopBits = StopBits.OneAndHalf, FlowControl = FlowControl.RtsCts,
+                             StopBits = StopBits.OneAndHalf, FlowControl = FlowControl.RtsCts, MessageLog = 100,
                          }.ToString());
         }
 

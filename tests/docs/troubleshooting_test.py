@@ -46,6 +46,7 @@ class Section:
     """What stands under a headline: texts, and a line of Python with the text that it ends with."""
 
     def __init__(self, body: str) -> None:
+        body = re.sub(r"^```.*?^```$", "", body, flags=re.MULTILINE | re.DOTALL)
         native, self.statement, python = (re.split(r"^In Python, `(.*)`:$", body, flags=re.MULTILINE) + ["", ""])[:3]
         self.texts = [line.strip() for line in re.findall(r"^    .*$", native, re.MULTILINE)]
         self.python_texts = [line.strip() for line in re.findall(r"^    .*$", python, re.MULTILINE)]
@@ -71,7 +72,8 @@ class Bench:
         self.headers = [f"-I{path}" for path in arguments.includes]
         page = pathlib.Path(arguments.page).read_text(encoding="utf-8")
         self.sections = sections_of(page)
-        (folder / "program.c").write_text(re.search(r"^```c\n(.*?)^```", page, re.MULTILINE | re.DOTALL)[1])
+        program, self.watching = re.findall(r"^```c\n(.*?)^```", page, re.MULTILINE | re.DOTALL)
+        (folder / "program.c").write_text(program)
 
     def run(self, *command: str, environment: dict[str, str] | None = None) -> str:
         """What a command says."""
@@ -156,6 +158,23 @@ class Troubleshooting(unittest.TestCase):
                 section = self.bench.sections[headline]
                 ended = self.bench.run_python(section.statement, self.bench.package)
                 self.assertEqual([ended.splitlines()[-1]], section.python_texts)
+
+    def test_watching(self) -> None:
+        bench = self.bench
+        headline = "Watching: what a session says"
+        end = "    return KVX2800T_close"
+        program = (bench.folder / "program.c").read_text().replace(end, bench.watching + end)
+        (bench.folder / "watching.c").write_text(program)
+        said = bench.compile("watching.c", *bench.headers, "-o", "watching", f"-L{bench.driver.parent}", "-lKVX2800T",
+                             f"-Wl,-rpath,{bench.driver.parent}", f"-Wl,-rpath-link,{bench.driver.parent}")
+        self.assertEqual(said, "")
+        shown = bench.run("./watching", "", f"Simulate=1, {BENCH}, MessageLog:100", "CH3", "5").splitlines()
+        self.expect(headline, *shown)
+        section = bench.sections[headline]
+        shown = bench.run_python(section.statement, bench.package).splitlines()
+        self.assertEqual(len(shown), len(section.python_texts), shown)
+        for text, line in zip(section.python_texts, shown):
+            self.assertTrue(matches(text, line), line)
 
     def test_importing(self) -> None:
         package = self.bench.folder / "package"

@@ -254,7 +254,7 @@ class Functions(InstrumentTest):
     def test_every_exported_function_has_its_test(self):
         with open(os.environ["KVX_EXPORTS"], encoding="ascii") as exports:
             names = [name.replace("KVX2800T_", "", 1) for name in exports.read().split()]
-        self.assertEqual(169, len(names))
+        self.assertEqual(170, len(names))
         for name in names[:36]:
             self.assertTrue(hasattr(self, "test_" + name), name)
         for name in names:
@@ -408,7 +408,7 @@ class Options(InstrumentTest):
         self.expect_options(
             "DriverSetup=Model:KVX2833T,Profile:Bench,SafeErrors:1,FreshReplies:0,DetailedErrors:1,TrueReadings:0,"
             "CheckedOptions:1,StatefulSimulation:0,OpenTimeout:3000,IoTimeout:Infinite,BaudRate:115200,DataBits:7,"
-            "Parity:Even,StopBits:1.5,FlowControl:RtsCts",
+            "Parity:Even,StopBits:1.5,FlowControl:RtsCts,MessageLog:100",
             model="KVX2833T",
             safe_errors=True,
             fresh_replies=False,
@@ -423,6 +423,7 @@ class Options(InstrumentTest):
             parity=kvx2800t.Parity.EVEN,
             stop_bits=kvx2800t.StopBits.ONE_AND_HALF,
             flow_control=kvx2800t.FlowControl.RTS_CTS,
+            message_log=100,
         )
 
     def test_spell_every_word(self):
@@ -785,7 +786,17 @@ class Instrument(InstrumentTest):
         self.supply.io_timeout = 1234
         self.assertEqual(1234, self.supply.io_timeout)
 
+    def test_remembers_messages_that_it_is_asked_to_remember(self):
+        with Supply(self.instrument.resource, message_log=10) as supply:
+            while supply.get_next_message_record():
+                pass
+            self.assertEqual("1", supply.query("*OPC?"))
+            supply.write(2000 * " " + "*CLS")
+            records = [supply.get_next_message_record() for _ in range(4)]
+            self.assertEqual(["> *OPC?", "< 1", "> " + 1018 * " " + "...", ""], records)
+
     def test_has_no_records(self):
+        self.assertEqual("", self.supply.get_next_message_record())
         self.assertEqual("", self.supply.get_next_coercion_record())
         self.assertEqual("", self.supply.get_next_interchange_warning())
         self.supply.reset_interchange_check()

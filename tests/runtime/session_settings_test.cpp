@@ -63,6 +63,7 @@ TEST(SessionSettings, AreOffInATextWithoutTheirKeys)
         EXPECT_EQ(settings.connection.io.openTimeoutMs, 2000);
         EXPECT_EQ(settings.connection.io.timeoutMs, 2000);
         EXPECT_EQ(settings.connection.io.baudRate, 9600);
+        EXPECT_EQ(settings.messageLog, 0);
     }
 }
 
@@ -156,9 +157,13 @@ TEST(SessionSettings, NumbersKeepToTheirRanges)
     EXPECT_EQ(settingsOf("IoTimeout:0").connection.io.timeoutMs, 0);
     EXPECT_EQ(settingsOf("IoTimeout:2147483647").connection.io.timeoutMs, 2147483647);
     EXPECT_EQ(settingsOf("BaudRate:1").connection.io.baudRate, 1);
-    for (const char* const text : {"DataBits:4", "DataBits:9", "IoTimeout:-1", "IoTimeout:2147483648", "BaudRate:0",
-                                   "BaudRate:1e3", "OpenTimeout:1.5", "Parity:1", "StopBits:3", "FlowControl:Hard",
-                                   "IoTimeout:99999999999999999999", "BaudRate:+1", "BaudRate:0x10"})
+    EXPECT_EQ(settingsOf("MessageLog:1").messageLog, 1);
+    EXPECT_EQ(settingsOf("Profile:Bench,messagelog=10000").messageLog, 10000);
+    EXPECT_EQ(settingsOf("Profile:Bench").messageLog, 0);
+    for (const char* const text :
+         {"DataBits:4", "DataBits:9", "IoTimeout:-1", "IoTimeout:2147483648", "BaudRate:0", "BaudRate:1e3",
+          "OpenTimeout:1.5", "Parity:1", "StopBits:3", "FlowControl:Hard", "IoTimeout:99999999999999999999",
+          "BaudRate:+1", "BaudRate:0x10", "MessageLog:0", "MessageLog:10001", "MessageLog:true", "MessageLog:-1"})
         EXPECT_EQ(faultOf(text), bad(std::string_view(text).substr(std::string_view(text).find(':') + 1)));
 }
 

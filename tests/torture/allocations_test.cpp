@@ -189,6 +189,7 @@ public:
             {"reset", socket, "DriverSetup=IoTimeout:300", VI_TRUE},
             {"socket, Bench", socket, "QueryInstrStatus=1,DriverSetup=Profile:Bench,IoTimeout:300"},
             {"simulation that remembers", socket, "Simulate=1,DriverSetup=StatefulSimulation:1"},
+            {"socket, logged", socket, "DriverSetup=MessageLog:20,IoTimeout:300"},
         };
     }
 

@@ -4,6 +4,7 @@
 #include "tests/support/driver/instrument_calls.h"
 
 #include <algorithm>
+#include <array>
 
 namespace kvxtest
 {
@@ -65,6 +66,19 @@ Step asking(const char* name, double expected, Get get)
     return step;
 }
 
+/// What a session without the key has none of.
+Step messageRecordStep()
+{
+    Step step;
+    step.name = "GetNextMessageRecord";
+    step.call = [](ViSession vi, ViStatus& status) {
+        std::array<ViChar, 1024> record{};
+        status = KVX2800T_GetNextMessageRecord(vi, static_cast<ViInt32>(record.size()), record.data());
+        return status != VI_SUCCESS || record.front() == '\0' || record[1] == ' ';
+    };
+    return step;
+}
+
 ViStatus voltageOf4(ViSession vi, ViReal64* value)
 {
     return KVX2800T_GetAttributeViReal64(vi, "OutputChannel4", KVX2800T_ATTR_VOLTAGE_LEVEL, value);
@@ -100,6 +114,7 @@ const std::vector<Scenario>& scenarios()
         {"socket", "TCPIP0::host::1::SOCKET", "QueryInstrStatus=1"},
         {"serial", "ASRL1::INSTR", "QueryInstrStatus=1"},
         {"store entry", "BenchSupply", "QueryInstrStatus=1"},
+        {"socket, logged", "TCPIP0::host::1::SOCKET", "QueryInstrStatus=1,DriverSetup=MessageLog:20"},
         {"simulated", "TCPIP0::host::1::SOCKET", "Simulate=1", VI_FALSE, false, false},
         {"replaced", "TCPIP0::host::1::SOCKET", "", VI_FALSE, true, false},
         {"reset", "TCPIP0::host::1::SOCKET", "Cache=1", VI_TRUE},
@@ -128,6 +143,7 @@ std::vector<Step> instrumentSteps(bool whole)
     for (std::size_t i = 0; i < instrumentCalls().size(); ++i)
         if (whole || i % kEvery == 0)
             all.push_back(stepOf(instrumentCalls()[i]));
+    all.push_back(messageRecordStep());
     return all;
 }
 

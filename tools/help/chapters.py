@@ -6,6 +6,7 @@ from dataclasses import dataclass
 from typing import Optional
 
 TITLE = "KVX2800T driver"
+SUBJECT = "IVI-C driver for the KVX2800T family of programmable multi-channel DC power supplies"
 
 
 @dataclass(frozen=True)
@@ -33,6 +34,8 @@ CHAPTERS = (
     Chapter("python", "Python", "python/README.md"),
     Chapter("csharp", "C#", "csharp/README.md"),
     Chapter("environments", "Languages and tools", "docs/environments.md"),
+    Chapter("matlab", "MATLAB", "docs/matlab.md"),
+    Chapter("labview", "LabVIEW", "docs/labview.md"),
     Chapter("store", "The configuration store", "tools/store/README.md"),
     Chapter("reliability", "What can be relied on", "docs/reliability.md"),
     Chapter("troubleshooting", "When it does not work", "docs/troubleshooting.md"),

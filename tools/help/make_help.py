@@ -14,7 +14,7 @@ from collections.abc import Callable, Mapping
 from pathlib import Path
 
 import guides
-from chapters import CHAPTERS, TITLE, Chapter, Content
+from chapters import CHAPTERS, SUBJECT, TITLE, Chapter, Content
 from reference import Reference
 
 STYLE = Path(__file__).resolve().parent / "help.css"
@@ -70,7 +70,7 @@ class Help:
 
     def title_page(self) -> str:
         """Of the book."""
-        lead = f"<h1>{TITLE}</h1>\n<p>Version {self._version}</p>\n"
+        lead = f"<h1>{TITLE}</h1>\n<p>{SUBJECT}</p>\n<p>Version {self._version}</p>\n"
         return _document(self._title, "", f"<center>{lead}</center>\n{self._linked(self._notice(), lambda *_: '')}")
 
     @property
@@ -118,7 +118,7 @@ class Help:
 
     def _start(self) -> str:
         items = "".join(f'<li><a href="#{chapter.name}">{chapter.title}</a></li>\n' for chapter in CHAPTERS)
-        body = f"<h1>{self._title}</h1>\n<ol>\n{items}</ol>\n{self._notice()}"
+        body = f"<h1>{self._title}</h1>\n<p>{SUBJECT}</p>\n<ol>\n{items}</ol>\n<h2>Notice</h2>\n{self._notice()}"
         return self._framed(self._title, body, "index")
 
     def _framed(self, title: str, body: str, current: str) -> str:

@@ -393,8 +393,22 @@ TEST_F(WrapperInstrument, HasATimeOut)
     EXPECT_EQ(supply.ioTimeout().get(), 1234);
 }
 
+TEST_F(WrapperInstrument, RemembersMessagesThatItIsAskedToRemember)
+{
+    Session logged(instrument.resource(), {.messageLog = 10});
+    while (!logged.nextMessageRecord().empty())
+        continue;
+    EXPECT_EQ(logged.query("*OPC?"), "1");
+    logged.write(std::string(2000, ' ') + "*CLS");
+    EXPECT_EQ(logged.nextMessageRecord(), "> *OPC?");
+    EXPECT_EQ(logged.nextMessageRecord(), "< 1");
+    EXPECT_EQ(logged.nextMessageRecord(), "> " + std::string(1018, ' ') + "...");
+    EXPECT_EQ(logged.nextMessageRecord(), "");
+}
+
 TEST_F(WrapperInstrument, HasNoRecords)
 {
+    EXPECT_EQ(supply.nextMessageRecord(), "");
     EXPECT_EQ(supply.nextCoercionRecord(), "");
     EXPECT_EQ(supply.nextInterchangeWarning(), "");
     EXPECT_EQ(supply.resetInterchangeCheck(), VI_SUCCESS);

@@ -55,11 +55,12 @@ TEST(WrapperOptions, HaveEveryKey)
                        .dataBits = 7,
                        .parity = Parity::even,
                        .stopBits = StopBits::oneAndHalf,
-                       .flowControl = FlowControl::rtsCts}
+                       .flowControl = FlowControl::rtsCts,
+                       .messageLog = 100}
                    .text()),
               "DriverSetup=Model:KVX2833T,Profile:Bench,SafeErrors:1,FreshReplies:0,DetailedErrors:1,TrueReadings:0,"
               "CheckedOptions:1,StatefulSimulation:0,OpenTimeout:3000,IoTimeout:250,BaudRate:115200,DataBits:7,"
-              "Parity:Even,StopBits:1.5,FlowControl:RtsCts");
+              "Parity:Even,StopBits:1.5,FlowControl:RtsCts,MessageLog:100");
 }
 
 TEST(WrapperOptions, SpellEveryWord)

@@ -44,11 +44,11 @@ constexpr auto kLogOptions = std::to_array<Option>({
 });
 
 constexpr auto kPanelOptions = std::to_array<Option>({
-    {"--port", "N", "The TCP port of the page; 0 takes any free one [0]"},
-    {"--bind", "ADDRESS", "The IP address of the page [127.0.0.1]"},
-    {"--no-browser", "", "Do not open the browser"},
-    {"--simulate", "", "Drive an instrument inside the program, as without a resource"},
-    {"--until-input-ends", "", "End when the standard input does"},
+    {"--port", "N", "The port of the page; 0 takes any free one [0]"},
+    {"--bind", "ADDRESS",
+     "The IP address of the page; another than a loopback address lets other machines in [127.0.0.1]"},
+    {"--no-browser", "", "Open no browser"},
+    {"--until-stdin-closes", "", "End when the standard input does, too"},
 });
 
 constexpr auto kResource = std::to_array<Positional>({{"RESOURCE", "As --resource", Occurrence::AtMostOnce}});
@@ -68,6 +68,8 @@ constexpr auto kDelayFile = std::to_array<Positional>({
     {"CHANNELS", "Such as CH1, CH1,CH3 or CH1-3"},
     {"FILE", "Rows of on or off and a duration; - is the standard input"},
 });
+constexpr auto kPanelResource = std::to_array<Positional>(
+    {{"RESOURCE", "The instrument [a simulated one that remembers]", Occurrence::AtMostOnce}});
 constexpr auto kMessages =
     std::to_array<Positional>({{"MESSAGES", "Messages to be sent [lines of the input]", Occurrence::AnyTimes}});
 
@@ -88,8 +90,8 @@ std::vector<Command> makeTable()
     static const OptionLists listLoadOptions = withSession(kListLoadOptions);
     static const OptionLists delayLoadOptions = withSession(kDelayLoadOptions);
     static const OptionLists runOptions = withSession(kRunOptions);
+    static const OptionLists panelOptions = {kPanelOptions, kJson};
     static const OptionLists logOptions = withSession(kLogOptions, {});
-    static const OptionLists panelOptions = {kPanelOptions, connectionOptions().first(1)};
     return {
         {"find", "Show what VISA finds, and what the configuration store has.", {}, onlyJson, commands::find},
         {"identify", "Tell which instrument it is.", kResource, session, commands::identify},
@@ -116,7 +118,8 @@ std::vector<Command> makeTable()
         {"delay stop", "Stop delay programs.", kChannels, session, commands::stopDelay},
         {"log", "Write what channels give, at equal times, until Ctrl-C.", kAnyChannels, logOptions, commands::log},
         {"scpi", "Send messages of your own, and show what is answered and noted.", kMessages, session, commands::scpi},
-        {"panel", "Serve a front panel to the browser, until Ctrl-C.", kResource, panelOptions, commands::panel},
+        {"panel", "Show and operate the instrument on a page in the browser, until Ctrl-C.", kPanelResource,
+         panelOptions, commands::panel},
     };
 }
 

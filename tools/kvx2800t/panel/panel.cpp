@@ -3,10 +3,8 @@
 #include "tools/kvx2800t/panel/front.h"
 #include "tools/kvx2800t/panel/host.h"
 
-#include <exception>
 #include <iostream>
 #include <memory>
-#include <ostream>
 #include <thread>
 
 namespace panel
@@ -25,33 +23,17 @@ void stopWithInput(const std::shared_ptr<Front>& front)
     }).detach();
 }
 
-void tellWhere(const Front& front, const Options& options, std::ostream& out, std::ostream& err)
-{
-    out << "The panel of " << (options.resource.empty() ? "a simulated instrument" : options.resource) << " is at\n"
-        << front.address() << std::endl;
-    if (front.isOpen())
-        err << "warning: who has this address can operate the instrument, also from other machines, and who listens on "
-               "the network sees it"
-            << std::endl;
-}
-
 } // namespace
 
-int run(const Options& options, std::ostream& out, std::ostream& err)
+void run(const Options& options, const std::function<void(const Place&)>& tell)
 {
-    try {
-        const auto front = std::make_shared<Front>(options.resource, options.bind, options.port);
-        tellWhere(*front, options, out, err);
-        if (options.untilInputEnds)
-            stopWithInput(front);
-        if (options.openBrowser)
-            openBrowser(front->visitAddress());
-        front->run(stopSignals());
-        return 0;
-    } catch (const std::exception& error) {
-        err << error.what() << std::endl;
-        return 1;
-    }
+    const auto front = std::make_shared<Front>(options.resource, options.bind, options.port);
+    tell({front->address(), front->isOpen()});
+    if (options.untilInputEnds)
+        stopWithInput(front);
+    if (options.openBrowser)
+        openBrowser(front->visitAddress());
+    front->run(stopSignals());
 }
 
 } // namespace panel

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <iosfwd>
+#include <functional>
 #include <string>
 
 /// The soft front panel: a page in the browser that shows and operates an instrument.
@@ -20,9 +20,16 @@ struct Options
     bool untilInputEnds = false;
 };
 
-/// Prints the address of the page, with the token that lets in who has it, and serves it until Ctrl-C or SIGTERM.
-/// An instrument that cannot be reached is no reason to end: the page says so, and it is tried again each second.
-/// @return 0, or 1 when the address or the port is not to be had, which `err` tells
-int run(const Options& options, std::ostream& out, std::ostream& err);
+/// Where the page is.
+struct Place
+{
+    std::string address; ///< with the token that lets in who has it
+    bool isOpen = false; ///< to other machines
+};
+
+/// Tells the place of the page and serves it until Ctrl-C or SIGTERM. An instrument that cannot be reached is no reason
+/// to end: the page says so, and it is tried again each second.
+/// @throws std::exception when the address or the port is not to be had
+void run(const Options& options, const std::function<void(const Place&)>& tell);
 
 } // namespace panel
