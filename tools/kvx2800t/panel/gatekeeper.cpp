@@ -90,24 +90,30 @@ std::string_view reachable(std::string_view address)
 }
 
 constexpr std::string_view kScheme = "http://";
+constexpr std::string_view kWebSocket = "/ws";
+
+/// The port that browsers leave out.
+constexpr std::string_view kDefaultPort = "80";
 
 } // namespace
 
 Gatekeeper::Gatekeeper(std::string_view address, unsigned short port)
     : port_(std::to_string(port)), place_(bracketed(reachable(address)) + ':' + port_), isOpen_(!isLoopback(address)),
-      token_(randomToken()), visit_(randomToken())
+      token_(randomToken()), assetToken_(randomToken()), visit_(randomToken())
 {
 }
 
 std::string Gatekeeper::cookie() const
 {
-    // Cookies do not know ports: panels beside each other have their own.
-    return "kvx2800t-" + port_ + '=' + token_ + "; HttpOnly; SameSite=Strict; Path=/";
+    // Panels beside each other have their own.
+    return "kvx2800t-" + port_ + '=' + assetToken_ + "; HttpOnly; SameSite=Strict; Path=/";
 }
 
 bool Gatekeeper::knowsHost(std::string_view host) const
 {
     const std::string ending = ':' + port_;
+    if (port_ == kDefaultPort && host.substr(host.size() - std::min(host.size(), ending.size())) != ending)
+        return knowsHost(std::string(host) + ending);
     if (host == place_)
         return true;
     if (host.size() <= ending.size() || host.substr(host.size() - ending.size()) != ending)
@@ -117,10 +123,11 @@ bool Gatekeeper::knowsHost(std::string_view host) const
     return std::find(kOwnNames.begin(), kOwnNames.end(), host) != kOwnNames.end() || (isOpen_ && isAddress(host));
 }
 
-bool Gatekeeper::showsToken(const HttpRequest& request) const
+bool Gatekeeper::isLetIn(const HttpRequest& request) const
 {
-    return isSame(token_, valueOf(targetOf(request.target).query, '&', "token")) ||
-           isSame(token_, valueOf(request.cookie, ';', "kvx2800t-" + port_));
+    const auto [path, query] = targetOf(request.target);
+    return isSame(token_, valueOf(query, '&', "token")) ||
+           (path != kWebSocket && isSame(assetToken_, valueOf(request.cookie, ';', "kvx2800t-" + port_)));
 }
 
 Verdict Gatekeeper::judge(const HttpRequest& request)
@@ -136,11 +143,11 @@ Verdict Gatekeeper::judge(const HttpRequest& request)
         visit_.clear();
         return {303, "this way", {}};
     }
-    if (!showsToken(request))
+    if (!isLetIn(request))
         return {403, "the token is missing or wrong; the panel printed the address with it when it started", {}};
     if (request.method != "GET")
         return {405, "the panel answers GET", {}};
-    if (path == "/ws")
+    if (path == kWebSocket)
         return request.isUpgrade ? Verdict{101, {}, {}} : Verdict{404, "this is for WebSockets", {}};
     return {200, {}, path == "/" ? std::string_view("/index.html") : path};
 }

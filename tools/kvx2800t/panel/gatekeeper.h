@@ -48,19 +48,21 @@ public:
     /// it has been used up.
     std::string visitAddress() const { return "http://" + place_ + "/?token=" + visit_; }
 
-    /// The field of the answer with the page that lets its assets in.
+    /// The field of the answer with the page that lets in to its assets, and to nothing else: a browser shows a cookie
+    /// to every server of this machine, whatever its port.
     std::string cookie() const;
 
     Verdict judge(const HttpRequest& request);
 
 private:
     bool knowsHost(std::string_view host) const;
-    bool showsToken(const HttpRequest& request) const;
+    bool isLetIn(const HttpRequest& request) const;
 
     std::string port_;
     std::string place_; ///< "127.0.0.1:8080"
     bool isOpen_;       ///< to other machines
     std::string token_;
+    std::string assetToken_;
     std::string visit_;
 };
 

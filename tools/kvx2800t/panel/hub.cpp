@@ -252,6 +252,7 @@ private:
     void operate(const WaitingAction& waiting)
     {
         const Action& action = waiting.request.action;
+        static_cast<void>(instrument_->takeMessages()); // the readings'
         Result result;
         try {
             result = successOf(waiting.request.id, instrument_->perform(action));
@@ -260,7 +261,7 @@ private:
         } catch (const std::exception& error) {
             result = failureOf(waiting.request.id, "FAILED", error.what());
         }
-        tellLines(waiting, {});
+        tellLines(waiting, instrument_->takeMessages());
         tellResult(waiting.page, result);
         attempt([this, &action] { tellOfChange(action); });
     }

@@ -1,6 +1,7 @@
 #include "tools/kvx2800t/panel/instrument.h"
 
 #include <algorithm>
+#include <chrono>
 #include <sstream>
 
 namespace panel
@@ -22,6 +23,15 @@ std::string unquoted(const std::string& text)
     if (text.size() < 2 || text.front() != '"' || text.back() != '"')
         return text;
     return text.substr(1, text.size() - 2);
+}
+
+/// Beyond what lines for programs say: what is shown of the messages, and how soon a lost link is one.
+kvx2800t::Options ownOptionsFor(const std::string& resource)
+{
+    kvx2800t::Options options = optionsFor(resource);
+    options.messageLog = 1000;
+    options.ioTimeout = std::chrono::seconds(1);
+    return options;
 }
 
 std::string allChannels()
@@ -52,7 +62,7 @@ ViStatus loadList(const kvx2800t::ListProgram& list, const Action& action)
 
 } // namespace
 
-Instrument::Instrument(const std::string& resource) : session_(resource, optionsFor(resource))
+Instrument::Instrument(const std::string& resource) : session_(resource, ownOptionsFor(resource))
 {
     state_.identity = readIdentity();
     readSettings();
@@ -72,6 +82,14 @@ SessionTexts Instrument::sessionTexts(const std::string& resource)
 Identity Instrument::readIdentity()
 {
     return identityIn(session_.query("*IDN?"));
+}
+
+std::vector<std::string> Instrument::takeMessages()
+{
+    std::vector<std::string> messages;
+    for (std::string message = session_.nextMessageRecord(); !message.empty(); message = session_.nextMessageRecord())
+        messages.push_back(std::move(message));
+    return messages;
 }
 
 ViStatus Instrument::perform(const Action& action)

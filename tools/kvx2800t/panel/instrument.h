@@ -20,10 +20,14 @@ public:
     /// Opens a session and reads who the instrument is, its settings and which channels have lists.
     explicit Instrument(const std::string& resource);
 
+    /// How a program would open such a session.
     static SessionTexts sessionTexts(const std::string& resource);
 
     /// Does what the action asks for; a warning or VI_SUCCESS.
     ViStatus perform(const Action& action);
+
+    /// What the session has sent ("> ") and received ("< ") since this was asked last, a thousand messages at most.
+    std::vector<std::string> takeMessages();
 
     /// What is set, and the source mode.
     void readSettings();

@@ -285,6 +285,8 @@ private:
             Response response = plainResponse(request, verdict.status, verdict.text);
             if (verdict.status == 405)
                 response.set(http::field::allow, "GET");
+            // Whoever is not let in does not keep a connection from who is.
+            response.keep_alive(false);
             write(std::move(response));
         }
         }

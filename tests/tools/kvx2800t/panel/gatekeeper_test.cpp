@@ -24,14 +24,18 @@ public:
 
     HttpRequest upgrade(std::string_view origin)
     {
-        HttpRequest made = request("/ws");
+        HttpRequest made = request(withToken);
         made.isUpgrade = true;
         made.origin = origin;
         return made;
     }
 
+    /// What a browser shows of it.
+    std::string cookieOf(const Gatekeeper& other) const { return other.cookie().substr(0, other.cookie().find(';')); }
+
     Gatekeeper gatekeeper{"127.0.0.1", 8080};
-    std::string cookie = "other=1; kvx2800t-8080=" + gatekeeper.token() + "; more=2";
+    std::string cookie = "other=1; " + cookieOf(gatekeeper) + "; more=2";
+    std::string withToken = "/ws?token=" + gatekeeper.token();
 };
 
 } // namespace
@@ -42,7 +46,9 @@ TEST_F(PanelGatekeeper, TokensAre128BitsAndNoTwoAreTheSame)
     EXPECT_EQ(gatekeeper.token().find_first_not_of("0123456789abcdef"), std::string::npos);
     EXPECT_NE(gatekeeper.token(), Gatekeeper("127.0.0.1", 8080).token());
     EXPECT_EQ(gatekeeper.pageAddress(), "http://127.0.0.1:8080/?token=" + gatekeeper.token());
-    EXPECT_EQ(gatekeeper.cookie(), "kvx2800t-8080=" + gatekeeper.token() + "; HttpOnly; SameSite=Strict; Path=/");
+    EXPECT_EQ(gatekeeper.cookie().find("kvx2800t-8080="), 0U);
+    EXPECT_EQ(gatekeeper.cookie().find(gatekeeper.token()), std::string::npos);
+    EXPECT_EQ(gatekeeper.cookie().substr(14 + 32), "; HttpOnly; SameSite=Strict; Path=/");
 }
 
 TEST_F(PanelGatekeeper, TheTokenLetsInByAddressAndByCookie)
@@ -58,7 +64,7 @@ TEST_F(PanelGatekeeper, TheTokenLetsInByAddressAndByCookie)
 
 TEST_F(PanelGatekeeper, WithoutItNothingIsServedNotEvenWhatThereIsNot)
 {
-    cookie = "kvx2800t-8081=" + gatekeeper.token();
+    cookie = "kvx2800t-8081=" + cookieOf(gatekeeper).substr(14) + "; kvx2800t-8080=" + gatekeeper.token();
     std::string wrong = gatekeeper.token();
     wrong.back() = wrong.back() == '0' ? '1' : '0';
     for (const std::string& target :
@@ -90,7 +96,7 @@ TEST_F(PanelGatekeeper, OtherMachinesReachItByAddressesAndNotByNames)
     gatekeeper = Gatekeeper("0.0.0.0", 8080);
     EXPECT_TRUE(gatekeeper.isOpen());
     EXPECT_EQ(gatekeeper.pageAddress(), "http://127.0.0.1:8080/?token=" + gatekeeper.token());
-    cookie = "kvx2800t-8080=" + gatekeeper.token();
+    cookie = cookieOf(gatekeeper);
     HttpRequest made = request("/");
     made.host = "192.168.1.20:8080";
     EXPECT_EQ(gatekeeper.judge(made).status, 200U);
@@ -103,6 +109,23 @@ TEST_F(PanelGatekeeper, OtherMachinesReachItByAddressesAndNotByNames)
     EXPECT_FALSE(Gatekeeper("127.0.0.2", 80).isOpen());
 }
 
+TEST_F(PanelGatekeeper, BrowsersLeaveTheDefaultPortOut)
+{
+    gatekeeper = Gatekeeper("127.0.0.1", 80);
+    withToken = "/ws?token=" + gatekeeper.token();
+    HttpRequest made = upgrade("http://127.0.0.1");
+    const auto status = [this, &made](const std::string& host) {
+        const std::string origin = "http://" + host;
+        made.host = host;
+        made.origin = origin;
+        return gatekeeper.judge(made).status;
+    };
+    for (const char* host : {"127.0.0.1", "127.0.0.1:80", "localhost", "[::1]"})
+        EXPECT_EQ(status(host), 101U) << host;
+    for (const char* host : {"evil.example", "", "80", ":80", "127.0.0.1:81"})
+        EXPECT_EQ(status(host), 403U) << host;
+}
+
 TEST_F(PanelGatekeeper, AWebSocketIsForPagesOfThePanel)
 {
     EXPECT_EQ(gatekeeper.judge(upgrade("http://127.0.0.1:8080")).status, 101U);
@@ -112,7 +135,9 @@ TEST_F(PanelGatekeeper, AWebSocketIsForPagesOfThePanel)
         EXPECT_EQ(gatekeeper.judge(upgrade(origin)).status, 403U) << origin;
         EXPECT_EQ(gatekeeper.judge(upgrade(origin)).text, "this is not a page of the panel");
     }
-    EXPECT_EQ(gatekeeper.judge(request("/ws")).status, 404U);
+    EXPECT_EQ(gatekeeper.judge(request(withToken)).status, 404U);
+    withToken = "/ws"; // the cookie is for assets
+    EXPECT_EQ(gatekeeper.judge(upgrade("http://127.0.0.1:8080")).status, 403U);
 }
 
 TEST_F(PanelGatekeeper, APageOfAnotherOriginGetsNothing)

@@ -222,6 +222,7 @@ TEST_F(PanelHub, ALevelThatIsSetIsReadBackAndMeasured)
     EXPECT_DOUBLE_EQ(channelOf(state, 3).reading.volts, 2.5);
     EXPECT_TRUE(channelOf(state, 3).condition.constantVoltage());
     const Lines lines = recorder.lines(1);
+    EXPECT_EQ(lines.scpi, (std::vector<std::string>{"> :SOUR3:VOLT 2.500000"}));
     EXPECT_EQ(lines.c.at(0), "KVX2800T_ConfigureVoltageLevel(vi, \"OutputChannel3\", 2.5);");
     EXPECT_EQ(lines.python.at(0), "supply.channels[\"CH3\"].voltage_level = 2.5");
 }
@@ -330,6 +331,13 @@ TEST_F(PanelHubOnTcp, TellsOfTheErrorsOfTheInstrument)
     EXPECT_EQ(report.entries[0].message, "Queue overflow");
     EXPECT_TRUE(done(action(ActionKind::ClearErrors)).ok);
     EXPECT_TRUE(recorder.errors([](const ErrorReport& told) { return told.cleared; }).entries.empty());
+}
+
+TEST_F(PanelHubOnTcp, LinesHaveWhatWasSentAndReceivedForTheActionAlone)
+{
+    recorder.connected();
+    EXPECT_TRUE(done(action(ActionKind::SetOutput, 1, 0.0, true)).ok);
+    EXPECT_EQ(recorder.lines(1).scpi, (std::vector<std::string>{"> :SOUR:Mode?", "< NORMAL", "> :OUTP:STAT CH1,ON"}));
 }
 
 TEST_F(PanelHubOnTcp, AnOverCurrentIsSeenToTrip)

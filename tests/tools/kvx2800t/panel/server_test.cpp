@@ -96,7 +96,8 @@ Tcp::socket connected(net::io_context& context, const std::string& host)
 class Browser
 {
 public:
-    explicit Browser(const Gatekeeper& gatekeeper) : host(hostOf(gatekeeper.pageAddress())) {}
+    explicit Browser(const Gatekeeper& gatekeeper) : Browser(hostOf(gatekeeper.pageAddress())) {}
+    explicit Browser(std::string place) : host(place), place_(std::move(place)) {}
 
     Response get(const std::string& target, http::verb method = http::verb::get)
     {
@@ -119,7 +120,7 @@ public:
     Response answerTo(const std::string& bytes)
     {
         net::io_context context;
-        Tcp::socket socket = connected(context, place);
+        Tcp::socket socket = connected(context, place_);
         error_code ignored;
         net::write(socket, net::buffer(bytes), ignored);
         return read(socket);
@@ -144,7 +145,7 @@ private:
     Response answerTo(const http::request<http::empty_body>& request)
     {
         net::io_context context;
-        Tcp::socket socket = connected(context, place);
+        Tcp::socket socket = connected(context, place_);
         http::write(socket, request);
         return read(socket);
     }
@@ -157,7 +158,7 @@ private:
         return response;
     }
 
-    std::string place = host;
+    std::string place_;
 };
 
 /// A page, as far as its messages go.
@@ -292,7 +293,7 @@ TEST_F(PanelServer, RefusesWebSocketsOfOtherPages)
     browser.origin = "http://" + own;
     const std::string cookie = gatekeeper.cookie();
     browser.cookie = cookie.substr(0, cookie.find(';'));
-    EXPECT_EQ(browser.upgrade("/ws"), 101U);
+    EXPECT_EQ(browser.upgrade("/ws"), 403U);
 }
 
 TEST_F(PanelServer, RequestsThatAreTooLargeOrNoneAreRefused)
@@ -332,6 +333,16 @@ TEST_F(PanelServer, ConnectionsAreKeptForFurtherRequests)
         EXPECT_EQ(response.result_int(), 200U);
         EXPECT_TRUE(response.keep_alive());
     }
+    http::request<http::empty_body> refused(http::verb::get, "/", 11);
+    refused.set(http::field::host, host);
+    http::write(socket, refused);
+    Response response;
+    http::read(socket, buffer, response);
+    EXPECT_EQ(response.result_int(), 403U);
+    EXPECT_FALSE(response.keep_alive());
+    error_code error;
+    http::read(socket, buffer, response, error);
+    EXPECT_EQ(error, http::error::end_of_stream);
 }
 
 TEST_F(PanelServer, GreetsPagesAndPassesMessagesOn)
@@ -473,7 +484,8 @@ TEST_F(PanelFront, TwoPagesSeeOneInstrument)
     one.say(R"({"id":1,"do":"setVoltage","channel":"CH3","value":2.5})");
     EXPECT_EQ(one.hear(R"("type":"lines")"),
               R"({"c":["KVX2800T_ConfigureVoltageLevel(vi, \"OutputChannel3\", 2.5);"],"id":1,"page":true,)"
-              R"("python":["supply.channels[\"CH3\"].voltage_level = 2.5"],"scpi":[],"type":"lines"})");
+              R"("python":["supply.channels[\"CH3\"].voltage_level = 2.5"],"scpi":["> :SOUR3:VOLT 2.500000"],)"
+              R"("type":"lines"})");
     EXPECT_EQ(one.hear(R"("type":"result")"), R"({"id":1,"ok":true,"type":"result"})");
     EXPECT_NE(other.hear(R"("type":"lines")").find(R"("page":false)"), std::string::npos);
     for (TestPage* page : {&one, &other})
