@@ -530,3 +530,61 @@ TEST_F(PanelFront, APageThatComesLaterIsToldOfListsAndErrors)
     one.say(R"({"id":3,"do":"clearErrors"})");
     EXPECT_EQ(late.hear(R"("cleared":true)"), R"({"cleared":true,"entries":[],"type":"errors"})");
 }
+
+/// The program, as a process.
+class PanelProgram : public testing::Test
+{
+public:
+    static kvxtest::ChildProcess started(std::vector<std::string> arguments)
+    {
+        arguments.insert(arguments.begin(), {"panel", "--no-browser", "--until-stdin-closes"});
+        return {KVX_TOOL, arguments};
+    }
+};
+
+TEST_F(PanelProgram, PrintsTheAddressAndServesUntilItsInputEnds)
+{
+    kvxtest::ChildProcess program = started({"--port", "0"});
+    EXPECT_EQ(program.readLine(), "The panel of a simulated instrument is at");
+    const std::string address = program.readLine().value();
+    EXPECT_EQ(address.find("http://127.0.0.1:"), 0U) << address;
+    Browser browser(hostOf(address));
+    EXPECT_EQ(browser.get("/?token=" + tokenIn(address)).body(), findAsset("/index.html")->content);
+    EXPECT_EQ(browser.get("/").result_int(), 403U);
+    program.closeInput();
+    EXPECT_EQ(program.wait(), 0);
+    EXPECT_EQ(program.errorOutput(), "");
+}
+
+TEST_F(PanelProgram, EndsWithCtrlC)
+{
+    kvxtest::ChildProcess program = started({});
+    program.readLine();
+    const std::string address = program.readLine().value();
+    // Served by then, and so no more just starting.
+    EXPECT_EQ(Browser(hostOf(address)).get("/").result_int(), 403U);
+    program.interrupt();
+    EXPECT_EQ(program.wait(), 0);
+}
+
+TEST_F(PanelProgram, SaysWhenThePortIsTakenOrNone)
+{
+    const Server server("127.0.0.1", 0);
+    const std::string port = std::to_string(server.port());
+    kvxtest::ChildProcess taken = started({"--port", port});
+    EXPECT_EQ(taken.wait(), 2);
+    EXPECT_NE(taken.errorOutput().find("cannot listen on 127.0.0.1:" + port + ": "), std::string::npos);
+    kvxtest::ChildProcess none = started({"--port", "65536"});
+    EXPECT_EQ(none.wait(), 2);
+    EXPECT_NE(none.errorOutput().find("--port 65536 is no port: 0 to 65535"), std::string::npos);
+}
+
+TEST_F(PanelProgram, WarnsWhereOtherMachinesAreLetIn)
+{
+    kvxtest::ChildProcess program = started({"--bind", "0.0.0.0"});
+    program.readLine();
+    EXPECT_EQ(program.readLine().value().find("http://127.0.0.1:"), 0U);
+    program.closeInput();
+    EXPECT_EQ(program.wait(), 0);
+    EXPECT_EQ(program.errorOutput().find("warning: who has this address"), 0U) << program.errorOutput();
+}
