@@ -9,8 +9,8 @@ using namespace kvxtest;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-constexpr ViStatus kTruncated = code(0x3FFA4001);
-constexpr ViStatus kInvalidValue = code(0xBFFA0010);
+constexpr ViStatus kTruncatedRead = code(0x3FFA4001);
+constexpr ViStatus kInvalidSize = code(0xBFFA0010);
 constexpr ViStatus kNotSupported = code(0xBFFA4216);
 
 std::string transferFailed(const char* status)
@@ -73,7 +73,7 @@ TEST_F(DirectIo, WhatExceedsTheBufferIsDiscarded)
     open();
     queueReply("0123456789" + std::string(5000, 'x') + "\n");
     queueReply("next\n");
-    EXPECT_EQ(read(4), kTruncated);
+    EXPECT_EQ(read(4), kTruncatedRead);
     EXPECT_EQ(count, 4);
     EXPECT_EQ(buffer, "0123############");
     EXPECT_EQ(timesRecorded(), 0U);
@@ -132,7 +132,7 @@ TEST_F(DirectIo, ARestThatHasArrivedIsDroppedWhateverTheTimeout)
     ASSERT_EQ(KVX2800T_SetIoTimeout(vi, 0), VI_SUCCESS);
     queueReply(std::string(5000, 'z') + "\n");
     queueReply("next\n");
-    EXPECT_EQ(read(4), kTruncated);
+    EXPECT_EQ(read(4), kTruncatedRead);
     EXPECT_EQ(read(5), VI_SUCCESS);
     EXPECT_EQ(buffer, "next\n###########");
 }
@@ -152,17 +152,17 @@ TEST_F(DirectIo, ArgumentsAreChecked)
     refusedAt(KVX2800T_viWrite(vi, nullptr, 1, &count), "KVX2800T_viWrite", "Buffer");
     refusedAt(KVX2800T_viWrite(vi, &byte, 1, nullptr), "KVX2800T_viWrite", "ReturnCount");
     for (const ViInt64 size : std::initializer_list<ViInt64>{0, -1, std::numeric_limits<ViInt64>::min()}) {
-        EXPECT_EQ(read(size), kInvalidValue);
+        EXPECT_EQ(read(size), kInvalidSize);
         EXPECT_EQ(count, 0);
-        expectRecordedOnce(kInvalidValue, "Invalid value '" + std::to_string(size) +
-                                              "' for function 'viRead', parameter 'BufferSize'.");
+        expectRecordedOnce(kInvalidSize, "Invalid value '" + std::to_string(size) +
+                                             "' for function 'viRead', parameter 'BufferSize'.");
         forget();
     }
     count = 77;
     for (const ViInt64 size : std::initializer_list<ViInt64>{-1, 0xFFFFFFFF, std::numeric_limits<ViInt64>::max()}) {
-        EXPECT_EQ(KVX2800T_viWrite(vi, &byte, size, &count), kInvalidValue);
+        EXPECT_EQ(KVX2800T_viWrite(vi, &byte, size, &count), kInvalidSize);
         EXPECT_EQ(count, 0);
-        expectRecordedOnce(kInvalidValue,
+        expectRecordedOnce(kInvalidSize,
                            "Invalid value '" + std::to_string(size) + "' for function 'viWrite', parameter 'Count'.");
         forget();
     }

@@ -279,9 +279,9 @@ TEST_F(InstrumentFunctions, ARangeWithTooLargeANumberDoesNotBlameTheLastReply)
 TEST_F(InstrumentFunctions, NumbersMustBeFinite)
 {
     open();
-    constexpr double kInfinity = std::numeric_limits<double>::infinity();
+    constexpr double kInfinite = std::numeric_limits<double>::infinity();
     const std::vector<std::pair<double, std::string>> numbers = {
-        {std::nan(""), "nan"}, {kInfinity, "inf"}, {-kInfinity, "-inf"}};
+        {std::nan(""), "nan"}, {kInfinite, "inf"}, {-kInfinite, "-inf"}};
     for (const auto& [number, shown] : numbers) {
         const std::string text = outOfRange(shown + " is no finite number.");
         expectRefused(KVX2800T_ConfigureOVPValue(vi, "OutputChannel3", number), kOutOfRange, text);

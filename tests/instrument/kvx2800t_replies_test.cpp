@@ -26,8 +26,8 @@ using kvxtest::outcomeOf;
 using kvxtest::portOn;
 using kvxtest::ScriptedConnection;
 
-constexpr ViStatus kIoError = static_cast<ViStatus>(0xBFFA4214);
-constexpr ViStatus kMaxCount = 0x3FFF0006;
+constexpr ViStatus kReadError = static_cast<ViStatus>(0xBFFA4214);
+constexpr ViStatus kCountReached = 0x3FFF0006;
 
 class Replies
 {
@@ -46,7 +46,7 @@ public:
 
     ViStatus status()
     {
-        static constexpr ViStatus kStatuses[] = {VI_SUCCESS, VI_SUCCESS, VI_SUCCESS, kMaxCount, kTimedOut};
+        static constexpr ViStatus kStatuses[] = {VI_SUCCESS, VI_SUCCESS, VI_SUCCESS, kCountReached, kTimedOut};
         return kStatuses[below(std::size(kStatuses))];
     }
 
@@ -85,7 +85,7 @@ TEST_P(ArbitraryReplies, GiveDocumentedResultsAndNothingElse)
         connection->replies.clear();
         connection->answer(reply, readStatus);
         const Outcome expected =
-            readStatus < 0 ? Outcome{.status = kIoError, .outputs = query.before} : expectedOutcome(query, reply);
+            readStatus < 0 ? Outcome{.status = kReadError, .outputs = query.before} : expectedOutcome(query, reply);
         EXPECT_EQ(outcomeOf(query, instrument), expected) << testing::PrintToString(reply);
     }
 }

@@ -150,16 +150,16 @@ TEST_F(StoreObjects, FirstOfSeveralItemsWithTheSameNameIsFound)
 
 TEST_F(StoreObjects, ManyItemsAreReadByIndexAndByName)
 {
-    constexpr ViInt32 kItems = 20000;
+    constexpr ViInt32 kMany = 20000;
     std::string items;
-    for (ViInt32 item = 1; item <= kItems; ++item) {
+    for (ViInt32 item = 1; item <= kMany; ++item) {
         const std::string number = std::to_string(item);
         items.append("<IviInteger><Name>n").append(number).append("</Name><Value>").append(number);
         items += "</Value></IviInteger>";
     }
     ASSERT_EQ(load(sessionOf("<DataComponents>" + items + "</DataComponents>")), VI_SUCCESS);
     const OwnedHandle components = obtain(IviConfig_GetConfigComponentDataComponentCollection, session());
-    for (ViInt32 item = 1; item <= kItems; ++item) {
+    for (ViInt32 item = 1; item <= kMany; ++item) {
         const std::string name = "n" + std::to_string(item);
         const OwnedHandle byIndex = obtain(IviConfig_GetDataComponentItemByIndex, components, item);
         ASSERT_EQ(readText(IviConfig_GetDataComponentPropertyViString, byIndex, 1), name);

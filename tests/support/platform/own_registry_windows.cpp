@@ -12,7 +12,7 @@ namespace
 constexpr auto kFolderKey = L"SOFTWARE\\IVI";
 constexpr auto kStoreKey = L"SOFTWARE\\IVI\\CONFIGURATIONSERVER";
 
-void require(LSTATUS status, const char* action)
+void requireDone(LSTATUS status, const char* action)
 {
     if (status != ERROR_SUCCESS)
         throw std::system_error(static_cast<int>(status), std::system_category(), action);
@@ -33,7 +33,7 @@ OwnRegistry::OwnRegistry()
     const LSTATUS status = RegOverridePredefKey(HKEY_LOCAL_MACHINE, key.get());
     if (status != ERROR_SUCCESS)
         RegDeleteTreeW(HKEY_CURRENT_USER, name_.c_str());
-    require(status, "override the registry");
+    requireDone(status, "override the registry");
 }
 
 OwnRegistry::~OwnRegistry()
@@ -45,16 +45,17 @@ OwnRegistry::~OwnRegistry()
 OwnRegistry::Key OwnRegistry::makeKey(HKEY parent, const std::wstring& name, DWORD access)
 {
     HKEY key = nullptr;
-    require(RegCreateKeyExW(parent, name.c_str(), 0, nullptr, REG_OPTION_VOLATILE, access, nullptr, &key, nullptr),
-            "make a key of the registry");
+    requireDone(RegCreateKeyExW(parent, name.c_str(), 0, nullptr, REG_OPTION_VOLATILE, access, nullptr, &key, nullptr),
+                "make a key of the registry");
     return Key(key);
 }
 
 void OwnRegistry::set(const Place& place, DWORD type, const void* value, std::size_t bytes)
 {
     const Key key = makeKey(HKEY_LOCAL_MACHINE, place.key, KEY_SET_VALUE | place.view);
-    require(RegSetValueExW(key.get(), place.name, 0, type, static_cast<const BYTE*>(value), static_cast<DWORD>(bytes)),
-            "set a value of the registry");
+    requireDone(
+        RegSetValueExW(key.get(), place.name, 0, type, static_cast<const BYTE*>(value), static_cast<DWORD>(bytes)),
+        "set a value of the registry");
 }
 
 bool OwnRegistry::hasTwoViews()

@@ -29,6 +29,13 @@ TEST(Columns, AreAsWideAsTheirWidestCell)
     EXPECT_EQ(columns({}), "");
 }
 
+TEST(Counted, HasTheWordInItsNumber)
+{
+    EXPECT_EQ(counted(0, "gap"), "0 gaps");
+    EXPECT_EQ(counted(1, "gap"), "1 gap");
+    EXPECT_EQ(counted(2, "gap"), "2 gaps");
+}
+
 struct Outputs
 {
     std::istringstream in;

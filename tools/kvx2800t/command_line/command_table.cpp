@@ -90,7 +90,7 @@ std::vector<Command> makeTable()
     static const OptionLists listLoadOptions = withSession(kListLoadOptions);
     static const OptionLists delayLoadOptions = withSession(kDelayLoadOptions);
     static const OptionLists runOptions = withSession(kRunOptions);
-    static const OptionLists panelOptions = {kPanelOptions, kJson};
+    static const OptionLists panelOptions = {kPanelOptions, connectionOptions().first(1), kJson};
     static const OptionLists logOptions = withSession(kLogOptions, {});
     return {
         {"find", "Show what VISA finds, and what the configuration store has.", {}, onlyJson, commands::find},

@@ -35,6 +35,11 @@ void Progress::wipe()
     width_ = 0;
 }
 
+std::string counted(std::int64_t count, const std::string& word)
+{
+    return std::to_string(count) + ' ' + word + (count == 1 ? "" : "s");
+}
+
 std::string columns(const std::vector<std::vector<std::string>>& rows)
 {
     std::vector<std::size_t> widths;

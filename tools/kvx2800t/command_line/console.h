@@ -45,6 +45,9 @@ private:
     std::size_t width_ = 0;
 };
 
+/// "1 reading", "2 readings".
+std::string counted(std::int64_t count, const std::string& word);
+
 /// Rows with their cells in columns, two blanks apart; nothing behind the last cell of a row.
 std::string columns(const std::vector<std::vector<std::string>>& rows);
 

@@ -76,12 +76,12 @@ std::span<const Option> connectionOptions()
 
 std::string resourceOf(const Arguments& arguments)
 {
+    if (arguments.has("--simulate"))
+        return "";
     if (const auto positional = arguments.one("RESOURCE"))
         return *positional;
     if (const auto option = arguments.one("--resource"))
         return *option;
-    if (arguments.has("--simulate"))
-        return "";
     throw UsageError("which instrument? Name it with --resource or in the environment variable KVX2800T_RESOURCE; "
                      "`kvx2800t find` shows what there is");
 }

@@ -16,7 +16,8 @@ namespace command_line
 std::span<const Option> sessionOptions();
 std::span<const Option> connectionOptions();
 
-/// The resource of the command line, of its option --resource or of the environment. UsageError without any.
+/// The resource of the command line, of its option --resource or of the environment; none for a simulation. UsageError
+/// without any.
 std::string resourceOf(const Arguments& arguments);
 
 /// The driver's options that the command line asks for, Profile:Bench among them. UsageError for what is no time-out.

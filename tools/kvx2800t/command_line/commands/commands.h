@@ -31,7 +31,6 @@ void stopDelay(const Arguments& arguments, Console& console);
 
 void log(const Arguments& arguments, Console& console);
 void scpi(const Arguments& arguments, Console& console);
-
 void panel(const Arguments& arguments, Console& console);
 
 } // namespace command_line::commands

@@ -173,6 +173,23 @@ Finding examineConnection(Patient& patient)
     return {Verdict::Fine, "something takes connections there"};
 }
 
+std::string identityOf(const kvx2800t::Session& supply)
+{
+    namespace attribute = kvx2800t::attribute;
+    return supply.get(attribute::instrumentManufacturer) + ' ' + supply.get(attribute::instrumentModel) +
+           ", firmware " + supply.get(attribute::instrumentFirmwareRevision);
+}
+
+/// What answers in the place of the instrument; empty when it does not say.
+std::string strangerAt(const Patient& patient)
+{
+    try {
+        return identityOf(kvx2800t::Session(patient.resource, patient.options));
+    } catch (const kvx2800t::Error&) {
+        return "";
+    }
+}
+
 Finding examineIdentity(Patient& patient)
 {
     kvx2800t::Options checked = patient.options;
@@ -180,14 +197,14 @@ Finding examineIdentity(Patient& patient)
     try {
         patient.supply.emplace(patient.resource, checked);
     } catch (const kvx2800t::Error& error) {
-        return brokenByDriver(error, exitCodeOf(error.code(), Phase::Opening) == ExitCode::WrongInstrument
-                                         ? "this driver is for the KVX2833T: is it the right address?"
-                                         : "does the instrument speak SCPI at that port? Switch it off and on again");
+        if (exitCodeOf(error.code(), Phase::Opening) != ExitCode::WrongInstrument)
+            return brokenByDriver(error, "does the instrument speak SCPI at that port? Switch it off and on again");
+        Finding finding = brokenByDriver(error, "this driver is for the KVX2833T: is it the right address?");
+        if (const std::string stranger = strangerAt(patient); !stranger.empty())
+            finding.text += " It is " + stranger;
+        return finding;
     }
-    namespace attribute = kvx2800t::attribute;
-    return {Verdict::Fine, patient.supply->get(attribute::instrumentManufacturer) + ' ' +
-                               patient.supply->get(attribute::instrumentModel) + ", firmware " +
-                               patient.supply->get(attribute::instrumentFirmwareRevision)};
+    return {Verdict::Fine, identityOf(*patient.supply)};
 }
 
 Finding examineStatus(Patient& patient)

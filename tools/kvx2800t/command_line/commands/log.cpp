@@ -269,22 +269,21 @@ private:
             return;
         progress_.wipe();
         file_.write(format_->gap(*gap));
-        console_.errors << "gap from " << seconds(gap->from) << " s to " << seconds(gap->to) << " s, " << gap->missed
-                        << " readings missing: " << gap->reason << '\n'
+        console_.errors << "gap from " << seconds(gap->from) << " s to " << seconds(gap->to) << " s, "
+                        << counted(gap->missed, "reading") << " missing: " << gap->reason << '\n'
                         << std::flush;
     }
 
     void showProgress()
     {
         if (!file_.isStandardOutput())
-            progress_.show(seconds(now()) + " s, " + std::to_string(taken_) + " readings, " +
-                           std::to_string(gaps_.gaps()) + " gaps");
+            progress_.show(seconds(now()) + " s, " + counted(taken_, "reading") + ", " + counted(gaps_.gaps(), "gap"));
     }
 
     void summarise()
     {
-        console_.errors << taken_ << " readings in " << seconds(now()) << " s, " << gaps_.gaps() << " gaps, "
-                        << gaps_.missed() << " readings missing\n";
+        console_.errors << counted(taken_, "reading") << " in " << seconds(now()) << " s, "
+                        << counted(gaps_.gaps(), "gap") << ", " << counted(gaps_.missed(), "reading") << " missing\n";
     }
 
     const kvx2800t::Session& supply_;

@@ -15,14 +15,14 @@ unsigned short portOf(const std::string& text)
     unsigned short port = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), port);
     if (error != std::errc() || end != text.data() + text.size())
-        throw UsageError("--port " + text + " is no port: 0 to 65535");
+        throw UsageError("--port: not a number from 0 to 65535: " + text);
     return port;
 }
 
 ::panel::Options panelOptions(const Arguments& arguments)
 {
     ::panel::Options options;
-    options.resource = arguments.one("RESOURCE").value_or("");
+    options.resource = arguments.one("RESOURCE").value_or(arguments.one("--resource").value_or(""));
     options.port = portOf(arguments.one("--port").value_or("0"));
     options.bind = arguments.one("--bind").value_or(options.bind);
     options.openBrowser = !arguments.has("--no-browser");

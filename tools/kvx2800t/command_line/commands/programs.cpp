@@ -92,7 +92,7 @@ void load(const Arguments& arguments, Console& console)
     kvx2800t::Session supply = openSupply(arguments);
     configure(supply, [&] {
         Progress progress(console);
-        progress.show("Loading " + std::to_string(groups.size()) + " groups ...");
+        progress.show("Loading " + counted(static_cast<std::int64_t>(groups.size()), "group") + " ...");
         const auto program = Kind::of(supply.channel(channels));
         program.load(groups);
         if (cycles)
@@ -101,7 +101,7 @@ void load(const Arguments& arguments, Console& console)
             program.endState().set(*end);
     });
     show(console, Document::Object{{"channels", channels}, {"groups", static_cast<int>(groups.size())}},
-         channels + ": " + std::to_string(groups.size()) + " groups loaded\n");
+         channels + ": " + counted(static_cast<std::int64_t>(groups.size()), "group") + " loaded\n");
 }
 
 template <class Kind>
