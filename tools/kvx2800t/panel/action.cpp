@@ -107,7 +107,7 @@ const std::vector<ActionRow>& actionTable()
         {K::Reconnect,
          "reconnect",
          {},
-         {"KVX2800T_close(vi);", "KVX2800T_InitWithOptions(\"$resource\", VI_FALSE, VI_FALSE, \"$options\", &vi);"},
+         {"KVX2800T_close(vi);", R"(KVX2800T_InitWithOptions("$resource", VI_FALSE, VI_FALSE, "$options", &vi);)"},
          {"supply.close()", "supply = Supply(\"$resource\"$simulate)"}},
         {K::Reset, "reset", {}, {"KVX2800T_reset(vi);"}, {"supply.reset()"}},
     };

@@ -96,7 +96,7 @@ std::optional<int> channelOf(std::string_view word)
 void checkNames(const Json& object, const std::set<std::string_view>& names)
 {
     for (const auto& member : object.items())
-        if (names.count(member.key()) == 0)
+        if (!names.contains(member.key()))
             throw ShapeError("there is no " + quotedName(member.key()) + " in it");
 }
 
