@@ -4,6 +4,7 @@
 #include "tools/kvx2800t/command_line/failure.h"
 
 #include <charconv>
+#include <ostream>
 
 namespace command_line::commands
 {
