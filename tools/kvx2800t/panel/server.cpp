@@ -9,6 +9,7 @@
 #include <boost/beast/websocket.hpp>
 #include <chrono>
 #include <map>
+#include <memory>
 #include <optional>
 #include <set>
 #include <stdexcept>
@@ -107,23 +108,19 @@ struct Shared
     Outbox::Message state = {};
 };
 
-/// Counts a connection for as long as it lives.
-class Counted
+struct Leave
 {
-public:
-    explicit Counted(Shared& shared) : shared_(&shared) { ++shared_->connections; }
-    Counted(Counted&& other) noexcept : shared_(std::exchange(other.shared_, nullptr)) {}
-    ~Counted()
-    {
-        if (shared_ != nullptr)
-            --shared_->connections;
-    }
-    Counted(const Counted&) = delete;
-    Counted& operator=(const Counted&) = delete;
-
-private:
-    Shared* shared_;
+    void operator()(Shared* shared) const { --shared->connections; }
 };
+
+/// Counts a connection for as long as it lives.
+using Counted = std::unique_ptr<Shared, Leave>;
+
+Counted countIn(Shared& shared)
+{
+    ++shared.connections;
+    return Counted(&shared);
+}
 
 /// A page, once it speaks WebSocket.
 class Page : public std::enable_shared_from_this<Page>
@@ -241,7 +238,10 @@ private:
 class Connection : public std::enable_shared_from_this<Connection>
 {
 public:
-    Connection(Shared& shared, Tcp::socket socket) : shared_(shared), counted_(shared), stream_(std::move(socket)) {}
+    Connection(Shared& shared, Tcp::socket socket)
+        : shared_(shared), counted_(countIn(shared)), stream_(std::move(socket))
+    {
+    }
 
     void read()
     {
