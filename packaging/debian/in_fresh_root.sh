@@ -99,12 +99,13 @@ open_a_name() {
 
 add_and_open() {
     kvx2800t-store add Bench1 --create --logical BenchSupply --resource "$1" >/dev/null &&
-        python3 -m kvx2800t BenchSupply
+        python3 -m kvx2800t BenchSupply &&
+        kvx2800t doctor BenchSupply
 }
 
 look_after_a_store() {
     kvx2800t-store --store /usr/share/doc/kvx2800t/examples/IviConfigurationStore.xml check
-    for program in kvx2800t-store kvx2800t-virtual; do
+    for program in kvx2800t kvx2800t-store kvx2800t-virtual; do
         [ -f "/usr/share/man/man1/$program.1.gz" ]
         [ -f "/usr/share/bash-completion/completions/$program" ]
     done

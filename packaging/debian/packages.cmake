@@ -114,10 +114,14 @@ kvx_debian_package(kvx2800t-tools
     COMPONENTS tools usb-permissions
     SECTION electronics
     SUMMARY "virtual instrument and tools for KVX2800T power supplies"
-    DESCRIPTION "kvx2800t-virtual is a KVX2833T power supply in software, behind a TCP socket,
+    DESCRIPTION "kvx2800t finds power supplies, tells why a connection fails, shows and sets what
+they do, logs readings and serves a front panel to the browser.
+.
+kvx2800t-virtual is a KVX2833T power supply in software, behind a TCP socket,
 HiSLIP, VXI-11 or a serial line. kvx2800t-store looks after the file of an IVI
 configuration store. libvisatrace.so writes down what programs ask of a VISA
 library. A rule for udev lets users reach instruments on USB."
+    DEPENDS "libkvx2800t1 (>= ${PROJECT_VERSION})"
     SUGGESTS "kvx2800t-doc, udev")
 
 kvx_debian_package(python3-kvx2800t INDEPENDENT
@@ -155,7 +159,7 @@ and attributes. Examples in C, C++ and Python.")
 # What has to be built for them. Help, Python package and assembly take programs that not every machine has.
 add_custom_target(package_files)
 add_dependencies(package_files
-    KVX2800T IviCShared IviConfigServer visa visatrace kvx2800t-store kvx2800t-virtual man_pages)
+    KVX2800T IviCShared IviConfigServer visa visatrace kvx2800t kvx2800t-store kvx2800t-virtual man_pages)
 foreach(target help_files python_package csharp)
     if(TARGET ${target})
         add_dependencies(package_files ${target})

@@ -67,12 +67,21 @@ endif()" COMPONENT visa-link)
 endif()
 
 install(TARGETS kvx2800t-virtual RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tools)
+# It finds the driver in the folder beside its own; in /usr the system does.
+set_target_properties(kvx2800t PROPERTIES INSTALL_RPATH "$ORIGIN/../${CMAKE_INSTALL_LIBDIR}")
+install(TARGETS kvx2800t RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tools)
+install(CODE "
+if(CMAKE_INSTALL_PREFIX MATCHES \"(^|/)usr/?$\")
+    file(RPATH_REMOVE FILE \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_BINDIR}/kvx2800t\")
+endif()" COMPONENT tools)
 install(TARGETS visatrace LIBRARY DESTINATION ${private_libdir} COMPONENT tools)
 set(completions ${CMAKE_INSTALL_DATAROOTDIR}/bash-completion/completions)
 install(FILES posix/completion.bash DESTINATION ${completions} COMPONENT tools RENAME kvx2800t-store)
 install(CODE "
-file(CREATE_LINK kvx2800t-store
-    \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${completions}/kvx2800t-virtual\" SYMBOLIC)" COMPONENT tools)
+foreach(program kvx2800t kvx2800t-virtual)
+    file(CREATE_LINK kvx2800t-store
+        \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${completions}/\${program}\" SYMBOLIC)
+endforeach()" COMPONENT tools)
 install(FILES ${PROJECT_SOURCE_DIR}/examples/IviConfigurationStore.xml DESTINATION ${docdir}/examples COMPONENT tools)
 include(posix/man_pages.cmake)
 

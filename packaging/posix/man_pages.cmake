@@ -25,6 +25,8 @@ function(kvx_add_man_page component page purpose command)
     add_dependencies(man_pages man_${page})
 endfunction()
 
+kvx_add_man_page(tools kvx2800t "look at KVX2800T power supplies and drive them"
+    "$<TARGET_FILE:kvx2800t> --help-all" kvx2800t)
 kvx_add_man_page(tools kvx2800t-virtual "a power supply in software"
     $<TARGET_FILE:kvx2800t-virtual> kvx2800t-virtual)
 kvx_add_man_page(tools kvx2800t-store "look after an IVI configuration store"

@@ -40,7 +40,7 @@ def of_width(driver, libraries, platform, session_service, visa):
     } | {folder + name for name in names}
 
 
-X64 = of_width("KVX2800T_64.dll", "Lib_x64", "x64", "IviCShared_64.dll", "visa64.dll")
+X64 = of_width("KVX2800T_64.dll", "Lib_x64", "x64", "IviCShared_64.dll", "visa64.dll") | {"Bin/kvx2800t.exe"}
 X86 = of_width("KVX2800T.dll", "Lib", "x86", "IviCShared.dll", "visa32.dll")
 CONTENTS = {"windows-x64": COMMON | X64, "windows-x86": COMMON | X86, "windows": COMMON | X64 | X86}
 

@@ -11,6 +11,10 @@ set(own_folder Drivers/KVX2800T)
 
 install(TARGETS KVX2800T RUNTIME DESTINATION Bin)
 install(FILES ${PROJECT_SOURCE_DIR}/api/KVX2800T.h ${PROJECT_SOURCE_DIR}/api/KVX2800TInstrument.h DESTINATION Include)
+# Both widths share the folder, and the name.
+if(CMAKE_SIZEOF_VOID_P EQUAL 8)
+    install(TARGETS kvx2800t RUNTIME DESTINATION Bin)
+endif()
 install(FILES ${import_libraries}/KVX2800T.lib ${import_libraries}/KVX2800T.def DESTINATION ${libraries}/msc)
 install(FILES $<TARGET_LINKER_FILE:KVX2800T> DESTINATION ${libraries}/mingw RENAME libKVX2800T.dll.a)
 

@@ -362,6 +362,11 @@ class Packages(InstalledTest):
             ("kvx2800t-store", "add", "--virtual"): ["--virtual", "--virtual-range"],
             ("kvx2800t-store", "add", "--cache", ""): ["0", "1"],
             ("kvx2800t-virtual", "--ser"): ["--serial"],
+            ("kvx2800t", "d"): ["delay", "doctor"],
+            ("kvx2800t", "list", ""): ["load", "show", "run", "watch", "pause", "stop"],
+            ("kvx2800t", "list", "load", "--c"): ["--cycles"],
+            ("kvx2800t", "set", "CH1", "o"): ["on", "off"],
+            ("kvx2800t", "measure", "CH1"): ["CH1"],
         }
         for words, expected in cases.items():
             with self.subTest(words=words):

@@ -8,6 +8,7 @@ WINEPREFIX, or one of its own (cmake/host/wine.sh). This Wine has no programs of
 """
 
 import contextlib
+import hashlib
 import os
 import pathlib
 import re
@@ -85,7 +86,8 @@ def files(folder):
 
 
 def contents(*folders):
-    return {path: path.read_bytes() for folder in folders for path in folder.rglob("*") if path.is_file()}
+    """The files below folders, each with a digest: a difference is short to tell."""
+    return {path: hashlib.sha256(path.read_bytes()).hexdigest() for folder in folders for path in folder.rglob("*") if path.is_file()}
 
 
 def quoted(text):

@@ -36,6 +36,7 @@ CHAPTERS = (
     Chapter("environments", "Languages and tools", "docs/environments.md"),
     Chapter("matlab", "MATLAB", "docs/matlab.md"),
     Chapter("labview", "LabVIEW", "docs/labview.md"),
+    Chapter("program", "The program kvx2800t", "tools/kvx2800t/README.md"),
     Chapter("store", "The configuration store", "tools/store/README.md"),
     Chapter("reliability", "What can be relied on", "docs/reliability.md"),
     Chapter("troubleshooting", "When it does not work", "docs/troubleshooting.md"),

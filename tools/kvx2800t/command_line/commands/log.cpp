@@ -57,7 +57,8 @@ public:
     {
         std::string text = "seconds";
         for (const std::string& channel : channels())
-            text += ',' + channel + " V," + channel + " A," + channel + " W";
+            for (const char* const unit : {" V", " A", " W"})
+                text.append(",").append(channel).append(unit);
         return text + '\n';
     }
 

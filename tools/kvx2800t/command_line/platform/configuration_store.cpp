@@ -5,6 +5,7 @@
 #include <IviConfigServer.h>
 
 #include <algorithm>
+#include <cstring>
 
 namespace command_line
 {
@@ -74,7 +75,8 @@ std::string textOf(const char* getter, IviConfigHandle object, ViInt32 property)
         text.assign(static_cast<std::size_t>(std::min(status, kLargest)), '\0');
         status = callServer<TextGetter>(getter, object, property, static_cast<ViInt32>(text.size()), text.data());
     }
-    return status < VI_SUCCESS ? "" : std::string(text.c_str());
+    text.resize(status < VI_SUCCESS ? 0 : std::strlen(text.c_str()));
+    return text;
 }
 
 /// The names of the server's functions for a collection.
