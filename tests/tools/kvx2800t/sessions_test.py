@@ -10,6 +10,7 @@ between:
     % control TEXT    tells the virtual instrument's test control
     % file NAME       writes a file of the lines below, up to "% end"
     % store NAME      writes the example of a configuration store, at the virtual instrument
+    % plain NAME      the same with a session of no driver, whose logical name is the driver session's own
     % set NAME VALUE  sets a variable of the environment, up to the end of the session
     % preload         puts the library WITHOUT_MEMORY in front of the driver, up to the end of the session
 
@@ -36,6 +37,20 @@ import unittest
 import urllib.request
 
 SESSIONS = pathlib.Path(__file__).with_name("sessions.txt")
+PLAIN_SESSION = """  <IviSession id="p20">
+      <Name>Oven</Name>
+      <Description></Description>
+      <DataComponents/>
+      <VirtualNames/>
+      <SoftwareModuleName></SoftwareModuleName>
+    </IviSession>
+  </Sessions>"""
+ITS_NAME = """  <IviLogicalName id="p21">
+      <Name>BenchSupplySession</Name>
+      <Description></Description>
+      <IviSession idref="p20"/>
+    </IviLogicalName>
+  </LogicalNames>"""
 EXAMPLE_STORE = pathlib.Path(__file__).parents[3] / "examples/IviConfigurationStore.xml"
 PATIENCE = 60
 
@@ -187,8 +202,10 @@ class Bench:
             self.variables["ASAN_OPTIONS"] = "verify_asan_link_order=0"
         elif word == "file":
             (pathlib.Path(self.folder.name) / rest).write_text(self.filled("".join(lines)), encoding="utf-8")
-        elif word == "store":
+        elif word in ("store", "plain"):
             text = EXAMPLE_STORE.read_text(encoding="utf-8").replace("::5025::", f"::{self.instrument.port}::")
+            if word == "plain":
+                text = text.replace("</Sessions>", PLAIN_SESSION).replace("</LogicalNames>", ITS_NAME)
             (pathlib.Path(self.folder.name) / rest).write_text(text, encoding="utf-8")
         else:
             raise ValueError(deed)

@@ -32,9 +32,10 @@ constexpr Reading kReadings[] = {
     {"1h", Quantity::Time, 3600.0},     {"2E1s", Quantity::Time, 20.0},
 };
 
-constexpr const char* kNoMeasures[] = {"",      "5",       "V",    "5 ",     "5  V", " 5V",    "5V ",  "5,5V", "5X",
-                                       "5 m",   "infV",    "nanV", "1e999V", "0x5V", "+-5V",   "--5V", "5VV",  "1.2.3V",
-                                       "1e400", "1e308kV", "e5V",  "- 5V",   "five", "5\xB5V", "5\tV"};
+constexpr const char* kNoMeasures[] = {"",     "5",      "V",     "5 ",      "5  V",   " 5V",  "5V ",  "5,5V",
+                                       "5X",   "5 m",    "infV",  "nanV",    "1e999V", "0x5V", "+-5V", "--5V",
+                                       "5VV",  "1.2.3V", "1e400", "1e308kV", "e5V",    "- 5V", "five", "5\xB5V",
+                                       "5\tV", "5MV",    "1 MA",  "2Mw",     "3MS"};
 
 TEST(Units, ReadNumbersWithTheirUnit)
 {

@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <system_error>
 
 namespace command_line
 {
@@ -112,7 +113,8 @@ std::string readFile(const std::string& path, std::istream& standardInput)
     // The path is UTF-8 on every host.
     const std::filesystem::path file(std::u8string(path.begin(), path.end()));
     std::ifstream stream(file, std::ios::binary);
-    if (!stream || std::filesystem::is_directory(file))
+    std::error_code ignored;
+    if (!stream || std::filesystem::is_directory(file, ignored))
         throw Failure(ExitCode::File, path + ": cannot be read");
     return bytesOf(stream);
 }

@@ -77,8 +77,16 @@ std::optional<SplitNumber> splitNumber(std::string_view text)
     return split;
 }
 
+/// In front of a unit a capital M is mega, which no supply gives: a slip of the finger is no thousandth.
+bool isMega(std::string_view unit)
+{
+    return unit.size() == 2 && unit.front() == 'M';
+}
+
 const Unit* findUnit(std::string_view text)
 {
+    if (isMega(text))
+        return nullptr;
     std::string lower(text);
     // Not std::tolower, which asks the locale.
     std::transform(lower.begin(), lower.end(), lower.begin(),

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <array>
+#include <string_view>
 
 namespace command_line::commands
 {
@@ -136,11 +137,20 @@ Finding examineName(Patient& patient)
     return {Verdict::Fine, patient.descriptor};
 }
 
+bool isNetworkConnection(std::string_view descriptor)
+{
+    constexpr std::string_view kInterface = "tcpip";
+    // Not std::tolower, which asks the locale.
+    return descriptor.size() > kInterface.size() &&
+           std::equal(kInterface.begin(), kInterface.end(), descriptor.begin(),
+                      [](char letter, char c) { return c == letter || c == letter - 'a' + 'A'; });
+}
+
 /// The host of "TCPIP0::host::...", without the brackets of an IPv6 address; empty for other connections.
 std::string hostOf(const std::string& descriptor)
 {
     std::size_t begin = descriptor.find("::");
-    if (begin == std::string::npos || (!descriptor.starts_with("TCPIP") && !descriptor.starts_with("tcpip")))
+    if (begin == std::string::npos || !isNetworkConnection(descriptor))
         return "";
     begin += 2;
     if (descriptor[begin] == '[')

@@ -13,6 +13,7 @@
 #include <limits>
 #include <memory>
 #include <ostream>
+#include <system_error>
 
 namespace command_line::commands
 {
@@ -121,7 +122,8 @@ public:
             return;
         // The path is UTF-8 on every host.
         const std::filesystem::path file(std::u8string(path.begin(), path.end()));
-        if (!mayReplace && std::filesystem::exists(file))
+        std::error_code ignored;
+        if (!mayReplace && std::filesystem::exists(file, ignored))
             throw Failure(ExitCode::File, path + ": is there already; --force replaces it");
         file_.open(file, std::ios::binary | std::ios::trunc);
         if (!file_)
@@ -219,8 +221,6 @@ public:
 
     void run()
     {
-        // A selector that is wrong is no gap.
-        static_cast<void>(supply_.measureAll(selector_));
         start_ = Clock::now();
         file_.write(format_->title());
         while (!isOver()) {
@@ -308,6 +308,8 @@ void log(const Arguments& arguments, Console& console)
     const LogSettings settings = settingsOf(arguments);
     const kvx2800t::Session supply = openSupply(arguments);
     const auto channels = channelsOf(supply, arguments.one("CHANNELS").value_or(""));
+    // A selector that is wrong is no gap, and takes away no log that is there.
+    static_cast<void>(supply.measureAll(selectorOf(channels)));
     Log(supply, channels, settings, arguments.has("--force"), console).run();
 }
 

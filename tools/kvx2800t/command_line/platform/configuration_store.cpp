@@ -129,10 +129,15 @@ StoredName nameFrom(IviConfigHandle logicalName)
     StoredName stored = {
         textOf("IviConfig_GetLogicalNamePropertyViString", logicalName, IVICONFIG_VAL_LOGICAL_NAME_NAME), ""};
     Object session;
-    if (session.obtain<Getter>("IviConfig_GetLogicalNameSessionReference", logicalName) >= VI_SUCCESS &&
-        session.get() != nullptr)
+    if (session.obtain<Getter>("IviConfig_GetLogicalNameSessionReference", logicalName) < VI_SUCCESS ||
+        session.get() == nullptr)
+        return stored;
+    stored.session =
+        textOf("IviConfig_GetDriverSessionPropertyViString", session.get(), IVICONFIG_VAL_CONFIG_COMPONENT_NAME);
+    stored.leadsToDriver = !stored.session.empty();
+    if (!stored.leadsToDriver)
         stored.session =
-            textOf("IviConfig_GetDriverSessionPropertyViString", session.get(), IVICONFIG_VAL_CONFIG_COMPONENT_NAME);
+            textOf("IviConfig_GetSessionPropertyViString", session.get(), IVICONFIG_VAL_CONFIG_COMPONENT_NAME);
     return stored;
 }
 
@@ -163,8 +168,9 @@ void readInto(ConfigurationStore& contents, IviConfigHandle store)
 
 const StoredSession* ConfigurationStore::sessionOf(const std::string& name) const
 {
-    const auto logical =
-        std::find_if(names.begin(), names.end(), [&name](const StoredName& known) { return known.name == name; });
+    const auto logical = std::find_if(names.begin(), names.end(), [&name](const StoredName& known) {
+        return known.leadsToDriver && known.name == name;
+    });
     const std::string& wanted = logical == names.end() ? name : logical->session;
     const auto session = std::find_if(sessions.begin(), sessions.end(),
                                       [&wanted](const StoredSession& known) { return known.name == wanted; });

@@ -19,7 +19,8 @@ struct StoredSession
 struct StoredName
 {
     std::string name;
-    std::string session; ///< empty when it leads to none
+    std::string session;       ///< empty when it leads to none
+    bool leadsToDriver = true; ///< not to a session that is no driver session
 };
 
 /// What the configuration store of this process has of sessions, by the configuration server that the driver uses.
@@ -30,7 +31,8 @@ struct ConfigurationStore
     std::vector<StoredSession> sessions;
     std::vector<StoredName> names;
 
-    /// The session that a name leads to: a logical name, or the session's own.
+    /// The session that a name leads to: a logical name, or the session's own. As for the driver, only logical names of
+    /// driver sessions stand in front of these.
     const StoredSession* sessionOf(const std::string& name) const;
 };
 
