@@ -15,7 +15,7 @@ using namespace kvxtest;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-constexpr const char* kChannel = "OutputChannel3";
+constexpr const char* kLoggedChannel = "OutputChannel3";
 
 class MessageRecords : public ApiTest
 {
@@ -66,8 +66,8 @@ TEST_F(MessageRecords, AreWhatFunctionsSendAndReceive)
     open("DriverSetup=MessageLog:20");
     all();
     ViReal64 volts = 0.0;
-    EXPECT_EQ(KVX2800T_ConfigureVoltageLevel(vi, kChannel, 4.5), VI_SUCCESS);
-    EXPECT_EQ(KVX2800T_GetAttributeViReal64(vi, kChannel, KVX2800T_ATTR_VOLTAGE_LEVEL, &volts), VI_SUCCESS);
+    EXPECT_EQ(KVX2800T_ConfigureVoltageLevel(vi, kLoggedChannel, 4.5), VI_SUCCESS);
+    EXPECT_EQ(KVX2800T_GetAttributeViReal64(vi, kLoggedChannel, KVX2800T_ATTR_VOLTAGE_LEVEL, &volts), VI_SUCCESS);
     EXPECT_EQ(volts, 4.5);
     EXPECT_THAT(written(), ElementsAre(":SOUR3:VOLT 4.500000\n", ":SOUR3:VOLT?\n"));
     EXPECT_THAT(all(), ElementsAre("> :SOUR3:VOLT 4.500000", "> :SOUR3:VOLT?", "< 4.5"));
@@ -88,9 +88,9 @@ TEST_F(MessageRecords, TellWhatFailed)
     open("DriverSetup=MessageLog:20");
     all();
     ViReal64 volts = 0.0;
-    EXPECT_EQ(KVX2800T_GetAttributeViReal64(vi, kChannel, KVX2800T_ATTR_VOLTAGE_LEVEL, &volts), kIoError);
+    EXPECT_EQ(KVX2800T_GetAttributeViReal64(vi, kLoggedChannel, KVX2800T_ATTR_VOLTAGE_LEVEL, &volts), kIoError);
     failCall("viWrite", code(0xBFFF00A6));
-    EXPECT_EQ(KVX2800T_ConfigureVoltageLevel(vi, kChannel, 1.0), kIoError);
+    EXPECT_EQ(KVX2800T_ConfigureVoltageLevel(vi, kLoggedChannel, 1.0), kIoError);
     EXPECT_THAT(all(),
                 ElementsAre("> :SOUR3:VOLT?", "! receiving failed: 0xBFFF0015 VI_ERROR_TMO, the time-out is over",
                             "> :SOUR3:VOLT 1.000000",
@@ -114,7 +114,7 @@ TEST_F(MessageRecords, OfASessionWithoutTheKeyAreNone)
     {
         startOver();
         ASSERT_EQ(init(options, &vi), VI_SUCCESS) << options;
-        EXPECT_EQ(KVX2800T_ConfigureVoltageLevel(vi, kChannel, 1.0), VI_SUCCESS);
+        EXPECT_EQ(KVX2800T_ConfigureVoltageLevel(vi, kLoggedChannel, 1.0), VI_SUCCESS);
         EXPECT_THAT(all(), IsEmpty()) << options;
         KVX2800T_close(vi);
         vi = VI_NULL;
@@ -128,10 +128,10 @@ TEST_F(MessageRecords, DoNotChangeWhatASessionCalls)
         answer(":SOUR3:VOLT?", "4.5");
         EXPECT_EQ(init(options, &vi), VI_SUCCESS);
         ViReal64 volts = 0.0;
-        KVX2800T_ConfigureVoltageLevel(vi, kChannel, 4.5);
-        KVX2800T_GetAttributeViReal64(vi, kChannel, KVX2800T_ATTR_VOLTAGE_LEVEL, &volts);
-        KVX2800T_GetAttributeViReal64(vi, kChannel, KVX2800T_ATTR_CURRENT_LIMIT, &volts);
-        KVX2800T_MeasureOutput(vi, kChannel, KVX2800T_VAL_MEASURE_VOLTAGE, &volts);
+        KVX2800T_ConfigureVoltageLevel(vi, kLoggedChannel, 4.5);
+        KVX2800T_GetAttributeViReal64(vi, kLoggedChannel, KVX2800T_ATTR_VOLTAGE_LEVEL, &volts);
+        KVX2800T_GetAttributeViReal64(vi, kLoggedChannel, KVX2800T_ATTR_CURRENT_LIMIT, &volts);
+        KVX2800T_MeasureOutput(vi, kLoggedChannel, KVX2800T_VAL_MEASURE_VOLTAGE, &volts);
         KVX2800T_close(vi);
         vi = VI_NULL;
         return calls("vi");
@@ -148,8 +148,8 @@ TEST_F(MessageRecords, OfASimulationThatRemembersAreWhatItIsToldAndAnswers)
     EXPECT_EQ(opening[0], "> *IDN?");
     EXPECT_THAT(opening[1], testing::StartsWith("< Tessaro Instruments,KVX2833T,"));
     ViReal64 volts = 0.0;
-    EXPECT_EQ(KVX2800T_ConfigureVoltageLevel(vi, kChannel, 4.5), VI_SUCCESS);
-    EXPECT_EQ(KVX2800T_GetAttributeViReal64(vi, kChannel, KVX2800T_ATTR_VOLTAGE_LEVEL, &volts), VI_SUCCESS);
+    EXPECT_EQ(KVX2800T_ConfigureVoltageLevel(vi, kLoggedChannel, 4.5), VI_SUCCESS);
+    EXPECT_EQ(KVX2800T_GetAttributeViReal64(vi, kLoggedChannel, KVX2800T_ATTR_VOLTAGE_LEVEL, &volts), VI_SUCCESS);
     EXPECT_EQ(volts, 4.5);
     const std::vector<std::string> records = all();
     ASSERT_EQ(records.size(), 3U);
@@ -164,7 +164,7 @@ TEST_F(MessageRecords, OfASimulationThatRemembersAreWhatItIsToldAndAnswers)
 TEST_F(MessageRecords, OfASimulationThatDoesNotRememberAreNone)
 {
     open("Simulate=1,DriverSetup=MessageLog:20");
-    EXPECT_EQ(KVX2800T_ConfigureVoltageLevel(vi, kChannel, 4.5), VI_SUCCESS);
+    EXPECT_EQ(KVX2800T_ConfigureVoltageLevel(vi, kLoggedChannel, 4.5), VI_SUCCESS);
     EXPECT_THAT(all(), IsEmpty());
 }
 
@@ -172,7 +172,7 @@ TEST_F(MessageRecords, GoOnWhereARealSessionBeginsToSimulate)
 {
     open("DriverSetup=StatefulSimulation:1,MessageLog:20");
     EXPECT_EQ(KVX2800T_SetAttributeViBoolean(vi, "", KVX2800T_ATTR_SIMULATE, VI_TRUE), VI_SUCCESS);
-    EXPECT_EQ(KVX2800T_ConfigureVoltageLevel(vi, kChannel, 7.5), VI_SUCCESS);
+    EXPECT_EQ(KVX2800T_ConfigureVoltageLevel(vi, kLoggedChannel, 7.5), VI_SUCCESS);
     const std::vector<std::string> records = all();
     EXPECT_EQ(records.front(), "> *IDN?");
     EXPECT_EQ(records.back(), "> :SOUR3:VOLT 7.500000");
