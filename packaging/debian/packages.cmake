@@ -114,8 +114,8 @@ kvx_debian_package(kvx2800t-tools
     COMPONENTS tools usb-permissions
     SECTION electronics
     SUMMARY "virtual instrument and tools for KVX2800T power supplies"
-    DESCRIPTION "kvx2800t finds power supplies, tells why a connection fails, shows and sets what
-they do, logs readings and serves a front panel to the browser.
+    DESCRIPTION "kvx2800t finds power supplies, tells why a connection fails, shows and sets
+what they do, logs readings and serves a front panel to the browser.
 .
 kvx2800t-virtual is a KVX2833T power supply in software, behind a TCP socket,
 HiSLIP, VXI-11 or a serial line. kvx2800t-store looks after the file of an IVI

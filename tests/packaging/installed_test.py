@@ -378,7 +378,9 @@ class Packages(InstalledTest):
                     f"{function} {self.installed.bin / words[0]} '{words[-1]}' '{words[-2]}'\n"
                     'printf "%s\\n" "${COMPREPLY[@]}"\n'
                 )
-                self.assertEqual(output("bash", "-c", script).split(), expected)
+                libraries = f"{self.installed.libraries}:{self.installed.platform / 'own'}"
+                seen = output("bash", "-c", script, LD_LIBRARY_PATH=libraries)
+                self.assertEqual(seen.split(), expected)
 
     def test_the_help_is_there_as_pages_and_as_a_document(self):
         folder = self.root / "usr/share/doc/kvx2800t"
