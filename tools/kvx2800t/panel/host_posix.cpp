@@ -27,6 +27,13 @@ void openBrowser(const std::string& address)
     ::posix_spawn_file_actions_destroy(&actions);
 }
 
+void drainInput() noexcept
+{
+    std::array<char, 4096> dropped{};
+    while (::read(STDIN_FILENO, dropped.data(), dropped.size()) > 0) {
+    }
+}
+
 std::vector<int> stopSignals()
 {
     return {SIGINT, SIGTERM};

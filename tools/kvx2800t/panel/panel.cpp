@@ -3,7 +3,6 @@
 #include "tools/kvx2800t/panel/front.h"
 #include "tools/kvx2800t/panel/host.h"
 
-#include <iostream>
 #include <memory>
 #include <thread>
 
@@ -16,8 +15,7 @@ namespace
 void stopWithInput(const std::shared_ptr<Front>& front)
 {
     std::thread([watched = std::weak_ptr<Front>(front)] {
-        while (std::cin.get() != std::istream::traits_type::eof()) {
-        }
+        drainInput();
         if (const auto running = watched.lock())
             running->stop();
     }).detach();
