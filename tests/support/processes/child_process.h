@@ -36,6 +36,9 @@ public:
 
     /// Asks it to end, as Ctrl-C does and as a service manager does. Harmless after its end.
     void interrupt();
+
+    /// Whether processes can be interrupted here: on Windows by a console alone.
+    static bool canInterrupt();
     void terminate();
 
     /// Lets its standard input reach its end.

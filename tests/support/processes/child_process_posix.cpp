@@ -273,6 +273,11 @@ void ChildProcess::closeInput()
     host_->input.writeEnd.close();
 }
 
+bool ChildProcess::canInterrupt()
+{
+    return true;
+}
+
 void ChildProcess::interrupt()
 {
     host_->signal(SIGINT);

@@ -313,6 +313,11 @@ std::string ChildProcess::errorOutput() const
     return host_->errorOutput();
 }
 
+bool ChildProcess::canInterrupt()
+{
+    return GetConsoleCP() != 0;
+}
+
 void ChildProcess::interrupt()
 {
     host_->interrupt();
